@@ -1,0 +1,210 @@
+#include "chartfiles/chart_reader.h"
+
+#include <algorithm>
+
+#include "chartfiles/chart_lines.h"
+#include "chartfiles/chart_text.h"
+#include "chartfiles/series.h"
+#include "core/dates.h"
+#include "core/files.h"
+#include "core/numbers.h"
+#include "core/text.h"
+
+namespace hyetex {
+namespace {
+
+constexpr std::size_t MostNotes = 20;
+
+// Takes the lines of one file into a reading.
+class LineReader {
+ public:
+  LineReader(ChartReading& reading, const ReadingOptions& options) : reading_(reading), options_(options) {}
+
+  void Take(std::string_view line) {
+    ++number_;
+    const ChartLineKind kind = KindOfChartLine(line);
+    if (kind.Kind == ChartLine::Point) {
+      TakePoint(line);
+      return;
+    }
+    if (BeginsAsPoint(line))
+      Note("the point is left out, since its comment holds \"" +
+           std::string(kind.Word.empty() ? ":" : kind.Word) + "\"");
+    TakeValue(kind.Kind, ValueOfChartLine(line));
+    if (EqualIgnoringCase(line.substr(0, DigitizerCommentWord.size()), DigitizerCommentWord))
+      reading_.Chart.DigitizerComment = ValueOfChartLine(line);
+  }
+
+  void Finish(std::string_view fileName) {
+    ChartRecord& chart = reading_.Chart;
+    chart.RawCount = static_cast<std::int16_t>(static_cast<int>(reading_.RawPoints.size()) - 1);
+    GiveCentury(fileName);
+    Left(leftPoints_, "point line", MaxPoint);
+    Left(leftAlphas_, "alpha line", MaxAlpha);
+    if (notes_ > MostNotes)
+      reading_.Notes.push_back("and " + ShortText(static_cast<int>(notes_ - MostNotes)) + " more such lines");
+  }
+
+ private:
+  static constexpr std::string_view DigitizerCommentWord = "DIGITIZER COMMENT:";
+
+  void TakePoint(std::string_view line) {
+    if (static_cast<int>(reading_.RawPoints.size()) > MaxPoint) {
+      ++leftPoints_;
+      return;
+    }
+    RawPoint& point = reading_.RawPoints.emplace_back();
+    const auto first = std::find(line.begin(), line.end(), ',');
+    const auto second = std::find(first + 1, line.end(), ',');
+    point.X = LeadingNumber({line.begin(), first});
+    point.Y = LeadingNumber({first + 1, second});
+    if (second != line.end()) point.Comment.assign(second + 1, line.end());
+  }
+
+  void TakeValue(ChartLine kind, std::string_view value) {
+    ChartRecord& chart = reading_.Chart;
+    switch (kind) {
+      case ChartLine::Start:
+        TakeDate(value, chart.StartTime, startHasTwoDigits_, "start");
+        break;
+      case ChartLine::End:
+        TakeDate(value, chart.EndTime, endHasTwoDigits_, "end");
+        break;
+      case ChartLine::Instrument:
+        chart.InstrumentCode = value;
+        chart.InstrumentIndex = IndexOf(value);
+        break;
+      case ChartLine::Alpha:
+        if (chart.AlphaCount >= MaxAlpha)
+          ++leftAlphas_;
+        else
+          chart.AlphaValues[static_cast<std::size_t>(++chart.AlphaCount)] = LeadingFloat(value);
+        break;
+      case ChartLine::NoAlphaSelected:
+        chart.SelectedAlpha = NoAlpha;
+        break;
+      case ChartLine::AlphaSelected:
+        chart.SelectedAlpha = LeadingFloat(value);
+        break;
+      case ChartLine::GeneralComment:
+        chart.GeneralComment = value;
+        break;
+      case ChartLine::Method:
+        chart.ChartMethod = LeadingInt16(value);
+        break;
+      case ChartLine::DigitizedDepth:
+        chart.DigitizedDepth = LeadingFloat(value);
+        break;
+      case ChartLine::DigitizedTime:
+        chart.DigitizedTime = LeadingFloat(value);
+        break;
+      case ChartLine::ManualDepth:
+        chart.ManualDepth = LeadingFloat(value);
+        break;
+      case ChartLine::EyedDepth:
+        chart.EyedDepth = LeadingFloat(value);
+        break;
+      case ChartLine::SelectedDepth:
+        chart.SelectedDepth = LeadingFloat(value);
+        break;
+      case ChartLine::Reliability:
+        chart.Reliability = LeadingInt16(value);
+        break;
+      case ChartLine::PointCount:
+      case ChartLine::Point:
+      case ChartLine::Other:
+        break;
+    }
+  }
+
+  void TakeDate(std::string_view value, Date& date, bool& hasTwoDigits, std::string_view what) {
+    const auto parsed = ParseDateText(value);
+    if (!parsed) {
+      Note("\"" + ShownText(value.substr(0, 60)) + "\" is no date; the " + std::string(what) +
+           " stays as it is");
+      return;
+    }
+    date = parsed->Value;
+    hasTwoDigits = parsed->TwoDigitYear;
+  }
+
+  // A file's own name knows the century that its two-digit years leave open. Charts from before 1930 exist.
+  void GiveCentury(std::string_view fileName) {
+    const auto name = ParseChartFileName(fileName);
+    if (!name || !startHasTwoDigits_) return;
+    ChartRecord& chart = reading_.Chart;
+    const CalendarTime named = ToCalendar(name->Start), start = ToCalendar(chart.StartTime);
+    if (named.Day != start.Day || named.Month != start.Month || named.Year % 100 != start.Year % 100) return;
+    chart.StartTime = InYear(chart.StartTime, named.Year);
+    if (!endHasTwoDigits_) return;
+    const int endYear = ToCalendar(chart.EndTime).Year % 100;
+    const bool nextCentury = named.Year % 100 == 99 && endYear == 0;
+    chart.EndTime = InYear(chart.EndTime, named.Year - named.Year % 100 + (nextCentury ? 100 : 0) + endYear);
+  }
+
+  static Date InYear(Date date, int year) {
+    const CalendarTime t = ToCalendar(date);
+    return MakeDate(year, t.Month, t.Day, t.Hour, t.Minute, t.Second);
+  }
+
+  std::int16_t IndexOf(std::string_view code) const {
+    for (std::size_t i = 0; i < options_.Stations.size(); ++i)
+      if (EqualIgnoringCase(options_.Stations[i].InstrumentCode, code)) return static_cast<std::int16_t>(i);
+    return -1;
+  }
+
+  void Note(std::string_view what) {
+    if (++notes_ <= MostNotes)
+      reading_.Notes.push_back("line " + ShortText(number_) + ": " + std::string(what));
+  }
+
+  void Left(int left, std::string_view what, int most) {
+    if (left > 0)
+      reading_.Notes.push_back(ShortText(left) + " " + std::string(what) + (left == 1 ? "" : "s") +
+                               " left out: a chart holds " + ShortText(most));
+  }
+
+  ChartReading& reading_;
+  const ReadingOptions& options_;
+  int number_ = 0, leftPoints_ = 0, leftAlphas_ = 0;
+  std::size_t notes_ = 0;
+  bool startHasTwoDigits_ = false, endHasTwoDigits_ = false;
+};
+
+}  // namespace
+
+void ReadChartText(std::string_view text, std::string_view fileName, const ReadingOptions& options,
+                   ChartReading& reading) {
+  reading.Chart = {};
+  reading.Chart.FileName = fileName;
+  reading.RawPoints.assign(1, {});
+  reading.RawPoints.reserve(MaxPoint + 1);
+  reading.Notes.clear();
+  LineReader lines(reading, options);
+  ForEachLine(text, [&](std::string_view line) { lines.Take(line); });
+  lines.Finish(fileName);
+  BuildSeries(options.UseAlpha, options.MinimalLapse, reading);
+}
+
+void ReadStoredChart(std::string_view text, const ReadingOptions& options, ChartReading& reading) {
+  if (text.empty()) return;
+  std::string name;
+  bool first = true;
+  ForEachLine(text, [&](std::string_view line) {
+    if (first) name = line;
+    first = false;
+  });
+  ReadChartText(text, name, options, reading);
+  reading.Chart.FileName = ChartFileName(reading.Chart.InstrumentCode, reading.Chart.StartTime);
+}
+
+Result<void> ReadChartFile(const std::string& path, const std::string& programFolder,
+                           const ReadingOptions& options, ChartReading& reading) {
+  const auto bytes = ReadWholeFile(
+      HasSeparator(path) ? path : JoinPath(JoinPath(programFolder, "Data"), path), MostChartBytes);
+  if (!bytes) return Failure(bytes.error());
+  ReadChartText(*bytes, BaseName(path), options, reading);
+  return {};
+}
+
+}  // namespace hyetex

@@ -1,0 +1,128 @@
+#include "chartfiles/saving.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "core/files.h"
+#include "core/numbers.h"
+#include "core/text.h"
+#include "staging/definitions.h"
+
+namespace hyetex {
+namespace {
+
+constexpr Rgb Red{255, 0, 0};
+
+Date Joined(Date date, Date time) { return std::floor(date) + (time - std::floor(time)); }
+
+// The task list shows the row of this setting as the next chart to digitize; 0 is no row. A settings file that
+// cannot be written does not undo the chart file.
+void RaiseTaskRow(const std::string& programFolder) {
+  constexpr std::string_view key = "frmTasks-Row";
+  const int row = LeadingInt16(GetDefinition(programFolder, key));
+  if (row != 0) (void)SetDefinition(programFolder, key, ShortText(row + 1));
+}
+
+std::string JoinedLines(const std::vector<std::string>& lines) {
+  std::string text;
+  for (const std::string& line : lines) text.append(text.empty() ? "" : "\n").append(line);
+  return text;
+}
+
+}  // namespace
+
+Result<ChartOrigin> OriginOfChart(const ReferenceLists& lists, const ChartRecord& chart, std::string user) {
+  const int station = chart.InstrumentIndex;
+  if (station < 0)
+    return Failure("No station has the task's instrument code \"" + ShownText(chart.InstrumentCode) + "\"");
+  const StationRecord& record = lists.Stations[static_cast<std::size_t>(station)];
+  if (record.InstrumentCode.empty()) return Failure("The task's station has no instrument code");
+  if (const auto why = CheckInstrumentCode(record.InstrumentCode)) return Failure(*why);
+  return ChartOrigin{StationCoreName(lists, station), StationAgencyName(lists, station), record.Name,
+                     record.InstrumentCode, std::move(user)};
+}
+
+std::string TargetFolder(const std::string& programFolder) {
+  return CheckTargetFolder(GetDefinition(programFolder, "TargetFolder"), programFolder);
+}
+
+EditedDetails DetailsOf(const ChartRecord& chart) {
+  return {.BeginDate = std::floor(chart.StartTime),
+          .BeginTime = chart.StartTime - std::floor(chart.StartTime),
+          .EndDate = std::floor(chart.EndTime),
+          .EndTime = chart.EndTime - std::floor(chart.EndTime),
+          .EyedDepth = ShortText(chart.EyedDepth),
+          .ManualDepth = ShortText(chart.ManualDepth)};
+}
+
+void TakeDetails(const EditedDetails& edited, ChartRecord& chart) {
+  chart.StartTime = Joined(edited.BeginDate, edited.BeginTime);
+  chart.EndTime = Joined(edited.EndDate, edited.EndTime);
+  chart.EyedDepth = LeadingFloat(edited.EyedDepth);
+  chart.ManualDepth = LeadingFloat(edited.ManualDepth);
+}
+
+std::optional<float> ChosenDepth(const Session& session, DepthChoice choice) {
+  const float eyed = session.Chart.EyedDepth;
+  const double digitized = Round(session.TotalDepth(session.Line.LastPoint()), 1);
+  switch (choice) {
+    case DepthChoice::Eyed:
+      return eyed;
+    case DepthChoice::Digitized:
+      return static_cast<float>(digitized);
+    case DepthChoice::Average:
+      return eyed == NoDepth ? NoDepth : static_cast<float>(Round((digitized + eyed) / 2, 1));
+    case DepthChoice::Manual:
+      return session.Chart.ManualDepth;
+    case DepthChoice::Other:
+      break;
+  }
+  return std::nullopt;
+}
+
+std::string StepNumber(std::string_view text, double step, std::optional<double> lowest) {
+  const double value = LeadingNumber(text);
+  double next = value + step;
+  if (lowest) next = std::max(next, step > 0 ? *lowest : std::min(value, *lowest));
+  return ShortText(static_cast<float>(next));
+}
+
+bool FactorBlinks(Factor factor, const ChartReport& report, const ChartRecord& chart) {
+  if (factor == Factor::Manual) return false;
+  const float value =
+      factor == Factor::Time ? static_cast<float>(chart.EndTime - chart.StartTime) : chart.EyedDepth;
+  const std::int16_t percent = report.Factors[static_cast<std::size_t>(factor)];
+  return FactorAlert(static_cast<float>(std::abs(percent)) / 100, value, factor);
+}
+
+Rgb BlinkedColour(Rgb fore, Rgb back, bool alert) { return alert && fore == back ? Red : back; }
+
+Result<std::optional<std::string>> WriteChartFile(std::string_view text, const std::string& folder,
+                                                  const std::string& name, const Confirm& mayOverwrite) {
+  const std::string path = JoinPath(folder, name);
+  if (FileExists(path) && !mayOverwrite(OverwriteQuestion(name))) return std::nullopt;
+  if (const auto written = WriteWholeFile(path, text); !written) return Failure(written.error());
+  return path;
+}
+
+Result<SaveOutcome> SaveDigitization(Session& session, const ChartOrigin& origin,
+                                     const std::string& programFolder, std::string_view digitizerComment,
+                                     const SaveQuestions& questions) {
+  if (SessionError(session)) return Failure("There is no chart to save.");
+  const auto file = MakeChartText(session, origin, digitizerComment);
+  if (!file) return Failure(file.error());
+  if (!file->Notes.empty() && !questions.DespiteNotes(JoinedLines(file->Notes)))
+    return SaveOutcome::NotWanted;
+
+  const auto path =
+      WriteChartFile(file->Text, TargetFolder(programFolder),
+                     ChartFileName(origin.InstrumentCode, session.ChartStart()), questions.Overwrite);
+  if (!path) return Failure(path.error());
+  if (!*path) return SaveOutcome::KeptOldFile;
+  RaiseTaskRow(programFolder);
+  session.Saved = true;
+  return SaveOutcome::Written;
+}
+
+}  // namespace hyetex

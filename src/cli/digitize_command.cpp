@@ -1,0 +1,161 @@
+// digitize: from a session's journal to a chart file.
+#include "chartfiles/chart_report.h"
+#include "chartfiles/chart_text.h"
+#include "chartfiles/saving.h"
+#include "cli/commands.h"
+#include "core/comments.h"
+#include "core/files.h"
+#include "core/numbers.h"
+#include "core/text.h"
+#include "digitizing/action_machine.h"
+#include "staging/definitions.h"
+#include "staging/lists.h"
+#include "staging/tasks.h"
+
+namespace hyetex::cli {
+namespace {
+
+constexpr std::size_t MostJournalBytes = 4U << 20;
+
+// A view with nobody before it: a refused press is told.
+class ReplayView : public SilentView {
+ public:
+  void ShowMessage(std::string_view, std::string_view text) override { Say(text); }
+};
+
+// What the words and the program folder say of the chart to digitize.
+struct Work {
+  ReferenceLists Lists;
+  ChartRecord Task;
+  ChartTypeRecord ChartType;
+  ChartOrigin Origin;
+  std::string TargetFolder;
+};
+
+Result<std::string> FindUserName(const Words& words, const std::string& folder, const ReferenceLists& lists) {
+  const std::string name = words.Value("--user").value_or(GetDefinition(folder, "frmLogin-UserName"));
+  const int user = FindUser(lists.Users, name);
+  if (user < 0) return Failure("There is no such user: \"" + ShownText(name) + "\"");
+  return lists.Users[static_cast<std::size_t>(user)].Name;
+}
+
+Result<Work> Prepare(const Words& words, const std::string& folder, int taskIndex,
+                     std::optional<int> chartType) {
+  if (!FolderExists(folder)) return Failure("There is no program folder " + folder);
+  auto lists = ReadLists(folder);
+  if (!lists) return Failure(lists.error());
+  auto tasks = LoadTasks(folder, lists->Stations);
+  if (!tasks) return Failure(tasks.error());
+  for (const std::string& note : tasks->Notes) Say(note);
+
+  Work work;
+  work.Lists = std::move(*lists);
+  if (taskIndex >= static_cast<int>(tasks->Tasks.size()))
+    return Failure("There is no task " + ShortText(taskIndex) + "; " + folder + " has " +
+                   ShortText(static_cast<int>(tasks->Tasks.size())));
+  work.Task = tasks->Tasks[static_cast<std::size_t>(taskIndex)];
+  const int type = chartType.value_or(LeadingInt16(GetDefinition(folder, "CurrentChart")));
+  if (type < 0 || type >= static_cast<int>(work.Lists.ChartTypes.size()))
+    return Failure("There is no chart type " + ShortText(type));
+  work.ChartType = work.Lists.ChartTypes[static_cast<std::size_t>(type)];
+  work.Task.PaperIndex = static_cast<std::int16_t>(type);
+  work.Task.ChartMethod = work.ChartType.ChartMethod;
+
+  auto user = FindUserName(words, folder, work.Lists);
+  if (!user) return Failure(user.error());
+  auto origin = OriginOfChart(work.Lists, work.Task, *std::move(user));
+  if (!origin) return Failure(origin.error());
+  work.Origin = *std::move(origin);
+  const auto target = words.Value("--target");
+  work.TargetFolder = target ? *target : TargetFolder(folder);
+  if (!FolderExists(work.TargetFolder)) return Failure("There is no target folder " + work.TargetFolder);
+  return work;
+}
+
+Exit Save(const Words& words, const Work& work, const ChartText& file) {
+  for (const std::string& note : file.Notes) Say(note);
+  std::string refusal;
+  const auto mayOverwrite = [&](const std::string& question) {
+    refusal = question;
+    return words.Has("--overwrite");
+  };
+  const auto path =
+      WriteChartFile(file.Text, work.TargetFolder,
+                     ChartFileName(work.Origin.InstrumentCode, work.Task.StartTime), mayOverwrite);
+  if (!path) return Fail(path.error());
+  if (!*path) return Fail(refusal + " Say --overwrite if it may.");
+  Print("Chart file: " + **path + "\n");
+  return Done;
+}
+
+// Reports are joined by carriage return and line feed; a terminal wants line feeds.
+void PrintReport(std::string_view report) {
+  ForEachLine(report, [](std::string_view line) { Print(std::string(line) + "\n"); });
+}
+
+Exit DigitizeJournal(const Words& words, const Work& work) {
+  const auto text = ReadWholeFile(words.Rest()[0], MostJournalBytes);
+  if (!text) return Fail(text.error());
+  const Journal journal = ReadJournal(*text);
+  if (journal.Tablet < 0) return Fail(*journal.Error);
+
+  const TabletType& tablet = TabletTypes()[static_cast<std::size_t>(journal.Tablet)];
+  Session session(tablet.Extents, work.ChartType, work.Task, Now());
+  if (const auto refusal = CheckChartScales(session.Line.Scales())) return Fail(*refusal);
+  ReplayView view;
+  ActionMachine machine(session, tablet, view);
+  machine.Start();
+  if (const auto replayed = Replay(journal, machine); !replayed) return Fail(replayed.error());
+
+  if (const auto error = SessionError(session)) {
+    PrintReport(*error);
+    return Fail("there is no chart to save");
+  }
+  const auto file = MakeChartText(session, work.Origin, words.Value("--comment").value_or(""));
+  if (!file) return Fail(file.error());
+  ChartReport report;
+  WriteReport(session, report);
+  PrintReport(report.Text);
+  return Save(words, work, *file);
+}
+
+Exit Digitize(const Words& words) {
+  const auto task = words.Number("--task", 0, MaxTask);
+  const auto chartType = words.Number("--chart-type", 0, MaxChartType);
+  if (!task) return Off(task.error());
+  if (!*task) return Off("--task is missing");
+  if (!chartType) return Off(chartType.error());
+  if (words.Rest().size() > 1) return Off("one journal at a time");
+
+  const auto work = Prepare(words, ProgramFolder(words), **task, *chartType);
+  if (!work) return Fail(work.error());
+  if (HasCode(work->Task.GeneralComment, CodeDefective)) {
+    if (!words.Rest().empty())
+      return Fail("The chart is marked as extremely defective (" + CodeText(CodeDefective) +
+                  "): it gets an empty file, without a journal");
+    const auto file = MakeEmptyChartText(work->Task, work->Task.ChartMethod, work->Origin);
+    return file ? Save(words, *work, *file) : Fail(file.error());
+  }
+  if (words.Rest().empty()) return Off("the journal is missing");
+  return DigitizeJournal(words, *work);
+}
+
+constexpr Option DigitizeOptions[] = {
+    FolderOption,
+    {"--task", "N", "the staged chart, from 0 in the order of the task list"},
+    {"--chart-type", "K", "the chart type (default: the current one of the settings)"},
+    {"--user", "NAME", "who digitized it (default: the last user)"},
+    {"--target", "DIR", "where the chart file goes (default: the target folder of the settings)"},
+    {"--comment", "TEXT", "the digitizer's comment"},
+    {"--overwrite", "", "take the place of a chart file that is there"},
+};
+
+}  // namespace
+
+constinit const Command DigitizeCommand{
+    "digitize", "JOURNAL",
+    "Replays a session's journal for a staged chart, writes its chart file and prints the chart report.\n"
+    "A chart marked as extremely defective gets its empty file, and no journal.",
+    DigitizeOptions, Digitize};
+
+}  // namespace hyetex::cli

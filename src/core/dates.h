@@ -1,0 +1,46 @@
+// Dates and times as days since 30/12/1899, and their texts in files, reports and file names. All texts
+// are made from the time rounded to the nearest second, so that 12:30 stays 12:30 whatever the last bits
+// of the fraction say. Dates outside the years 100 to 9999 are held at those ends.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "core/records.h"
+
+namespace hyetex {
+
+struct CalendarTime {
+  int Year = 1899, Month = 12, Day = 30;
+  int Hour = 0, Minute = 0, Second = 0;
+};
+
+Date MakeDate(int year, int month, int day, int hour = 0, int minute = 0, int second = 0);
+CalendarTime ToCalendar(Date date);
+/// The present local date and time.
+Date Now();
+
+/// "DD/MM/YY", followed by " HH:MM" if the date has a time of day; a value below 1 (a bare time) gives
+/// "HH:MM:SS". The form of chart files and reports.
+std::string DateText(Date date);
+/// "YYYYMMDD-HHMM", the form of chart file names.
+std::string DateCode(Date date);
+/// "DD/MM/YYYY HH:MM:SS", the time left out at midnight: the one form of staged tasks, settings and lists.
+std::string GeneralDateText(Date date);
+/// "HH:MM:SS" of the time of day.
+std::string TimeText(Date date);
+/// "YYYY-MM-DDTHH:MM:SS" (ISO 8601, no zone).
+std::string IsoText(Date date);
+
+struct ParsedDate {
+  Date Value = 0;
+  bool TwoDigitYear =
+      false;  ///< the century was supplied: 30 to 99 are 1930 to 1999, 00 to 29 are 2000 to 2029
+};
+/// Reads a date by fixed places: two digits of day, any character, two of month, "/", a year of two or four
+/// digits, and optionally a blank and a time of hours, minutes and seconds. A day past the month's end runs
+/// on into the next month. Without "/", a bare time, or year-month-day with "-". Nothing for any other text.
+std::optional<ParsedDate> ParseDateText(std::string_view text);
+
+}  // namespace hyetex

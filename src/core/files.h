@@ -1,0 +1,41 @@
+// Files that are read whole and never torn: what we write goes to a temporary file in the same folder, is
+// flushed to disk, and takes the old file's place by a rename; the folder is flushed after. A full disk, a
+// missing folder or a killed program leaves the old file as it was.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "core/result.h"
+
+namespace hyetex {
+
+/// Both "/" and "\" count as separators when a path is taken apart; this one is used to join.
+#ifdef _WIN32
+inline constexpr char PathSeparator = '\\';
+#else
+inline constexpr char PathSeparator = '/';
+#endif
+
+bool HasSeparator(std::string_view path);
+/// What stands behind the last separator.
+std::string_view BaseName(std::string_view path);
+/// The path with a separator at its end.
+std::string WithBackslash(std::string path);
+std::string JoinPath(std::string folder, std::string_view name);
+
+bool FileExists(const std::string& path);
+bool FolderExists(const std::string& path);
+
+/// The folder to write chart files to: the stored one, with its trailing separator, while it exists; else the
+/// program folder as it was given.
+std::string CheckTargetFolder(const std::string& stored, const std::string& programFolder);
+
+/// The file's bytes. Fails, with one line that names the file, on a missing or unreadable file, a folder, and
+/// a file of more than `mostBytes`.
+Result<std::string> ReadWholeFile(const std::string& path, std::size_t mostBytes);
+/// Puts `bytes` in the file's place, all or nothing. Keeps the permissions of a file that was there.
+Result<void> WriteWholeFile(const std::string& path, std::string_view bytes);
+
+}  // namespace hyetex

@@ -1,0 +1,41 @@
+// Text is bytes, kept as they are from file to file. Comparisons without regard to case are ASCII.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace hyetex {
+
+std::string UpperAscii(std::string_view text);
+bool EqualIgnoringCase(std::string_view a, std::string_view b);
+std::string_view Trim(std::string_view text);
+
+/// `text` as UTF-8 for showing: as it stands where it is valid UTF-8, else read as Windows-1252.
+std::string ShownText(std::string_view text);
+
+/// Why `text` cannot stand on one line of a file (it holds a line break or a NUL byte); nothing if it can.
+std::optional<std::string> CheckOneLine(std::string_view text);
+/// A chart file's or stored text's lines: split on carriage return and line feed if the text holds that
+/// pair anywhere, else on line feed alone. A last line without its end counts; an empty rest does not.
+std::vector<std::string_view> SplitLines(std::string_view text);
+/// Calls `take(line)` for each of those lines without making a table of them.
+template <typename Take>
+void ForEachLine(std::string_view text, Take&& take) {
+  const bool pairs = text.find("\r\n") != std::string_view::npos;
+  while (!text.empty()) {
+    std::size_t end = text.find('\n');
+    if (pairs)
+      while (end != std::string_view::npos && (end == 0 || text[end - 1] != '\r'))
+        end = text.find('\n', end + 1);
+    if (end == std::string_view::npos) {
+      take(text);
+      return;
+    }
+    take(text.substr(0, pairs ? end - 1 : end));
+    text.remove_prefix(end + 1);
+  }
+}
+
+}  // namespace hyetex

@@ -1,0 +1,123 @@
+#include "core/trace.h"
+
+#include <cassert>
+#include <cmath>
+#include <utility>
+
+#include "core/comments.h"
+
+namespace hyetex {
+namespace {
+
+ChartPaper MakePaper(double leftX, double leftY, double rightX, double rightY, int firstPoint) {
+  ChartPaper paper{leftX, leftY, rightX, rightY, 0, static_cast<std::int16_t>(firstPoint)};
+  paper.Angle = static_cast<float>(std::atan((rightY - leftY) / (rightX - leftX)));
+  return paper;
+}
+
+}  // namespace
+
+Trace::Trace(ChartScales scales) : scales_(std::move(scales)), papers_(MaxPaper + 1) {}
+
+void Trace::SetScales(ChartScales scales) {
+  scales_ = std::move(scales);
+  ChangedFrom(0);
+}
+
+void Trace::Add(double x, double y, bool startsSegment, std::string_view comment) {
+  assert(!IsFull());
+  points_.push_back({startsSegment ? x + SegmentMark : x, y, std::string(comment), false});
+}
+
+void Trace::AddFirstOfPaper(double x, double y) {
+  Add(x, y, true);
+  papers_[static_cast<std::size_t>(currentPaper_)].FirstPoint = LastPoint();
+  ChangedFrom(LastPoint());
+}
+
+void Trace::RemoveLast() {
+  if (points_.empty()) return;
+  points_.pop_back();
+  ChangedFrom(static_cast<int>(points_.size()));
+}
+
+void Trace::Clear() {
+  points_.clear();
+  currentPaper_ = 0;
+  ChangedFrom(0);
+}
+
+void Trace::AddComment(int index, std::string_view entry) {
+  AddCode(points_[static_cast<std::size_t>(index)].Comment, entry);
+  ChangedFrom(index);
+}
+
+void Trace::ClearComment(int index) {
+  points_[static_cast<std::size_t>(index)].Comment.clear();
+  ChangedFrom(index);
+}
+
+void Trace::SetPage(double leftX, double leftY, double rightX, double rightY) {
+  papers_[0] = MakePaper(leftX, leftY, rightX, rightY, 0);
+  currentPaper_ = 0;
+  ChangedFrom(0);
+}
+
+void Trace::AttachPaper(double leftX, double leftY, double rightX, double rightY) {
+  assert(!PapersAreFull());
+  ++currentPaper_;
+  papers_[static_cast<std::size_t>(currentPaper_)] = MakePaper(leftX, leftY, rightX, rightY, LastPoint() + 1);
+}
+
+int Trace::PaperOfPoint(int index) const {
+  if (currentPaper_ == 0 || index < papers_[1].FirstPoint) return 0;
+  int paper = currentPaper_;
+  while (paper > 1 && papers_[static_cast<std::size_t>(paper)].FirstPoint > index) --paper;
+  return paper;
+}
+
+float Trace::TimeAlong(int point, int paper) const {
+  const DigitizedPoint& p = Point(point);
+  return TimeAlongPaper(scales_, p.TrueX(), p.Y, Paper(paper));
+}
+
+float Trace::HeightOf(int point, int paper) const {
+  const DigitizedPoint& p = Point(point);
+  return HeightOnPaper(p.TrueX(), p.Y, Paper(paper));
+}
+
+Trace::Sum Trace::NextSum(int point, Sum sum) const {
+  const DigitizedPoint& p = Point(point);
+  if (p.StartsSegment()) return sum;
+  const int paper = PaperOfPoint(point);
+  sum.Along += static_cast<double>(TimeAlong(point, paper)) - TimeAlong(point - 1, paper);
+
+  if (HasCode(p.Comment, CodeLeveled) || HasCode(p.Comment, CodeGapEnd)) return sum;
+  const double rise =
+      static_cast<double>(HeightOf(point, sum.HeightPaper)) - HeightOf(point - 1, sum.HeightPaper);
+  if (rise < 0 && scales_.Is(ChartMethod::Linear)) return sum;
+  sum.HeightPaper = paper;
+  if (!scales_.Is(ChartMethod::TippingBucket)) sum.Height += std::abs(rise);
+  return sum;
+}
+
+const Trace::Sum& Trace::SumTo(int point) const {
+  if (sums_.empty()) sums_.emplace_back();
+  while (static_cast<int>(sums_.size()) <= point)
+    sums_.push_back(NextSum(static_cast<int>(sums_.size()), sums_.back()));
+  return sums_[static_cast<std::size_t>(point)];
+}
+
+double Trace::TimeTo(int point) const {
+  if (point <= 0) return 0;
+  return SumTo(point).Along / scales_.Tablet.TabletWidthUnits * scales_.Tablet.TabletWidthMm *
+         scales_.ChartType.TimeScale / 24;
+}
+
+float Trace::TotalDepth(int point) const {
+  if (point <= 0) return 0;
+  return static_cast<float>(SumTo(point).Height / scales_.Tablet.TabletHeightUnits *
+                            scales_.Tablet.TabletHeightMm * scales_.ChartType.DepthScale);
+}
+
+}  // namespace hyetex

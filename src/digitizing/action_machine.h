@@ -1,0 +1,127 @@
+// Gives every press of the tablet's cursor its meaning: calibrating the page, tracing points, running the
+// tools of the board. All that the operator does passes through here, from the tablet, the mouse, a menu or a
+// journal.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "core/session.h"
+#include "digitizing/desk_layout.h"
+#include "digitizing/desk_view.h"
+#include "digitizing/journal.h"
+#include "digitizing/report_decoder.h"
+#include "digitizing/tools.h"
+
+namespace hyetex {
+
+class ActionMachine {
+ public:
+  /// `journal` may be null. All references are kept.
+  ActionMachine(Session& session, const TabletType& tablet, DeskView& view, JournalSink* journal = nullptr);
+
+  Session& State() { return session_; }
+  const Session& State() const { return session_; }
+
+  DeskLayout Layout;
+  /// Fits the scales to the chart view's present size; the part in view stays when zoomed.
+  void ViewResized(double scaleWidth, double scaleHeight);
+
+  /// Opens the session: waits for the page's first corner.
+  void Start();
+  /// Bytes from the tablet.
+  void Receive(std::span<const std::uint8_t> bytes);
+  /// One report, with all that follows from it.
+  void HandleReport(const TabletReport& report);
+
+  /// A press at a position, whatever the button and the board.
+  void PressAt(double x, double y);
+  /// A press at the cursor's position.
+  void PerformAction();
+  /// Runs the current tool.
+  void PerformToolAction();
+  void RunTool(int tool);
+  void RemoveLastPoint();
+  void Redigitize();
+  void NewFile() { view_.CloseDesk(); }
+  void SaveFile();
+  void Escape();
+  /// Shows the current paper as large as the view allows.
+  void AutoZoom();
+  void ZoomOut();
+
+  /// The comment window. While it is open all that the tablet sends is thrown away.
+  bool CommentIsOpen() const { return comment_.has_value(); }
+  const std::optional<CommentRequest>& OpenCommentRequest() const { return comment_; }
+  /// Adds the comment that code and text make to what the window was opened for; no comment if both are
+  /// empty. Says why a text cannot be taken.
+  std::optional<std::string> AddComment(std::string_view code, std::string_view text);
+  void ClearComments();
+  void CommentClosed();
+
+  /// A lasso is being dragged, whatever tool the mouse or a menu has started since.
+  bool LassoIsOpen() const { return selection_.has_value(); }
+  /// Ends a lasso over these points: opens the comment window for them, if there are any.
+  void EndLasso(const std::vector<int>& points);
+
+  std::string_view Instruction() const { return instruction_; }
+
+ private:
+  // Reports
+  void ActOnButton();
+  void FindOverToolBox();
+  void PlaceCursor();
+  void PlaceToolCursor();
+  void GiveToolTip();
+  void StretchDragShape();
+  void DragBoard();
+
+  // Presses
+  bool RefusePress();
+  bool StoresPoint() const;
+  void DrawPoint();
+  void StartSegment();
+  void FirstPaperCorner();
+  void SecondPaperCorner();
+  void FirstPointOfPaper();
+  void FirstPageCorner();
+  void SecondPageCorner();
+  void StartDrag(DragShape shape, float next);
+  void StoreMarkedEnd(int code, std::vector<std::string> choices);
+  void LevelPoint();
+
+  // Tools
+  void ToggleWaiting(const Tool& tool);
+  void ToggleAlpha();
+  void BackToDrawing();
+  void LassoReleased();
+  void OpenCommentWindow(CommentRequest request);
+  void LoadZoom();
+  void FinishZoom();
+
+  // Journal
+  void Record(JournalEvent event) const;
+  void RecordDrawingState() const;
+  void RecordPress() const;
+
+  void ShowInstruction(std::string_view text);
+  void SetReference(Date time, float depth);
+  double ScreenX(double x) const { return (x - session_.ViewX0) * session_.ScaleX; }
+  double ScreenY(double y) const { return Layout.ScaleHeight - (y - session_.ViewY0) * session_.ScaleY; }
+  Rect* VisibleShape(DragShape shape);
+
+  Session& session_;
+  const TabletType& tablet_;
+  DeskView& view_;
+  JournalSink* journal_;
+  ReportDecoder decoder_;
+  std::string instruction_;
+  double toolCursorLeft_ = 0, toolCursorTop_ = 0;
+  std::optional<Rect> selection_, zoom_;  // the drag rectangles that are shown
+  std::optional<CommentRequest> comment_;
+};
+
+}  // namespace hyetex

@@ -1,0 +1,34 @@
+#include "digitizing/desk_layout.h"
+
+namespace hyetex {
+namespace {
+
+// The board: three rows of six squares of 34 pixels.
+constexpr int Columns = 6, Rows = ToolCount / Columns;
+constexpr double Square = 510, Gap = 45, Margin = 90;
+constexpr double BoardWidth = 2 * Margin + Columns * Square + (Columns - 1) * Gap;
+constexpr double BoardHeight = 2 * Margin + Rows * Square + (Rows - 1) * Gap;
+
+}  // namespace
+
+DeskLayout DefaultDeskLayout(const TabletExtents& tablet, double height) {
+  DeskLayout layout;
+  layout.ScaleHeight = height;
+  layout.ScaleWidth = height * tablet.TabletWidthUnits / tablet.TabletHeightUnits;
+  layout.Board = {layout.ScaleWidth - BoardWidth - Margin, Margin, BoardWidth, BoardHeight};
+  for (int i = 0; i < ToolCount; ++i)
+    layout.Squares[static_cast<std::size_t>(i)] = {Margin + i % Columns * (Square + Gap),
+                                                   Margin + i / Columns * (Square + Gap), Square, Square};
+  return layout;
+}
+
+std::pair<double, double> TabletPositionOfTool(const DeskLayout& layout, const TabletExtents& tablet,
+                                               int tool) {
+  const Rect& square = layout.Squares[static_cast<std::size_t>(tool)];
+  const double x = layout.Board.Left + square.Left + square.Width / 2 - ToolCursorPoint;
+  const double y = layout.Board.Top + square.Top + square.Height / 2 - ToolCursorPoint;
+  return {x / layout.ScaleWidth * tablet.TabletWidthUnits,
+          (layout.ScaleHeight - y) / layout.ScaleHeight * tablet.TabletHeightUnits};
+}
+
+}  // namespace hyetex

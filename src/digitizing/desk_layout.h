@@ -1,0 +1,40 @@
+// Where the chart view and the tool board lie on the screen, and so on the tablet: the view shows the
+// tablet's whole area, and a press on what is under the board runs a tool. In screen units: 15 to a pixel at
+// 96 dpi, from the left and top of the chart view.
+#pragma once
+
+#include <array>
+#include <utility>
+
+#include "core/geometry.h"
+#include "digitizing/tools.h"
+
+namespace hyetex {
+
+struct Rect {
+  double Left = 0, Top = 0, Width = 0, Height = 0;
+
+  /// Strictly inside: a position on the edge is outside.
+  bool Holds(double x, double y) const { return x > Left && x < Left + Width && y > Top && y < Top + Height; }
+};
+
+/// How far the point of the board's cursor lies from its left and its top.
+inline constexpr double ToolCursorPoint = 120;
+
+/// The window keeps this true when it is resized or the board is dragged.
+struct DeskLayout {
+  double ScaleWidth = 1, ScaleHeight = 1;  ///< size of the chart view
+  Rect Board;                              ///< in the chart view
+  std::array<Rect, ToolCount> Squares{};   ///< on the board
+  bool BoardVisible = false;
+};
+
+/// A view of `height` with the tablet's proportions, and the board in its top right corner: what a new
+/// installation starts with, and what a session without a screen has.
+DeskLayout DefaultDeskLayout(const TabletExtents& tablet, double height = 12000);
+
+/// The tablet position (report units) that lies on a tool's square in the unzoomed view.
+std::pair<double, double> TabletPositionOfTool(const DeskLayout& layout, const TabletExtents& tablet,
+                                               int tool);
+
+}  // namespace hyetex

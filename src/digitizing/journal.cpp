@@ -1,0 +1,217 @@
+#include "digitizing/journal.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "core/numbers.h"
+#include "core/records.h"
+#include "core/text.h"
+#include "digitizing/action_machine.h"
+
+namespace hyetex {
+namespace {
+
+constexpr std::string_view Header = "HYETEX88 JOURNAL 1";
+
+struct Word {
+  std::string_view Name;
+  JournalEvent::Kind Kind;
+};
+constexpr Word Words[] = {
+    {"press", JournalEvent::Kind::Press},     {"tool", JournalEvent::Kind::Tool},
+    {"select", JournalEvent::Kind::Select},   {"comment", JournalEvent::Kind::Comment},
+    {"general", JournalEvent::Kind::General}, {"clear", JournalEvent::Kind::Clear},
+    {"escape", JournalEvent::Kind::Escape},
+};
+
+std::string_view NameOf(JournalEvent::Kind kind) {
+  for (const Word& word : Words)
+    if (word.Kind == kind) return word.Name;
+  return {};
+}
+
+// Takes the next blank-separated field off the front of `text`.
+std::string_view TakeField(std::string_view& text) {
+  text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+  const std::string_view field = text.substr(0, text.find(' '));
+  text.remove_prefix(field.size());
+  return field;
+}
+
+// The whole of `field` as a number; what has other text in it is none.
+template <typename Number>
+std::optional<Number> Whole(std::string_view field) {
+  Number value{};
+  const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), value);
+  if (field.empty() || error != std::errc{} || end != field.data() + field.size()) return std::nullopt;
+  return value;
+}
+
+bool IsPosition(const std::optional<double>& value) { return value && *value >= 0 && *value < SegmentMark; }
+
+bool ReadPoints(std::string_view rest, std::vector<int>& points) {
+  for (std::string_view field = TakeField(rest); !field.empty(); field = TakeField(rest)) {
+    const auto point = Whole<int>(field);
+    if (!point || *point < 0 || *point > MaxPoint) return false;
+    points.push_back(*point);
+  }
+  return true;
+}
+
+std::optional<JournalEvent> ReadEvent(std::string_view line) {
+  std::string_view rest = line;
+  const std::string_view name = TakeField(rest);
+  for (const Word& word : Words) {
+    if (word.Name != name) continue;
+    JournalEvent event{.What = word.Kind};
+    switch (word.Kind) {
+      case JournalEvent::Kind::Press: {
+        const auto x = Whole<double>(TakeField(rest)), y = Whole<double>(TakeField(rest));
+        if (!IsPosition(x) || !IsPosition(y)) return std::nullopt;
+        event.X = *x;
+        event.Y = *y;
+        break;
+      }
+      case JournalEvent::Kind::Tool: {
+        const auto index = Whole<int>(TakeField(rest));
+        if (!index || *index < 0 || *index >= ToolCount) return std::nullopt;
+        event.Tool = *index;
+        break;
+      }
+      case JournalEvent::Kind::Select:
+        return ReadPoints(rest, event.Points) ? std::optional(event) : std::nullopt;
+      case JournalEvent::Kind::Comment:
+      case JournalEvent::Kind::General: {
+        const std::size_t bar = rest.find('|');
+        if (rest.empty() || bar == std::string_view::npos) return std::nullopt;
+        event.Code = rest.substr(1, bar - 1);
+        event.Text = rest.substr(bar + 1);
+        return event;
+      }
+      case JournalEvent::Kind::Clear:
+      case JournalEvent::Kind::Escape:
+        break;
+    }
+    return TakeField(rest).empty() ? std::optional(event) : std::nullopt;
+  }
+  return std::nullopt;
+}
+
+std::optional<int> ReadTablet(std::string_view line) {
+  if (TakeField(line) != "tablet") return std::nullopt;
+  const auto type = Whole<int>(TakeField(line));
+  if (!type || *type < 0 || *type >= TabletTypeCount || !TakeField(line).empty()) return std::nullopt;
+  return type;
+}
+
+// What an event asks for that the machine's state has no answer to.
+std::optional<std::string> Apply(const JournalEvent& event, ActionMachine& machine) {
+  const auto closeComment = [&] {
+    if (machine.CommentIsOpen()) machine.CommentClosed();
+  };
+  switch (event.What) {
+    case JournalEvent::Kind::Press:
+      closeComment();
+      machine.PressAt(event.X, event.Y);
+      break;
+    case JournalEvent::Kind::Tool:
+      closeComment();
+      if (!IsViewTool(event.Tool)) machine.RunTool(event.Tool);
+      break;
+    case JournalEvent::Kind::Select:
+      closeComment();
+      if (!machine.LassoIsOpen()) return "there is no lasso to end";
+      for (int point : event.Points)
+        if (point > machine.State().Line.LastPoint()) return "there is no point " + ShortText(point);
+      machine.EndLasso(event.Points);
+      break;
+    case JournalEvent::Kind::Comment:
+    case JournalEvent::Kind::General: {
+      const bool general = event.What == JournalEvent::Kind::General;
+      if (general && !machine.CommentIsOpen()) machine.RunTool(tool::GeneralComment);
+      if (!machine.CommentIsOpen() || machine.OpenCommentRequest()->General != general)
+        return "there are no points selected for the comment";
+      if (auto refusal = machine.AddComment(event.Code, event.Text)) return refusal;
+      closeComment();
+      break;
+    }
+    case JournalEvent::Kind::Clear:
+      if (!machine.CommentIsOpen()) return "there are no comments to clear";
+      machine.ClearComments();
+      break;
+    case JournalEvent::Kind::Escape:
+      closeComment();
+      machine.Escape();
+      break;
+  }
+  return std::nullopt;
+}
+
+std::string AtLine(int line, std::string_view what) {
+  return "journal line " + ShortText(line) + ": " + std::string(what);
+}
+
+}  // namespace
+
+std::string JournalLine(const JournalEvent& event) {
+  std::string line(NameOf(event.What));
+  switch (event.What) {
+    case JournalEvent::Kind::Press:
+      line += " " + ExactText(event.X) + " " + ExactText(event.Y);
+      break;
+    case JournalEvent::Kind::Tool:
+      line += " " + ShortText(event.Tool);
+      break;
+    case JournalEvent::Kind::Select:
+      for (int point : event.Points) line += " " + ShortText(point);
+      break;
+    case JournalEvent::Kind::Comment:
+    case JournalEvent::Kind::General:
+      line += " " + event.Code + "|" + event.Text;
+      break;
+    case JournalEvent::Kind::Clear:
+    case JournalEvent::Kind::Escape:
+      break;
+  }
+  return line;
+}
+
+std::string JournalHead(int tablet) { return std::string(Header) + "\ntablet " + ShortText(tablet) + "\n"; }
+
+Journal ReadJournal(std::string_view text) {
+  Journal journal;
+  int number = 0;
+  ForEachLine(text, [&](std::string_view line) {
+    ++number;
+    if (journal.Error) return;
+    if (number == 1) {
+      if (line != Header) journal.Error = AtLine(1, "this is no session journal");
+      return;
+    }
+    if (line.empty() || line.front() == '#') return;
+    if (const auto tablet = ReadTablet(line)) {
+      if (journal.Tablet >= 0) journal.Error = AtLine(number, "a second tablet");
+      journal.Tablet = *tablet;
+    } else if (auto event = ReadEvent(line); !event) {
+      journal.Error = AtLine(number, "\"" + ShownText(line.substr(0, 60)) + "\" is no step of a session");
+    } else if (journal.Tablet < 0) {
+      journal.Error = AtLine(number, "the tablet has not been named");
+    } else {
+      journal.Events.push_back(*std::move(event));
+      journal.Lines.push_back(number);
+    }
+  });
+  if (!journal.Error && journal.Tablet < 0)
+    journal.Error = AtLine(number, number == 0 ? "the journal is empty" : "the tablet has not been named");
+  return journal;
+}
+
+Result<void> Replay(const Journal& journal, ActionMachine& machine) {
+  for (std::size_t i = 0; i < journal.Events.size(); ++i)
+    if (auto trouble = Apply(journal.Events[i], machine)) return Failure(AtLine(journal.Lines[i], *trouble));
+  if (machine.CommentIsOpen()) machine.CommentClosed();
+  if (journal.Error) return Failure(*journal.Error);
+  return {};
+}
+
+}  // namespace hyetex

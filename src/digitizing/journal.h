@@ -1,0 +1,95 @@
+// The session journal: every step of a digitizing session as a line of text, so that a session can be resumed
+// after a crash, replayed, tested and shown.
+//
+// - HYETEX88 JOURNAL 1
+// - tablet 1: tablet type, 0 to 4
+// - press 1200 850: a press that had a meaning, X and Y in report units
+// - tool 8: a tool of the board
+// - select 3 4 5: the points inside a lasso when it was released
+// - comment 205|Text: the comment window's Add, for the selected points; code and text, either may be empty
+// - general |Text: Add, for the whole chart
+// - clear: the comment window's Clear all comments
+// - escape: the Escape key
+//
+// A line that starts with "#" is a comment. Lines end in a line feed.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/result.h"
+
+namespace hyetex {
+
+class ActionMachine;
+
+struct JournalEvent {
+  enum class Kind { Press, Tool, Select, Comment, General, Clear, Escape };
+
+  Kind What = Kind::Press;
+  double X = 0, Y = 0;               ///< Press
+  int Tool = -1;                     ///< Tool
+  std::vector<int> Points = {};      ///< Select
+  std::string Code = {}, Text = {};  ///< Comment, General
+};
+
+/// One line of the journal, without its line end.
+std::string JournalLine(const JournalEvent& event);
+/// The first two lines of a journal for a tablet type.
+std::string JournalHead(int tablet);
+
+/// Takes the events of a session as they happen.
+class JournalSink {
+ public:
+  virtual ~JournalSink() = default;
+  virtual void Record(const JournalEvent& event) = 0;
+};
+
+struct Journal {
+  int Tablet = -1;
+  std::vector<JournalEvent> Events;
+  std::vector<int> Lines;  ///< the line, from 1, that each event stands on
+  /// Why reading stopped, with the line's number; the events before it have been read.
+  std::optional<std::string> Error;
+};
+
+/// Reads a journal to its end or to its first line that is none.
+Journal ReadJournal(std::string_view text);
+
+/// Does to the machine what the journal says, up to the first event that cannot be; then says which line that
+/// is.
+Result<void> Replay(const Journal& journal, ActionMachine& machine);
+
+/// The journal of the session that is running: each event is on disk when Record() returns. One that could
+/// not be written (a full disk) is written in front of the next, so that no event is missing between two
+/// others.
+class JournalFile : public JournalSink {
+ public:
+  /// Starts a journal at `path`, in place of one that is there.
+  static Result<JournalFile> Start(const std::string& path, int tablet);
+  /// Goes on with the journal at `path`.
+  static Result<JournalFile> Continue(const std::string& path);
+  JournalFile(JournalFile&& other) noexcept;
+  JournalFile& operator=(JournalFile&&) = delete;
+  ~JournalFile() override;
+
+  void Record(const JournalEvent& event) override;
+  /// Why events could not be written; nothing as long as all are on disk.
+  const std::optional<std::string>& Trouble() const { return trouble_; }
+  /// Takes the journal away: the chart is saved or given up.
+  void Remove();
+
+ private:
+  JournalFile(std::string path, int fd) : path_(std::move(path)), fd_(fd) {}
+  static Result<JournalFile> Open(const std::string& path, int flags);
+  void Append(std::string_view bytes);
+
+  std::string path_;
+  int fd_;
+  std::string pending_;  // what is not on disk yet
+  std::optional<std::string> trouble_;
+};
+
+}  // namespace hyetex

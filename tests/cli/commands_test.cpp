@@ -1,0 +1,231 @@
+// The commands but for digitize, which has a file of its own.
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <sstream>
+#include <thread>
+
+#include "chartfiles/chart_reader.h"
+#include "cli/run.h"
+#include "digitizing/tablets.h"
+#include "staging/lists.h"
+
+namespace hyetex::test {
+namespace {
+
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::StartsWith;
+
+int LinesIn(const std::string& text) { return static_cast<int>(std::count(text.begin(), text.end(), '\n')); }
+
+constexpr const char* ChartLines =
+    "Instrument Code: RG1\r\nChart Method: 0 - Linear\r\nStart: 01/05/98\r\nEnd: 02/05/98\r\n"
+    "Selected Depth: 10\r\nGeneral Comment: Caf\xE9\r\nAlpha 1 : 0.5\r\nAlpha 2 : 0.25\r\n"
+    "10,0,\r\n20,10,Ink, \"thin\"\r\n30,20,\r\nAlpha Value Selected: 0.1\r\n";
+
+TEST(Cli, ExitStatusTellsWhoIsAtFault) {
+  const TempFolder folder;
+  struct {
+    std::vector<std::string> Words;
+    int Status;
+    const char* Error;  // a part of the one line that is said
+  } const cases[] = {{{}, 2, "--help"},
+                     {{"frobnicate"}, 2, "no command frobnicate"},
+                     {{"show", "--folder"}, 2, "--folder wants a value"},
+                     {{"show", "--bogus", "a.dat"}, 2, "no option --bogus"},
+                     {{"series", "a.dat", "b.dat"}, 2, "one chart file"},
+                     {{"series", "--lapse", "5x", "a.dat"}, 2, "--lapse"},
+                     {{"series", "--lapse", "inf", "a.dat"}, 2, "--lapse"},
+                     {{"decode"}, 2, "--tablet is missing"},
+                     {{"decode", "--tablet", "5"}, 2, "from 0 to 4"},
+                     {{"digitize", "j"}, 2, "--task is missing"},
+                     {{"setting", "--folder", folder.Path(), "get"}, 2, "get KEY"},
+                     {{"lists", "more"}, 2, "no further words"},
+                     {{"show", "--folder", folder.Path(), "none.dat"}, 1, "none.dat"},
+                     {{"show", folder.Path()}, 1, "it is no file"},
+                     {{"decode", "--tablet", "1", folder / "none"}, 1, "none"},
+                     {{"decode", "--tablet", "1", folder.Path()}, 1, "directory"},
+                     {{"trace", "--tablet", "1", "--journal", folder / "no/where"}, 1, "no/where"},
+                     {{"tasks", "--folder", folder / "none"}, 1, "no program folder"},
+                     {{"setting", "--folder", folder / "none", "get", "A"}, 1, "no program folder"},
+                     {{"setting", "--folder", folder.Path(), "set", "A:B", "1"}, 1, "colon"}};
+  for (const auto& c : cases) {
+    const Ran ran = RunCli(c.Words);
+    SCOPED_TRACE(::testing::PrintToString(c.Words));
+    EXPECT_EQ(ran.Status, c.Status);
+    EXPECT_THAT(ran.Error, StartsWith("hyetex-cli: "));
+    EXPECT_THAT(ran.Error, HasSubstr(c.Error));
+    EXPECT_EQ(LinesIn(ran.Error), 1);
+    EXPECT_EQ(ran.Out, "");
+  }
+}
+
+TEST(Cli, EveryCommandExplainsItself) {
+  const Ran all = RunCli({"--help"});
+  EXPECT_EQ(all.Status, 0);
+  for (const char* name : {"decode", "trace", "digitize", "show", "series", "setting", "lists", "tasks"}) {
+    const Ran ran = RunCli({name, "--help"});
+    EXPECT_EQ(ran.Status, 0);
+    EXPECT_THAT(ran.Out, StartsWith(std::string("usage: hyetex-cli ") + name));
+    EXPECT_THAT(ran.Error, IsEmpty());
+    EXPECT_THAT(all.Out, HasSubstr(std::string("\n  ") + name + " "));
+  }
+  EXPECT_THAT(RunCli({"--version"}).Out, StartsWith("hyetex-cli "));
+}
+
+TEST(Cli, OutputThatCannotBeWrittenIsAFailure) {
+  const TempFolder folder;
+  WriteFile(folder / "a.dat", ChartLines);
+  for (const std::vector<std::string>& words :
+       {std::vector<std::string>{"show", folder / "a.dat"}, {"series", folder / "a.dat"}, {"--help"}}) {
+    const Ran ran = RunCli(words, {.Out = "/dev/full"});
+    EXPECT_EQ(ran.Status, 1);
+    EXPECT_EQ(ran.Error, "hyetex-cli: the output could not be written\n");
+  }
+}
+
+std::string Stream(int tablet, const std::vector<TabletReport>& reports) {
+  std::string bytes;
+  for (const TabletReport& report : reports)
+    bytes += EncodeReport(TabletTypes()[static_cast<std::size_t>(tablet)], report);
+  return bytes;
+}
+
+TEST(Decode, TellsTheSameFromAFileAPipeAndStandardInput) {
+  const TempFolder folder;
+  const std::string bytes = "noise" + Stream(0, {{0, 12190, -1}, {18285, 7, 15}, {301, 302, 0}}) + "1";
+  WriteFile(folder / "stream", bytes);
+  ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
+  std::thread writer([&] { WriteFile(folder / "pipe", bytes); });
+  for (const std::string& from : {std::string(), std::string("-"), folder / "stream", folder / "pipe"}) {
+    std::vector<std::string> words{"decode", "--tablet", "0"};
+    if (!from.empty()) words.push_back(from);
+    const Ran ran = RunCli(words, {.Input = bytes});
+    EXPECT_EQ(ran.Status, 0) << from;
+    EXPECT_EQ(ran.Out, "0 12190 -1\n18285 7 15\n301 302 0\n") << from;
+  }
+  writer.join();
+}
+
+TEST(Trace, JournalsPressesAndProposesCodes) {
+  const TempFolder folder;
+  std::vector<TabletReport> reports;
+  for (const auto& [x, y] : {std::pair{500, 300}, {8000, 310}, {600, 400}, {900, 500}, {900, 500}}) {
+    reports.push_back({x, y, 0});
+    reports.push_back({x + 1, y, 0});  // the finger is not lifted at once
+    reports.push_back({x + 1, y, -1});
+  }
+  const std::string journal =
+      "HYETEX88 JOURNAL 1\ntablet 4\npress 500 300\npress 8000 310\npress 600 400\npress 900 500\npress 900 "
+      "500\n";
+  const Ran printed = RunCli({"trace", "--tablet", "4"}, {.Input = Stream(4, reports)});
+  EXPECT_EQ(printed.Status, 0);
+  EXPECT_EQ(printed.Out, journal);
+  WriteFile(folder / "stream", Stream(4, reports));
+  const Ran written = RunCli({"trace", "--tablet", "4", "--journal", folder / "j", folder / "stream"});
+  EXPECT_EQ(written.Status, 0);
+  EXPECT_EQ(written.Out, "");
+  EXPECT_EQ(ReadFile(folder / "j"), journal);
+}
+
+TEST(Show, NamesTheFieldsInTheirOrderAndGoesOnPastABadFile) {
+  const TempFolder folder;
+  std::filesystem::create_directory(folder / "Data");
+  WriteFile(folder / "Data/RG1-19980501-0000.dat", ChartLines);
+  ReferenceLists lists;
+  lists.Stations = {{"Dale", "RG0"}, {"Hill", "rg1"}};
+  ASSERT_TRUE(SaveLists(folder.Path(), lists));
+  const Ran ran = RunCli({"show", "--folder", folder.Path(), "none.dat", "RG1-19980501-0000.dat"});
+  EXPECT_EQ(ran.Status, 1);
+  EXPECT_EQ(ran.Out,
+            "FileName: RG1-19980501-0000.dat\nInstrumentIndex: 1\nInstrumentCode: RG1\nChartMethod: 0\n"
+            "PaperIndex: 0\nStartTime: 01/05/1998\nEndTime: 02/05/1998\nDigitizedTime: 0\nEyedDepth: 0\n"
+            "DigitizedDepth: 0\nManualDepth: 0\nSelectedDepth: 10\nGeneralComment: Caf\xC3\xA9\n"
+            "DigitizerComment: \nSeriesCount: 3\nAlphaCount: 2\nAlphaValues: 0.5 0.25\nSelectedAlpha: 0.1\n"
+            "Reliability: 0\nRawCount: 3\n");
+}
+
+TEST(Series, PrintsQuotedCsvAndExactNumbers) {
+  const TempFolder folder;
+  const std::string path = folder / "a.dat";
+  WriteFile(path, ChartLines);
+  EXPECT_EQ(RunCli({"series", path}).Out,
+            "time,depth,comment\n1998-05-01T00:00:00,0,\n1998-05-01T08:00:00,0,\n"
+            "1998-05-01T16:00:00,5,\"Ink, \"\"thin\"\"\"\n1998-05-02T00:00:00,10,\n");
+  // With the skew the points lie at 10, 21 and 32; of the steps only the first is shorter than 8 hours.
+  EXPECT_EQ(RunCli({"series", "--alpha", "--lapse", "480", path}).Out,
+            "time,depth,comment\n1998-05-01T00:00:00,0,\n"
+            "1998-05-01T15:45:00,5,\"Ink, \"\"thin\"\"\"\n1998-05-02T00:00:00,10,\n");
+
+  const Ran exact = RunCli({"series", "--exact", "--alpha", path});
+  ChartReading reading;
+  ASSERT_TRUE(ReadChartFile(path, "", {.UseAlpha = true}, reading));
+  std::istringstream lines(exact.Out);
+  std::string line;
+  std::getline(lines, line);
+  for (const SeriesPoint& point : reading.SeriesPoints) {
+    ASSERT_TRUE(std::getline(lines, line));
+    const std::size_t comma = line.find(',');
+    EXPECT_EQ(std::stod(line), point.Time);
+    EXPECT_EQ(std::stof(line.substr(comma + 1)), point.Depth);
+  }
+  WriteFile(path, "0,0,\n");
+  const Ran none = RunCli({"series", path});
+  EXPECT_EQ(none.Status, 1);
+  EXPECT_THAT(none.Error, HasSubstr("no series"));
+}
+
+TEST(Setting, IsReadBackByTheNextRun) {
+  const TempFolder folder;
+  const auto setting = [&](std::vector<std::string> words) {
+    words.insert(words.begin(), {"setting", "--folder", folder.Path()});
+    return RunCli(words);
+  };
+  EXPECT_EQ(setting({"get", "TargetFolder"}).Out, "\n");
+  EXPECT_EQ(setting({"set", "TargetFolder", "C:\\Data: new"}).Status, 0);
+  EXPECT_EQ(setting({"set", "--", "COMport", "--1"}).Status, 0);
+  EXPECT_EQ(setting({"get", "TargetFolder"}).Out, "C:\\Data: new\n");
+  EXPECT_EQ(setting({"get", "COMport"}).Out, "--1\n");
+}
+
+TEST(ListsAndTasks, ShowTheFolderButNoPasswords) {
+  const std::string folder = std::string(HYETEX_CASES) + "/linear/program";
+  const Ran lists = RunCli({"lists", "--folder", folder});
+  EXPECT_EQ(lists.Status, 0);
+  EXPECT_THAT(lists.Out,
+              HasSubstr("  1: Weekly, arc pen, non-linear, height 80 mm, depth scale 0.25 mm of rain / "
+                        "mm, time scale 0.5 hours / mm, middle to bottom 20 mm\n"));
+  EXPECT_THAT(lists.Out, HasSubstr("Stations\n  0: Caf\xC3\xA9 Hill - RG30, core 0, agency 0\n"));
+  EXPECT_THAT(lists.Out, HasSubstr("  1: Ada Traced, level 10\n"));
+  EXPECT_THAT(lists.Out, EndsWith("Comments\n  0: 301 - Hail on the gauge\n"));
+  EXPECT_THAT(lists.Out, Not(HasSubstr("pass")));
+  const Ran tasks = RunCli({"tasks", "--folder", folder});
+  EXPECT_EQ(
+      tasks.Out,
+      "Staged charts\n  0: RG7, 01/01/1998 to 02/01/1998, eyed 1 mm, manual unknown, Unknown\n"
+      "  1: RG12, 05/03/1998 12:30:00 to 06/03/1998 12:30:00, eyed 12.4 mm, manual 12.9 mm, Acceptable, "
+      "CODE301\n");
+}
+
+#ifndef __SANITIZE_ADDRESS__
+TEST(Memory, StaysSmallOnTheLongestLegalChart) {
+  const TempFolder folder;
+  std::string text = "Start: 01/05/98\r\nEnd: 02/05/98\r\nSelected Depth: 10\r\n";
+  for (int i = 0; i < 5000; ++i)
+    text += std::to_string(i) + "," + std::to_string(i % 90) + "," + std::string(780, 'x') + "\r\n";
+  ASSERT_GT(text.size(), 3'900'000U);
+  ASSERT_LT(text.size(), MostChartBytes);
+  WriteFile(folder / "a.dat", text);
+  for (const char* command : {"show", "series"}) {
+    const Ran ran = RunCli({command, folder / "a.dat"});
+    EXPECT_EQ(ran.Status, 0);
+    EXPECT_LT(ran.PeakKb, 30 * 1024) << command;
+  }
+}
+#endif
+
+}  // namespace
+}  // namespace hyetex::test

@@ -1,0 +1,91 @@
+// A digitizing desk without a screen: a tablet of ten units to the millimetre, so that the chart's band is
+// 1000 units high, and a view that remembers what it was last told.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "digitizing/action_machine.h"
+
+namespace hyetex::test {
+
+struct RecordingView : SilentView {
+  std::string Title, Instruction, Message;
+  Rgb Background{0, 0, 0};
+  bool Board = false, Marker = false, Enabled = true, Pressed = false, ZoomOutPicture = false;
+  int Highlight = -2, MarkedTool = -1, Saves = 0, Closes = 0;
+  double Factor = 1;
+  std::optional<Rect> Shape;
+
+  void ShowInstruction(std::string_view text) override { Instruction = text; }
+  void SetTitle(std::string_view title) override { Title = title; }
+  void SetBackground(Rgb colour) override { Background = colour; }
+  void ShowBoard(bool visible) override { Board = visible; }
+  void HighlightTool(int tool) override { Highlight = tool; }
+  void PlaceMarker(int tool) override { MarkedTool = tool; }
+  void ShowMarker(bool visible) override { Marker = visible; }
+  void ShowZoomOutPicture(bool zoomOut) override { ZoomOutPicture = zoomOut; }
+  void PlaceCrosshair(double, double, bool pressed) override { Pressed = pressed; }
+  void ShowDragShape(DragShape, const Rect& rect) override { Shape = rect; }
+  void HideDragShape(DragShape) override { Shape.reset(); }
+  void EnableDesk(bool enabled) override { Enabled = enabled; }
+  void OpenSave() override { ++Saves; }
+  void CloseDesk() override { ++Closes; }
+  void ResizeDesk(double factor) override { Factor *= factor; }
+  void ShowMessage(std::string_view, std::string_view text) override { Message = text; }
+};
+
+inline const TabletType DeskTablet{"Desk", WireFormat::Ascii, "", "", 13, 13, 0, 2, {4000, 4000, 400, 400}};
+
+inline ChartRecord ChartOf1998() {
+  ChartRecord chart;
+  chart.StartTime = MakeDate(1998, 3, 5);
+  return chart;
+}
+
+struct Desk {
+  explicit Desk(ChartMethod method = ChartMethod::Linear, float middleToBottomMm = 0,
+                JournalSink* journal = nullptr)
+      : State(DeskTablet.Extents,
+              {"Weekly", 100, 0.1F, 2, static_cast<std::int16_t>(method), middleToBottomMm}, ChartOf1998(),
+              MakeDate(2024, 1, 1, 9, 40)),
+        Machine(State, DeskTablet, View, journal) {
+    Machine.Start();
+  }
+  /// The page from (500, 500) to (3500, 500): 5% of its length are 150 units.
+  Desk& Calibrated() {
+    Click(500, 500);
+    Click(3500, 500);
+    return *this;
+  }
+  void Report(int x, int y, int button = -1) { Machine.HandleReport({x, y, button}); }
+  void Click(int x, int y, int button = 0) {
+    Report(x, y);
+    Report(x, y, button);
+    Report(x, y);
+  }
+  void Drag(int x, int y, int toX, int toY) {
+    Report(x, y);
+    Report(x, y, 0);
+    Report(toX, toY, 0);
+    Report(toX, toY);
+  }
+  /// Brings the tablet's cursor over a square of the board, with or without a button.
+  void OnSquare(int tool, int button = -1, int dx = 0, int dy = 0) {
+    const auto [x, y] = TabletPositionOfTool(Machine.Layout, DeskTablet.Extents, tool);
+    Report(static_cast<int>(x) + dx, static_cast<int>(y) + dy, button);
+  }
+  const Trace& Line() const { return State.Line; }
+  int Last() const { return State.Line.LastPoint(); }
+  const DigitizedPoint& LastOne() const { return State.Line.Point(Last()); }
+  bool IsDrawing() const {
+    return State.Action == action::Drawing && View.Title == "HYETEX 88" && !View.Marker;
+  }
+
+  RecordingView View;
+  Session State;
+  ActionMachine Machine;
+};
+
+}  // namespace hyetex::test
