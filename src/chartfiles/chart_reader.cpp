@@ -27,9 +27,12 @@ class LineReader {
       TakePoint(line);
       return;
     }
-    if (BeginsAsPoint(line))
+    if (BeginsAsPoint(line)) {
+      // A word in a point's comment hides the point, but never passes for what the chart's head says.
       Note("the point is left out, since its comment holds \"" +
            std::string(kind.Word.empty() ? ":" : kind.Word) + "\"");
+      return;
+    }
     TakeValue(kind.Kind, ValueOfChartLine(line));
     if (EqualIgnoringCase(line.substr(0, DigitizerCommentWord.size()), DigitizerCommentWord))
       reading_.Chart.DigitizerComment = ValueOfChartLine(line);
@@ -148,7 +151,7 @@ class LineReader {
   }
 
   std::int16_t IndexOf(std::string_view code) const {
-    for (std::size_t i = 0; i < options_.Stations.size(); ++i)
+    for (std::size_t i = options_.Stations.size(); i-- > 0;)
       if (EqualIgnoringCase(options_.Stations[i].InstrumentCode, code)) return static_cast<std::int16_t>(i);
     return -1;
   }
