@@ -118,7 +118,7 @@ TEST(ChartReader, NameGivesTheCentury) {
                      {"", "02/01/25 08:00", "03/01/25", 2025, 2025},
                      {"RG1-19250103-0800.dat", "02/01/25 08:00", "03/01/25", 2025, 2025},  // of another chart
                      {"RG1-19250102-0800.dat", "02/01/2025 08:00", "03/01/25", 2025, 2025},
-                     {"RG1-19250102-0800.dat", "02/01/25 08:00", "03/01/1926", 1925, 1926}};
+                     {"RG1-19250102-0800.dat", "02/01/25 08:00", "03/01/2026", 1925, 2026}};
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.Name) + " " + c.Start);
     const std::string text = std::string("Start: ") + c.Start + "\nEnd: " + c.End + "\n";

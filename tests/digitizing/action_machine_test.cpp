@@ -11,222 +11,154 @@ using test::Desk;
 
 TEST(ActionMachine, TwoPressesCalibrateThePage) {
   Desk desk;
-  EXPECT_EQ(desk.View.Title, "Setting the page angle");
-  EXPECT_EQ(desk.View.Instruction, "Click the bottom left point of the page");
+  desk.Click(400, 500, 2);  // the board's button is no press
+  EXPECT_EQ(desk.Shown(), "3 / Setting the page angle / Click the bottom left point of the page");
   EXPECT_EQ(desk.View.Background, LightBlue);
-  desk.Click(500, 500, 2);  // the board's button is no press
-  EXPECT_EQ(desk.State.Action, 3.0F);
-  desk.Click(500, 500);
-  EXPECT_EQ(desk.State.Action, 3.5F);
-  EXPECT_EQ(desk.View.Instruction, "Click the bottom-right Corner of the Page");
-  EXPECT_EQ(desk.View.Background, LightOrange);
-  desk.Click(500, 900);  // no line stands upright
-  EXPECT_EQ(desk.State.Action, 3.5F);
-  EXPECT_FALSE(desk.View.Board);
+  desk.Click(500, 500).Click(500, 900);  // no line stands upright
+  EXPECT_EQ(desk.Shown(), "3.5 / Setting the page angle / Click the bottom-right Corner of the Page");
+  EXPECT_TRUE(desk.View.Background == LightOrange && !desk.View.Board);
   desk.Click(3500, 800);
-  EXPECT_TRUE(desk.IsDrawing() && desk.View.Instruction.empty() && desk.View.Board);
-  EXPECT_EQ(desk.View.Background, LightGreen);
+  EXPECT_TRUE(desk.IsDrawing() && desk.View.Background == LightGreen && desk.View.Board);
   EXPECT_FLOAT_EQ(desk.State.PageAngle, std::atan(0.1F));
   EXPECT_FLOAT_EQ(desk.Line().Paper(0).Angle, std::atan(0.1F));
 }
 
 TEST(ActionMachine, WaitingToolsSayWhatTheyWaitForAndAreTakenBack) {
-  const struct {
-    int Tool;
-    float Waits;
-    const char *Title, *Prompt;
-  } cases[] = {{3, 11, "Marking a recovered segment", "Click at the point where the recovered segment ends"},
-               {4, 1, "Append a new paper", "Click the bottom-left corner of the new paper"},
-               {8, 0.5F, "Starting a new segment", "Click the point that overlaps the last point drawn"},
-               {12, 7.1F, "Add a Comment for a segment",
-                "Select the segement to which you would like to add a Comment"},
-               {16, 9, "Leveling a segment",
-                "The follwing point would be considered in the same height as the first one"},
-               {17, 10, "Data Gap", "Choose the point where the data gap ends"},
-               {13, 8, "Zooming", "Select the area which you would like to zoom on"}};
-  for (const auto& c : cases) {
+  using Case = std::pair<int, const char*>;
+  for (const auto& [tool, shown] :
+       {Case(3, "11 / Marking a recovered segment / Click at the point where the recovered segment ends"),
+        Case(4, "1 / Append a new paper / Click the bottom-left corner of the new paper"),
+        Case(8, "0.5 / Starting a new segment / Click the point that overlaps the last point drawn"),
+        Case(12,
+             "7.1 / Add a Comment for a segment / Select the segement to which you would like to add a "
+             "Comment"),
+        Case(16,
+             "9 / Leveling a segment / The follwing point would be considered in the same height as the "
+             "first one"),
+        Case(17, "10 / Data Gap / Choose the point where the data gap ends"),
+        Case(13, "8 / Zooming / Select the area which you would like to zoom on")}) {
     Desk desk;
-    desk.Calibrated().Click(600, 600);
-    desk.OnSquare(c.Tool, 0);
-    EXPECT_EQ(desk.View.MarkedTool, c.Tool);
-    EXPECT_EQ(desk.State.Action, c.Waits);
-    EXPECT_EQ(desk.View.Title, c.Title);
-    EXPECT_EQ(desk.View.Instruction, c.Prompt);
-    EXPECT_TRUE(desk.View.Marker && desk.State.WaitForRelease);
+    desk.Calibrated().Click(600, 600).OnSquare(tool, 0);
+    EXPECT_EQ(desk.Shown(), shown);
+    EXPECT_TRUE(desk.View.MarkedTool == tool && desk.View.Marker && desk.State.WaitForRelease);
     desk.Report(700, 700, 0);  // the press that chose the tool does nothing more
+    desk.Click(700, 700, 2);   // nor does the board's button
+    EXPECT_EQ(desk.Shown(), shown);
     EXPECT_EQ(desk.Last(), 0);
-    desk.Report(700, 700);
-    desk.Click(700, 700, 2);
-    EXPECT_EQ(desk.State.Action, c.Waits);
-    desk.Machine.RunTool(c.Tool);
-    EXPECT_EQ(desk.IsDrawing() && desk.View.Instruction.empty(), c.Tool != 13) << c.Tool;
-    desk.Machine.RunTool(c.Tool);
-    desk.Machine.Escape();
-    EXPECT_TRUE(desk.IsDrawing() && desk.View.Instruction.empty()) << c.Tool;
+    EXPECT_EQ(desk.Tool(tool).IsDrawing(), tool != 13) << tool;
+    desk.Tool(tool).Machine.Escape();
+    EXPECT_TRUE(desk.IsDrawing()) << tool;
   }
-  Desk empty;
-  empty.Calibrated().Machine.RunTool(4);
-  EXPECT_TRUE(empty.IsDrawing());
+  EXPECT_TRUE(Desk().Calibrated().Tool(4).IsDrawing());  // nothing to continue
 }
 
 TEST(ActionMachine, APressInsideTheBoxStoresOnePoint) {
   Desk desk;
   desk.Calibrated().State.Saved = true;
-  desk.Report(600, 700, 0);
-  desk.Report(601, 701, 0);  // held
-  desk.Report(900, 900, 1);
-  desk.Report(600, 700);
+  desk.Report(600, 700, 0).Report(601, 701, 0).Report(900, 900, 1).Report(600, 700);  // held
   ASSERT_EQ(desk.Last(), 0);
-  EXPECT_EQ(desk.LastOne().X, 600);
-  EXPECT_FALSE(desk.State.Saved);
-  EXPECT_EQ(desk.State.RefX, 600);
+  EXPECT_TRUE(desk.LastOne().X == 600 && desk.State.RefX == 600 && !desk.State.Saved);
   EXPECT_NEAR(desk.State.RefTime, MakeDate(2024, 1, 1, 10), 1e-9);  // the nearest whole hour
-  desk.Click(600, 2000);
-  desk.Click(600, 250, 1);
+  desk.Click(600, 2000).Click(600, 250, 1);
   EXPECT_TRUE(desk.Last() == 0 && desk.View.Message.empty());
 }
 
 TEST(ActionMachine, AJumpBackOfATwentiethStartsASegment) {
   for (const auto& [x, marked] : {std::pair(1351, false), std::pair(1350, true), std::pair(1000, true)}) {
     Desk desk;
-    desk.Calibrated().Click(1600, 600);
-    desk.Click(1500, 600);  // the second point may go back as far as it likes
+    desk.Calibrated().Click(1700, 600).Click(1500, 600);  // the second point may go back as far as it likes
     EXPECT_FALSE(desk.LastOne().StartsSegment());
     desk.Click(x, 700);
-    EXPECT_EQ(desk.LastOne().StartsSegment(), marked) << x;
-    EXPECT_EQ(desk.LastOne().TrueX(), x);
-    EXPECT_TRUE(desk.IsDrawing());
+    EXPECT_TRUE(desk.LastOne().StartsSegment() == marked && desk.LastOne().TrueX() == x && desk.IsDrawing())
+        << x;
   }
 }
 
 TEST(ActionMachine, ADeepFallIsAnAlphaPoint) {
-  const struct {
-    ChartMethod Method;
-    int Fall;
-    bool Alpha;
-  } cases[] = {{ChartMethod::Linear, 600, false},
-               {ChartMethod::Linear, 601, true},
-               {ChartMethod::NonLinear, 800, false},
-               {ChartMethod::NonLinear, 801, true},
-               {ChartMethod::TippingBucket, 601, true}};
-  for (const auto& c : cases) {
-    Desk desk(c.Method, 12.5F);
-    desk.Calibrated().Click(600, 1400);
-    desk.Click(610, 1400 - c.Fall);
-    EXPECT_EQ(desk.LastOne().Comment, c.Alpha ? "CODE202" : "") << c.Fall;
-    desk.Click(620, 1400);
-    desk.Machine.RunTool(8);
-    desk.Click(620, 1400);
-    desk.Click(630, 500);  // never measured from a segment's start
+  using Case = std::tuple<ChartMethod, int, const char*>;
+  for (const auto& [method, fall, comment] :
+       {Case(ChartMethod::Linear, 600, ""), Case(ChartMethod::Linear, 601, "CODE202"),
+        Case(ChartMethod::NonLinear, 800, ""), Case(ChartMethod::NonLinear, 801, "CODE202"),
+        Case(ChartMethod::TippingBucket, 601, "CODE202")}) {
+    Desk desk(method, 12.5F);
+    EXPECT_EQ(desk.Calibrated().Click(600, 1400).Click(610, 1400 - fall).LastOne().Comment, comment) << fall;
+    desk.Click(620, 1400).Tool(8).Click(620, 1400).Click(630, 500);  // never measured from a segment's start
     EXPECT_EQ(desk.LastOne().Comment, "");
   }
 }
 
 TEST(ActionMachine, TheAlphaToolMarksTheNextPointDrawnAndNoOther) {
   Desk desk;
-  desk.Calibrated().Machine.RunTool(6);
-  EXPECT_EQ(desk.View.Title, "Toggling an alpha sign");
-  EXPECT_EQ(desk.View.Instruction, "Click at the point where the instrument has finished cycling");
-  desk.Click(600, 3300);  // outside: still waiting
-  desk.Click(600, 600);
-  EXPECT_EQ(desk.LastOne().Comment, "CODE202");
-  desk.Click(650, 600);
-  EXPECT_EQ(desk.LastOne().Comment, "");
-  desk.Machine.RunTool(6);
-  desk.Machine.RunTool(6);
-  EXPECT_TRUE(desk.IsDrawing() && !desk.State.AlphaNext);
-  desk.Machine.RunTool(6);
-  desk.Machine.RunTool(8);
-  desk.Click(660, 600);
-  desk.Click(670, 600);
-  EXPECT_EQ(desk.LastOne().Comment, "");
+  desk.Calibrated().Tool(6);
+  EXPECT_EQ(desk.Shown(),
+            "0 / Toggling an alpha sign / Click at the point where the instrument has finished cycling");
+  EXPECT_EQ(desk.Click(600, 2000).Click(600, 600).LastOne().Comment, "CODE202");  // the first lies outside
+  EXPECT_EQ(desk.Click(650, 600).LastOne().Comment, "");
+  EXPECT_TRUE(desk.Tool(6).Tool(6).IsDrawing() && !desk.State.AlphaNext);
+  EXPECT_EQ(desk.Tool(6).Tool(8).Click(660, 600).Click(670, 600).LastOne().Comment, "");
 }
 
 TEST(ActionMachine, AStripIsAttachedByTwoCornersAndItsFirstPoint) {
   Desk desk;
-  desk.Calibrated().Click(600, 600);
-  desk.Click(800, 700);
-  desk.Machine.RunTool(4);
-  desk.Click(1000, 2000);
-  EXPECT_EQ(desk.State.Action, 1.5F);
-  EXPECT_EQ(desk.View.Instruction, "Click the bottom-right corner of the new paper");
-  desk.Click(1000, 2100);
-  EXPECT_TRUE(desk.State.Action == 1.5F && desk.Line().CurrentPaper() == 0);
-  desk.Click(2000, 2100);
-  EXPECT_EQ(desk.State.Action, 1.7F);
-  EXPECT_EQ(desk.View.Instruction, "Click the first point of the new paper and continue drawing normally");
+  desk.Calibrated().Click(600, 600).Click(800, 700).Tool(4);
+  desk.Click(2900, 3400).Click(2900, 3600);  // a corner may lie under the board; none above the other
+  EXPECT_EQ(desk.Shown(), "1.5 / Append a new paper / Click the bottom-right corner of the new paper");
+  EXPECT_EQ(desk.Line().CurrentPaper(), 0);
+  desk.Click(3900, 3500);
+  EXPECT_EQ(
+      desk.Shown(),
+      "1.7 / Append a new paper / Click the first point of the new paper and continue drawing normally");
   EXPECT_FLOAT_EQ(desk.State.PageAngle, std::atan(0.1F));
-  EXPECT_FALSE(desk.View.Marker);
-  desk.Click(1000, 2300);
-  EXPECT_TRUE(desk.IsDrawing() && desk.LastOne().StartsSegment());
+  EXPECT_TRUE(desk.Click(2600, 3600).IsDrawing() && desk.LastOne().StartsSegment());
+  EXPECT_TRUE(desk.Line().PaperOfPoint(1) == 0 && desk.Line().PaperOfPoint(2) == 1);
   EXPECT_EQ(desk.Line().Paper(1).FirstPoint, 2);
-  desk.Click(1100, 2300);
-  EXPECT_EQ(desk.Line().PaperOfPoint(1), 0);
-  EXPECT_EQ(desk.Line().PaperOfPoint(3), 1);
 }
 
 TEST(ActionMachine, LevelsAndEndsOfGapsCarryTheirCodes) {
   Desk desk;
-  desk.Calibrated().Click(600, 600);
-  desk.Machine.RunTool(16);
-  desk.Click(700, 900);
-  EXPECT_TRUE(desk.LastOne().Comment == "CODE203" && desk.IsDrawing());
-  EXPECT_FLOAT_EQ(desk.State.TotalDepth(desk.Last()), 0);
-  for (const int tool : {17, 3}) {
-    desk.Machine.RunTool(tool);
-    desk.Click(800, 900);
+  desk.Calibrated().Click(600, 600).Tool(16).Click(700, 900);
+  EXPECT_TRUE(desk.LastOne().Comment == "CODE203" && desk.IsDrawing() && desk.State.TotalDepth(1) == 0);
+  const std::vector<std::string> reasons[] = {
+      {"Pen did not record", "Clock malfunction", "Instrument did not cycle",
+       "Instrument stopped after cycle", "Pen recorded on the metal strip"},
+      {"Pen did not record", "Pen recorded on the metal strip"}};
+  for (const bool gap : {true, false}) {
+    desk.Tool(gap ? 17 : 3).Click(800, 900);
     ASSERT_TRUE(desk.Machine.CommentIsOpen() && !desk.View.Enabled);
     const CommentRequest request = *desk.Machine.OpenCommentRequest();
-    EXPECT_EQ(request.Code, tool == 17 ? "205" : "206");
-    EXPECT_EQ(
-        request.Choices,
-        tool == 17
-            ? (std::vector<std::string>{"Pen did not record", "Clock malfunction", "Instrument did not cycle",
-                                        "Instrument stopped after cycle", "Pen recorded on the metal strip"})
-            : (std::vector<std::string>{"Pen did not record", "Pen recorded on the metal strip"}));
+    EXPECT_EQ(request.Code, gap ? "205" : "206");
+    EXPECT_EQ(request.Choices, reasons[gap ? 0 : 1]);
     const std::string_view thrownAway = "0900,0900,1\r\n0900,0900,1\r\n0900";
     desk.Machine.Receive({reinterpret_cast<const std::uint8_t*>(thrownAway.data()), thrownAway.size()});
     EXPECT_EQ(desk.State.CursorX, 800);
-    EXPECT_TRUE(desk.Machine.AddComment(request.Code, "two\nlines"));
-    EXPECT_FALSE(desk.Machine.AddComment(request.Code, "Clock malfunction"));
-    desk.Machine.CommentClosed();
-    EXPECT_EQ(desk.LastOne().Comment, "CODE" + request.Code + " + Clock malfunction");
-    EXPECT_TRUE(desk.View.Enabled && desk.IsDrawing());
-    EXPECT_EQ(desk.Line().Point(1).Comment, "CODE203");
+    EXPECT_TRUE(desk.Machine.AddComment(request.Code, "two\nlines"));  // refused
+    EXPECT_EQ(desk.Comment(request.Code, "Torn").LastOne().Comment, "CODE" + request.Code + " + Torn");
+    EXPECT_TRUE(desk.View.Enabled && desk.IsDrawing() && desk.Line().Point(1).Comment == "CODE203");
   }
-  Desk first;
-  first.Calibrated().Machine.RunTool(17);
-  first.Click(600, 600);
-  first.Machine.AddComment("205", "");
-  EXPECT_EQ(first.LastOne().Comment, "");  // point 0 never gets one
+  EXPECT_EQ(Desk().Calibrated().Tool(17).Click(600, 600).Comment("205", "").LastOne().Comment,
+            "");  // point 0
 }
 
 TEST(ActionMachine, ErasingAndRedigitizingKeepThePage) {
   Desk desk;
-  desk.Calibrated().Machine.RunTool(7);
-  EXPECT_EQ(desk.Last(), -1);
-  for (const int x : {600, 700, 800}) desk.Click(x, 600);
-  desk.Machine.RunTool(8);
-  desk.Click(900, 600);
+  EXPECT_EQ(desk.Calibrated().Tool(7).Last(), -1);
+  desk.Click(600, 600).Click(700, 600).Click(800, 600).Tool(8).Click(900, 600);
   EXPECT_EQ(desk.State.RefX, 900);
-  desk.Machine.RunTool(7);
+  EXPECT_EQ(desk.Tool(7).Last(), 2);
   EXPECT_EQ(desk.State.RefX, 600);  // no earlier segment: point 0
-  EXPECT_EQ(desk.Last(), 2);
   desk.State.Saved = true;
-  desk.Machine.RunTool(2);
-  EXPECT_TRUE(desk.Last() == -1 && desk.State.RefX == 0 && !desk.State.Saved);
-  desk.Click(600, 600);
-  EXPECT_EQ(desk.Last(), 0);
+  EXPECT_TRUE(desk.Tool(2).Last() == -1 && desk.State.RefX == 0 && !desk.State.Saved);
+  EXPECT_EQ(desk.Click(600, 600).Last(), 0);
 }
 
 TEST(ActionMachine, WhatCannotBeKeptIsToldAndChangesNothing) {
   Desk full;
   full.Calibrated();
   while (!full.Line().IsFull()) full.State.Line.Add(1000, 600);
-  for (const int tool : {-1, 3, 8, 16, 17}) {
+  for (const int tool : {7, 3, 8, 16, 17}) {
+    if (tool == 7) full.Tool(7).Click(1000, 600);
     full.View.Message.clear();
-    if (tool >= 0) full.Machine.RunTool(tool);
-    full.Report(1100, 600);
+    if (tool != 7) full.Tool(tool);
     full.Click(1100, 600);
     EXPECT_EQ(full.View.Message,
               "The chart has 5001 points and can hold no more. Save it, or delete points, before you go on.");
@@ -234,165 +166,105 @@ TEST(ActionMachine, WhatCannotBeKeptIsToldAndChangesNothing) {
   }
   Desk strips;
   strips.Calibrated().Click(600, 600);
-  for (int i = 1; i <= 11; ++i) {
-    strips.Machine.RunTool(4);
-    strips.Click(1000, 600);
-    strips.Click(2000, 600);
-    strips.Click(1000, 700);
-  }
+  for (int i = 1; i <= 11; ++i) strips.Tool(4).Click(1000, 600).Click(2000, 600).Click(1000, 700);
   EXPECT_EQ(strips.View.Message, "No more than 10 strips can be attached to a chart.");
   EXPECT_EQ(strips.Line().CurrentPaper(), 10);
 
   Desk arc(ChartMethod::NonLinear, 40);  // its circle ends at 101.25 mm
-  arc.Calibrated().Click(600, 600);
-  arc.Click(700, 1650);
+  arc.Calibrated().Click(600, 600).Click(700, 1650);
   EXPECT_TRUE(arc.Last() == 0 && arc.View.Message.find("arc") != std::string::npos);
-  arc.Machine.RunTool(16);
-  arc.Click(700, 3300);
-  EXPECT_TRUE(arc.Last() == 0 && arc.State.Action == action::Leveling);
-  arc.Click(700, 1500);
-  EXPECT_EQ(arc.Last(), 1);
+  EXPECT_TRUE(arc.Tool(16).Click(700, 3300).Last() == 0 && arc.State.Action == action::Leveling);
+  EXPECT_EQ(arc.Click(700, 1500).Last(), 1);
 }
 
 TEST(ActionMachine, ALassoCommentsThePointsUnderIt) {
   for (const bool zoomed : {false, true}) {
     Desk desk;
-    desk.Calibrated();
-    for (const int x : {600, 700, 800, 900}) desk.Click(x, 600);
+    desk.Calibrated().Click(600, 600).Click(700, 600).Click(800, 600).Click(900, 600);
     if (zoomed) desk.Machine.AutoZoom();
-    desk.Machine.RunTool(12);
-    desk.Drag(1000, 700, 1100, 800);
+    desk.Tool(12).Drag(1000, 700, 1100, 800);
     EXPECT_TRUE(!desk.Machine.CommentIsOpen() && desk.IsDrawing() && !desk.View.Shape);
-    desk.Machine.RunTool(12);
-    desk.Drag(850, 700, 550, 500);  // from any corner
+    desk.Tool(12).Drag(850, 700, 550, 500);  // from any corner
     ASSERT_TRUE(desk.Machine.CommentIsOpen()) << zoomed;
     EXPECT_EQ(desk.Machine.OpenCommentRequest()->Title, "Add a Comment for a segment...");
     EXPECT_TRUE(desk.Machine.OpenCommentRequest()->Choices.empty());
-    desk.Machine.AddComment("", "Wet");
-    desk.Machine.CommentClosed();
+    EXPECT_TRUE(desk.Comment("", "Wet").IsDrawing() && desk.Last() == 3);
     for (int i = 0; i <= 3; ++i) EXPECT_EQ(desk.Line().Point(i).Comment, i == 1 || i == 2 ? "Wet" : "");
-    EXPECT_TRUE(desk.IsDrawing() && desk.Last() == 3);
-    desk.Machine.RunTool(12);
-    desk.Drag(650, 500, 750, 700);
-    desk.Machine.ClearComments();
-    desk.Machine.AddComment("7", "");
-    desk.Machine.CommentClosed();
-    EXPECT_EQ(desk.Line().Point(1).Comment, "CODE7");
+    desk.Tool(12).Drag(650, 500, 750, 700).Machine.ClearComments();
+    EXPECT_EQ(desk.Comment("7", "").Line().Point(1).Comment, "CODE7");
     EXPECT_EQ(desk.Line().Point(2).Comment, "Wet");
   }
 }
 
-TEST(ActionMachine, TheGeneralCommentIsTheCharts) {
-  Desk desk;
-  desk.Calibrated().OnSquare(11, 0);
-  ASSERT_TRUE(desk.Machine.CommentIsOpen());
-  EXPECT_EQ(desk.Machine.OpenCommentRequest()->Title, "Add a general Comment...");
-  desk.Machine.AddComment("213", "");
-  desk.Machine.AddComment("", "Torn");
-  EXPECT_EQ(desk.State.Chart.GeneralComment, "CODE213::Torn");
-  desk.Machine.ClearComments();
-  EXPECT_EQ(desk.State.Chart.GeneralComment, "");
-}
-
 TEST(ActionMachine, ZoomsToTheDraggedAreaAndBack) {
   Desk desk;
-  desk.Calibrated();
-  const auto isWhole = [&] {
+  const auto view = [&] {
     const Session& s = desk.State;
-    return !s.Zoomed && s.ViewX0 == 0 && s.ViewY0 == 0 && s.ScaleX == 3 && s.ScaleY == 3;
+    return std::vector<double>{s.ViewX0, s.ViewY0, s.ScaleX, s.ScaleY};
   };
-  desk.Machine.RunTool(13);
-  desk.Report(1000, 2000);
-  desk.Report(1000, 2000, 0);
-  EXPECT_EQ(desk.State.Action, 8.1F);
-  desk.Report(2000, 1500, 0);
+  const std::vector<double> whole{0, 0, 3, 3};
+  desk.Calibrated().Tool(13).Report(1000, 2000).Report(1000, 2000, 0).Report(2000, 1500, 0);
   ASSERT_TRUE(desk.View.Shape);
-  EXPECT_DOUBLE_EQ(desk.View.Shape->Left, 3000);
-  EXPECT_DOUBLE_EQ(desk.View.Shape->Top, 6000);
-  EXPECT_DOUBLE_EQ(desk.View.Shape->Width, 3000);
-  EXPECT_DOUBLE_EQ(desk.View.Shape->Height, 1500);
-  desk.Machine.RunTool(13);  // ignored during the drag
-  EXPECT_EQ(desk.State.Action, 8.1F);
-  desk.Report(2000, 1500);
-  EXPECT_TRUE(desk.State.Zoomed && desk.IsDrawing() && desk.View.ZoomOutPicture && desk.Last() == -1);
-  EXPECT_FLOAT_EQ(desk.State.ViewX0, 1000);
-  EXPECT_FLOAT_EQ(desk.State.ViewY0, 1500);
-  EXPECT_FLOAT_EQ(desk.State.ScaleX, 12);
-  EXPECT_FLOAT_EQ(desk.State.ScaleY, 24);
+  const Rect& shape = *desk.View.Shape;
+  EXPECT_EQ(std::tuple(shape.Left, shape.Top, shape.Width, shape.Height), std::tuple(3000, 6000, 3000, 1500));
+  EXPECT_EQ(desk.Tool(13).State.Action, 8.1F);  // ignored during the drag
+  EXPECT_TRUE(desk.Report(2000, 1500).IsDrawing() && desk.View.ZoomOutPicture && desk.Last() == -1);
+  EXPECT_EQ(view(), (std::vector<double>{1000, 1500, 12, 24}));
   desk.Machine.ViewResized(6000, 6000);
-  EXPECT_FLOAT_EQ(desk.State.ScaleX, 6);
+  EXPECT_EQ(view(), (std::vector<double>{1000, 1500, 6, 12}));
   desk.Machine.ViewResized(12000, 12000);
   EXPECT_EQ(GetToolText(13, true), "Zoom Out - return to normal display");
-  desk.Machine.RunTool(13);
-  EXPECT_TRUE(isWhole() && !desk.View.ZoomOutPicture);
-  desk.Machine.RunTool(13);
-  desk.Click(1000, 1000);  // no area
-  EXPECT_TRUE(isWhole() && desk.IsDrawing());
+  EXPECT_TRUE(!desk.Tool(13).View.ZoomOutPicture && view() == whole);
+  EXPECT_TRUE(desk.Tool(13).Click(1000, 1000).IsDrawing() && view() == whole);  // no area
   desk.Machine.AutoZoom();
-  EXPECT_FLOAT_EQ(desk.State.ViewX0, 350);
-  EXPECT_FLOAT_EQ(desk.State.ViewY0, -500);
-  EXPECT_FLOAT_EQ(desk.State.ScaleX, 12000 / 3600.0F);
-  EXPECT_EQ(desk.State.ScaleX, desk.State.ScaleY);
+  EXPECT_EQ(view(), (std::vector<double>{350, -500, 12000 / 3600.0F, 12000 / 3600.0F}));
 }
 
 TEST(ActionMachine, TheBoardOpensClosesMovesAndTellsItsTools) {
   Desk desk;
-  desk.Calibrated().OnSquare(10, 0);
-  EXPECT_FALSE(desk.View.Board);
-  desk.Report(3500, 3500);
-  desk.Click(600, 600, 2);
-  EXPECT_TRUE(desk.View.Board && desk.Last() == -1);
-  desk.Click(600, 600, 2);
-  EXPECT_FALSE(desk.View.Board);
-  desk.Click(600, 600, 2);
-
-  desk.OnSquare(7);
-  EXPECT_EQ(desk.View.Instruction, "Delete last point");
+  EXPECT_FALSE(desk.Calibrated().OnSquare(10, 0).View.Board);
+  EXPECT_TRUE(desk.Click(600, 600, 2).View.Board && desk.Last() == -1);
+  EXPECT_FALSE(desk.Click(600, 600, 2).View.Board);
+  EXPECT_EQ(desk.Click(600, 600, 2).OnSquare(7).View.Instruction, "Delete last point");
   EXPECT_EQ(desk.View.Highlight, 7);
-  desk.OnSquare(5, 0);  // an empty square
-  EXPECT_TRUE(desk.State.CurrentTool == -1 && desk.IsDrawing() && desk.View.Instruction.empty());
-  desk.OnSquare(5);
+  EXPECT_TRUE(desk.OnSquare(5, 0).IsDrawing() && desk.State.CurrentTool == -1);  // an empty square
 
-  const Rect before = desk.Machine.Layout.Board;
-  const auto [x, y] = TabletPositionOfTool(desk.Machine.Layout, test::DeskTablet.Extents, 9);
+  const Rect before = desk.OnSquare(5).Machine.Layout.Board;
   desk.OnSquare(9, 0);
-  EXPECT_EQ(desk.State.Action, 6.0F);
-  for (int i = 1; i <= 10; ++i) desk.Report(static_cast<int>(x) - 100 * i, static_cast<int>(y) - 50 * i, 0);
+  const int x = static_cast<int>(desk.State.CursorX), y = static_cast<int>(desk.State.CursorY);
+  for (int i = 1; i <= 10; ++i) desk.Report(x - 100 * i, y - 50 * i, 0);
   EXPECT_NEAR(desk.Machine.Layout.Board.Left, before.Left - 3000, 10);
   EXPECT_NEAR(desk.Machine.Layout.Board.Top, before.Top + 1500, 10);
-  desk.Report(600, 600);
-  EXPECT_TRUE(desk.IsDrawing());
+  EXPECT_TRUE(desk.Report(600, 600).IsDrawing());
 
-  desk.OnSquare(1, 0);
-  EXPECT_TRUE(desk.View.Saves == 1 && !desk.View.Enabled);
-  desk.Machine.RunTool(14);
-  desk.Machine.RunTool(15);
-  EXPECT_DOUBLE_EQ(desk.View.Factor, 0.9 * 1.1);
-  desk.Machine.RunTool(0);
-  EXPECT_EQ(desk.View.Closes, 1);
+  EXPECT_TRUE(desk.OnSquare(1, 0).View.Saves == 1 && !desk.View.Enabled);
+  EXPECT_DOUBLE_EQ(desk.Tool(14).Tool(15).View.Factor, 0.9 * 1.1);
+  EXPECT_EQ(desk.Tool(0).View.Closes, 1);
+  ASSERT_TRUE(desk.Tool(11).Machine.CommentIsOpen());
+  EXPECT_EQ(desk.Machine.OpenCommentRequest()->Title, "Add a general Comment...");
+  desk.Machine.AddComment("213", "");
+  EXPECT_EQ(desk.Comment("", "Torn").State.Chart.GeneralComment, "CODE213::Torn");
 }
 
 TEST(ActionMachine, ReadsTimeAndDepthUnderTheCursor) {
   Desk desk;
-  desk.Click(500, 500);
-  desk.Click(3500, 500);
-  desk.Report(900, 900);
-  EXPECT_EQ(desk.State.CursorTime, MakeDate(1998, 3, 5));
-  EXPECT_EQ(desk.State.CursorDepth, 0);
-  desk.Click(500, 500);
-  desk.Report(740, 600);
-  EXPECT_NEAR(desk.State.CursorTime, MakeDate(1998, 3, 6), 1e-6);  // ten units to the millimetre, times 24
-  EXPECT_NEAR(desk.State.CursorDepth, 10, 1e-5);
+  const auto reads = [&](Date time, double depth) {
+    EXPECT_NEAR(desk.State.CursorTime, time, 1e-6);
+    EXPECT_NEAR(desk.State.CursorDepth, depth, 1e-3);
+  };
+  const Date start = MakeDate(1998, 3, 5);
+  desk.Calibrated().Report(900, 900);
+  reads(start, 0);
+  desk.Click(500, 500).Report(740, 600);
+  reads(start + 1, 10);  // ten units to the millimetre, times 24
   EXPECT_FALSE(desk.View.Pressed);
   desk.State.PageAngle = std::atan(0.75F);
   desk.Report(500 + 80 - 60, 500 + 60 + 80, 1);  // 100 along and 100 up
-  EXPECT_NEAR(desk.State.CursorTime, MakeDate(1998, 3, 5, 10), 1e-6);
-  EXPECT_NEAR(desk.State.CursorDepth, 10, 1e-4);
+  reads(start + 100.0 / 240, 10);
   EXPECT_TRUE(desk.View.Pressed);
   desk.State.PageAngle = 0;
   desk.OnSquare(5);  // on the board it is measured from the first point, and from the session's hour
-  EXPECT_NEAR(desk.State.CursorTime, MakeDate(2024, 1, 1, 10) + (desk.State.CursorX - 500) / 240, 1e-6);
-  EXPECT_NEAR(desk.State.CursorDepth, (desk.State.CursorY - 500) / 10, 1e-3);
+  reads(MakeDate(2024, 1, 1, 10) + (desk.State.CursorX - 500) / 240, (desk.State.CursorY - 500) / 10);
 }
 
 }  // namespace

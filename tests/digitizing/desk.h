@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "core/numbers.h"
 #include "digitizing/action_machine.h"
 
 namespace hyetex::test {
@@ -54,34 +55,38 @@ struct Desk {
     Machine.Start();
   }
   /// The page from (500, 500) to (3500, 500): 5% of its length are 150 units.
-  Desk& Calibrated() {
-    Click(500, 500);
-    Click(3500, 500);
+  Desk& Calibrated() { return Click(500, 500).Click(3500, 500); }
+  Desk& Report(int x, int y, int button = -1) {
+    Machine.HandleReport({x, y, button});
     return *this;
   }
-  void Report(int x, int y, int button = -1) { Machine.HandleReport({x, y, button}); }
-  void Click(int x, int y, int button = 0) {
-    Report(x, y);
-    Report(x, y, button);
-    Report(x, y);
+  Desk& Click(int x, int y, int button = 0) { return Report(x, y).Report(x, y, button).Report(x, y); }
+  Desk& Drag(int x, int y, int toX, int toY) {
+    return Report(x, y).Report(x, y, 0).Report(toX, toY, 0).Report(toX, toY);
   }
-  void Drag(int x, int y, int toX, int toY) {
-    Report(x, y);
-    Report(x, y, 0);
-    Report(toX, toY, 0);
-    Report(toX, toY);
+  /// A tool by the mouse or a menu.
+  Desk& Tool(int tool) {
+    Machine.RunTool(tool);
+    return *this;
   }
   /// Brings the tablet's cursor over a square of the board, with or without a button.
-  void OnSquare(int tool, int button = -1, int dx = 0, int dy = 0) {
+  Desk& OnSquare(int tool, int button = -1, int dx = 0, int dy = 0) {
     const auto [x, y] = TabletPositionOfTool(Machine.Layout, DeskTablet.Extents, tool);
-    Report(static_cast<int>(x) + dx, static_cast<int>(y) + dy, button);
+    return Report(static_cast<int>(x) + dx, static_cast<int>(y) + dy, button);
+  }
+  Desk& Comment(std::string_view code, std::string_view text) {
+    Machine.AddComment(code, text);
+    Machine.CommentClosed();
+    return *this;
   }
   const Trace& Line() const { return State.Line; }
   int Last() const { return State.Line.LastPoint(); }
   const DigitizedPoint& LastOne() const { return State.Line.Point(Last()); }
-  bool IsDrawing() const {
-    return State.Action == action::Drawing && View.Title == "HYETEX 88" && !View.Marker;
+  /// "action / title / instruction", as they stand.
+  std::string Shown() const {
+    return ShortText(State.Action) + " / " + View.Title + " / " + View.Instruction;
   }
+  bool IsDrawing() const { return Shown() == "0 / HYETEX 88 / " && !View.Marker; }
 
   RecordingView View;
   Session State;
