@@ -56,7 +56,9 @@ Result<void> Write(const std::string& folder) {
   if (auto done = SaveLists(folder, SampleLists()); !done) return done;
   if (auto done = SaveTasks(folder, SampleTasks()); !done) return done;
   for (const auto& [key, value] : {std::pair("frmLogin-UserName", "demo"), std::pair("CurrentChart", "0"),
-                                   std::pair("DigitizerType", "1"), std::pair("TargetFolder", "")})
+                                   std::pair("DigitizerType", "1"), std::pair("TargetFolder", ""),
+                                   // The recorded streams press the board's squares in a view of this height.
+                                   std::pair("frmHyetex-Height", "12000")})
     if (auto done = SetDefinition(folder, key, value); !done) return done;
   return {};
 }

@@ -16,8 +16,8 @@ constexpr Rgb Red{255, 0, 0};
 
 Date Joined(Date date, Date time) { return std::floor(date) + (time - std::floor(time)); }
 
-// The task list shows the row of this setting as the next chart to digitize; 0 is no row. A settings file that
-// cannot be written does not undo the chart file.
+// The task list shows the row of this setting as the next chart to digitize; 0 is no row. A settings file
+// that cannot be written does not undo the chart file.
 void RaiseTaskRow(const std::string& programFolder) {
   constexpr std::string_view key = "frmTasks-Row";
   const int row = LeadingInt16(GetDefinition(programFolder, key));

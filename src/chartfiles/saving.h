@@ -16,8 +16,8 @@
 
 namespace hyetex {
 
-/// Who and what the file of a staged chart names. Fails, with one line, where no file could be named after it: no
-/// station has its code, or the code cannot stand in a file name.
+/// Who and what the file of a staged chart names. Fails, with one line, where no file could be named after
+/// it: no station has its code, or the code cannot stand in a file name.
 Result<ChartOrigin> OriginOfChart(const ReferenceLists& lists, const ChartRecord& chart, std::string user);
 
 /// The folder that chart files go to, by the settings.
@@ -37,25 +37,25 @@ void TakeDetails(const EditedDetails& edited, ChartRecord& chart);
 
 /// The depths that an operator may choose from, in the order of their list.
 enum class DepthChoice { Eyed, Digitized, Average, Manual, Other };
-/// The depth of a choice, mm; `NoDepth` where it is not known, nothing for Other. The digitized depth is rounded
-/// to 1 decimal, and the average (of that and the eyed depth) again.
+/// The depth of a choice, mm; `NoDepth` where it is not known, nothing for Other. The digitized depth is
+/// rounded to 1 decimal, and the average (of that and the eyed depth) again.
 std::optional<float> ChosenDepth(const Session& session, DepthChoice choice);
 
-/// A typed number after a step of its up-down control. It does not fall below `lowest`; what is lower already (an
-/// unknown depth is -1) comes up to it with the first step up.
+/// A typed number after a step of its up-down control. It does not fall below `lowest`; what is lower already
+/// (an unknown depth is -1) comes up to it with the first step up.
 std::string StepNumber(std::string_view text, double step, std::optional<double> lowest = 0);
 
 /// Whether a factor of the report makes its caption blink. The manual one never does.
 bool FactorBlinks(Factor factor, const ChartReport& report, const ChartRecord& chart);
-/// The colour of a factor's caption after a tick of the timer: in alert it changes between red and the window's
-/// own colour, where it cannot be seen; without alert it stays unseen.
+/// The colour of a factor's caption after a tick of the timer: in alert it changes between red and the
+/// window's own colour, where it cannot be seen; without alert it stays unseen.
 Rgb BlinkedColour(Rgb fore, Rgb back, bool alert);
 
 /// Asks the operator; true to go on.
 using Confirm = std::function<bool(const std::string& question)>;
 
-/// Writes a chart's text into `folder` under the chart's name. Before it takes another file's place it asks, with
-/// OverwriteQuestion. The file's path; nothing, and nothing written, when the answer is no.
+/// Writes a chart's text into `folder` under the chart's name. Before it takes another file's place it asks,
+/// with OverwriteQuestion. The file's path; nothing, and nothing written, when the answer is no.
 Result<std::optional<std::string>> WriteChartFile(std::string_view text, const std::string& folder,
                                                   const std::string& name, const Confirm& mayOverwrite);
 
@@ -69,9 +69,9 @@ struct SaveQuestions {
   /// What readers of the file will not see (ChartText::Notes), a line each; asked only if there is any.
   Confirm DespiteNotes;
 };
-/// Writes the session's chart file into the target folder and moves the task list's highlight to the next row.
-/// Fails, with nothing changed, on a session that has no chart to save, a text that cannot stand in the file, and
-/// a folder that takes no file.
+/// Writes the session's chart file into the target folder and moves the task list's highlight to the next
+/// row. Fails, with nothing changed, on a session that has no chart to save, a text that cannot stand in the
+/// file, and a folder that takes no file.
 Result<SaveOutcome> SaveDigitization(Session& session, const ChartOrigin& origin,
                                      const std::string& programFolder, std::string_view digitizerComment,
                                      const SaveQuestions& questions);

@@ -34,6 +34,8 @@ class ActionMachine {
   void Start();
   /// Bytes from the tablet.
   void Receive(std::span<const std::uint8_t> bytes);
+  /// Forgets a report of which only a part has come: the next bytes do not follow on it.
+  void ForgetReceived() { decoder_.Clear(); }
   /// One report, with all that follows from it.
   void HandleReport(const TabletReport& report);
 

@@ -3,11 +3,11 @@
 namespace hyetex {
 namespace {
 
-// The board: three rows of six squares of 34 pixels.
+// The board: three rows of six squares of 34 pixels, and a line of text below them.
 constexpr int Columns = 6, Rows = ToolCount / Columns;
-constexpr double Square = 510, Gap = 45, Margin = 90;
+constexpr double Square = 510, Gap = 45, Margin = 90, ReadOutHeight = 315;
 constexpr double BoardWidth = 2 * Margin + Columns * Square + (Columns - 1) * Gap;
-constexpr double BoardHeight = 2 * Margin + Rows * Square + (Rows - 1) * Gap;
+constexpr double BoardHeight = 2 * Margin + Rows * (Square + Gap) + ReadOutHeight;
 
 }  // namespace
 
@@ -19,6 +19,7 @@ DeskLayout DefaultDeskLayout(const TabletExtents& tablet, double height) {
   for (int i = 0; i < ToolCount; ++i)
     layout.Squares[static_cast<std::size_t>(i)] = {Margin + i % Columns * (Square + Gap),
                                                    Margin + i / Columns * (Square + Gap), Square, Square};
+  layout.ReadOut = {Margin, Margin + Rows * (Square + Gap), BoardWidth - 2 * Margin, ReadOutHeight};
   return layout;
 }
 

@@ -26,6 +26,7 @@ struct DeskLayout {
   double ScaleWidth = 1, ScaleHeight = 1;  ///< size of the chart view
   Rect Board;                              ///< in the chart view
   std::array<Rect, ToolCount> Squares{};   ///< on the board
+  Rect ReadOut;                            ///< on the board: time and depth under the cursor
   bool BoardVisible = false;
 };
 

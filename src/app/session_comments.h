@@ -1,4 +1,5 @@
-// The comment window's work for the running session: the points selected, or the whole chart.
+// The comment window at work for a digitizing session: for the points that are selected, or for the whole
+// chart.
 #pragma once
 
 #include "chartfiles/comment_target.h"
@@ -6,13 +7,14 @@
 
 namespace hyetex {
 
-/// For the request that the machine has just made of its view.
-class MachineComments : public CommentTarget {
+class SessionComments : public CommentTarget {
  public:
-  MachineComments(ActionMachine& machine, CommentRequest request)
-      : machine_(machine), request_(std::move(request)) {}
+  /// The machine has asked for the window, and must outlive it.
+  explicit SessionComments(ActionMachine& machine)
+      : machine_(machine), request_(machine.OpenCommentRequest().value_or(CommentRequest{})) {}
 
   std::string Title() const override { return request_.Title; }
+  // The machine names a code where the point's meaning asks for one; an empty one is meant, too.
   std::optional<std::string> Code() const override { return request_.Code; }
   std::vector<std::string> Choices() const override { return request_.Choices; }
   bool CanClear() const override { return true; }
@@ -24,7 +26,7 @@ class MachineComments : public CommentTarget {
 
  private:
   ActionMachine& machine_;
-  CommentRequest request_;
+  const CommentRequest request_;
 };
 
 }  // namespace hyetex

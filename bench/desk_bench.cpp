@@ -1,0 +1,99 @@
+// The digitizing window's drawing: the whole graph of a full chart in a view of 1600 x 1000 (meant to fit
+// into one frame of a 60 Hz screen), and what a report's cursor move costs against it.
+#include <QApplication>
+#include <QImage>
+#include <cmath>
+
+#include "digitizing/drawing.h"
+#include "digitizing/windows/picGraph.h"
+#include "digitizing/windows/shape.h"
+#include "digitizing/windows/units.h"
+#include "platform/qt_surface.h"
+#include "ratio.h"
+
+namespace hyetex::bench {
+namespace {
+
+constexpr double FrameSeconds = 1.0 / 60;
+constexpr int Width = 1600, Height = 1000;
+
+void NeedApplication() {
+  static int argc = 1;
+  static char name[] = "bench";
+  static char* argv[] = {name, nullptr};
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  static QApplication application(argc, argv);
+}
+
+// A line that rises and falls over the whole band, with all that has a colour of its own.
+struct FullGraph {
+  FullGraph() : State({16000, 10000, 400, 250}, {"Daily", 100, 0.125F, 1 / 16.1F, 0, 0}, {}, 0) {
+    Layout.ScaleWidth = Width * UnitsPerPixel;
+    Layout.ScaleHeight = Height * UnitsPerPixel;
+    State.ScaleX = State.ScaleY = 1.5F;
+    Trace& line = State.Line;
+    line.SetPage(500, 500, 15500, 520);
+    for (int i = 0; i <= MaxPoint; ++i)
+      line.Add(500 + 3 * i, 600 + 1500 * (1 + std::sin(i * 0.02)), i % 900 == 899,
+               i % 250 == 249 ? "CODE205 + Clock malfunction"
+               : i % 31 == 30 ? "CODE202"
+                              : "");
+  }
+  Session State;
+  DeskLayout Layout;
+};
+
+void DrawFullGraph(benchmark::State& state) {
+  NeedApplication();
+  const FullGraph graph;
+  QImage picture(Width, Height, QImage::Format_ARGB32_Premultiplied);
+  using Clock = std::chrono::steady_clock;
+  std::chrono::duration<double> drawn{};
+  for (auto _ : state) {
+    const auto start = Clock::now();
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(1.0 / UnitsPerPixel, 1.0 / UnitsPerPixel);
+    QtSurface surface(painter, ToUnits(QRectF(picture.rect())), Qt::white);
+    DrawGraph(graph.State, graph.Layout, state.range(0) != 0, surface);
+    painter.end();
+    drawn += Clock::now() - start;
+  }
+  // Frames of the screen that one drawing takes.
+  state.counters["frames"] = drawn.count() / static_cast<double>(state.iterations()) / FrameSeconds;
+}
+BENCHMARK(DrawFullGraph)->ArgName("points")->Arg(0)->Arg(1)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+void MoveCursor(benchmark::State& state) {
+  NeedApplication();
+  const FullGraph full;
+  picGraph graph([&](Surface& surface) { DrawGraph(full.State, full.Layout, true, surface); }, nullptr);
+  graph.resize(Width, Height);
+  Shape horizontal("linHor", Shape::Kind::Filled, Qt::black, &graph);
+  Shape vertical("linVer", Shape::Kind::Filled, Qt::black, &graph);
+  horizontal.resize(2 * Width, 1);
+  vertical.resize(1, 2 * Height);
+  horizontal.show();
+  vertical.show();
+  graph.show();
+  QApplication::processEvents();
+  int at = 0, drawings = 0;
+  CompareWithBaseline(
+      state,
+      [&] {
+        graph.DrawGraph();
+        QApplication::processEvents();
+        drawings = graph.Drawings();
+      },
+      [&] {
+        at = (at + 7) % Height;
+        horizontal.move(at - Width, at);
+        vertical.move(at, at - Height);
+        QApplication::processEvents();
+        if (graph.Drawings() != drawings) state.SkipWithError("the cursor has drawn the trace");
+      });
+}
+BENCHMARK(MoveCursor)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace hyetex::bench

@@ -1,0 +1,231 @@
+#include "app/app_desk.h"
+
+#include <QApplication>
+#include <QScreen>
+#include <filesystem>
+
+#include "app/session_comments.h"
+#include "chartfiles/saving.h"
+#include "chartfiles/windows/frmComment.h"
+#include "chartfiles/windows/frmLargeView.h"
+#include "chartfiles/windows/frmSave.h"
+#include "core/dates.h"
+#include "core/files.h"
+#include "platform/qt_text.h"
+#include "platform/serial_devices.h"
+#include "platform/shell.h"
+#include "staging/activation.h"
+#include "staging/definitions.h"
+#include "staging/windows/frmInit.h"
+#include "staging/windows/frmMessageBox.h"
+
+namespace hyetex {
+namespace {
+
+constexpr const char* ProgramTitle = "Hyetex";
+
+/// A main window is one that takes the Main Menu's place; the others stand beside it.
+bool IsMainWindow(WindowId id) {
+  return id != WindowId::MainMenu && id != WindowId::Comment && id != WindowId::Save &&
+         id != WindowId::LargeView;
+}
+
+}  // namespace
+
+AppDesk::AppDesk(StartWords words, Dialogs& dialogs) : words_(std::move(words)), dialogs_(dialogs) {
+  program_.Folder = words_.Folder;
+  factories_ = {
+      {WindowId::MainMenu, [this] { return MakeMainMenu(); }},
+      {WindowId::Digitizing, [this] { return MakeDigitizing(); }},
+      {WindowId::Save, [this] { return MakeSave(); }},
+      {WindowId::Comment, [this] { return MakeComment(); }},
+      {WindowId::LargeView, [this] { return MakeLargeView(); }},
+  };
+}
+
+AppDesk::~AppDesk() {
+  ending_ = true;
+  delete login_;
+}
+
+void AppDesk::Start() {
+  login_ = new frmLogin(*this, dialogs_, program_.Folder, program_.Lists, program_.CurrentUser);
+  login_->setAttribute(Qt::WA_DeleteOnClose);
+  login_->show();
+}
+
+void AppDesk::LoggedIn() {
+  MakeShell();
+  EnsureDataFolder();
+  if (words_.Task && Activate(*words_.Task))
+    Open(WindowId::Digitizing);
+  else
+    Open(WindowId::MainMenu);
+}
+
+void AppDesk::MakeShell() {
+  shell_ = std::make_unique<mdiHyetex>();
+  QObject::connect(shell_.get(), &mdiHyetex::ExitChosen, [this] { EndProgram(); });
+  QObject::connect(shell_.get(), &mdiHyetex::CloseChosen, [this] { CloseShell(); });
+  QObject::connect(shell_.get(), &mdiHyetex::HelpChosen, [this] { ShowHelp(); });
+  if (!ShellSize.isEmpty()) {
+    shell_->resize(ShellSize);
+    shell_->show();
+    return;
+  }
+  // The windows inside are placed before a window manager has made the frame as large as it will be.
+  shell_->setGeometry(QGuiApplication::primaryScreen()->availableGeometry());
+  shell_->showMaximized();
+}
+
+void AppDesk::EnsureDataFolder() {
+  const std::string folder = JoinPath(program_.Folder, "Data");
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (error) Tell("The folder " + folder + " cannot be made: " + error.message());
+}
+
+QWidget* AppDesk::Window(WindowId id) {
+  const auto frame = frames_.find(id);
+  return frame == frames_.end() || !frame->second ? nullptr : frame->second->widget();
+}
+
+void AppDesk::Open(WindowId id) {
+  if (QWidget* open = Window(id)) {
+    open->show();
+    shell_->Area().setActiveSubWindow(frames_[id]);
+    return;
+  }
+  const auto factory = factories_.find(id);
+  QWidget* window = factory == factories_.end() ? nullptr : factory->second();
+  if (window == nullptr) return;
+  QMdiSubWindow* frame = shell_->Area().addSubWindow(window);
+  frame->setWindowIcon(QApplication::windowIcon());
+  frames_[id] = frame;
+  Flags.SetOpen(id, true);
+  frame->show();
+  if (auto* digitizing = qobject_cast<frmHyetex*>(window)) digitizing->StartSession();
+}
+
+void AppDesk::Closed(WindowId id) {
+  Flags.SetOpen(id, false);
+  if (const QPointer<QMdiSubWindow> frame = frames_[id]) {
+    frame->hide();
+    frame->deleteLater();
+  }
+  frames_.erase(id);
+  if (ending_) return;
+
+  const auto isMain = [](const auto& entry) { return entry.second && IsMainWindow(entry.first); };
+  const bool mainIsOpen = std::any_of(frames_.begin(), frames_.end(), isMain);
+  if (!mainIsOpen)
+    Open(WindowId::MainMenu);
+  else if (Window(WindowId::Digitizing) != nullptr)
+    Open(id == WindowId::LargeView && Window(WindowId::Comment) ? WindowId::Comment : WindowId::Digitizing);
+}
+
+void AppDesk::OpenLargeView(const std::string& caption, const std::string& text) {
+  if (QWidget* open = Window(WindowId::LargeView)) open->close();
+  largeCaption_ = caption;
+  largeText_ = text;
+  Open(WindowId::LargeView);
+}
+
+void AppDesk::CloseLargeView(const std::string& caption) {
+  QWidget* open = Window(WindowId::LargeView);
+  if (open && open->windowTitle() == ToQt(caption)) open->close();
+}
+
+void AppDesk::EndProgram() {
+  ending_ = true;
+  if (QWidget* menu = Window(WindowId::MainMenu)) menu->close();
+  QApplication::quit();
+}
+
+// A session that the operator would rather not lose keeps the program open.
+void AppDesk::CloseShell() {
+  ending_ = true;
+  if (Window(WindowId::Digitizing)) frames_[WindowId::Digitizing]->close();
+  ending_ = Window(WindowId::Digitizing) == nullptr;
+  if (ending_) EndProgram();
+}
+
+bool AppDesk::Activate(int task) {
+  auto chart = ActivateChart(program_.Folder, program_.Lists, task);
+  if (!chart) return Tell(chart.error()), false;
+  auto origin = OriginOfChart(program_.Lists, chart->Task, program_.User().Name);
+  if (!origin) return Tell(origin.error()), false;
+
+  const int tablet = words_.Tablet.value_or(chart->Tablet);
+  Session session(TabletTypes()[static_cast<std::size_t>(tablet)].Extents, chart->ChartType, chart->Task,
+                  Now());
+  if (const auto refusal = CheckChartScales(session.Line.Scales())) return Tell(*refusal), false;
+  program_.Active = std::make_shared<ActiveChart>(
+      ActiveChart{std::move(session), *std::move(origin), tablet,
+                  words_.Port.empty() ? SerialDevice(program_.Folder, FirstSerialPort) : words_.Port});
+  return true;
+}
+
+QWidget* AppDesk::MakeMainMenu() {
+  return new frmInit(
+      *this, dialogs_, program_.Folder, program_.ConnectionText,
+      {.Level = [this] { return program_.User().Level; },
+       .DatabaseOpens = [] { return false; },
+       .AskForSource = [this] { return frmMessageBox(dialogs_, program_.User().Level, shell_.get()).Ask(); },
+       .SetSource = [this](ChartSourceKind source) { program_.EditorSource = source; },
+       .Help = [this] { ShowHelp(); }});
+}
+
+QWidget* AppDesk::MakeDigitizing() {
+  if (!program_.Active) return nullptr;
+  auto chart = program_.Active;
+  auto* window =
+      new frmHyetex(*this, *shell_, dialogs_, program_.Folder, chart->Session, chart->Tablet, chart->Device);
+  // The window is gone some time after it has closed, perhaps when the next chart is there already.
+  QObject::connect(window, &QObject::destroyed, [chart] {});
+  return window;
+}
+
+QWidget* AppDesk::MakeSave() {
+  frmHyetex* digitizing = Digitizing();
+  if (digitizing == nullptr) return nullptr;
+  return new frmSave(*this, dialogs_, program_.Folder, program_.Active->Session, program_.Active->Origin,
+                     {.EnableDesk = [digitizing] { digitizing->EnableDesk(true); },
+                      .NewFile = [digitizing] { digitizing->NewFile(); },
+                      .Redigitize = [digitizing] { digitizing->RunTool(tool::Redigitize); }});
+}
+
+QWidget* AppDesk::MakeComment() {
+  frmHyetex* digitizing = Digitizing();
+  if (digitizing == nullptr) return nullptr;
+  return new frmComment(*this, dialogs_, program_.Folder, program_.Lists.Comments,
+                        std::make_unique<SessionComments>(digitizing->Machine()));
+}
+
+QWidget* AppDesk::MakeLargeView() {
+  return new frmLargeView(*this, dialogs_, program_.Folder, largeCaption_, largeText_);
+}
+
+void AppDesk::ShowHelp() {
+  constexpr const char* Title = "Asking for help";
+  if (dialogs_.MessageBox(
+          Title, "In order to view the help you need to connected to the internet, otherwise use the manual.",
+          BoxButtons::OkCancel) != BoxAnswer::Ok)
+    return;
+  const std::string site = GetDefinition(program_.Folder, HelpSiteKey);
+  if (site.empty()) {
+    dialogs_.MessageBox(Title,
+                        "The program definitions do not name the site of the help page (\"" +
+                            std::string(HelpSiteKey) + ": https://...\").",
+                        BoxButtons::Ok, BoxIcon::Warning);
+    return;
+  }
+  if (const auto opened = OpenPage(site + std::string(HelpPagePath)); !opened)
+    dialogs_.MessageBox(Title, opened.error(), BoxButtons::Ok, BoxIcon::Warning);
+}
+
+void AppDesk::Tell(const std::string& text, BoxIcon icon) {
+  dialogs_.MessageBox(ProgramTitle, text, BoxButtons::Ok, icon);
+}
+
+}  // namespace hyetex

@@ -1,0 +1,74 @@
+// The desktop program.
+#include <QApplication>
+#include <QIcon>
+#include <QLockFile>
+#include <cstdio>
+#include <filesystem>
+
+#include "app/app_desk.h"
+#include "app/pictures.h"
+#include "app/start_words.h"
+#include "core/files.h"
+#include "platform/qt_dialogs.h"
+#include "platform/qt_text.h"
+
+namespace {
+
+using namespace hyetex;
+
+enum Exit : int { Done = 0, Failed = 1, WordsOff = 2 };
+
+Exit Fail(Dialogs& dialogs, const std::string& why) {
+  std::fprintf(stderr, "hyetex: %s\n", why.c_str());
+  dialogs.MessageBox("Hyetex", why, BoxButtons::Ok, BoxIcon::Critical);
+  return Failed;
+}
+
+int Run(StartWords words) {
+  QtDialogs dialogs;
+  std::error_code error;
+  std::filesystem::create_directories(words.Folder, error);
+  if (error)
+    return Fail(dialogs, "The program folder " + words.Folder + " cannot be made: " + error.message());
+  // Settings and lists are rewritten whole, so two programs would undo each other's changes.
+  QLockFile lock(ToQt(JoinPath(words.Folder, "hyetex.lock")));
+  lock.setStaleLockTime(0);
+  if (!lock.tryLock()) {
+    if (lock.error() == QLockFile::LockFailedError)
+      return Fail(dialogs, "Hyetex is already running on the program folder " + words.Folder);
+    return Fail(dialogs, "The program folder " + words.Folder + " cannot be written");
+  }
+  AppDesk desk(std::move(words), dialogs);
+  desk.Start();
+  return QApplication::exec();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::vector<std::string> words(argv + 1, argv + argc);
+  auto line = ReadCommandLine(words);
+  if (!line) {
+    std::fprintf(stderr, "hyetex: %s; hyetex --help tells more\n", line.error().c_str());
+    return WordsOff;
+  }
+  if (line->Help || line->Version) {
+    std::fputs(line->Help ? std::string(CommandLineHelp()).c_str() : "hyetex " HYETEX_VERSION "\n", stdout);
+    return Done;
+  }
+  if (!line->Pictures.empty() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+
+  int one = 1;
+  QApplication app(one, argv);
+  QApplication::setApplicationName("Hyetex");
+  QApplication::setApplicationVersion(HYETEX_VERSION);
+  QApplication::setWindowIcon(QIcon(":/icons/hyetex.svg"));
+  QApplication::setQuitOnLastWindowClosed(false);
+  if (line->Pictures.empty()) return Run(std::move(line->Words));
+
+  const auto taken = TakePictures(line->Words, line->Pictures);
+  if (taken) return Done;
+  std::fprintf(stderr, "hyetex: %s\n", taken.error().c_str());
+  return Failed;
+}

@@ -1,0 +1,43 @@
+// All that the windows share, in one place; each window is given just the parts it needs.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "chartfiles/chart_text.h"
+#include "core/session.h"
+#include "staging/lists.h"
+#include "staging/main_menu.h"
+
+namespace hyetex {
+
+/// What the words of the command line ask for.
+struct StartWords {
+  std::string Folder = {};         ///< the program folder
+  std::optional<int> Task = {};    ///< the staged chart to digitize right after the login, by its index
+  std::optional<int> Tablet = {};  ///< instead of the tablet type of the settings
+  std::string Port = {};           ///< the tablet's device; empty for serial port 1
+};
+
+/// The chart that is being digitized.
+struct ActiveChart {
+  hyetex::Session Session;
+  ChartOrigin Origin;
+  int Tablet = 0;
+  std::string Device;
+};
+
+struct Program {
+  std::string Folder;
+  ReferenceLists Lists;
+  std::int16_t CurrentUser = 0;
+  std::string ConnectionText;
+  ChartSourceKind EditorSource = ChartSourceKind::HardDrive;
+  std::shared_ptr<ActiveChart> Active;  ///< kept alive by the windows that work on it
+
+  const UserRecord& User() const { return Lists.Users[static_cast<std::size_t>(CurrentUser)]; }
+};
+
+}  // namespace hyetex

@@ -1,0 +1,186 @@
+#include "chartfiles/windows/frmSave.h"
+
+#include <QKeyEvent>
+#include <utility>
+
+#include "core/dates.h"
+#include "core/numbers.h"
+#include "core/text.h"
+#include "platform/qt_surface.h"
+#include "platform/qt_text.h"
+
+namespace hyetex {
+namespace {
+
+constexpr const char* SavingTitle = "Saving the digitation";
+constexpr int BlinkMilliseconds = 500;
+
+QDate ToQDate(Date date) {
+  const CalendarTime at = ToCalendar(date);
+  return {at.Year, at.Month, at.Day};
+}
+QTime ToQTime(Date date) {
+  const CalendarTime at = ToCalendar(date);
+  return {at.Hour, at.Minute, at.Second};
+}
+Date FromQDate(QDate date) { return MakeDate(date.year(), date.month(), date.day()); }
+Date FromQTime(QTime time) { return time.msecsSinceStartOfDay() / 86'400'000.0; }
+
+Rgb ToRgb(const QColor& colour) { return {colour.red(), colour.green(), colour.blue()}; }
+
+}  // namespace
+
+frmSave::frmSave(Desk& desk, Dialogs& dialogs, const std::string& programFolder, Session& session,
+                 ChartOrigin origin, SaveCallbacks callbacks, QWidget* parent)
+    : FormWindow("frmSave", WindowId::Save, desk, programFolder, parent),
+      dialogs_(dialogs),
+      session_(session),
+      origin_(std::move(origin)),
+      callbacks_(std::move(callbacks)) {
+  setWindowTitle("Save digitization");
+  MakeLayout();
+
+  timPrompt = new QTimer(this);
+  timPrompt->setObjectName("timPrompt");
+  connect(timPrompt, &QTimer::timeout, this, &frmSave::Blink);
+
+  if (const auto error = SessionError(session_))
+    txtPrompt->setPlainText(ToQt(*error));
+  else
+    WriteReport();
+  ShowDetails();
+  comRain->setCurrentIndex(static_cast<int>(DepthChoice::Digitized));  // what the file will say
+  ShowChosenDepth();
+  timPrompt->start(BlinkMilliseconds);
+}
+
+// ---- What it shows
+
+void frmSave::FocusChanged(bool focused) {
+  if (focused) cmdSave->setFocus();
+}
+
+void frmSave::showEvent(QShowEvent* event) {
+  FormWindow::showEvent(event);
+  if (!event->spontaneous()) cmdSave->setFocus();
+}
+
+// In a box whose change has not been taken yet, Return takes it: saving would pass it over.
+void frmSave::keyPressEvent(QKeyEvent* event) {
+  const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  if (isReturn && !labPending->text().isEmpty())
+    cmdDefiine->click();
+  else
+    FormWindow::keyPressEvent(event);
+}
+
+bool frmSave::eventFilter(QObject* watched, QEvent* event) {
+  // After the event, since the click that brings the focus also sets the cursor.
+  if (watched == txtComment && event->type() == QEvent::FocusIn)
+    QMetaObject::invokeMethod(txtComment, &QLineEdit::selectAll, Qt::QueuedConnection);
+  return FormWindow::eventFilter(watched, event);
+}
+
+void frmSave::WriteReport() {
+  hyetex::WriteReport(session_, report_);
+  txtPrompt->setPlainText(ToQt(report_.Text));
+  for (std::size_t i = 0; i < labPrompt.size(); ++i) labPrompt[i]->setText(ToQt(report_.Captions[i]));
+}
+
+void frmSave::ShowDetails() {
+  const EditedDetails details = DetailsOf(session_.Chart);
+  dtpBeginDate->setDate(ToQDate(session_.Chart.StartTime));
+  dtpBeginTime->setTime(ToQTime(session_.Chart.StartTime));
+  dtpEndDate->setDate(ToQDate(session_.Chart.EndTime));
+  dtpEndTime->setTime(ToQTime(session_.Chart.EndTime));
+  txtEyed->setText(ToQt(details.EyedDepth));
+  txtManual->setText(ToQt(details.ManualDepth));
+  comChart->setCurrentIndex(comChart->findData(static_cast<int>(session_.Chart.Reliability)));
+}
+
+EditedDetails frmSave::ShownDetails() const {
+  return {.BeginDate = FromQDate(dtpBeginDate->date()),
+          .BeginTime = FromQTime(dtpBeginTime->time()),
+          .EndDate = FromQDate(dtpEndDate->date()),
+          .EndTime = FromQTime(dtpEndTime->time()),
+          .EyedDepth = FromQt(txtEyed->text()),
+          .ManualDepth = FromQt(txtManual->text())};
+}
+
+void frmSave::ShowChosenDepth() {
+  const auto depth = ChosenDepth(session_, static_cast<DepthChoice>(comRain->currentIndex()));
+  if (depth && (txtRain->text().isEmpty() || LeadingFloat(FromQt(txtRain->text())) != *depth))
+    txtRain->setText(ToQt(ShortText(*depth)));
+}
+
+void frmSave::Blink() {
+  for (std::size_t i = 0; i < labPrompt.size(); ++i) {
+    const auto factor = static_cast<Factor>(i);
+    if (factor == Factor::Manual) continue;
+    QPalette colours = labPrompt[i]->palette();
+    const Rgb fore = ToRgb(colours.color(QPalette::WindowText));
+    const Rgb back = ToRgb(palette().color(QPalette::Window));
+    const Rgb next = BlinkedColour(fore, back, FactorBlinks(factor, report_, session_.Chart));
+    if (next == fore) continue;
+    colours.setColor(QPalette::WindowText, ToQt(next));
+    labPrompt[i]->setPalette(colours);
+  }
+}
+
+// ---- What it does
+
+void frmSave::ResetDefinitions() {
+  TakeDetails(ShownDetails(), session_.Chart);
+  MarkPendingDetails();
+  ShowChosenDepth();
+  if (const auto error = SessionError(session_))
+    txtPrompt->setPlainText(ToQt(*error));
+  else
+    WriteReport();
+}
+
+void frmSave::MarkPendingDetails() {
+  ChartRecord taken = session_.Chart;
+  TakeDetails(ShownDetails(), taken);
+  const ChartRecord& now = session_.Chart;
+  const auto differ = [](Date a, Date b) { return DateText(a) != DateText(b) || TimeText(a) != TimeText(b); };
+  const bool pending = taken.EyedDepth != now.EyedDepth || taken.ManualDepth != now.ManualDepth ||
+                       differ(taken.StartTime, now.StartTime) || differ(taken.EndTime, now.EndTime);
+  labPending->setText(pending ? "Not yet taken:" : "");
+}
+
+bool frmSave::SaveFile() {
+  const auto ask = [this](const std::string& text) {
+    return dialogs_.MessageBox(SavingTitle, ShownText(text), BoxButtons::OkCancel, BoxIcon::Warning) ==
+           BoxAnswer::Ok;
+  };
+  const auto despite = [&](const std::string& notes) {
+    return ask(notes + "\n\nSave the chart all the same ?");
+  };
+  const auto outcome = SaveDigitization(session_, origin_, programFolder_, FromQt(txtComment->text()),
+                                        {.Overwrite = ask, .DespiteNotes = despite});
+  if (!outcome)
+    dialogs_.MessageBox(SavingTitle, ShownText(outcome.error()), BoxButtons::Ok, BoxIcon::Warning);
+  return outcome && *outcome != SaveOutcome::NotWanted;
+}
+
+void frmSave::Save() {
+  if (!SaveFile()) return;
+  const auto newFile = callbacks_.NewFile;
+  close();
+  newFile();
+}
+
+void frmSave::Redigitize() {
+  if (dialogs_.MessageBox("Reditizing",
+                          "Are you sure you want to delete the current digitization and begin a new one ?",
+                          BoxButtons::YesNo) != BoxAnswer::Yes)
+    return;
+  callbacks_.EnableDesk();
+  callbacks_.Redigitize();
+  close();
+}
+
+void frmSave::Closing() { callbacks_.EnableDesk(); }
+
+}  // namespace hyetex

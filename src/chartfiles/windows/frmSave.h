@@ -1,0 +1,85 @@
+// The save window: how the trace compares with the chart's details, the details once more for changing, and
+// the way to the chart file. While it is open the digitizing window waits.
+#pragma once
+
+#include <QComboBox>
+#include <QDateEdit>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTimeEdit>
+#include <QTimer>
+#include <array>
+#include <functional>
+
+#include "chartfiles/saving.h"
+#include "platform/dialogs.h"
+#include "platform/form_window.h"
+
+namespace hyetex {
+
+/// What the save window asks of the digitizing window.
+struct SaveCallbacks {
+  std::function<void()> EnableDesk;  ///< the save window is closing
+  std::function<void()> NewFile;     ///< ends the session, with its question if the chart is not saved
+  std::function<void()> Redigitize;  ///< takes all points away, as the tool of that name does
+};
+
+class frmSave : public FormWindow, public FocusListener {
+  Q_OBJECT
+
+ public:
+  /// Session and callbacks must outlive the window.
+  frmSave(Desk& desk, Dialogs& dialogs, const std::string& programFolder, Session& session,
+          ChartOrigin origin, SaveCallbacks callbacks, QWidget* parent = nullptr);
+
+  /// Whether the window may go: the file is written, or the operator keeps the one that was there.
+  bool SaveFile();
+  void WriteReport();
+
+  void FocusChanged(bool focused) override;
+
+ protected:
+  void Closing() override;
+  void showEvent(QShowEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void MakeLayout();
+  void AddDetails(QGridLayout& layout);
+  void AddChoices(QGridLayout& layout);
+  void AddRow(QGridLayout& layout, const char* caption, QWidget* buddy, QWidget* shown = nullptr);
+  QWidget* MakeButtons();
+  QLabel* MakeLabel(const QString& caption, QWidget* buddy);
+  QWidget* MakeStepped(QLineEdit*& box, const char* name, double step, std::optional<double> lowest);
+  void SetTabOrder();
+
+  void ShowDetails();
+  EditedDetails ShownDetails() const;
+  void ResetDefinitions();
+  void MarkPendingDetails();
+  void ShowChosenDepth();
+  void Blink();
+  void Save();
+  void Redigitize();
+
+  Dialogs& dialogs_;
+  Session& session_;
+  ChartOrigin origin_;
+  SaveCallbacks callbacks_;
+  ChartReport report_;
+
+  QPlainTextEdit* txtPrompt;
+  std::array<QLabel*, 3> labPrompt;
+  QLineEdit *txtEyed, *txtManual, *txtRain, *txtAlpha, *txtComment;
+  QDateEdit *dtpBeginDate, *dtpEndDate;
+  QTimeEdit *dtpBeginTime, *dtpEndTime;
+  QComboBox *comRain, *comChart;
+  QPushButton *cmdDefiine, *cmdSave, *cmdRedigitize, *cmdCancel, *cmdBack, *cmdNext;
+  QLabel* labPending;
+  QTimer* timPrompt;
+};
+
+}  // namespace hyetex

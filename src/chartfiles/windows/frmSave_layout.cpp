@@ -1,0 +1,180 @@
+// The controls of the save window and where they stand.
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+#include "chartfiles/windows/frmSave.h"
+#include "platform/qt_text.h"
+#include "platform/up_down.h"
+
+namespace hyetex {
+namespace {
+
+template <typename Control>
+Control* Named(Control* control, const char* name) {
+  control->setObjectName(QString::fromLatin1(name));
+  return control;
+}
+
+}  // namespace
+
+void frmSave::MakeLayout() {
+  txtPrompt = Named(new QPlainTextEdit, "txtPrompt");
+  txtPrompt->setAccessibleName("Chart report");
+  txtPrompt->setReadOnly(true);
+  txtPrompt->setTabChangesFocus(true);
+  // As wide as the widest line but the attention line, which wraps.
+  const int wide = fontMetrics().horizontalAdvance("User defined Begining Time and Date: 00/00/00 00:00");
+  txtPrompt->setMinimumSize(wide + fontMetrics().lineSpacing() * 3, fontMetrics().lineSpacing() * 8);
+
+  auto* report = new QVBoxLayout;
+  report->addWidget(txtPrompt, 1);
+  for (std::size_t i = 0; i < labPrompt.size(); ++i) {
+    labPrompt[i] = new QLabel;
+    labPrompt[i]->setObjectName("labPrompt" + QString::number(i));
+    report->addWidget(labPrompt[i]);
+  }
+
+  auto* details = new QGridLayout;
+  AddDetails(*details);
+  details->setRowMinimumHeight(details->rowCount(), fontMetrics().lineSpacing());
+  AddChoices(*details);
+  details->setRowStretch(details->rowCount(), 1);
+
+  auto* both = new QHBoxLayout;
+  both->addLayout(report, 1);
+  both->addLayout(details);
+
+  txtComment = Named(new QLineEdit, "txtComment");
+  txtComment->installEventFilter(this);
+  auto* comment = new QHBoxLayout;
+  comment->addWidget(MakeLabel("Digiti&zer Comment:", txtComment));
+  comment->addWidget(txtComment);
+
+  auto* layout = new QVBoxLayout(this);
+  layout->addLayout(both, 1);
+  layout->addLayout(comment);
+  layout->addWidget(MakeButtons());
+  SetKeyButtons(cmdSave, cmdCancel);
+  SetTabOrder();
+}
+
+QLabel* frmSave::MakeLabel(const QString& caption, QWidget* buddy) {
+  auto* label = new QLabel(caption);
+  label->setBuddy(buddy);
+  return label;
+}
+
+QWidget* frmSave::MakeStepped(QLineEdit*& box, const char* name, double step, std::optional<double> lowest) {
+  box = new QLineEdit;
+  box->setObjectName(QString("txt") + name);
+  box->setMinimumWidth(fontMetrics().horizontalAdvance("00000000"));
+  auto* udn = new UpDown(
+      box, [step, lowest](std::string_view text, int way) { return StepNumber(text, step * way, lowest); });
+  udn->setObjectName(QString("udn") + name);
+  auto* both = new QWidget;
+  auto* layout = new QHBoxLayout(both);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(2);
+  layout->addWidget(box);
+  layout->addWidget(udn);
+  return both;
+}
+
+void frmSave::AddRow(QGridLayout& layout, const char* caption, QWidget* buddy, QWidget* shown) {
+  const int row = layout.rowCount();
+  layout.addWidget(MakeLabel(caption, buddy), row, 0);
+  layout.addWidget(shown != nullptr ? shown : buddy, row, 1);
+}
+
+void frmSave::AddDetails(QGridLayout& layout) {
+  const auto dates = [&](QDateEdit*& date, const char* dateName, const char* dateCaption, QTimeEdit*& time,
+                         const char* timeName, const char* timeCaption) {
+    date = Named(new QDateEdit, dateName);
+    date->setMinimumDate(QDate(100, 1, 1));
+    date->setDisplayFormat("dd/MM/yyyy");
+    date->setCalendarPopup(true);
+    connect(date, &QDateEdit::dateChanged, this, &frmSave::MarkPendingDetails);
+    AddRow(layout, dateCaption, date);
+    time = Named(new QTimeEdit, timeName);
+    time->setDisplayFormat("HH:mm:ss");
+    connect(time, &QTimeEdit::timeChanged, this, &frmSave::MarkPendingDetails);
+    AddRow(layout, timeCaption, time);
+  };
+  dates(dtpBeginDate, "dtpBeginDate", "St&art Date:", dtpBeginTime, "dtpBeginTime", "S&tart Time:");
+  dates(dtpEndDate, "dtpEndDate", "E&nd Date:", dtpEndTime, "dtpEndTime", "End T&ime:");
+
+  QWidget* eyed = MakeStepped(txtEyed, "Eyed", 0.1, 0);
+  AddRow(layout, "&Eyed Chart Depth:", txtEyed, eyed);
+  QWidget* manual = MakeStepped(txtManual, "Manual", 0.1, 0);
+  AddRow(layout, "&Manual Gage Depth:", txtManual, manual);
+  for (QLineEdit* box : {txtEyed, txtManual})
+    connect(box, &QLineEdit::textChanged, this, &frmSave::MarkPendingDetails);
+
+  cmdDefiine = Named(new QPushButton("Reset &Definitions"), "cmdDefiine");
+  cmdDefiine->setToolTip("Takes the times and depths above, and makes the report anew");
+  connect(cmdDefiine, &QPushButton::clicked, this, &frmSave::ResetDefinitions);
+  labPending = Named(new QLabel, "labPending");
+  labPending->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+  const int row = layout.rowCount();
+  layout.addWidget(labPending, row, 0);
+  layout.addWidget(cmdDefiine, row, 1);
+}
+
+void frmSave::AddChoices(QGridLayout& layout) {
+  const QString shownOnly =
+      "For comparing only: the file carries the digitized depth, and the editor sets the "
+      "chart's selected depth and alpha.";
+  comRain = Named(new QComboBox, "comRain");
+  comRain->addItems({"Eyed Chart Depth", "Digitizd Depth", "Average", "Manual Gage", "Other"});
+  comRain->setToolTip(shownOnly);
+  QWidget* rain = MakeStepped(txtRain, "Rain", 0.1, 0);
+  txtRain->setAccessibleName("Selected Rain Depth");
+  txtRain->setToolTip(shownOnly);
+  AddRow(layout, "Selected Rain De&pth:", comRain);
+  layout.addWidget(rain, layout.rowCount(), 1);
+  connect(comRain, &QComboBox::currentIndexChanged, this, &frmSave::ShowChosenDepth);
+  // A depth of the operator's own is no longer the one of the list.
+  const auto other = [this] { comRain->setCurrentIndex(static_cast<int>(DepthChoice::Other)); };
+  connect(txtRain, &QLineEdit::textEdited, this, other);
+  connect(rain->findChild<UpDown*>("udnRain"), &UpDown::Stepped, this, other);
+
+  comChart = Named(new QComboBox, "comChart");
+  for (const int reliability : {1, 2, 3, 0})
+    comChart->addItem(ToQt(ReliabilityText(reliability)), reliability);
+  comChart->setToolTip("Shown only: the file takes the reliability that the chart was staged with.");
+  AddRow(layout, "Chart Relia&bility:", comChart);
+
+  QWidget* alpha = MakeStepped(txtAlpha, "Alpha", 0.01, std::nullopt);
+  txtAlpha->setToolTip(shownOnly);
+  AddRow(layout, "Selected A&lpha:", txtAlpha, alpha);
+}
+
+QWidget* frmSave::MakeButtons() {
+  auto* buttons = new QWidget;
+  auto* layout = new QHBoxLayout(buttons);
+  layout->setContentsMargins(0, 0, 0, 0);
+  const auto add = [&](QPushButton*& button, const char* name, const char* caption, auto pressed) {
+    button = Named(new QPushButton(caption), name);
+    connect(button, &QPushButton::clicked, this, pressed);
+    layout->addWidget(button);
+  };
+  add(cmdRedigitize, "cmdRedigitize", "&Redigitize", [this] { Redigitize(); });
+  layout->addStretch();
+  // The details stand in this window: there is no step before or behind it.
+  add(cmdBack, "cmdBack", "< Back", [] {});
+  add(cmdNext, "cmdNext", "Next >", [] {});
+  cmdBack->hide();
+  cmdNext->hide();
+  add(cmdSave, "cmdSave", "&Save Digitization", [this] { Save(); });
+  add(cmdCancel, "cmdCancel", "&Cancel", [this] { close(); });
+  return buttons;
+}
+
+void frmSave::SetTabOrder() {
+  const QList<QWidget*> order{cmdSave,    cmdCancel,  cmdRedigitize, txtPrompt, dtpBeginDate, dtpBeginTime,
+                              dtpEndDate, dtpEndTime, txtEyed,       txtManual, cmdDefiine,   comRain,
+                              txtRain,    comChart,   txtAlpha,      txtComment};
+  for (qsizetype i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
+}
+
+}  // namespace hyetex

@@ -1,0 +1,92 @@
+#include "digitizing/drawing.h"
+
+#include "core/comments.h"
+
+namespace hyetex {
+namespace {
+
+constexpr Rgb Black{0, 0, 0}, Grey{100, 100, 100}, Blue{0, 0, 255}, Green{0, 255, 0};
+constexpr int Thin = 0, Thick = 1;
+
+struct CodeStyle {
+  int Code;
+  Rgb Colour;
+  int Width;
+};
+// In the order in which they win on a segment.
+constexpr CodeStyle SegmentStyles[] = {
+    {CodeGapEnd, {255, 0, 0}, Thick},
+    {CodeRecoveredEnd, Green, Thin},
+    {CodeAlpha, {255, 0, 255}, Thin},
+    {CodeLeveled, {255, 255, 0}, Thick},
+};
+// A circle goes by another order: recovered, gap, leveled, alpha.
+constexpr int CircleOrder[] = {1, 0, 3, 2};
+
+CodeStyle StyleOfSegment(const DigitizedPoint& end) {
+  for (const CodeStyle& style : SegmentStyles)
+    if (HasCode(end.Comment, style.Code)) return style;
+  return {0, Black, Thin};
+}
+
+Rgb ColourOfCircle(const DigitizedPoint& point) {
+  for (int i : CircleOrder)
+    if (HasCode(point.Comment, SegmentStyles[i].Code)) return SegmentStyles[i].Colour;
+  return point.StartsSegment() ? Green : Blue;
+}
+
+class Drawing {
+ public:
+  Drawing(const Session& session, const DeskLayout& layout, Surface& surface)
+      : session_(session), layout_(layout), surface_(surface) {}
+
+  void Paper(const ChartPaper& paper) {
+    const double x1 = paper.BottomLeftX, y1 = paper.BottomLeftY;
+    const double x2 = paper.BottomRightX, y2 = paper.BottomRightY;
+    if (x1 == 0 && y1 == 0 && x2 == 0 && y2 == 0) return;
+    Line(x1, y1, x2, y2, Grey, Thin);
+    const double length = BottomLength(paper), height = session_.Line.Scales().HeightUnits();
+    if (length == 0) return;
+    const double nx = (x2 - x1) * height / length, ny = (y2 - y1) * height / length;
+    Line(x1, y1, x1 - ny, y1 + nx, Grey, Thin);
+    Line(x2, y2, x2 - ny, y2 + nx, Grey, Thin);
+    Line(x1 - ny, y1 + nx, x2 - ny, y2 + nx, Grey, Thin);
+  }
+
+  void Segment(const DigitizedPoint& from, const DigitizedPoint& to) {
+    const CodeStyle style = StyleOfSegment(to);
+    Line(from.TrueX(), from.Y, to.TrueX(), to.Y, style.Colour, style.Width);
+  }
+
+  void Circle(const DigitizedPoint& point) {
+    surface_.Circle(ScreenX(point.TrueX()), ScreenY(point.Y), layout_.ScaleWidth / 360,
+                    ColourOfCircle(point));
+  }
+
+ private:
+  double ScreenX(double x) const { return (x - session_.ViewX0) * session_.ScaleX; }
+  double ScreenY(double y) const { return layout_.ScaleHeight - (y - session_.ViewY0) * session_.ScaleY; }
+  void Line(double x1, double y1, double x2, double y2, Rgb colour, int width) {
+    surface_.Line(ScreenX(x1), ScreenY(y1), ScreenX(x2), ScreenY(y2), colour, width);
+  }
+
+  const Session& session_;
+  const DeskLayout& layout_;
+  Surface& surface_;
+};
+
+}  // namespace
+
+void DrawGraph(const Session& session, const DeskLayout& layout, bool showPoints, Surface& surface) {
+  surface.Clear();
+  Drawing drawing(session, layout, surface);
+  const Trace& line = session.Line;
+  for (int i = 0; i <= MaxPaper; ++i) drawing.Paper(line.Paper(i));
+  for (int i = 0; i <= line.LastPoint(); ++i) {
+    if (i < line.LastPoint() && !line.Point(i + 1).StartsSegment())
+      drawing.Segment(line.Point(i), line.Point(i + 1));
+    if (showPoints) drawing.Circle(line.Point(i));
+  }
+}
+
+}  // namespace hyetex

@@ -1,0 +1,59 @@
+// How the shell's menus and status bar and the digitizing window meet. Neither includes the other: the window
+// registers its commands with the shell while it has the focus, and writes its texts there.
+//
+// The shell owns the shortcuts of its menu entries (Ctrl+N, Ctrl+S, Delete, F1 and so on); what has no menu
+// entry (Escape, Ctrl++, Ctrl+-, the wheel) belongs to the digitizing window.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace hyetex {
+
+/// What the menus ask of the digitizing window.
+class SessionCommands {
+ public:
+  virtual ~SessionCommands() = default;
+
+  virtual void NewFile() = 0;
+  virtual void SaveFile() = 0;
+  virtual void RunTool(int tool) = 0;  ///< a tool of the board by index
+  virtual void AutoZoom() = 0;
+  virtual void ShowBoard() = 0;
+  /// The mark of "Digitation Points" has changed: draws the graph again.
+  virtual void PointsToggled() = 0;
+  /// Whether any point has been traced: a new segment and a further paper need one.
+  virtual bool HasPoints() const = 0;
+};
+
+/// The Definitions menu's texts.
+struct ScaleCaptions {
+  std::string Angle, Horizontal, Vertical;
+};
+
+/// The panels of the status bar, by the numbers that operators know them by.
+namespace panel {
+enum Number : int { Depth = 1, Time = 2, Button = 3, Instruction = 4 };
+}
+
+/// What the digitizing window asks of the shell. Texts are UTF-8.
+class Shell {
+ public:
+  virtual ~Shell() = default;
+
+  /// The digitizing window has the focus: its menus are shown and act on `commands`, which must stay until
+  /// NotDigitizing().
+  virtual void Digitizing(SessionCommands& commands) = 0;
+  /// It has lost the focus or is gone. Its menus are hidden, `commands` is forgotten.
+  virtual void NotDigitizing() = 0;
+
+  virtual bool PointsAreShown() const = 0;  ///< the mark of "Digitation Points"
+  virtual void ShowScales(const ScaleCaptions& captions) = 0;
+  /// Written only when it differs from what is shown.
+  virtual void ShowPanel(int panel, std::string_view text) = 0;
+  virtual std::string PanelText(int panel) const = 0;
+  /// Of the area in which the windows stand, in pixels.
+  virtual int ClientHeight() const = 0;
+};
+
+}  // namespace hyetex

@@ -1,0 +1,50 @@
+#include "digitizing/status_panels.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+
+#include "core/dates.h"
+#include "core/numbers.h"
+#include "core/text.h"
+
+namespace hyetex {
+namespace {
+
+std::string Hexadecimal(int number) {
+  std::array<char, 8> digits;
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number, 16).ptr;
+  return UpperAscii(std::string_view(digits.data(), static_cast<std::size_t>(end - digits.data())));
+}
+
+}  // namespace
+
+const StatusPanels::Texts* StatusPanels::Update(const Session& session) {
+  const int last = session.Line.LastPoint();
+  if (last < 0) return nullptr;
+  const std::tuple now(session.TotalDepth(last), session.PointTime(last), session.CursorButton);
+  if (isShown_ && now == shown_) return nullptr;
+  shown_ = now;
+  isShown_ = true;
+  const auto& [depth, time, button] = shown_;
+  texts_.Depth = RoundedText(depth, 2) + " cm";
+  texts_.Time = GeneralDateText(Round(time * 24 * 4, 0) / 4 / 24);
+  texts_.Button = button >= 0 ? Hexadecimal(button) : std::string();
+  return &texts_;
+}
+
+ScaleCaptions CaptionsOf(const Session& session) {
+  const ChartTypeRecord& paper = session.Line.Scales().ChartType;
+  return {"Page Angle  " + RoundedText(session.PageAngle * 180 / 3.14159, 1),
+          "Horizontal Scale : 1 Hour = " + ShortText(1 / paper.TimeScale) + " " + "mm ",
+          "Vertical Scale : 1mm of water = " + ShortText(1 / paper.DepthScale) + " " + "mm "};
+}
+
+std::string CursorText(const Session& session) {
+  const Date time = session.CursorTime;
+  std::string depth = ShortText(Round(session.CursorDepth, 1));
+  if (depth.find('.') == std::string::npos) depth += ".0";
+  return GeneralDateText(std::floor(time)) + " " + TimeText(time).substr(0, 5) + "   " + depth + " mm";
+}
+
+}  // namespace hyetex

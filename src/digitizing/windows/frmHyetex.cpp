@@ -1,0 +1,244 @@
+// The digitizing window as a session: opening, resuming, the tablet's port, closing.
+#include "digitizing/windows/frmHyetex.h"
+
+#include <QCloseEvent>
+#include <QMdiSubWindow>
+#include <QTimer>
+#include <utility>
+
+#include "core/numbers.h"
+#include "digitizing/drawing.h"
+#include "digitizing/windows/units.h"
+#include "platform/qt_text.h"
+#include "staging/definitions.h"
+
+namespace hyetex {
+namespace {
+
+constexpr std::string_view ProgramTitle = "HYETEX 88";
+constexpr std::string_view HeightKey = "frmHyetex-Height", BoardKey = "frmHyetex-ToolBox";
+constexpr double PartOfFrame = 0.85;  // of the shell's height, when no size is remembered
+const QColor ZoomColour(21, 101, 192), SelectionColour(198, 40, 40);
+
+}  // namespace
+
+frmHyetex::frmHyetex(Desk& desk, Shell& shell, Dialogs& dialogs, const std::string& programFolder,
+                     Session& session, int tablet, std::string device, QWidget* parent)
+    : FormWindow("frmHyetex", WindowId::Digitizing, desk, programFolder, parent),
+      shell_(shell),
+      dialogs_(dialogs),
+      session_(session),
+      tablet_(tablet),
+      device_(std::move(device)),
+      machine_(session, TabletTypes()[static_cast<std::size_t>(tablet)], *this, &journal_),
+      mscDig(new SerialPort(this)),
+      picGraph_(new picGraph(
+          [this](Surface& surface) {
+            hyetex::DrawGraph(session_, machine_.Layout, shell_.PointsAreShown(), surface);
+          },
+          this)),
+      linHor(new Shape("linHor", Shape::Kind::Filled, Qt::black, picGraph_)),
+      linVer(new Shape("linVer", Shape::Kind::Filled, Qt::black, picGraph_)),
+      shpSelect(new Shape("shpSelect", Shape::Kind::Dashed, SelectionColour, picGraph_)),
+      shpZoom(new Shape("shpZoom", Shape::Kind::Dashed, ZoomColour, picGraph_)),
+      shpToolBox(new Shape("shpToolBox", Shape::Kind::Outline, QColor(96, 125, 139), picGraph_)),
+      frmToolBox_(new frmToolBox(picGraph_)) {
+  setFocusPolicy(Qt::StrongFocus);
+  setMinimumSize(ViewSizeFor(ToPixels(machine_.Layout.Board.Height) * 2));
+  setWindowTitle(ToQt(ProgramTitle));
+  mscDig->setObjectName(QStringLiteral("mscDig"));
+  connect(mscDig, &SerialPort::Received, this, &frmHyetex::OnTabletBytes);
+  connect(mscDig, &SerialPort::Lost, this, [this](const QString& why) {
+    missedBytes_ = true;
+    TellOfLostTablet(why);
+  });
+  connect(frmToolBox_, &frmToolBox::Clicked, this, [this](int tool) {
+    session_.CurrentTool = static_cast<std::int16_t>(tool);
+    if (tool != tool::MoveBoard) machine_.PerformToolAction();
+  });
+  connect(frmToolBox_, &frmToolBox::Hovered, this, &frmHyetex::ShowToolText);
+  connect(frmToolBox_, &frmToolBox::Dragged, this, &frmHyetex::DragBoard);
+  connect(picGraph_, &picGraph::Wheeled, this, &frmHyetex::Zoom);
+  RestoreLayout();
+}
+
+QSize frmHyetex::sizeHint() const {
+  const double remembered = LeadingFloat(GetDefinition(programFolder_, HeightKey));
+  return ViewSizeFor(remembered != 0 ? ToPixels(remembered) : qRound(PartOfFrame * shell_.ClientHeight()));
+}
+
+// ---- Opening
+
+void frmHyetex::StartSession() {
+  desk_.Flags.SetOpen(WindowId::Digitizing, true);
+  // Only the size that comes of it counts: in a smaller one on the way there the board might have no room.
+  ResizeView(sizeHint());
+  FitView(size());
+  for (int i : {panel::Depth, panel::Time, panel::Button}) shell_.ShowPanel(i, "");
+  started_ = true;
+  machine_.Start();
+  if (!OfferUnfinishedChart()) {
+    givenUp_ = true;
+    CloseDesk();
+    return;
+  }
+  journal_.Start(programFolder_, tablet_, session_.Chart);
+  TellOfJournalTrouble();
+  OpenPort();
+  FocusChanged(true);
+}
+
+// The board's place comes before the first size, so that the view it is brought into is the right one.
+void frmHyetex::RestoreLayout() {
+  const TabletExtents& tablet = session_.Line.Scales().Tablet;
+  machine_.Layout = DefaultDeskLayout(tablet, sizeHint().height() * UnitsPerPixel);
+  machine_.ViewResized(machine_.Layout.ScaleWidth, machine_.Layout.ScaleHeight);
+  const std::string place = GetDefinition(programFolder_, BoardKey);
+  if (const double left = LeadingNumber(place); left != 0) {
+    const std::size_t comma = place.find(',');
+    machine_.Layout.Board.Left = left;
+    machine_.Layout.Board.Top = comma == std::string::npos ? 0 : LeadingNumber(place.substr(comma + 1));
+  }
+}
+
+void frmHyetex::StoreLayout() {
+  const Rect& board = machine_.Layout.Board;
+  // What cannot be kept is not worth a message.
+  (void)SetDefinition(programFolder_, HeightKey, ShortText(picGraph_->height() * UnitsPerPixel));
+  (void)SetDefinition(
+      programFolder_, BoardKey,
+      ShortText(static_cast<float>(board.Left)) + "," + ShortText(static_cast<float>(board.Top)));
+}
+
+bool frmHyetex::OfferUnfinishedChart() {
+  const auto unfinished = FindUnfinishedChart(programFolder_);
+  if (!unfinished) return true;
+  const ResumeOffer offer = MakeResumeOffer(*unfinished, session_.Chart, tablet_);
+  const bool yes = Ask(ResumeTitle, offer.Text, BoxButtons::YesNo, BoxIcon::Question) == BoxAnswer::Yes;
+  if (!offer.CanResume) return yes;
+  if (yes) Resume(*unfinished);
+  return true;
+}
+
+void frmHyetex::Resume(const UnfinishedChart& unfinished) {
+  replaying_ = true;
+  const auto replayed = Replay(unfinished.Steps, machine_);
+  replaying_ = false;
+  DrawGraph();
+  if (!replayed)
+    ShowMessage(ResumeTitle, "Only a part of the chart could be brought back: " + replayed.error());
+}
+
+// ---- The tablet
+
+void frmHyetex::OpenPort() {
+  if (device_.empty()) return;
+  const TabletType& type = TabletTypes()[static_cast<std::size_t>(tablet_)];
+  if (const auto opened = mscDig->Open(device_, type.Settings, type.Initialisation); !opened)
+    TellOfLostTablet(ToQt(opened.error()));
+}
+
+// A tool or a press may open a window or a box; what the tablet has sent after it is not meant for the chart.
+// So the bytes are handed on no more than a report at a time.
+void frmHyetex::OnTabletBytes(const QByteArray& bytes) {
+  if (static_cast<std::size_t>(bytes.size()) >= RxBufferSize || !ListensToTablet()) {
+    missedBytes_ = true;
+    return;
+  }
+  if (std::exchange(missedBytes_, false)) machine_.ForgetReceived();
+  const auto packet = static_cast<std::size_t>(TabletTypes()[static_cast<std::size_t>(tablet_)].PacketLength);
+  std::span rest(reinterpret_cast<const std::uint8_t*>(bytes.constData()),
+                 static_cast<std::size_t>(bytes.size()));
+  while (!rest.empty()) {
+    const auto piece = rest.first(std::min(packet, rest.size()));
+    rest = rest.subspan(piece.size());
+    machine_.Receive(piece);
+    if (!ListensToTablet() || missedBytes_) {
+      missedBytes_ = true;
+      return;
+    }
+  }
+}
+
+void frmHyetex::TellOfLostTablet(const QString& why) {
+  if (std::exchange(tellingOfTablet_, true)) return;
+  // Not from within the port's own signal, which must return first.
+  QTimer::singleShot(0, this, [this, why] {
+    ShowMessage(ProgramTitle,
+                FromQt(why) + "\n\nThe session stays open, and goes on when the tablet is back.");
+    tellingOfTablet_ = false;
+  });
+}
+
+void frmHyetex::TellOfJournalTrouble() {
+  const auto& trouble = journal_.Trouble();
+  if (!trouble) toldOfJournal_ = false;
+  if (!trouble || std::exchange(toldOfJournal_, true)) return;
+  QTimer::singleShot(0, this, [this, why = *trouble] {
+    ShowMessage(ProgramTitle, "What you digitize is not being kept against a breakdown: " + why +
+                                  ".\n\nThe session goes on. Make room on the disk, or save the chart soon.");
+  });
+}
+
+BoxAnswer frmHyetex::Ask(std::string_view title, const std::string& text, BoxButtons buttons, BoxIcon icon) {
+  ++boxes_;
+  const BoxAnswer answer = dialogs_.MessageBox(std::string(title), text, buttons, icon);
+  --boxes_;
+  missedBytes_ = true;
+  return answer;
+}
+
+void frmHyetex::ShowMessage(std::string_view title, std::string_view text) {
+  if (!replaying_) Ask(title, std::string(text), BoxButtons::Ok, BoxIcon::Warning);
+}
+
+// ---- Windows beside this one
+
+void frmHyetex::OpenComment(const CommentRequest&) {
+  if (!replaying_) desk_.Open(WindowId::Comment);
+}
+
+void frmHyetex::OpenSave() {
+  if (!replaying_) desk_.Open(WindowId::Save);
+}
+
+void frmHyetex::EnableDesk(bool enabled) {
+  if (replaying_) return;
+  setEnabled(enabled);
+  if (enabled) setFocus();
+}
+
+// ---- Closing
+
+// The machine that asks for it is still at work, so it happens afterwards.
+void frmHyetex::CloseDesk() {
+  if (replaying_ || std::exchange(closing_, true)) return;
+  QTimer::singleShot(0, this, [this] {
+    if (QMdiSubWindow* frame = Frame())
+      frame->close();
+    else
+      close();
+  });
+}
+
+void frmHyetex::closeEvent(QCloseEvent* event) {
+  closing_ = false;
+  event->ignore();
+  if (!isEnabled()) return;  // the save or the comment window is open
+  const bool unsaved = !desk_.Flags.IsOpen(WindowId::Save) && !session_.Saved && !givenUp_;
+  if (unsaved && Ask("Closing the Digitizing window",
+                     "The current digitization has not been saved. Are you sure you want to continue ?",
+                     BoxButtons::YesNo, BoxIcon::None) != BoxAnswer::Yes)
+    return;
+  closing_ = true;
+  FormWindow::closeEvent(event);
+}
+
+void frmHyetex::Closing() {
+  mscDig->Close();
+  if (!givenUp_) journal_.Remove();
+  StoreLayout();
+  shell_.NotDigitizing();
+}
+
+}  // namespace hyetex

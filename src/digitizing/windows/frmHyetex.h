@@ -1,0 +1,133 @@
+// The digitizing window: the chart view with the tool board over it, and the session behind it. It hands what
+// the tablet, the mouse and the menus say to the action machine, and shows what the machine asks for.
+//
+// For the windows of the save and the comment: they are opened through the desk, work on Machine(), and wake
+// this window by EnableDesk(true) or the machine's CommentClosed(). While it is disabled, and while a box is
+// up, what the tablet sends is thrown away.
+#pragma once
+
+#include <QKeyEvent>
+#include <QPointer>
+#include <string>
+
+#include "digitizing/action_machine.h"
+#include "digitizing/desk_view.h"
+#include "digitizing/resume.h"
+#include "digitizing/shell_commands.h"
+#include "digitizing/status_panels.h"
+#include "digitizing/view.h"
+#include "digitizing/windows/frmToolBox.h"
+#include "digitizing/windows/picGraph.h"
+#include "platform/dialogs.h"
+#include "platform/form_window.h"
+#include "platform/serial_port.h"
+
+namespace hyetex {
+
+class frmHyetex : public FormWindow, public FocusListener, public DeskView, public SessionCommands {
+  Q_OBJECT
+
+ public:
+  /// `tablet` is an index of TabletTypes(), `device` its serial port by name or path; empty: no tablet. All
+  /// references must outlive the window.
+  frmHyetex(Desk& desk, Shell& shell, Dialogs& dialogs, const std::string& programFolder, Session& session,
+            int tablet, std::string device, QWidget* parent = nullptr);
+
+  /// Begins the session, once the window is shown: takes its remembered size, offers an unfinished chart,
+  /// opens the tablet's port. Where the operator would rather keep another chart's unfinished journal, the
+  /// window closes.
+  void StartSession();
+
+  ActionMachine& Machine() { return machine_; }
+  QSize sizeHint() const override;
+  void FocusChanged(bool focused) override;
+
+  // What the menus ask for
+  void NewFile() override { machine_.NewFile(); }
+  void SaveFile() override { RunTool(tool::SaveFile); }
+  void RunTool(int tool) override { machine_.RunTool(tool); }
+  void AutoZoom() override { machine_.AutoZoom(); }
+  void ShowBoard() override;
+  void PointsToggled() override { DrawGraph(); }
+  bool HasPoints() const override { return session_.Line.LastPoint() >= 0; }
+
+  // What the action machine asks for
+  void ShowInstruction(std::string_view text) override;
+  void SetTitle(std::string_view title) override;
+  void SetBackground(Rgb colour) override { picGraph_->SetBackground(colour); }
+  void DrawGraph() override;
+  void UpdateMenus() override;
+  void ShowBoard(bool visible) override;
+  void MoveBoard(double left, double top) override;
+  void HighlightTool(int tool) override { frmToolBox_->Highlight(tool); }
+  void PlaceMarker(int tool) override { frmToolBox_->PlaceMarker(tool); }
+  void ShowMarker(bool visible) override { frmToolBox_->ShowMarker(visible); }
+  void ShowZoomOutPicture(bool zoomOut) override { frmToolBox_->SetZoomed(zoomOut); }
+  void PlaceCrosshair(double x, double y, bool pressed) override;
+  void PlaceToolCursor(double left, double top) override;
+  void ShowDragShape(DragShape shape, const Rect& rect) override;
+  void HideDragShape(DragShape shape) override { ShapeOf(shape)->hide(); }
+  void EnableDesk(bool enabled) override;
+  void OpenComment(const CommentRequest& request) override;
+  void OpenSave() override;
+  void CloseDesk() override;
+  void ResizeDesk(double factor) override;
+  void ShowMessage(std::string_view title, std::string_view text) override;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void Closing() override;
+  void showEvent(QShowEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  // The session
+  bool OfferUnfinishedChart();
+  void Resume(const UnfinishedChart& unfinished);
+  void OpenPort();
+  void OnTabletBytes(const QByteArray& bytes);
+  bool ListensToTablet() const { return isEnabled() && boxes_ == 0 && !closing_; }
+  BoxAnswer Ask(std::string_view title, const std::string& text, BoxButtons buttons, BoxIcon icon);
+  void TellOfLostTablet(const QString& why);
+  void TellOfJournalTrouble();
+
+  // The window
+  QSize ViewSizeFor(int height) const;
+  void ResizeView(QSize size);
+  void FitView(QSize size);
+  void RestoreLayout();
+  void StoreLayout();
+  void DragBoard(QPoint by);
+  void ShowToolText(int tool);
+  void Zoom(double steps, QPointF at);
+  void ZoomByKey(double steps);
+  void UpdatePanels();
+  QMdiSubWindow* Frame() const;
+  Shape* ShapeOf(DragShape shape) { return shape == DragShape::Selection ? shpSelect : shpZoom; }
+
+  Shell& shell_;
+  Dialogs& dialogs_;
+  Session& session_;
+  const int tablet_;
+  const std::string device_;
+  SessionJournal journal_;
+  ActionMachine machine_;
+  StatusPanels panels_;
+  SerialPort* mscDig;
+
+  picGraph* picGraph_;
+  Shape *linHor, *linVer, *shpSelect, *shpZoom, *shpToolBox;
+  frmToolBox* frmToolBox_;
+
+  int boxes_ = 0;             // message boxes that are up
+  bool watched_ = false;      // for being maximised
+  bool started_ = false;      // the session is running
+  bool replaying_ = false;    // an unfinished chart: nothing opens
+  bool closing_ = false;      // asked for, not yet done
+  bool givenUp_ = false;      // closes without its question
+  bool missedBytes_ = false;  // what comes next does not follow on what came before
+  bool toldOfJournal_ = false, tellingOfTablet_ = false;
+};
+
+}  // namespace hyetex

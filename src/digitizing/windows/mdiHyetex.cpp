@@ -1,0 +1,192 @@
+#include "digitizing/windows/mdiHyetex.h"
+
+#include <QCloseEvent>
+#include <QIcon>
+#include <QMdiSubWindow>
+#include <QMenuBar>
+#include <QStatusBar>
+
+#include "core/desk.h"
+#include "digitizing/tools.h"
+#include "platform/qt_text.h"
+
+namespace hyetex {
+namespace {
+
+// What each panel of the status bar makes room for.
+constexpr std::array<const char*, 4> PanelSamples{"00000.00 cm", "00/00/0000 00:00:00", "FF", ""};
+
+}  // namespace
+
+mdiHyetex::mdiHyetex(QWidget* parent) : QMainWindow(parent), area_(new QMdiArea) {
+  setObjectName("mdiHyetex");
+  setWindowTitle("Hyetex");
+  setWindowIcon(QIcon(":/icons/hyetex.svg"));
+  setMinimumSize(760, 520);
+  area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+  area_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+  area_->setBackground(palette().brush(QPalette::Mid));
+  setCentralWidget(area_);
+  connect(area_, &QMdiArea::subWindowActivated, this, &mdiHyetex::TellFocus);
+  MakeMenus();
+  MakeStatusBar();
+  NotDigitizing();
+}
+
+mdiHyetex::~mdiHyetex() {
+  // The windows inside may speak to the shell until they are gone, so they go while all of it is there.
+  area_->disconnect(this);
+  delete area_;
+}
+
+QMenu* mdiHyetex::AddMenu(const char* name, const char* caption) {
+  QMenu* menu = menuBar()->addMenu(tr(caption));
+  menu->setObjectName(name);
+  menu->setToolTipsVisible(true);
+  return menu;
+}
+
+QAction* mdiHyetex::AddItem(QMenu* menu, const char* name, const char* caption, std::function<void()> run) {
+  QAction* item = menu->addAction(tr(caption));
+  item->setObjectName(name);
+  if (run) connect(item, &QAction::triggered, this, [run = std::move(run)] { run(); });
+  return item;
+}
+
+void mdiHyetex::AddToolItem(const char* name, const char* caption, int tool) {
+  QAction* item = AddItem(mnuTools, name, caption, [this, tool] {
+    const bool needsPoints = tool == tool::NewSegment || tool == tool::AttachPaper;
+    if (commands_ && (!needsPoints || commands_->HasPoints())) commands_->RunTool(tool);
+  });
+  if (tool == tool::Erase) item->setShortcut(QKeySequence::Delete);
+}
+
+void mdiHyetex::MakeMenus() {
+  const auto tell = [this](void (*command)(SessionCommands&)) {
+    return [this, command] {
+      if (commands_) command(*commands_);
+    };
+  };
+
+  mnuFile = AddMenu("mnuFile", "&File");
+  mnuNew = AddItem(mnuFile, "mnuNew", "&New Digitation", tell([](SessionCommands& c) { c.NewFile(); }));
+  mnuNew->setShortcut(QKeySequence::New);
+  mnuSave = AddItem(mnuFile, "mnuSave", "&Save Digitation", tell([](SessionCommands& c) { c.SaveFile(); }));
+  mnuSave->setShortcut(QKeySequence::Save);
+  AddItem(mnuFile, "mnuExit", "E&xit", [this] { emit ExitChosen(); })->setShortcut(Qt::CTRL | Qt::Key_Q);
+
+  mnuView = AddMenu("mnuView", "&View");
+  AddItem(mnuView, "mnuToolBox", "&ToolBox", tell([](SessionCommands& c) { c.ShowBoard(); }));
+  mnuPoints = AddItem(mnuView, "mnuPoints", "&Digitation Points",
+                      tell([](SessionCommands& c) { c.PointsToggled(); }));
+  mnuPoints->setCheckable(true);
+  AddItem(mnuView, "mnuAutoZoom", "&Auto Zoom", tell([](SessionCommands& c) { c.AutoZoom(); }));
+
+  mnuDEf = AddMenu("mnuDEf", "&Definitions");
+  AddItem(mnuDEf, "mnuParameter", "&Reset Digitation's Parameter");
+  mnuAngle = AddItem(mnuDEf, "mnuAngle", "Page &Angle");
+  mnuVertical = AddItem(mnuDEf, "mnuVertical", "&Vertical Scale");
+  mnuHorizontal = AddItem(mnuDEf, "mnuHorizontal", "&Horizontal Scale");
+
+  mnuTools = AddMenu("mnuTools", "&Edit");
+  AddToolItem("mnuErase", "&Erase Last Point", tool::Erase);
+  AddToolItem("mnuSegment", "New &Segment", tool::NewSegment);
+  AddToolItem("mnuLevel", "&Level a Point", tool::Level);
+  AddToolItem("mnuAlpha", "Toggle &Alpha Sign", tool::Alpha);
+  AddToolItem("mnuGap", "Toggle Data &Gap", tool::Gap);
+  AddToolItem("mnuComment", "Add a &Comment", tool::SegmentComment);
+  AddToolItem("mnuRecovered", "Toggle &Recovered Sign", tool::Recovered);
+  AddToolItem("mnuAppend", "Attach Additional Strip C&hart", tool::AttachPaper);
+
+  mnuPop = new QMenu(this);
+  mnuPop->setObjectName("mnuPop");
+  AddItem(mnuPop, "mnuPopChange", "&Change");
+  AddItem(mnuPop, "mnuPopAdd", "&Add");
+  AddItem(mnuPop, "mnuPopDelete", "&Delete");
+
+  mnuFix = menuBar()->addAction(tr("S&yncronize Stations Lists"));
+  mnuFix->setObjectName("mnuFix");
+  mnuFix->setEnabled(false);
+  mnuFix->setToolTip(tr("This command comes with a later version."));
+
+  auto* help = new QAction(this);
+  help->setObjectName("actHelp");
+  help->setShortcut(QKeySequence::HelpContents);
+  connect(help, &QAction::triggered, this, &mdiHyetex::HelpChosen);
+  addAction(help);
+}
+
+void mdiHyetex::MakeStatusBar() {
+  statusBar()->setObjectName("sbrLoc");
+  for (std::size_t i = 0; i < panels_.size(); ++i) {
+    panels_[i] = new QLabel;
+    panels_[i]->setObjectName(QStringLiteral("sbrLoc%1").arg(i + 1));
+    panels_[i]->setTextFormat(Qt::PlainText);
+    panels_[i]->setMinimumWidth(fontMetrics().horizontalAdvance(PanelSamples[i]) + 12);
+    statusBar()->addWidget(panels_[i], i + 1 == panels_.size() ? 1 : 0);
+  }
+  // An instruction may be long; it must not make the frame wider.
+  panels_.back()->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  prbThink = new QProgressBar;
+  prbThink->setObjectName("prbThink");
+  prbThink->setMaximumWidth(160);
+  prbThink->hide();
+  statusBar()->addPermanentWidget(prbThink);
+}
+
+void mdiHyetex::Digitizing(SessionCommands& commands) {
+  commands_ = &commands;
+  for (QAction* item : {mnuNew, mnuSave}) item->setEnabled(true);
+  for (QMenu* menu : {mnuDEf, mnuView, mnuTools}) menu->menuAction()->setVisible(true);
+}
+
+void mdiHyetex::NotDigitizing() {
+  commands_ = nullptr;
+  for (QAction* item : {mnuNew, mnuSave}) item->setEnabled(false);
+  for (QMenu* menu : {mnuDEf, mnuView, mnuTools}) menu->menuAction()->setVisible(false);
+}
+
+void mdiHyetex::ShowScales(const ScaleCaptions& captions) {
+  mnuAngle->setText(ToQt(captions.Angle));
+  mnuHorizontal->setText(ToQt(captions.Horizontal));
+  mnuVertical->setText(ToQt(captions.Vertical));
+}
+
+void mdiHyetex::ShowPanel(int panel, std::string_view text) {
+  if (panel < 1 || panel > static_cast<int>(panels_.size())) return;
+  QLabel* label = panels_[static_cast<std::size_t>(panel - 1)];
+  if (const QString shown = ToQt(text); label->text() != shown) {
+    label->setText(shown);
+    if (panel == panel::Instruction) label->setToolTip(shown);
+  }
+}
+
+std::string mdiHyetex::PanelText(int panel) const {
+  if (panel < 1 || panel > static_cast<int>(panels_.size())) return {};
+  return FromQt(panels_[static_cast<std::size_t>(panel - 1)]->text());
+}
+
+int mdiHyetex::ClientHeight() const { return area_->viewport()->height(); }
+
+void mdiHyetex::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  emit CloseChosen();
+}
+
+void mdiHyetex::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::PaletteChange) area_->setBackground(palette().brush(QPalette::Mid));
+  QMainWindow::changeEvent(event);
+}
+
+// While a box is shown the area has no active window, but still a current one.
+void mdiHyetex::TellFocus() {
+  QMdiSubWindow* frame = area_->currentSubWindow();
+  QWidget* now = frame ? frame->widget() : nullptr;
+  if (now == focused_) return;
+  QWidget* before = focused_;
+  focused_ = now;
+  if (auto* listener = dynamic_cast<FocusListener*>(before)) listener->FocusChanged(false);
+  if (auto* listener = dynamic_cast<FocusListener*>(now)) listener->FocusChanged(true);
+}
+
+}  // namespace hyetex

@@ -1,0 +1,66 @@
+// The program's main frame: all other windows stand inside it. Its menus and its status bar serve the
+// digitizing window while that has the focus.
+#pragma once
+
+#include <QAction>
+#include <QLabel>
+#include <QMainWindow>
+#include <QMdiArea>
+#include <QMenu>
+#include <QPointer>
+#include <QProgressBar>
+#include <array>
+#include <functional>
+
+#include "digitizing/shell_commands.h"
+
+namespace hyetex {
+
+class mdiHyetex : public QMainWindow, public Shell {
+  Q_OBJECT
+
+ public:
+  explicit mdiHyetex(QWidget* parent = nullptr);
+  ~mdiHyetex() override;
+
+  QMdiArea& Area() { return *area_; }
+  QMenu& Popup() { return *mnuPop; }           ///< of the lists, with its three commands
+  QProgressBar& Think() { return *prbThink; }  ///< hidden while nothing takes long
+
+  void Digitizing(SessionCommands& commands) override;
+  void NotDigitizing() override;
+  bool PointsAreShown() const override { return mnuPoints->isChecked(); }
+  void ShowScales(const ScaleCaptions& captions) override;
+  void ShowPanel(int panel, std::string_view text) override;
+  std::string PanelText(int panel) const override;
+  int ClientHeight() const override;
+
+ signals:
+  void ExitChosen();   ///< the menu's: the program ends at once
+  void CloseChosen();  ///< the frame's own: what is not saved is asked about first
+  void HelpChosen();
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void changeEvent(QEvent* event) override;
+
+ private:
+  QMenu* AddMenu(const char* name, const char* caption);
+  /// Without `run` the entry only shows something.
+  QAction* AddItem(QMenu* menu, const char* name, const char* caption, std::function<void()> run = {});
+  void AddToolItem(const char* name, const char* caption, int tool);
+  void MakeMenus();
+  void MakeStatusBar();
+  void TellFocus();
+
+  QMdiArea* area_;
+  SessionCommands* commands_ = nullptr;
+  QPointer<QWidget> focused_;
+
+  QMenu *mnuFile, *mnuView, *mnuDEf, *mnuTools, *mnuPop;
+  QAction *mnuNew, *mnuSave, *mnuPoints, *mnuAngle, *mnuVertical, *mnuHorizontal, *mnuFix;
+  std::array<QLabel*, 4> panels_;
+  QProgressBar* prbThink;
+};
+
+}  // namespace hyetex

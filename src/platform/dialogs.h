@@ -1,0 +1,28 @@
+// Message, input and file boxes. Tests script the answers and read what was shown.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace hyetex {
+
+enum class BoxIcon { None, Information, Question, Warning, Critical };
+enum class BoxButtons { Ok, OkCancel, YesNo, YesNoCancel };
+enum class BoxAnswer { Ok, Cancel, Yes, No };
+
+/// All texts are UTF-8. Every call waits for the operator.
+class Dialogs {
+ public:
+  virtual ~Dialogs() = default;
+
+  /// Closing the box counts as Cancel, or as No where there is no Cancel, or as Ok where that is all.
+  virtual BoxAnswer MessageBox(const std::string& title, const std::string& text, BoxButtons buttons = BoxButtons::Ok,
+                               BoxIcon icon = BoxIcon::None) = 0;
+  /// The text typed; nothing if the box was cancelled.
+  virtual std::optional<std::string> InputBox(const std::string& title, const std::string& prompt,
+                                              const std::string& initial = {}) = 0;
+  virtual std::optional<std::string> ChooseFolder(const std::string& title, const std::string& start) = 0;
+  virtual std::optional<std::string> ChooseFileToSave(const std::string& title, const std::string& start) = 0;
+};
+
+}  // namespace hyetex

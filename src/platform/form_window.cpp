@@ -1,0 +1,46 @@
+#include "platform/form_window.h"
+
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <utility>
+
+#include "platform/places.h"
+
+namespace hyetex {
+
+FormWindow::FormWindow(const char* name, WindowId id, Desk& desk, std::string programFolder, QWidget* parent)
+    : QWidget(parent), desk_(desk), programFolder_(std::move(programFolder)), id_(id) {
+  setObjectName(QString::fromLatin1(name));
+}
+
+void FormWindow::SetKeyButtons(QPushButton* accept, QPushButton* cancel) {
+  // Return on a button that has the focus presses that one.
+  for (QPushButton* button : findChildren<QPushButton*>()) button->setAutoDefault(true);
+  accept->setDefault(true);
+  accept_ = accept;
+  cancel_ = cancel;
+}
+
+void FormWindow::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  // Only now does the window stand in the shell, inside which its place counts.
+  if (!std::exchange(placed_, true)) RestorePlace(*this, programFolder_);
+}
+
+void FormWindow::closeEvent(QCloseEvent* event) {
+  event->accept();
+  if (std::exchange(closed_, true)) return;
+  StorePlace(*this, programFolder_);
+  Closing();
+  desk_.Closed(id_);
+}
+
+void FormWindow::keyPressEvent(QKeyEvent* event) {
+  QPushButton* button = nullptr;
+  if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) button = accept_;
+  if (event->key() == Qt::Key_Escape) button = cancel_;
+  if (button == nullptr) return QWidget::keyPressEvent(event);
+  button->click();
+}
+
+}  // namespace hyetex

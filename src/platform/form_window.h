@@ -1,0 +1,40 @@
+// A window of the shell with boxes and buttons. It remembers its place, has one button for Return and one for
+// Escape, and tells the desk when it closes.
+#pragma once
+
+#include <QPushButton>
+#include <QWidget>
+#include <string>
+
+#include "core/desk.h"
+
+namespace hyetex {
+
+class FormWindow : public QWidget {
+  Q_OBJECT
+
+ public:
+  /// `name` is the window's name: its objectName, and what its place is remembered under.
+  FormWindow(const char* name, WindowId id, Desk& desk, std::string programFolder, QWidget* parent = nullptr);
+
+ protected:
+  /// Return, where no other control wants it, presses `accept`; Escape presses `cancel`.
+  void SetKeyButtons(QPushButton* accept, QPushButton* cancel);
+  /// Runs once, when the window closes, by whatever way, before the desk hears of it.
+  virtual void Closing() {}
+
+  void showEvent(QShowEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+
+  Desk& desk_;
+  const std::string programFolder_;
+
+ private:
+  WindowId id_;
+  QPushButton* accept_ = nullptr;
+  QPushButton* cancel_ = nullptr;
+  bool placed_ = false, closed_ = false;
+};
+
+}  // namespace hyetex

@@ -1,0 +1,25 @@
+#include "platform/serial_devices.h"
+
+#include <QCollator>
+#include <QSerialPortInfo>
+#include <QStringList>
+
+#include "core/numbers.h"
+#include "platform/qt_text.h"
+#include "staging/definitions.h"
+
+namespace hyetex {
+
+std::string SerialDevice(const std::string& programFolder, int port) {
+  if (port < FirstSerialPort || port > LastSerialPort) return {};
+  if (auto named = GetDefinition(programFolder, "SerialPort" + ShortText(port)); !named.empty()) return named;
+
+  QStringList names;
+  for (const QSerialPortInfo& info : QSerialPortInfo::availablePorts()) names << info.systemLocation();
+  QCollator byNumber;
+  byNumber.setNumericMode(true);
+  std::sort(names.begin(), names.end(), byNumber);
+  return FromQt(names.value(port - FirstSerialPort));
+}
+
+}  // namespace hyetex

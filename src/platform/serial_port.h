@@ -1,0 +1,59 @@
+// The serial line of a tablet. It stays the tablet's while the session runs: when the tablet is unplugged the
+// line closes, says so, and opens again as soon as the device is back.
+#pragma once
+
+#include <QByteArray>
+#include <QObject>
+#include <QSerialPort>
+#include <QTimer>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "core/result.h"
+
+namespace hyetex {
+
+/// How a line is set: "9600,e,7,1" is baud, parity (n, e, o, m, s), data bits, stop bits.
+struct LineSettings {
+  qint32 Baud = 9600;
+  QSerialPort::Parity Parity = QSerialPort::NoParity;
+  QSerialPort::DataBits DataBits = QSerialPort::Data8;
+  QSerialPort::StopBits StopBits = QSerialPort::OneStop;
+
+  bool operator==(const LineSettings&) const = default;
+};
+Result<LineSettings> ReadLineSettings(std::string_view text);
+
+class SerialPort : public QObject {
+  Q_OBJECT
+
+ public:
+  explicit SerialPort(QObject* parent = nullptr);
+  ~SerialPort() override;
+
+  /// Opens a device, named or by its path, and sends `initialisation`. When that fails, and whenever the line
+  /// is lost later, it is tried again every RetryMs until Close().
+  Result<void> Open(const std::string& device, std::string_view settings, std::string_view initialisation);
+  void Close();
+  bool IsOpen() const { return port_.isOpen(); }
+
+  int RetryMs = 1000;
+
+ signals:
+  void Received(const QByteArray& bytes);  ///< as they came, nothing translated
+  void Lost(const QString& why);           ///< one line for the operator
+  void Regained();
+
+ private:
+  Result<void> TryOpen();
+  void OnError(QSerialPort::SerialPortError error);
+  void Retry();
+
+  QSerialPort port_;
+  QTimer retry_;
+  LineSettings settings_;
+  QByteArray initialisation_;
+};
+
+}  // namespace hyetex

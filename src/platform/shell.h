@@ -1,0 +1,15 @@
+// What the system's own applications do for us. No shell stands between, so no name is read as a command.
+#pragma once
+
+#include <string>
+
+#include "core/result.h"
+
+namespace hyetex {
+
+/// Opens a text file in the system's text editor.
+Result<void> OpenTextFile(const std::string& path);
+/// Opens a page in the default browser. Only http and https addresses are taken.
+Result<void> OpenPage(const std::string& address);
+
+}  // namespace hyetex

@@ -1,0 +1,31 @@
+// The Main Menu's commands that open a window, one row each.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+#include "core/desk.h"
+#include "staging/login.h"
+
+namespace hyetex {
+
+struct MenuCommand {
+  std::string_view Name;     ///< of the button
+  std::string_view Caption;  ///< "&" stands before the letter of its shortcut
+  WindowId Opens;
+  Right Needs = Right::Everyone;
+  bool NeedsDatabase = false;  ///< refused when the database cannot be opened
+  bool LeavesMenu = false;     ///< the Main Menu closes behind it
+};
+
+/// In the order in which they stand in the menu.
+std::span<const MenuCommand> MainMenuCommands();
+
+/// Where the editor finds its charts; also the index of the answer's button.
+enum class ChartSourceKind : int { HardDrive = 0, Database = 1 };
+
+inline constexpr std::string_view HelpPagePath = "/hy/documentation/hyetex_instructions_part1.htm";
+/// The setting that names the site on which the help page stands, such as "https://www.example.org".
+inline constexpr std::string_view HelpSiteKey = "HelpSite";
+
+}  // namespace hyetex

@@ -1,0 +1,49 @@
+// The Main Menu: every other window is opened from here and returns here.
+#pragma once
+
+#include <QLabel>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "platform/dialogs.h"
+#include "platform/form_window.h"
+#include "staging/main_menu.h"
+
+namespace hyetex {
+
+struct MainMenuServices {
+  std::function<std::int16_t()> Level;  ///< the operator's, as the lists have it now
+  std::function<bool()> DatabaseOpens;
+  std::function<std::optional<ChartSourceKind>()> AskForSource;
+  std::function<void(ChartSourceKind)> SetSource;  ///< of the editor, before it opens
+  std::function<void()> Help;
+};
+
+class frmInit : public FormWindow {
+  Q_OBJECT
+
+ public:
+  /// Takes the stored database source into `connectionText`.
+  frmInit(Desk& desk, Dialogs& dialogs, const std::string& programFolder, std::string& connectionText,
+          MainMenuServices services, QWidget* parent = nullptr);
+
+  /// Writes the database source into its label.
+  void ShowConnection();
+
+ private:
+  QPushButton* MakeButton(const MenuCommand& command);
+  void MakeLayout();
+  void Run(const MenuCommand& command);
+  bool PrepareEditor();
+
+  Dialogs& dialogs_;
+  std::string& connectionText_;
+  MainMenuServices services_;
+
+  QLabel* labDataBase;
+  QPushButton *cmdViewSettings, *cmdHelp, *cmdExit;
+};
+
+}  // namespace hyetex

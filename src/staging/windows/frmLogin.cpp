@@ -1,0 +1,135 @@
+#include "staging/windows/frmLogin.h"
+
+#include <QCloseEvent>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+#include "platform/qt_text.h"
+#include "staging/definitions.h"
+#include "staging/login.h"
+
+namespace hyetex {
+namespace {
+
+constexpr const char* Title = "User Login";
+constexpr std::string_view NameKey = "frmLogin-UserName";
+
+}  // namespace
+
+frmLogin::frmLogin(Desk& desk, Dialogs& dialogs, std::string programFolder, ReferenceLists& lists,
+                   std::int16_t& currentUser, QWidget* parent)
+    : QWidget(parent),
+      desk_(desk),
+      dialogs_(dialogs),
+      programFolder_(std::move(programFolder)),
+      lists_(lists),
+      currentUser_(currentUser),
+      txtUserName(new QComboBox),
+      txtPassword(new QLineEdit),
+      cmdOK(new QPushButton(tr("&OK"))),
+      cmdCancel(new QPushButton(tr("&Cancel"))) {
+  setObjectName("frmLogin");
+  setWindowTitle(Title);
+  MakeLayout();
+
+  // A name is compared as it was typed, never completed to another one.
+  txtUserName->setEditable(true);
+  txtUserName->setCompleter(nullptr);
+  txtUserName->setInsertPolicy(QComboBox::NoInsert);
+  txtPassword->setEchoMode(QLineEdit::Password);
+  txtPassword->installEventFilter(this);
+
+  connect(txtUserName->lineEdit(), &QLineEdit::returnPressed, txtPassword,
+          [this] { txtPassword->setFocus(); });
+  connect(txtPassword, &QLineEdit::returnPressed, this, [this] {
+    cmdOK->setFocus();
+    Ok();
+  });
+  connect(cmdOK, &QPushButton::clicked, this, &frmLogin::Ok);
+  connect(cmdCancel, &QPushButton::clicked, this, &QWidget::close);
+  auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+  connect(escape, &QShortcut::activated, this, &QWidget::close);
+
+  ReadUsers();
+  txtUserName->setCurrentIndex(-1);
+  txtUserName->setEditText(ToQt(GetDefinition(programFolder_, NameKey)));
+  if (!txtUserName->currentText().isEmpty()) txtPassword->setFocus();
+}
+
+void frmLogin::MakeLayout() {
+  txtUserName->setObjectName("txtUserName");
+  txtPassword->setObjectName("txtPassword");
+  cmdOK->setObjectName("cmdOK");
+  cmdCancel->setObjectName("cmdCancel");
+  cmdOK->setDefault(true);
+  cmdOK->setAutoDefault(true);
+  cmdCancel->setAutoDefault(true);
+
+  auto* fields = new QFormLayout;
+  fields->addRow(tr("&User Name:"), txtUserName);
+  fields->addRow(tr("&Password:"), txtPassword);
+  auto* buttons = new QHBoxLayout;
+  buttons->addStretch();
+  buttons->addWidget(cmdOK);
+  buttons->addWidget(cmdCancel);
+  auto* all = new QVBoxLayout(this);
+  all->addLayout(fields);
+  all->addStretch();
+  all->addSpacing(12);
+  all->addLayout(buttons);
+  setMinimumWidth(360);
+}
+
+bool frmLogin::ReadUsers() {
+  auto lists = ReadLists(programFolder_);
+  if (!lists) {
+    trouble_ = lists.error();
+    return false;
+  }
+  trouble_.clear();
+  lists_ = std::move(*lists);
+  const QString typed = txtUserName->currentText();
+  txtUserName->clear();
+  for (const UserRecord& user : lists_.Users) txtUserName->addItem(ToQt(user.Name));
+  txtUserName->setEditText(typed);
+  return true;
+}
+
+void frmLogin::Ok() {
+  if (!trouble_.empty() && !ReadUsers()) {
+    dialogs_.MessageBox(Title, trouble_, BoxButtons::Ok, BoxIcon::Critical);
+    return;
+  }
+  const auto user = CheckLogin(lists_.Users, FromQt(txtUserName->currentText()), FromQt(txtPassword->text()));
+  if (!user) {
+    dialogs_.MessageBox(Title, std::string(LoginFaultText(user.error())), BoxButtons::Ok, BoxIcon::Warning);
+    if (user.error() == LoginFault::WrongPassword)
+      txtPassword->setFocus();
+    else
+      txtUserName->setFocus();
+    return;
+  }
+  currentUser_ = *user;
+  loggedIn_ = true;
+  close();
+  desk_.LoggedIn();
+}
+
+void frmLogin::closeEvent(QCloseEvent* event) {
+  if (const auto kept = SetDefinition(programFolder_, NameKey, FromQt(txtUserName->currentText())); !kept)
+    dialogs_.MessageBox(Title, kept.error(), BoxButtons::Ok, BoxIcon::Warning);
+  event->accept();
+  if (!loggedIn_) desk_.EndProgram();
+}
+
+bool frmLogin::eventFilter(QObject* watched, QEvent* event) {
+  // After the click that gave the focus, which would take the selection away again.
+  if (watched == txtPassword && event->type() == QEvent::FocusIn)
+    QMetaObject::invokeMethod(txtPassword, &QLineEdit::selectAll, Qt::QueuedConnection);
+  return QWidget::eventFilter(watched, event);
+}
+
+}  // namespace hyetex

@@ -1,0 +1,48 @@
+// The first window: who is at the desk.
+#pragma once
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QWidget>
+#include <cstdint>
+#include <string>
+
+#include "core/desk.h"
+#include "platform/dialogs.h"
+#include "staging/lists.h"
+
+namespace hyetex {
+
+class frmLogin : public QWidget {
+  Q_OBJECT
+
+ public:
+  /// Reads the lists into `lists`; a login sets `currentUser` and tells the desk. All references are kept.
+  frmLogin(Desk& desk, Dialogs& dialogs, std::string programFolder, ReferenceLists& lists,
+           std::int16_t& currentUser, QWidget* parent = nullptr);
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void MakeLayout();
+  /// Nobody gets in on lists that cannot be read, since the one user of an empty list may do everything.
+  bool ReadUsers();
+  void Ok();
+
+  Desk& desk_;
+  Dialogs& dialogs_;
+  const std::string programFolder_;
+  ReferenceLists& lists_;
+  std::int16_t& currentUser_;
+  std::string trouble_;  // why the lists cannot be read
+  bool loggedIn_ = false;
+
+  QComboBox* txtUserName;
+  QLineEdit* txtPassword;
+  QPushButton *cmdOK, *cmdCancel;
+};
+
+}  // namespace hyetex

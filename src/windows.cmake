@@ -1,0 +1,23 @@
+# The windows, and what they need of the toolkit.
+find_package(Qt6 6.4 REQUIRED COMPONENTS Widgets PrintSupport SerialPort Svg)
+file(GLOB window_sources CONFIGURE_DEPENDS platform/*.cpp */windows/*.cpp platform/*.h */windows/*.h)
+add_library(hyetex_windows STATIC ${window_sources})
+set_target_properties(hyetex_windows PROPERTIES AUTOMOC ON)
+target_link_libraries(hyetex_windows PUBLIC hyetex_logic Qt6::Widgets Qt6::PrintSupport Qt6::SerialPort Qt6::Svg)
+target_precompile_headers(hyetex_windows PRIVATE <QtWidgets> <string> <vector>)
+
+# An object library: what nothing refers to by name would be left out of a static one.
+add_library(hyetex_icons OBJECT app/icons.qrc)
+set_target_properties(hyetex_icons PROPERTIES AUTORCC ON)
+target_link_libraries(hyetex_icons PUBLIC hyetex_flags Qt6::Core)
+
+# All of the desktop program but its main, as the window tests use it.
+file(GLOB app_sources CONFIGURE_DEPENDS app/*.cpp app/*.h)
+list(FILTER app_sources EXCLUDE REGEX "/main\\.cpp$")
+add_library(hyetex_app STATIC ${app_sources})
+set_target_properties(hyetex_app PROPERTIES AUTOMOC ON)
+target_link_libraries(hyetex_app PUBLIC hyetex_windows)
+target_precompile_headers(hyetex_app REUSE_FROM hyetex_windows)
+
+add_executable(hyetex app/main.cpp)
+target_link_libraries(hyetex PRIVATE hyetex_app hyetex_icons)

@@ -1,0 +1,146 @@
+#include "digitizing/resume.h"
+
+#include "chartfiles/chart_text.h"
+#include "core/files.h"
+#include "digitizing/desk.h"
+#include "staging/child.h"
+#include "support.h"
+
+namespace hyetex {
+namespace {
+
+using test::Desk;
+using test::TempFolder;
+
+ChartRecord Chart() {
+  ChartRecord chart = test::ChartOf1998();
+  chart.InstrumentCode = "RG 12";
+  return chart;
+}
+
+// Two corners, then a step to the right with each press; every fifth is the end of a gap, with its comment.
+void Trace(Desk& desk, int presses) {
+  for (int i = 0; i < presses; ++i) {
+    if (i < 2) {
+      desk.Click(i == 0 ? 500 : 3500, 500 + i);
+      continue;
+    }
+    if (i % 5 == 4) desk.Machine.RunTool(tool::Gap);
+    desk.Click(550 + 20 * i, 600 + 37 * i % 800);
+    if (desk.Machine.CommentIsOpen()) {
+      desk.Machine.AddComment("205", "Clock malfunction");
+      desk.Machine.CommentClosed();
+    }
+  }
+}
+
+std::string FileOf(const Session& session) {
+  const auto text = MakeChartText(session, {"Core", "Agency", "Station", "RG 12", "User"}, "");
+  return text ? text->Text : text.error();
+}
+
+TEST(Resume, NoPointIsLostWhereverTheProgramIsKilled) {
+  constexpr int Presses = 23;
+  for (int killed = 1; killed <= Presses; ++killed) {
+    TempFolder folder;
+    const pid_t child = test::StartChild([&] {
+      SessionJournal journal;
+      journal.Start(folder.Path(), 1, Chart());
+      Desk desk(ChartMethod::Linear, 0, &journal);
+      Trace(desk, killed);
+      return ::raise(SIGKILL) == 0;
+    });
+    ASSERT_EQ(::waitpid(child, nullptr, 0), child);
+    const auto unfinished = FindUnfinishedChart(folder.Path());
+    ASSERT_TRUE(unfinished);
+    EXPECT_EQ(unfinished->Presses, killed);
+    EXPECT_TRUE(MakeResumeOffer(*unfinished, Chart(), 1).CanResume);
+
+    // Resumed, killed once more on the way, and resumed again.
+    SessionJournal journal;
+    Desk resumed(ChartMethod::Linear, 0, &journal), whole;
+    ASSERT_TRUE(Replay(unfinished->Steps, resumed.Machine));
+    journal.Start(folder.Path(), 1, Chart());
+    resumed.Click(3400, 700);
+    Desk again;
+    ASSERT_TRUE(Replay(FindUnfinishedChart(folder.Path())->Steps, again.Machine));
+    Trace(whole, killed);
+    whole.Click(3400, 700);
+    EXPECT_EQ(FileOf(again.State), FileOf(whole.State)) << killed;
+    EXPECT_EQ(again.Last(), whole.Last());
+  }
+}
+
+TEST(Resume, OffersOnlyWhatIsThere) {
+  TempFolder folder;
+  EXPECT_FALSE(FindUnfinishedChart(folder.Path()));
+  SessionJournal journal;
+  journal.Start(folder.Path(), 1, Chart());
+  EXPECT_EQ(test::ReadFile(folder / "Journal.txt"),
+            "HYETEX88 JOURNAL 1\ntablet 1\n# task RG 12 05/03/1998\n");
+  EXPECT_FALSE(FindUnfinishedChart(folder.Path())) << "nothing has been pressed";
+  journal.Record({.X = 500, .Y = 500});
+  ASSERT_TRUE(FindUnfinishedChart(folder.Path()));
+  EXPECT_EQ(FindUnfinishedChart(folder.Path())->Name, "RG 12 05/03/1998");
+
+  // A line cut off by a power failure might read as another press.
+  test::WriteFile(folder / "Journal.txt", test::ReadFile(folder / "Journal.txt") + "press 1200 8");
+  const auto cut = FindUnfinishedChart(folder.Path());
+  EXPECT_FALSE(cut->Steps.Error);
+  EXPECT_EQ(cut->Presses, 1);
+
+  journal.Remove();
+  EXPECT_FALSE(FileExists(folder / "Journal.txt"));
+  EXPECT_FALSE(FindUnfinishedChart(folder.Path()));
+}
+
+TEST(Resume, AnotherChartsJournalIsNeverPlayed) {
+  TempFolder folder;
+  SessionJournal journal;
+  journal.Start(folder.Path(), 1, Chart());
+  journal.Record({.X = 500, .Y = 500});
+  const auto unfinished = FindUnfinishedChart(folder.Path());
+  ASSERT_TRUE(unfinished);
+
+  const auto same = MakeResumeOffer(*unfinished, Chart(), 1);
+  EXPECT_TRUE(same.CanResume);
+  EXPECT_EQ(
+      same.Text,
+      "The digitization of the chart RG 12 05/03/1998 was not saved when the last session ended. Its 1 "
+      "presses have been kept. Do you want to go on with it?\n\nNo gives them up and begins the chart anew.");
+
+  ChartRecord other = Chart();
+  other.StartTime += 1;
+  const auto another = MakeResumeOffer(*unfinished, other, 1);
+  EXPECT_FALSE(another.CanResume);
+  EXPECT_NE(another.Text.find("RG 12 05/03/1998"), std::string::npos);
+  EXPECT_NE(another.Text.find("This session is for the chart RG 12 06/03/1998."), std::string::npos);
+
+  const auto otherTablet = MakeResumeOffer(*unfinished, Chart(), 2);
+  EXPECT_FALSE(otherTablet.CanResume);
+  EXPECT_NE(otherTablet.Text.find("DrawingBoard III+"), std::string::npos);
+  EXPECT_NE(otherTablet.Text.find("GT-1812"), std::string::npos);
+
+  test::WriteFile(folder / "Journal.txt", "My diary\n");
+  const auto diary = MakeResumeOffer(*FindUnfinishedChart(folder.Path()), Chart(), 1);
+  EXPECT_FALSE(diary.CanResume);
+  EXPECT_NE(diary.Text.find("this is no session journal"), std::string::npos);
+}
+
+TEST(Resume, AFullDiskIsToldAndCaughtUpWith) {
+  TempFolder folder;
+  SessionJournal journal;
+  Desk desk(ChartMethod::Linear, 0, &journal);
+  const std::string missing = folder / "not yet";
+  journal.Start(missing, 1, Chart());
+  EXPECT_TRUE(journal.Trouble());
+  Trace(desk, 7);
+  EXPECT_TRUE(journal.Trouble());
+  std::filesystem::create_directory(missing);
+  desk.Click(3400, 700);
+  EXPECT_FALSE(journal.Trouble());
+  EXPECT_EQ(FindUnfinishedChart(missing)->Presses, 8);
+}
+
+}  // namespace
+}  // namespace hyetex

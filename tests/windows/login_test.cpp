@@ -1,0 +1,129 @@
+// The login at the desk.
+#include <QComboBox>
+#include <QLineEdit>
+#include <QSignalSpy>
+
+#include "platform/qt_text.h"
+#include "staging/definitions.h"
+#include "staging/lists.h"
+#include "staging/windows/frmLogin.h"
+#include "windows/support.h"
+
+namespace hyetex {
+namespace {
+
+using namespace hyetex::test;
+
+class Login : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ReferenceLists lists;
+    lists.Users = {{"Anna", "Secret", 1}, {"Ren\xE9", "", 10}};
+    ASSERT_TRUE(SaveLists(folder_.Path(), lists));
+  }
+  void Open() {
+    window_ = std::make_unique<frmLogin>(desk_, dialogs_, folder_.Path(), lists_, user_);
+    window_->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get()));
+  }
+  QComboBox& UserName() { return Find<QComboBox>(*window_, "txtUserName"); }
+  QLineEdit& Password() { return Find<QLineEdit>(*window_, "txtPassword"); }
+
+  TempFolder folder_;
+  EmptyDesk desk_;
+  ScriptedDialogs dialogs_;
+  ReferenceLists lists_;
+  std::int16_t user_ = -1;
+  std::unique_ptr<frmLogin> window_;
+};
+
+TEST_F(Login, LogsInByKeyboardAlone) {
+  Open();
+  ASSERT_EQ(UserName().count(), 2);
+  EXPECT_EQ(UserName().itemText(1), QString::fromUtf8("Ren\xC3\xA9"));
+  EXPECT_EQ(UserName().currentText(), "");
+
+  QTest::keyClicks(UserName().lineEdit(), "ANNA");
+  QTest::keyClick(UserName().lineEdit(), Qt::Key_Return);
+  EXPECT_TRUE(Password().hasFocus());
+  EXPECT_FALSE(desk_.IsLoggedIn);
+  EXPECT_EQ(Password().echoMode(), QLineEdit::Password);
+  QTest::keyClicks(&Password(), "Secret");
+  QTest::keyClick(&Password(), Qt::Key_Return);
+
+  EXPECT_TRUE(desk_.IsLoggedIn);
+  EXPECT_FALSE(desk_.HasEnded);
+  EXPECT_FALSE(window_->isVisible());
+  EXPECT_EQ(user_, 0);
+  EXPECT_TRUE(dialogs_.Boxes.empty());
+  EXPECT_EQ(GetDefinition(folder_.Path(), "frmLogin-UserName"), "ANNA");
+}
+
+TEST_F(Login, StaysOpenAfterWrongNameAndWrongPassword) {
+  Open();
+  UserName().setEditText("Ann");  // no user, though one begins so
+  Click(*window_, "cmdOK");
+  UserName().setEditText("Anna");
+  Password().setText("secret");
+  Click(*window_, "cmdOK");
+
+  EXPECT_EQ(dialogs_.Boxes,
+            (std::vector<ShownBox>{
+                {"User Login", "There is no such user", BoxButtons::Ok, BoxIcon::Warning},
+                {"User Login", "The password given is incorrect", BoxButtons::Ok, BoxIcon::Warning}}));
+  EXPECT_TRUE(window_->isVisible());
+  EXPECT_FALSE(desk_.IsLoggedIn);
+  EXPECT_EQ(user_, -1);
+  EXPECT_TRUE(Password().hasFocus());
+  EXPECT_TRUE(WaitFor([&] { return Password().selectedText().size() == 6; }));
+}
+
+TEST_F(Login, EndsProgramWhenCancelledOrClosed) {
+  for (const bool byKey : {false, true}) {
+    desk_.HasEnded = false;
+    Open();
+    UserName().setEditText("Somebody");
+    if (byKey)
+      QTest::keyClick(window_.get(), Qt::Key_Escape);
+    else
+      Click(*window_, "cmdCancel");
+    EXPECT_TRUE(desk_.HasEnded);
+    EXPECT_FALSE(desk_.IsLoggedIn);
+    EXPECT_EQ(GetDefinition(folder_.Path(), "frmLogin-UserName"), "Somebody");
+  }
+}
+
+TEST_F(Login, RemembersNameAndWaitsForPassword) {
+  ASSERT_TRUE(SetDefinition(folder_.Path(), "frmLogin-UserName", "Anna"));
+  Open();
+  EXPECT_EQ(UserName().currentText(), "Anna");
+  EXPECT_TRUE(Password().hasFocus());
+}
+
+// The one user of an empty list may do everything, so damage must not look like a new installation.
+TEST_F(Login, LetsNobodyInOnDamagedListsUntilTheyAreMended) {
+  const std::string whole = ReadFile(folder_ / "lists.dat");
+  WriteFile(folder_ / "lists.dat", std::string(512, '\xFF'));
+  Open();
+  Click(*window_, "cmdOK");
+  ASSERT_EQ(dialogs_.Boxes.size(), 1U);
+  EXPECT_EQ(dialogs_.Boxes[0].Icon, BoxIcon::Critical);
+  EXPECT_FALSE(desk_.IsLoggedIn);
+
+  WriteFile(folder_ / "lists.dat", whole);
+  UserName().setEditText("Anna");
+  Password().setText("Secret");
+  Click(*window_, "cmdOK");
+  EXPECT_TRUE(desk_.IsLoggedIn);
+}
+
+TEST_F(Login, LetsTheFirstUserOfANewInstallationIn) {
+  std::filesystem::remove(folder_ / "lists.dat");
+  Open();
+  Click(*window_, "cmdOK");
+  EXPECT_TRUE(desk_.IsLoggedIn);
+  EXPECT_EQ(user_, 0);
+}
+
+}  // namespace
+}  // namespace hyetex

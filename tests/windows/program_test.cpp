@@ -1,0 +1,119 @@
+// The built program on a screen of its own.
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QtEndian>
+
+#include "windows/support.h"
+
+namespace hyetex {
+namespace {
+
+using namespace hyetex::test;
+
+class Program : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    const QString server = QStandardPaths::findExecutable("Xvfb");
+    if (server.isEmpty()) GTEST_SKIP() << "Xvfb is not installed; scripts/packages.sh installs it";
+    std::filesystem::create_directory(folder_ / "screen");
+    screen_.start(server, {"-displayfd", "1", "-screen", "0", "1280x1024x24", "-nolisten", "tcp", "-fbdir",
+                           QString::fromStdString(folder_ / "screen")});
+    ASSERT_TRUE(screen_.waitForReadyRead(20000)) << screen_.readAllStandardError().toStdString();
+    environment_ = QProcessEnvironment::systemEnvironment();
+    environment_.insert("DISPLAY", ":" + screen_.readAllStandardOutput().trimmed());
+    environment_.insert("QT_QPA_PLATFORM", "xcb");
+    environment_.insert("XDG_RUNTIME_DIR", QString::fromStdString(folder_.Path()));
+    std::filesystem::copy(HYETEX_DEMO "/program", folder_ / "program",
+                          std::filesystem::copy_options::recursive);
+  }
+  void TearDown() override { Stop(screen_); }
+
+  void Start(QProcess& program, const QStringList& words) {
+    program.setProcessEnvironment(environment_);
+    program.start(HYETEX_DESKTOP,
+                  QStringList{"--folder", QString::fromStdString(folder_ / "program")} + words);
+    ASSERT_TRUE(program.waitForStarted());
+  }
+  static void Stop(QProcess& program) {
+    program.kill();
+    program.waitForFinished();
+  }
+  /// How many pixels of the screen are not black. The server keeps them in a file in the form of a window
+  /// dump.
+  qsizetype LitPixels() {
+    const std::string dump = ReadFile(folder_ / "screen/Xvfb_screen0");
+    const auto word = [&](std::size_t index) { return qFromBigEndian<quint32>(dump.data() + index * 4); };
+    if (dump.size() < 100) return 0;
+    const std::size_t pixels = word(0) + word(19) * 12U;
+    qsizetype lit = 0;
+    for (std::size_t at = pixels; at + 4 <= dump.size(); at += 4)
+      if (dump[at] != 0 || dump[at + 1] != 0 || dump[at + 2] != 0) ++lit;
+    return lit;
+  }
+
+  TempFolder folder_;
+  QProcess screen_;
+  QProcessEnvironment environment_;
+};
+
+TEST_F(Program, ShowsItsLoginAndRunsOnceAFolder) {
+  QProcess first, second, third;
+  QElapsedTimer clock;
+  clock.start();
+  Start(first, {});
+  ASSERT_TRUE(WaitFor([&] { return LitPixels() > 20000; }, 20000))
+      << first.readAllStandardError().toStdString();
+  RecordProperty("login_ms", static_cast<int>(clock.elapsed()));
+  EXPECT_EQ(first.state(), QProcess::Running);
+
+  Start(second, {});
+  const std::string refusal =
+      "hyetex: Hyetex is already running on the program folder " + (folder_ / "program");
+  std::string told;
+  EXPECT_TRUE(WaitFor([&] {
+    told += second.readAllStandardError().toStdString();
+    return told.find(refusal) != std::string::npos;
+  })) << told;
+  Stop(second);
+
+  // A program that died leaves its lock behind, which binds nobody.
+  Stop(first);
+  ASSERT_TRUE(WaitFor([&] { return LitPixels() < 20000; }));
+  Start(third, {});
+  EXPECT_TRUE(WaitFor([&] { return LitPixels() > 20000; }, 20000));
+  Stop(third);
+}
+
+TEST_F(Program, TakesAPictureOfEveryWindow) {
+  QProcess program;
+  const std::string pictures = folder_ / "pictures";
+  Start(program, {"--task", "0", "--pictures", QString::fromStdString(pictures)});
+  ASSERT_TRUE(program.waitForFinished(60000));
+  EXPECT_EQ(program.exitCode(), 0) << program.readAllStandardError().toStdString();
+  for (const char* window : {"frmLogin", "frmInit", "frmMessageBox", "mdiHyetex", "frmHyetex", "frmSave"})
+    for (const char* palette : {".png", "-dark.png"})
+      EXPECT_TRUE(QImage(QString::fromStdString(pictures + "/" + window + palette)).width() > 100)
+          << window << palette;
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "program/Data"))
+      << "the pictures worked on the folder itself";
+}
+
+TEST(ProgramWords, AreAnsweredWithoutAScreen) {
+  const auto answer = [](const QStringList& words) {
+    QProcess program;
+    auto environment = QProcessEnvironment::systemEnvironment();
+    environment.remove("DISPLAY");
+    environment.insert("QT_QPA_PLATFORM", "xcb");
+    program.setProcessEnvironment(environment);
+    program.start(HYETEX_DESKTOP, words);
+    EXPECT_TRUE(program.waitForFinished());
+    return std::pair(program.exitCode(), program.readAllStandardOutput().toStdString());
+  };
+  EXPECT_EQ(answer({"--version"}), std::pair(0, std::string("hyetex " HYETEX_VERSION "\n")));
+  EXPECT_EQ(answer({"--help"}).second.substr(0, 14), "usage: hyetex ");
+  EXPECT_EQ(answer({"--tsk", "1"}).first, 2);
+}
+
+}  // namespace
+}  // namespace hyetex

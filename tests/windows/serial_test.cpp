@@ -1,0 +1,105 @@
+// The tablet's line, on a pseudo-terminal: what goes in at one end comes out at the other.
+#include <QSignalSpy>
+
+#include "digitizing/tablets.h"
+#include "platform/serial_devices.h"
+#include "platform/serial_port.h"
+#include "staging/definitions.h"
+#include "windows/support.h"
+#include "windows/wired_tablet.h"
+
+namespace hyetex {
+namespace {
+
+using namespace hyetex::test;
+
+class SerialLine : public ::testing::Test {
+ protected:
+  SerialLine() : tablet_(folder_ / "tablet") {
+    port_.RetryMs = 20;
+    QObject::connect(&port_, &SerialPort::Received, [this](const QByteArray& bytes) { received_ += bytes; });
+  }
+  bool HasReceived(const QByteArray& bytes) {
+    return WaitFor([&] { return received_.size() >= bytes.size(); }) && received_ == bytes;
+  }
+
+  TempFolder folder_;
+  WiredTablet tablet_;
+  SerialPort port_;
+  QByteArray received_;
+};
+
+TEST_F(SerialLine, CarriesEveryByteOfEveryTabletUnchanged) {
+  QByteArray all;
+  for (int byte = 0; byte < 256; ++byte) all.append(static_cast<char>(byte));
+  for (const TabletType& type : TabletTypes()) {
+    const auto opened = port_.Open(folder_ / "tablet", type.Settings, type.Initialisation);
+    ASSERT_TRUE(opened) << type.Name << ": " << opened.error();
+    const QByteArray start(type.Initialisation.data(), static_cast<qsizetype>(type.Initialisation.size()));
+    EXPECT_EQ(tablet_.Heard(start.size()), start) << type.Name;
+    received_.clear();
+    tablet_.Send(all);
+    EXPECT_TRUE(HasReceived(all)) << type.Name;
+  }
+}
+
+TEST_F(SerialLine, GoesOnWhenTheTabletIsPluggedInAgain) {
+  QSignalSpy lost(&port_, &SerialPort::Lost), regained(&port_, &SerialPort::Regained);
+  ASSERT_TRUE(port_.Open(folder_ / "tablet", "9600,o,8,1", "wake"));
+  EXPECT_EQ(tablet_.Heard(4), "wake");
+  for (int time = 1; time <= 2; ++time) {
+    received_.clear();
+    tablet_.Unplug();
+    ASSERT_TRUE(WaitFor([&] { return lost.count() == time; }));
+    EXPECT_FALSE(port_.IsOpen());
+    tablet_.PlugIn();
+    ASSERT_TRUE(WaitFor([&] { return regained.count() == time; }));
+    EXPECT_EQ(tablet_.Heard(4), "wake");
+    tablet_.Send("0300,0523,1\r\n");
+    EXPECT_TRUE(HasReceived("0300,0523,1\r\n"));
+    EXPECT_EQ(lost.count(), time) << "told more than once";
+  }
+}
+
+TEST_F(SerialLine, WaitsForATabletThatComesLater) {
+  tablet_.Unplug();
+  QSignalSpy regained(&port_, &SerialPort::Regained);
+  const auto opened = port_.Open(folder_ / "tablet", "9600,n,8,1", "");
+  ASSERT_FALSE(opened);
+  EXPECT_NE(opened.error().find(folder_ / "tablet"), std::string::npos) << opened.error();
+  tablet_.PlugIn();
+  ASSERT_TRUE(WaitFor([&] { return regained.count() == 1; }));
+  tablet_.Send("abc");
+  EXPECT_TRUE(HasReceived("abc"));
+}
+
+TEST_F(SerialLine, StaysClosedOnceClosed) {
+  QSignalSpy lost(&port_, &SerialPort::Lost), regained(&port_, &SerialPort::Regained);
+  ASSERT_TRUE(port_.Open(folder_ / "tablet", "9600,n,8,1", ""));
+  port_.Close();
+  tablet_.Unplug();
+  tablet_.PlugIn();
+  EXPECT_FALSE(WaitFor([&] { return lost.count() + regained.count() > 0; }, 100));
+  EXPECT_FALSE(port_.IsOpen());
+}
+
+TEST(SerialSettings, AreReadWholeOrRefused) {
+  for (const TabletType& type : TabletTypes()) EXPECT_TRUE(ReadLineSettings(type.Settings)) << type.Name;
+  EXPECT_EQ(*ReadLineSettings("9600,e,7,1"),
+            (LineSettings{9600, QSerialPort::EvenParity, QSerialPort::Data7, QSerialPort::OneStop}));
+  EXPECT_EQ(*ReadLineSettings("1200,O,8,2"),
+            (LineSettings{1200, QSerialPort::OddParity, QSerialPort::Data8, QSerialPort::TwoStop}));
+  for (const char* wrong : {"", "9600", "9600,x,8,1", "9600,n,9,1", "9600,n,8,3", "-1,n,8,1", "9600,n,8,1,1"})
+    EXPECT_FALSE(ReadLineSettings(wrong)) << wrong;
+}
+
+TEST(SerialDevices, AreWhatTheSettingsName) {
+  const TempFolder folder;
+  ASSERT_TRUE(SetDefinition(folder.Path(), "SerialPort2", "/dev/ttyUSB7"));
+  EXPECT_EQ(SerialDevice(folder.Path(), 2), "/dev/ttyUSB7");
+  EXPECT_EQ(SerialDevice(folder.Path(), 0), "");
+  EXPECT_EQ(SerialDevice(folder.Path(), 5), "");
+}
+
+}  // namespace
+}  // namespace hyetex
