@@ -153,6 +153,7 @@ void AppDesk::CloseShell() {
 bool AppDesk::Activate(int task) {
   auto chart = ActivateChart(program_.Folder, program_.Lists, task);
   if (!chart) return Tell(chart.error()), false;
+  if (const auto refusal = CheckTraceable(chart->Task)) return Tell(*refusal), false;
   auto origin = OriginOfChart(program_.Lists, chart->Task, program_.User().Name);
   if (!origin) return Tell(origin.error()), false;
 

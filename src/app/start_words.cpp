@@ -1,7 +1,7 @@
 #include "app/start_words.h"
 
 #include <charconv>
-#include <cstdlib>
+#include <filesystem>
 
 #include "core/files.h"
 #include "core/records.h"
@@ -10,11 +10,9 @@
 namespace hyetex {
 namespace {
 
-std::string DefaultFolder() {
-  if (const char* data = std::getenv("XDG_DATA_HOME"); data != nullptr && *data != '\0')
-    return JoinPath(data, "hyetex");
-  const char* home = std::getenv("HOME");
-  return JoinPath(home != nullptr ? home : ".", ".local/share/hyetex");
+// A serial device by its whole path: a relative one would be looked for among the system's devices.
+std::string DeviceOf(const std::string& port) {
+  return HasSeparator(port) ? std::filesystem::absolute(port).string() : port;
 }
 
 Result<int> Number(const std::string& option, const std::string& text, int most) {
@@ -29,7 +27,7 @@ Result<int> Number(const std::string& option, const std::string& text, int most)
 
 Result<CommandLine> ReadCommandLine(std::span<const std::string> words) {
   CommandLine line;
-  line.Words.Folder = DefaultFolder();
+  line.Words.Folder = DefaultProgramFolder();
   for (std::size_t i = 0; i < words.size(); ++i) {
     const std::string& option = words[i];
     if (option == "--help") {
@@ -47,7 +45,7 @@ Result<CommandLine> ReadCommandLine(std::span<const std::string> words) {
 
     const std::string& value = words[i];
     if (option == "--folder") line.Words.Folder = value;
-    if (option == "--port") line.Words.Port = value;
+    if (option == "--port") line.Words.Port = DeviceOf(value);
     if (option == "--pictures") line.Pictures = value;
     if (option == "--task" || option == "--tablet") {
       const auto number = Number(option, value, option == "--task" ? MaxTask : TabletTypeCount - 1);

@@ -3,14 +3,12 @@
 #include "chartfiles/chart_text.h"
 #include "chartfiles/saving.h"
 #include "cli/commands.h"
-#include "core/comments.h"
 #include "core/files.h"
-#include "core/numbers.h"
 #include "core/text.h"
 #include "digitizing/action_machine.h"
+#include "staging/activation.h"
 #include "staging/definitions.h"
 #include "staging/lists.h"
-#include "staging/tasks.h"
 
 namespace hyetex::cli {
 namespace {
@@ -25,9 +23,7 @@ class ReplayView : public SilentView {
 
 // What the words and the program folder say of the chart to digitize.
 struct Work {
-  ReferenceLists Lists;
-  ChartRecord Task;
-  ChartTypeRecord ChartType;
+  ActivatedChart Chart;
   ChartOrigin Origin;
   std::string TargetFolder;
 };
@@ -39,35 +35,20 @@ Result<std::string> FindUserName(const Words& words, const std::string& folder, 
   return lists.Users[static_cast<std::size_t>(user)].Name;
 }
 
-Result<Work> Prepare(const Words& words, const std::string& folder, int taskIndex,
-                     std::optional<int> chartType) {
+Result<Work> Prepare(const Words& words, const std::string& folder, int task, std::optional<int> chartType) {
   if (!FolderExists(folder)) return Failure("There is no program folder " + folder);
-  auto lists = ReadLists(folder);
+  const auto lists = ReadLists(folder);
   if (!lists) return Failure(lists.error());
-  auto tasks = LoadTasks(folder, lists->Stations);
-  if (!tasks) return Failure(tasks.error());
-  for (const std::string& note : tasks->Notes) Say(note);
-
-  Work work;
-  work.Lists = std::move(*lists);
-  if (taskIndex >= static_cast<int>(tasks->Tasks.size()))
-    return Failure("There is no task " + ShortText(taskIndex) + "; " + folder + " has " +
-                   ShortText(static_cast<int>(tasks->Tasks.size())));
-  work.Task = tasks->Tasks[static_cast<std::size_t>(taskIndex)];
-  const int type = chartType.value_or(LeadingInt16(GetDefinition(folder, "CurrentChart")));
-  if (type < 0 || type >= static_cast<int>(work.Lists.ChartTypes.size()))
-    return Failure("There is no chart type " + ShortText(type));
-  work.ChartType = work.Lists.ChartTypes[static_cast<std::size_t>(type)];
-  work.Task.PaperIndex = static_cast<std::int16_t>(type);
-  work.Task.ChartMethod = work.ChartType.ChartMethod;
-
-  auto user = FindUserName(words, folder, work.Lists);
+  auto chart = ActivateChart(folder, *lists, task, chartType);
+  if (!chart) return Failure(chart.error());
+  for (const std::string& note : chart->Notes) Say(note);
+  auto user = FindUserName(words, folder, *lists);
   if (!user) return Failure(user.error());
-  auto origin = OriginOfChart(work.Lists, work.Task, *std::move(user));
+  auto origin = OriginOfChart(*lists, chart->Task, *std::move(user));
   if (!origin) return Failure(origin.error());
-  work.Origin = *std::move(origin);
-  const auto target = words.Value("--target");
-  work.TargetFolder = target ? *target : TargetFolder(folder);
+
+  Work work{*std::move(chart), *std::move(origin),
+            words.Has("--target") ? *words.Value("--target") : TargetFolder(folder)};
   if (!FolderExists(work.TargetFolder)) return Failure("There is no target folder " + work.TargetFolder);
   return work;
 }
@@ -81,7 +62,7 @@ Exit Save(const Words& words, const Work& work, const ChartText& file) {
   };
   const auto path =
       WriteChartFile(file.Text, work.TargetFolder,
-                     ChartFileName(work.Origin.InstrumentCode, work.Task.StartTime), mayOverwrite);
+                     ChartFileName(work.Origin.InstrumentCode, work.Chart.Task.StartTime), mayOverwrite);
   if (!path) return Fail(path.error());
   if (!*path) return Fail(refusal + " Say --overwrite if it may.");
   Print("Chart file: " + **path + "\n");
@@ -100,7 +81,7 @@ Exit DigitizeJournal(const Words& words, const Work& work) {
   if (journal.Tablet < 0) return Fail(*journal.Error);
 
   const TabletType& tablet = TabletTypes()[static_cast<std::size_t>(journal.Tablet)];
-  Session session(tablet.Extents, work.ChartType, work.Task, Now());
+  Session session(tablet.Extents, work.Chart.ChartType, work.Chart.Task, Now());
   if (const auto refusal = CheckChartScales(session.Line.Scales())) return Fail(*refusal);
   ReplayView view;
   ActionMachine machine(session, tablet, view);
@@ -129,11 +110,10 @@ Exit Digitize(const Words& words) {
 
   const auto work = Prepare(words, ProgramFolder(words), **task, *chartType);
   if (!work) return Fail(work.error());
-  if (HasCode(work->Task.GeneralComment, CodeDefective)) {
-    if (!words.Rest().empty())
-      return Fail("The chart is marked as extremely defective (" + CodeText(CodeDefective) +
-                  "): it gets an empty file, without a journal");
-    const auto file = MakeEmptyChartText(work->Task, work->Task.ChartMethod, work->Origin);
+  const ChartRecord& chart = work->Chart.Task;
+  if (const auto refusal = CheckTraceable(chart)) {
+    if (!words.Rest().empty()) return Fail(*refusal + ", and gets an empty file without a journal");
+    const auto file = MakeEmptyChartText(chart, chart.ChartMethod, work->Origin);
     return file ? Save(words, *work, *file) : Fail(file.error());
   }
   if (words.Rest().empty()) return Off("the journal is missing");

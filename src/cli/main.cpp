@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <cstdlib>
 #include <vector>
 
 #include "cli/commands.h"
@@ -71,11 +70,7 @@ Exit Run(const std::vector<std::string>& words) {
 }  // namespace
 
 std::string ProgramFolder(const Words& words) {
-  if (const auto folder = words.Value(FolderOption.Name)) return *folder;
-  if (const char* data = std::getenv("XDG_DATA_HOME"); data != nullptr && *data != '\0')
-    return JoinPath(data, "hyetex");
-  const char* home = std::getenv("HOME");
-  return JoinPath(home != nullptr ? home : ".", ".local/share/hyetex");
+  return words.Value(FolderOption.Name).value_or(DefaultProgramFolder());
 }
 
 void Say(std::string_view line) {

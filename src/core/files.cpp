@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
@@ -87,6 +88,13 @@ bool FolderExists(const std::string& path) {
 std::string CheckTargetFolder(const std::string& stored, const std::string& programFolder) {
   if (stored.empty() || !FolderExists(WithBackslash(stored))) return programFolder;
   return WithBackslash(stored);
+}
+
+std::string DefaultProgramFolder() {
+  if (const char* data = std::getenv("XDG_DATA_HOME"); data != nullptr && *data != '\0')
+    return JoinPath(data, "hyetex");
+  const char* home = std::getenv("HOME");
+  return JoinPath(home != nullptr ? home : ".", ".local/share/hyetex");
 }
 
 Result<std::string> ReadWholeFile(const std::string& path, std::size_t mostBytes) {

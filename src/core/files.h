@@ -32,6 +32,9 @@ bool FolderExists(const std::string& path);
 /// program folder as it was given.
 std::string CheckTargetFolder(const std::string& stored, const std::string& programFolder);
 
+/// The program folder of a user who names none: "hyetex" under $XDG_DATA_HOME, or else under ~/.local/share.
+std::string DefaultProgramFolder();
+
 /// The file's bytes. Fails, with one line that names the file, on a missing or unreadable file, a folder, and
 /// a file of more than `mostBytes`.
 Result<std::string> ReadWholeFile(const std::string& path, std::size_t mostBytes);

@@ -1,7 +1,9 @@
 // A staged chart becomes the chart of a digitizing session.
 #pragma once
 
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "core/records.h"
 #include "core/result.h"
@@ -12,11 +14,16 @@ namespace hyetex {
 struct ActivatedChart {
   ChartRecord Task;
   ChartTypeRecord ChartType;
-  int Tablet = 0;  ///< index of TabletTypes(), as the settings have it
+  int Tablet = 0;                  ///< index of TabletTypes(), as the settings have it
+  std::vector<std::string> Notes;  ///< what was odd in the task list, one line each
 };
 
-/// The chart that stands at index `task` in the staging area, on the current chart type. Fails, with one
-/// line, where there is no such chart or type, and on a chart that is marked as too defective to be traced.
-Result<ActivatedChart> ActivateChart(const std::string& programFolder, const ReferenceLists& lists, int task);
+/// The chart that stands at index `task` in the staging area, on `chartType` or else the current one of the
+/// settings. Fails, with one line, where there is no such chart or type.
+Result<ActivatedChart> ActivateChart(const std::string& programFolder, const ReferenceLists& lists, int task,
+                                     std::optional<int> chartType = {});
+
+/// Why a staged chart is not traced: it is marked as too defective. Nothing if it is.
+std::optional<std::string> CheckTraceable(const ChartRecord& task);
 
 }  // namespace hyetex

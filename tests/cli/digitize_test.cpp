@@ -47,7 +47,7 @@ TEST_F(Digitize, RefusesInOneLineAndWritesNothing) {
     std::vector<std::string> Words;
     const char* Error;
   } const cases[] = {
-      {{"--task", "2"}, "There is no task 2"},
+      {{"--task", "2"}, "There is no chart 2"},
       {{"--task", "1", "--user", "Nobody"}, "There is no such user: \"Nobody\""},
       {{"--task", "1", "--user", ""}, "There is no such user"},
       {{"--task", "1", "--chart-type", "6"}, "There is no chart type 6"},

@@ -74,7 +74,7 @@ void frmHyetex::StartSession() {
   // Only the size that comes of it counts: in a smaller one on the way there the board might have no room.
   ResizeView(sizeHint());
   FitView(size());
-  for (int i : {panel::Depth, panel::Time, panel::Button}) shell_.ShowPanel(i, "");
+  ClearPanels();
   started_ = true;
   machine_.Start();
   if (!OfferUnfinishedChart()) {
@@ -234,7 +234,12 @@ void frmHyetex::closeEvent(QCloseEvent* event) {
   FormWindow::closeEvent(event);
 }
 
+void frmHyetex::ClearPanels() {
+  for (int i : {panel::Depth, panel::Time, panel::Button, panel::Instruction}) shell_.ShowPanel(i, "");
+}
+
 void frmHyetex::Closing() {
+  ClearPanels();
   mscDig->Close();
   if (!givenUp_) journal_.Remove();
   StoreLayout();

@@ -7,7 +7,6 @@
 #pragma once
 
 #include <QKeyEvent>
-#include <QPointer>
 #include <string>
 
 #include "digitizing/action_machine.h"
@@ -98,6 +97,7 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void FitView(QSize size);
   void RestoreLayout();
   void StoreLayout();
+  void ClearPanels();
   void DragBoard(QPoint by);
   void ShowToolText(int tool);
   void Zoom(double steps, QPointF at);

@@ -1,0 +1,75 @@
+// The boxes on the screen.
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTimer>
+
+#include "digitizing/windows/tool_icons.h"
+#include "platform/qt_dialogs.h"
+#include "windows/support.h"
+
+namespace hyetex {
+namespace {
+
+using namespace hyetex::test;
+
+/// Runs `look` on the box that is about to open.
+template <typename Look>
+void WhenShown(Look look) {
+  QTimer::singleShot(0, qApp, [look] {
+    QWidget* box = QApplication::activeModalWidget();
+    ASSERT_NE(box, nullptr);
+    look(*box);
+  });
+}
+
+TEST(Dialogs, ShowsTextsAsTheyAreAndAnswersByButtonAndEscape) {
+  QtDialogs dialogs;
+  WhenShown([](QWidget& window) {
+    auto& box = dynamic_cast<QMessageBox&>(window);
+    EXPECT_EQ(box.text(), "Is 1 <b>2</b> & 3 \xC3\xA9 ?");
+    EXPECT_EQ(box.textFormat(), Qt::PlainText);
+    EXPECT_EQ(box.windowTitle(), "A title");
+    EXPECT_EQ(box.icon(), QMessageBox::Warning);
+    EXPECT_EQ(box.standardButtons(), QMessageBox::Yes | QMessageBox::No);
+    box.button(QMessageBox::Yes)->click();
+  });
+  EXPECT_EQ(dialogs.MessageBox("A title", "Is 1 <b>2</b> & 3 \xE9 ?", BoxButtons::YesNo, BoxIcon::Warning),
+            BoxAnswer::Yes);
+
+  const std::vector<std::pair<BoxButtons, BoxAnswer>> escapes{{BoxButtons::Ok, BoxAnswer::Ok},
+                                                              {BoxButtons::OkCancel, BoxAnswer::Cancel},
+                                                              {BoxButtons::YesNo, BoxAnswer::No},
+                                                              {BoxButtons::YesNoCancel, BoxAnswer::Cancel}};
+  for (const auto& [buttons, answer] : escapes) {
+    WhenShown([](QWidget& box) { QTest::keyClick(&box, Qt::Key_Escape); });
+    EXPECT_EQ(dialogs.MessageBox("", "?", buttons, BoxIcon::None), answer);
+  }
+}
+
+TEST(Dialogs, TellsACancelledInputFromAnEmptyOne) {
+  QtDialogs dialogs;
+  WhenShown([](QWidget& box) {
+    auto* line = box.findChild<QLineEdit*>();
+    ASSERT_NE(line, nullptr);
+    EXPECT_EQ(line->text(), "old");
+    line->clear();
+    QTest::keyClick(line, Qt::Key_Return);
+  });
+  EXPECT_EQ(dialogs.InputBox("Title", "Prompt", "old"), "");
+  WhenShown([](QWidget& box) { QTest::keyClick(&box, Qt::Key_Escape); });
+  EXPECT_EQ(dialogs.InputBox("Title", "Prompt", "old"), std::nullopt);
+}
+
+TEST(Icons, AreThereForEveryTool) {
+  for (int tool = 0; tool < ToolCount; ++tool) {
+    for (const bool zoomed : {false, true}) {
+      const QString file = ToolIconFile(tool, zoomed);
+      EXPECT_EQ(file.isEmpty(), GetToolText(tool, zoomed).empty()) << tool;
+      EXPECT_TRUE(file.isEmpty() || !QIcon(file).pixmap(32).isNull()) << tool;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace hyetex
