@@ -6,6 +6,7 @@
 
 #include "cli/commands.h"
 #include "core/files.h"
+#include "core/text.h"
 
 namespace hyetex::cli {
 namespace {
@@ -73,9 +74,7 @@ std::string ProgramFolder(const Words& words) {
   return words.Value(FolderOption.Name).value_or(DefaultProgramFolder());
 }
 
-void Say(std::string_view line) {
-  std::fprintf(stderr, "hyetex-cli: %.*s\n", static_cast<int>(line.size()), line.data());
-}
+void Say(std::string_view line) { std::fprintf(stderr, "hyetex-cli: %s\n", ShownText(line).c_str()); }
 
 Exit Fail(std::string_view why) {
   Say(why);

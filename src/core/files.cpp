@@ -50,6 +50,14 @@ bool WriteAll(int fd, std::string_view bytes) {
   return true;
 }
 
+// What the user lets others do with files of theirs; the lists hold passwords. The mask can only be read by
+// setting it.
+mode_t NewFileMode() {
+  const mode_t mask = ::umask(0077);
+  ::umask(mask);
+  return 0666 & ~mask;
+}
+
 // A rename is on disk only when its folder is. File systems that cannot flush a folder say EINVAL.
 bool FlushFolder(const std::string& folder) {
   Descriptor fd(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -131,7 +139,7 @@ Result<void> WriteWholeFile(const std::string& path, std::string_view bytes) {
   Descriptor fd(::mkostemp(temporary.data(), O_CLOEXEC));
   if (!fd.Valid()) return FailureOf("Cannot write", path, errno);
   struct stat old {};
-  mode_t mode = 0644;
+  mode_t mode = NewFileMode();
   if (::stat(target.c_str(), &old) == 0) mode = old.st_mode & 07777;
   const bool written = ::fchmod(fd.Get(), mode) == 0 && WriteAll(fd.Get(), bytes) && ::fsync(fd.Get()) == 0 &&
                        fd.Close() && ::rename(temporary.c_str(), target.c_str()) == 0;
