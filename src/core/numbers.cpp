@@ -12,7 +12,10 @@ namespace {
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 // "-0.000" is a zero to everybody but a computer.
-std::string WithoutNegativeZero(std::string text) { return text == "-0" ? "0" : text; }
+std::string WithoutNegativeZero(std::string text) {
+  if (text == "-0") text = "0";
+  return text;
+}
 
 // Takes trailing zeros off the decimals, and the point too when nothing is left behind it.
 std::string WithoutTrailingZeros(std::string text) {
@@ -66,8 +69,9 @@ std::string_view FixedText(double value, int decimals, std::array<char, 512>& bu
   return {buffer.data(), static_cast<std::size_t>(end - buffer.data())};
 }
 
-// The number at the front of `at` if it has the plain form of chart files: a sign, at most 15 digits, a point, no
-// exponent. Both the digits and the power of ten are exact in 64 bits then, so one division rounds correctly.
+// The number at the front of `at` if it has the plain form of chart files: a sign, at most 15 digits, a
+// point, no exponent. Both the digits and the power of ten are exact in 64 bits then, so one division rounds
+// correctly.
 bool ReadPlain(const char* at, const char* end, double& value) {
   static constexpr std::array<double, 16> powers{1,   1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                                  1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};

@@ -330,7 +330,7 @@ void ActionMachine::CommentClosed() {
 
 // ---- Journal
 
-void ActionMachine::Record(JournalEvent event) const {
+void ActionMachine::Record(const JournalEvent& event) const {
   if (journal_ != nullptr) journal_->Record(event);
 }
 

@@ -105,7 +105,7 @@ class ActionMachine {
   void FinishZoom();
 
   // Journal
-  void Record(JournalEvent event) const;
+  void Record(const JournalEvent& event) const;
   void RecordDrawingState() const;
   void RecordPress() const;
 

@@ -16,9 +16,11 @@ DeskLayout DefaultDeskLayout(const TabletExtents& tablet, double height) {
   layout.ScaleHeight = height;
   layout.ScaleWidth = height * tablet.TabletWidthUnits / tablet.TabletHeightUnits;
   layout.Board = {layout.ScaleWidth - BoardWidth - Margin, Margin, BoardWidth, BoardHeight};
-  for (int i = 0; i < ToolCount; ++i)
-    layout.Squares[static_cast<std::size_t>(i)] = {Margin + i % Columns * (Square + Gap),
-                                                   Margin + i / Columns * (Square + Gap), Square, Square};
+  for (int i = 0; i < ToolCount; ++i) {
+    const int column = i % Columns, row = i / Columns;
+    layout.Squares[static_cast<std::size_t>(i)] = {Margin + column * (Square + Gap),
+                                                   Margin + row * (Square + Gap), Square, Square};
+  }
   layout.ReadOut = {Margin, Margin + Rows * (Square + Gap), BoardWidth - 2 * Margin, ReadOutHeight};
   return layout;
 }

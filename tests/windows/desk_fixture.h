@@ -10,13 +10,12 @@
 
 #include "app/app_desk.h"
 #include "chartfiles/chart_text.h"
-#include "staging/definitions.h"
 #include "windows/support.h"
 #include "windows/wired_tablet.h"
 
 namespace hyetex::test {
 
-class DeskTest : public ::testing::Test {
+class DeskTest : public FolderTest {
  protected:
   DeskTest() {
     std::filesystem::copy(HYETEX_DEMO "/program", folder_.Path());
@@ -38,6 +37,10 @@ class DeskTest : public ::testing::Test {
   }
   /// As when the machine breaks down: nothing is closed or saved.
   void BreakDown() { desk_.reset(); }
+  void OpenAndCalibrate() {
+    Open();
+    Calibrate();
+  }
 
   frmHyetex& Window() { return *qobject_cast<frmHyetex*>(desk_->Window(WindowId::Digitizing)); }
   bool IsOpen() { return desk_->Window(WindowId::Digitizing) != nullptr; }
@@ -116,12 +119,6 @@ class DeskTest : public ::testing::Test {
     QCoreApplication::processEvents();
   }
 
-  void Remember(const char* key, const char* value) {
-    ASSERT_TRUE(SetDefinition(folder_.Path(), key, value).has_value());
-  }
-
-  TempFolder folder_;
-  ScriptedDialogs dialogs_;
   WiredTablet tablet_{folder_ / "tablet"};
   const TabletType* type_ = nullptr;
   qsizetype heard_ = 0;

@@ -1,10 +1,8 @@
 // The login at the desk.
 #include <QComboBox>
 #include <QLineEdit>
-#include <QSignalSpy>
 
 #include "platform/qt_text.h"
-#include "staging/definitions.h"
 #include "staging/lists.h"
 #include "staging/windows/frmLogin.h"
 #include "windows/support.h"
@@ -14,27 +12,19 @@ namespace {
 
 using namespace hyetex::test;
 
-class Login : public ::testing::Test {
+class Login : public WindowTest<frmLogin> {
  protected:
   void SetUp() override {
     ReferenceLists lists;
     lists.Users = {{"Anna", "Secret", 1}, {"Ren\xE9", "", 10}};
     ASSERT_TRUE(SaveLists(folder_.Path(), lists));
   }
-  void Open() {
-    window_ = std::make_unique<frmLogin>(desk_, dialogs_, folder_.Path(), lists_, user_);
-    window_->show();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get()));
-  }
+  void Open() { Show(lists_, user_); }
   QComboBox& UserName() { return Find<QComboBox>(*window_, "txtUserName"); }
   QLineEdit& Password() { return Find<QLineEdit>(*window_, "txtPassword"); }
 
-  TempFolder folder_;
-  EmptyDesk desk_;
-  ScriptedDialogs dialogs_;
   ReferenceLists lists_;
   std::int16_t user_ = -1;
-  std::unique_ptr<frmLogin> window_;
 };
 
 TEST_F(Login, LogsInByKeyboardAlone) {
@@ -56,7 +46,7 @@ TEST_F(Login, LogsInByKeyboardAlone) {
   EXPECT_FALSE(window_->isVisible());
   EXPECT_EQ(user_, 0);
   EXPECT_TRUE(dialogs_.Boxes.empty());
-  EXPECT_EQ(GetDefinition(folder_.Path(), "frmLogin-UserName"), "ANNA");
+  EXPECT_EQ(Remembered("frmLogin-UserName"), "ANNA");
 }
 
 TEST_F(Login, StaysOpenAfterWrongNameAndWrongPassword) {
@@ -67,10 +57,8 @@ TEST_F(Login, StaysOpenAfterWrongNameAndWrongPassword) {
   Password().setText("secret");
   Click(*window_, "cmdOK");
 
-  EXPECT_EQ(dialogs_.Boxes,
-            (std::vector<ShownBox>{
-                {"User Login", "There is no such user", BoxButtons::Ok, BoxIcon::Warning},
-                {"User Login", "The password given is incorrect", BoxButtons::Ok, BoxIcon::Warning}}));
+  EXPECT_EQ(dialogs_.Boxes, (std::vector{Warning("User Login", "There is no such user"),
+                                         Warning("User Login", "The password given is incorrect")}));
   EXPECT_TRUE(window_->isVisible());
   EXPECT_FALSE(desk_.IsLoggedIn);
   EXPECT_EQ(user_, -1);
@@ -78,26 +66,20 @@ TEST_F(Login, StaysOpenAfterWrongNameAndWrongPassword) {
   EXPECT_TRUE(WaitFor([&] { return Password().selectedText().size() == 6; }));
 }
 
-TEST_F(Login, EndsProgramWhenCancelledOrClosed) {
+TEST_F(Login, EndsProgramWhenCancelledOrClosedAndRemembersTheName) {
   for (const bool byKey : {false, true}) {
     desk_.HasEnded = false;
     Open();
-    UserName().setEditText("Somebody");
+    EXPECT_EQ(UserName().currentText(), byKey ? "Anna" : "");
+    EXPECT_EQ(Password().hasFocus(), byKey);
+    UserName().setEditText("Anna");
     if (byKey)
       QTest::keyClick(window_.get(), Qt::Key_Escape);
     else
       Click(*window_, "cmdCancel");
     EXPECT_TRUE(desk_.HasEnded);
     EXPECT_FALSE(desk_.IsLoggedIn);
-    EXPECT_EQ(GetDefinition(folder_.Path(), "frmLogin-UserName"), "Somebody");
   }
-}
-
-TEST_F(Login, RemembersNameAndWaitsForPassword) {
-  ASSERT_TRUE(SetDefinition(folder_.Path(), "frmLogin-UserName", "Anna"));
-  Open();
-  EXPECT_EQ(UserName().currentText(), "Anna");
-  EXPECT_TRUE(Password().hasFocus());
 }
 
 // The one user of an empty list may do everything, so damage must not look like a new installation.

@@ -4,7 +4,6 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 
-#include "staging/definitions.h"
 #include "windows/support.h"
 
 namespace hyetex {
@@ -12,16 +11,9 @@ namespace {
 
 using namespace hyetex::test;
 
-TEST(Places, BringsFramesInsideTopLeftFirst) {
-  const QRect area(100, 50, 800, 600);
-  EXPECT_EQ(BroughtInside({200, 100, 300, 200}, area), QPoint(200, 100));
-  EXPECT_EQ(BroughtInside({-5000, 9000, 300, 200}, area), QPoint(100, 450));
-  EXPECT_EQ(BroughtInside({800, 100, 300, 200}, area), QPoint(600, 100));
-  EXPECT_EQ(BroughtInside({300, 300, 2000, 2000}, area), QPoint(100, 50));
-}
+using Places = FolderTest;
 
-TEST(Places, RemembersWindowsOfTheShellInItsArea) {
-  const TempFolder folder;
+TEST_F(Places, RemembersWindowsOfTheShellInItsArea) {
   QMdiArea area;
   area.resize(900, 700);
   area.show();
@@ -32,30 +24,29 @@ TEST(Places, RemembersWindowsOfTheShellInItsArea) {
   frame->show();
 
   frame->move(123, 45);
-  StorePlace(*window, folder.Path());
-  EXPECT_EQ(GetDefinition(folder.Path(), "frmLists-Left"), "1845");
-  EXPECT_EQ(GetDefinition(folder.Path(), "frmLists-Top"), "675");
+  StorePlace(*window, folder_.Path());
+  EXPECT_EQ(Remembered("frmLists-Left"), "1845");
+  EXPECT_EQ(Remembered("frmLists-Top"), "675");
   frame->move(0, 0);
-  RestorePlace(*window, folder.Path());
+  RestorePlace(*window, folder_.Path());
   EXPECT_EQ(frame->pos(), QPoint(123, 45));
 
   // The frame was larger when the place was kept.
-  ASSERT_TRUE(SetDefinition(folder.Path(), "frmLists-Left", "60000"));
-  ASSERT_TRUE(SetDefinition(folder.Path(), "frmLists-Top", "-900"));
-  RestorePlace(*window, folder.Path());
+  Remember("frmLists-Left", "60000");
+  Remember("frmLists-Top", "-900");
+  RestorePlace(*window, folder_.Path());
   EXPECT_EQ(frame->x(), area.viewport()->width() - frame->width());
   EXPECT_EQ(frame->y(), 0);
 }
 
-TEST(Places, BringsWindowsFromAbsentScreensBack) {
-  const TempFolder folder;
+TEST_F(Places, BringsWindowsFromAbsentScreensBack) {
   QWidget window;
   window.setObjectName("frmLists");
   window.resize(200, 150);
-  ASSERT_TRUE(SetDefinition(folder.Path(), "frmLists-Left", "-90000"));
-  ASSERT_TRUE(SetDefinition(folder.Path(), "frmLists-Top", "nonsense"));
+  Remember("frmLists-Left", "-90000");
+  Remember("frmLists-Top", "nonsense");
   window.show();
-  RestorePlace(window, folder.Path());
+  RestorePlace(window, folder_.Path());
   EXPECT_TRUE(window.screen()->availableGeometry().contains(window.frameGeometry()));
 }
 

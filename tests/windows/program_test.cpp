@@ -1,5 +1,4 @@
 // The built program on a screen of its own.
-#include <QElapsedTimer>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QtEndian>
@@ -11,7 +10,7 @@ namespace {
 
 using namespace hyetex::test;
 
-class Program : public ::testing::Test {
+class Program : public FolderTest {
  protected:
   void SetUp() override {
     const QString server = QStandardPaths::findExecutable("Xvfb");
@@ -55,19 +54,15 @@ class Program : public ::testing::Test {
     return lit;
   }
 
-  TempFolder folder_;
   QProcess screen_;
   QProcessEnvironment environment_;
 };
 
 TEST_F(Program, ShowsItsLoginAndRunsOnceAFolder) {
   QProcess first, second, third;
-  QElapsedTimer clock;
-  clock.start();
   Start(first, {});
   ASSERT_TRUE(WaitFor([&] { return LitPixels() > 20000; }, 20000))
       << first.readAllStandardError().toStdString();
-  RecordProperty("login_ms", static_cast<int>(clock.elapsed()));
   EXPECT_EQ(first.state(), QProcess::Running);
 
   Start(second, {});

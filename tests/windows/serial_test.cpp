@@ -4,7 +4,6 @@
 #include "digitizing/tablets.h"
 #include "platform/serial_devices.h"
 #include "platform/serial_port.h"
-#include "staging/definitions.h"
 #include "windows/support.h"
 #include "windows/wired_tablet.h"
 
@@ -13,7 +12,7 @@ namespace {
 
 using namespace hyetex::test;
 
-class SerialLine : public ::testing::Test {
+class SerialLine : public FolderTest {
  protected:
   SerialLine() : tablet_(folder_ / "tablet") {
     port_.RetryMs = 20;
@@ -23,7 +22,6 @@ class SerialLine : public ::testing::Test {
     return WaitFor([&] { return received_.size() >= bytes.size(); }) && received_ == bytes;
   }
 
-  TempFolder folder_;
   WiredTablet tablet_;
   SerialPort port_;
   QByteArray received_;
@@ -61,28 +59,6 @@ TEST_F(SerialLine, GoesOnWhenTheTabletIsPluggedInAgain) {
   }
 }
 
-TEST_F(SerialLine, WaitsForATabletThatComesLater) {
-  tablet_.Unplug();
-  QSignalSpy regained(&port_, &SerialPort::Regained);
-  const auto opened = port_.Open(folder_ / "tablet", "9600,n,8,1", "");
-  ASSERT_FALSE(opened);
-  EXPECT_NE(opened.error().find(folder_ / "tablet"), std::string::npos) << opened.error();
-  tablet_.PlugIn();
-  ASSERT_TRUE(WaitFor([&] { return regained.count() == 1; }));
-  tablet_.Send("abc");
-  EXPECT_TRUE(HasReceived("abc"));
-}
-
-TEST_F(SerialLine, StaysClosedOnceClosed) {
-  QSignalSpy lost(&port_, &SerialPort::Lost), regained(&port_, &SerialPort::Regained);
-  ASSERT_TRUE(port_.Open(folder_ / "tablet", "9600,n,8,1", ""));
-  port_.Close();
-  tablet_.Unplug();
-  tablet_.PlugIn();
-  EXPECT_FALSE(WaitFor([&] { return lost.count() + regained.count() > 0; }, 100));
-  EXPECT_FALSE(port_.IsOpen());
-}
-
 TEST(SerialSettings, AreReadWholeOrRefused) {
   for (const TabletType& type : TabletTypes()) EXPECT_TRUE(ReadLineSettings(type.Settings)) << type.Name;
   EXPECT_EQ(*ReadLineSettings("9600,e,7,1"),
@@ -93,12 +69,12 @@ TEST(SerialSettings, AreReadWholeOrRefused) {
     EXPECT_FALSE(ReadLineSettings(wrong)) << wrong;
 }
 
-TEST(SerialDevices, AreWhatTheSettingsName) {
-  const TempFolder folder;
-  ASSERT_TRUE(SetDefinition(folder.Path(), "SerialPort2", "/dev/ttyUSB7"));
-  EXPECT_EQ(SerialDevice(folder.Path(), 2), "/dev/ttyUSB7");
-  EXPECT_EQ(SerialDevice(folder.Path(), 0), "");
-  EXPECT_EQ(SerialDevice(folder.Path(), 5), "");
+using SerialDevices = FolderTest;
+
+TEST_F(SerialDevices, AreWhatTheSettingsName) {
+  Remember("SerialPort2", "/dev/ttyUSB7");
+  EXPECT_EQ(SerialDevice(folder_.Path(), 2), "/dev/ttyUSB7");
+  for (const int none : {0, 5}) EXPECT_EQ(SerialDevice(folder_.Path(), none), "");
 }
 
 }  // namespace

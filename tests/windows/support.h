@@ -8,13 +8,16 @@
 #include <QTest>
 #include <cstdlib>
 #include <deque>
+#include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "../support.h"  // the name alone is this file's own
 #include "core/desk.h"
 #include "platform/dialogs.h"
-#include "../support.h"  // the name alone is this file's own
+#include "staging/definitions.h"
 
 // These end a test function of another framework; in a GoogleTest body a failure of theirs is silent.
 #undef QVERIFY
@@ -37,21 +40,23 @@ struct ShownBox {
   }
 };
 
+inline ShownBox Warning(std::string title, std::string text) {
+  return {std::move(title), std::move(text), BoxButtons::Ok, BoxIcon::Warning};
+}
+
 /// Gives the answers that the test has laid down, in their order. A box with one button needs none; any other
 /// that finds none fails the test.
 class ScriptedDialogs : public Dialogs {
  public:
   std::deque<BoxAnswer> Answers;
-  std::deque<std::optional<std::string>> Texts;  ///< for input and file boxes
   std::vector<ShownBox> Boxes;
-  std::vector<std::string> Prompts;  ///< of input boxes; the titles of file boxes
 
   BoxAnswer MessageBox(const std::string& title, const std::string& text, BoxButtons buttons,
                        BoxIcon icon) override {
     Boxes.push_back({title, text, buttons, icon});
     if (buttons == BoxButtons::Ok) return BoxAnswer::Ok;
     if (Answers.empty()) {
-      ADD_FAILURE() << "nobody expected the question: " << text;
+      Unexpected(text);
       return buttons == BoxButtons::YesNo ? BoxAnswer::No : BoxAnswer::Cancel;
     }
     const BoxAnswer answer = Answers.front();
@@ -60,25 +65,19 @@ class ScriptedDialogs : public Dialogs {
   }
   std::optional<std::string> InputBox(const std::string&, const std::string& prompt,
                                       const std::string&) override {
-    return NextText(prompt);
+    return Unexpected(prompt);
   }
   std::optional<std::string> ChooseFolder(const std::string& title, const std::string&) override {
-    return NextText(title);
+    return Unexpected(title);
   }
   std::optional<std::string> ChooseFileToSave(const std::string& title, const std::string&) override {
-    return NextText(title);
+    return Unexpected(title);
   }
 
  private:
-  std::optional<std::string> NextText(const std::string& prompt) {
-    Prompts.push_back(prompt);
-    if (Texts.empty()) {
-      ADD_FAILURE() << "nobody expected the question: " << prompt;
-      return std::nullopt;
-    }
-    auto text = Texts.front();
-    Texts.pop_front();
-    return text;
+  static std::nullopt_t Unexpected(const std::string& question) {
+    ADD_FAILURE() << "nobody expected the question: " << question;
+    return std::nullopt;
   }
 };
 
@@ -87,15 +86,47 @@ class EmptyDesk : public Desk {
  public:
   std::set<WindowId> Present;  ///< what Has() says yes to
   std::vector<WindowId> Opened, ClosedWindows;
-  std::vector<std::string> LargeViews;  ///< their texts
+  std::vector<std::string> LargeViews;  ///< caption and text, and which were closed
   bool IsLoggedIn = false, HasEnded = false;
 
   bool Has(WindowId id) const override { return Present.contains(id); }
   void Open(WindowId id) override { Opened.push_back(id); }
   void Closed(WindowId id) override { ClosedWindows.push_back(id); }
-  void OpenLargeView(const std::string&, const std::string& text) override { LargeViews.push_back(text); }
+  void OpenLargeView(const std::string& caption, const std::string& text) override {
+    LargeViews.push_back(caption + ": " + text);
+  }
+  void CloseLargeView(const std::string& caption) override { LargeViews.push_back("close " + caption); }
   void LoggedIn() override { IsLoggedIn = true; }
   void EndProgram() override { HasEnded = true; }
+};
+
+/// A program folder, and boxes that answer by themselves.
+class FolderTest : public ::testing::Test {
+ protected:
+  void Remember(const char* key, const char* value) {
+    ASSERT_TRUE(SetDefinition(folder_.Path(), key, value).has_value());
+  }
+  std::string Remembered(const char* key) { return GetDefinition(folder_.Path(), key); }
+
+  TempFolder folder_;
+  ScriptedDialogs dialogs_;
+};
+
+/// One window, which thinks that it is at a desk.
+template <typename Window>
+class WindowTest : public FolderTest {
+ protected:
+  template <typename... Arguments>
+  Window& Show(Arguments&&... arguments) {
+    window_ =
+        std::make_unique<Window>(desk_, dialogs_, folder_.Path(), std::forward<Arguments>(arguments)...);
+    window_->show();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window_.get()));
+    return *window_;
+  }
+
+  EmptyDesk desk_;
+  std::unique_ptr<Window> window_;
 };
 
 template <typename Widget = QWidget>
@@ -113,6 +144,12 @@ inline void Click(QWidget& in, const char* name) { QTest::mouseClick(&Find(in, n
 
 /// What a button or a menu entry says, without the mark of its letter.
 inline std::string Caption(QString text) { return text.remove('&').toStdString(); }
+
+using Captions = std::vector<std::pair<const char*, std::string>>;
+inline void ExpectCaptions(QWidget& in, const Captions& captions) {
+  for (const auto& [name, caption] : captions)
+    EXPECT_EQ(Caption(Find<QAbstractButton>(in, name).text()), caption);
+}
 
 template <typename Condition>
 [[nodiscard]] bool WaitFor(Condition&& met, int milliseconds = 5000) {
