@@ -60,14 +60,11 @@ inline bool IsReport<WireFormat::AsciiMapped>(const std::uint8_t* p) {
 }
 template <>
 inline TabletReport Decode<WireFormat::AsciiMapped>(const std::uint8_t* p) {
+  // Button by digit: "0" to "2" are no button here, "3" is the drawing button, "9" the one that opens the
+  // board.
+  static constexpr std::array<std::int8_t, 10> buttons{-1, -1, -1, 1, 3, 4, 5, 6, 7, 2};
   TabletReport report = Decode<WireFormat::Ascii>(p);
-  // "0" to "2" are no button here, "3" is the drawing button, "9" the one that opens the board.
-  if (report.Button <= 1)
-    report.Button = -1;
-  else if (report.Button == 2)
-    report.Button = 1;
-  else if (report.Button == 8)
-    report.Button = 2;
+  report.Button = buttons[static_cast<std::size_t>(report.Button + 1)];
   return report;
 }
 
@@ -142,6 +139,11 @@ bool ReportDecoder::Run(std::span<const std::uint8_t> chunk, Take& take) {
   };
 
   if (const std::size_t had = count_; had > 0) {
+    if (had + chunk.size() < Frame) {
+      std::memcpy(waiting_.data() + had, at, chunk.size());
+      count_ = had + chunk.size();
+      return false;
+    }
     // Reports that start in what was waiting and end in the chunk: read where the two are joined.
     const std::size_t joined = std::min(chunk.size(), waiting_.size() - had);
     std::memcpy(waiting_.data() + had, at, joined);
