@@ -53,7 +53,7 @@ int main(int argc, char** argv) {
     return WordsOff;
   }
   if (line->Help || line->Version) {
-    std::fputs(line->Help ? std::string(CommandLineHelp()).c_str() : "hyetex " HYETEX_VERSION "\n", stdout);
+    std::fputs(line->Help ? CommandLineHelp().c_str() : "hyetex " HYETEX_VERSION "\n", stdout);
     return Done;
   }
   if (!line->Pictures.empty() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))

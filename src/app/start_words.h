@@ -18,6 +18,6 @@ struct CommandLine {
 
 /// The folder is `--folder`, else the user's own. Says what is off.
 Result<CommandLine> ReadCommandLine(std::span<const std::string> words);
-std::string_view CommandLineHelp();
+std::string CommandLineHelp();
 
 }  // namespace hyetex

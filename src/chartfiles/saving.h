@@ -28,8 +28,6 @@ struct EditedDetails {
   Date BeginDate = 0, BeginTime = 0;  ///< of a date the whole days count, of a time the fraction
   Date EndDate = 0, EndTime = 0;
   std::string EyedDepth, ManualDepth;  ///< as typed; their leading numbers count
-
-  bool operator==(const EditedDetails&) const = default;
 };
 /// A chart's details as they are shown for editing.
 EditedDetails DetailsOf(const ChartRecord& chart);

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "cli/words.h"
+#include "core/words.h"
 
 namespace hyetex::cli {
 

@@ -24,13 +24,7 @@ std::string Usage(const Command& command) {
 
 void PrintHelp(const Command& command) {
   std::string text = Usage(command) + "\n" + std::string(command.Help) + "\n";
-  if (!command.Options.empty()) text += "\n";
-  for (const Option& option : command.Options) {
-    std::string name =
-        "  " + std::string(option.Name) + (option.Value.empty() ? "" : " ") + std::string(option.Value);
-    name.resize(std::max<std::size_t>(name.size() + 2, 22), ' ');
-    text += name + std::string(option.Help) + "\n";
-  }
+  if (!command.Options.empty()) text += "\n" + OptionLines(command.Options);
   Print(text);
 }
 

@@ -15,6 +15,7 @@
 #include "digitizing/journal.h"
 #include "digitizing/report_decoder.h"
 #include "digitizing/tools.h"
+#include "digitizing/view.h"
 
 namespace hyetex {
 
@@ -111,8 +112,8 @@ class ActionMachine {
 
   void ShowInstruction(std::string_view text);
   void SetReference(Date time, float depth);
-  double ScreenX(double x) const { return (x - session_.ViewX0) * session_.ScaleX; }
-  double ScreenY(double y) const { return Layout.ScaleHeight - (y - session_.ViewY0) * session_.ScaleY; }
+  double ScreenX(double x) const { return hyetex::ScreenX(session_, x); }
+  double ScreenY(double y) const { return hyetex::ScreenY(session_, Layout, y); }
   Rect* VisibleShape(DragShape shape);
 
   Session& session_;

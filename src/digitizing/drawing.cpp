@@ -1,6 +1,7 @@
 #include "digitizing/drawing.h"
 
 #include "core/comments.h"
+#include "digitizing/view.h"
 
 namespace hyetex {
 namespace {
@@ -59,15 +60,14 @@ class Drawing {
   }
 
   void Circle(const DigitizedPoint& point) {
-    surface_.Circle(ScreenX(point.TrueX()), ScreenY(point.Y), layout_.ScaleWidth / 360,
-                    ColourOfCircle(point));
+    surface_.Circle(X(point.TrueX()), Y(point.Y), layout_.ScaleWidth / 360, ColourOfCircle(point));
   }
 
  private:
-  double ScreenX(double x) const { return (x - session_.ViewX0) * session_.ScaleX; }
-  double ScreenY(double y) const { return layout_.ScaleHeight - (y - session_.ViewY0) * session_.ScaleY; }
+  double X(double x) const { return ScreenX(session_, x); }
+  double Y(double y) const { return ScreenY(session_, layout_, y); }
   void Line(double x1, double y1, double x2, double y2, Rgb colour, int width) {
-    surface_.Line(ScreenX(x1), ScreenY(y1), ScreenX(x2), ScreenY(y2), colour, width);
+    surface_.Line(X(x1), Y(y1), X(x2), Y(y2), colour, width);
   }
 
   const Session& session_;

@@ -7,6 +7,12 @@
 
 namespace hyetex {
 
+/// Where a tablet position (report units) lies in the chart view.
+inline double ScreenX(const Session& session, double x) { return (x - session.ViewX0) * session.ScaleX; }
+inline double ScreenY(const Session& session, const DeskLayout& layout, double y) {
+  return layout.ScaleHeight - (y - session.ViewY0) * session.ScaleY;
+}
+
 struct ViewSize {
   int Width = 0, Height = 0;
 

@@ -9,9 +9,13 @@
 
 namespace hyetex {
 
+/// The frames of the Main Menu in which commands stand.
+enum class MenuGroup : int { Digitize, Populate, Select, Share };
+
 struct MenuCommand {
   std::string_view Name;     ///< of the button
   std::string_view Caption;  ///< "&" stands before the letter of its shortcut
+  MenuGroup Group;
   WindowId Opens;
   Right Needs = Right::Everyone;
   bool NeedsDatabase = false;  ///< refused when the database cannot be opened

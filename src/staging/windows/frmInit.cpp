@@ -75,16 +75,14 @@ QPushButton* frmInit::MakeButton(const MenuCommand& command) {
 void frmInit::MakeLayout() {
   auto* grid = new QGridLayout;
   const std::array<QVBoxLayout*, 4> groups{
+      // in the order of MenuGroup
       AddGroup(*grid, 0, 0, "Digitize Charts", "frmButton"),
       AddGroup(*grid, 1, 0, "Populate Database with Digitized Data"),
       AddGroup(*grid, 0, 1, "Select Database and Edit as Needed"),
       AddGroup(*grid, 1, 1, "Share Data"),
   };
-  // Three commands stand in each of the first groups.
-  for (std::size_t i = 0; const MenuCommand& command : MainMenuCommands()) {
-    groups[i == 8 ? 3 : i / 3]->addWidget(MakeButton(command));
-    ++i;
-  }
+  for (const MenuCommand& command : MainMenuCommands())
+    groups[static_cast<std::size_t>(command.Group)]->addWidget(MakeButton(command));
   groups[2]->addWidget(labDataBase);
   QVBoxLayout* tools = AddGroup(*grid, 2, 0, "Program Utilities", "frmTool");
   tools->addWidget(cmdViewSettings);

@@ -1,9 +1,20 @@
-#include "cli/words.h"
+#include "core/words.h"
 
 #include <algorithm>
 #include <charconv>
 
-namespace hyetex::cli {
+namespace hyetex {
+
+std::string OptionLines(std::span<const Option> options) {
+  std::string text;
+  for (const Option& option : options) {
+    std::string name =
+        "  " + std::string(option.Name) + (option.Value.empty() ? "" : " ") + std::string(option.Value);
+    name.resize(std::max<std::size_t>(name.size() + 2, 22), ' ');
+    text += name + std::string(option.Help) + "\n";
+  }
+  return text;
+}
 
 Result<Words> Words::Parse(std::span<const std::string> words, std::span<const Option> options) {
   Words parsed;
@@ -44,4 +55,4 @@ Result<std::optional<int>> Words::Number(std::string_view option, int least, int
   return std::optional<int>(value);
 }
 
-}  // namespace hyetex::cli
+}  // namespace hyetex

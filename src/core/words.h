@@ -10,13 +10,16 @@
 
 #include "core/result.h"
 
-namespace hyetex::cli {
+namespace hyetex {
 
 struct Option {
   std::string_view Name;   ///< with its dashes
   std::string_view Value;  ///< what stands for its value in the help; empty for a switch
   std::string_view Help;
 };
+
+/// The options' part of a help text, one line each.
+std::string OptionLines(std::span<const Option> options);
 
 class Words {
  public:
@@ -34,4 +37,4 @@ class Words {
   std::vector<std::string> rest_;
 };
 
-}  // namespace hyetex::cli
+}  // namespace hyetex
