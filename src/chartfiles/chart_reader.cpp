@@ -9,6 +9,7 @@
 #include "core/files.h"
 #include "core/numbers.h"
 #include "core/text.h"
+#include "staging/lists.h"
 
 namespace hyetex {
 namespace {
@@ -75,7 +76,7 @@ class LineReader {
         break;
       case ChartLine::Instrument:
         chart.InstrumentCode = value;
-        chart.InstrumentIndex = IndexOf(value);
+        chart.InstrumentIndex = FindStationIgnoringCase(options_.Stations, value);
         break;
       case ChartLine::Alpha:
         if (chart.AlphaCount >= MaxAlpha)
@@ -148,12 +149,6 @@ class LineReader {
   static Date InYear(Date date, int year) {
     const CalendarTime t = ToCalendar(date);
     return MakeDate(year, t.Month, t.Day, t.Hour, t.Minute, t.Second);
-  }
-
-  std::int16_t IndexOf(std::string_view code) const {
-    for (std::size_t i = options_.Stations.size(); i-- > 0;)
-      if (EqualIgnoringCase(options_.Stations[i].InstrumentCode, code)) return static_cast<std::int16_t>(i);
-    return -1;
   }
 
   void Note(std::string_view what) {

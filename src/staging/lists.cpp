@@ -97,7 +97,7 @@ std::vector<StationRecord> Sorted(const std::vector<StationRecord>& stations) {
 }
 
 template <typename Matches>
-std::int16_t LastStation(const std::vector<StationRecord>& stations, Matches&& matches) {
+std::int16_t LastStation(std::span<const StationRecord> stations, Matches&& matches) {
   for (std::size_t i = stations.size(); i-- > 0;)
     if (matches(stations[i].InstrumentCode)) return static_cast<std::int16_t>(i);
   return -1;
@@ -194,11 +194,11 @@ template std::optional<std::string> CheckRoom(const std::vector<StationRecord>&)
 template std::optional<std::string> CheckRoom(const std::vector<UserRecord>&);
 template std::optional<std::string> CheckRoom(const std::vector<CommentRecord>&);
 
-std::int16_t FindStation(const std::vector<StationRecord>& stations, std::string_view code) {
+std::int16_t FindStation(std::span<const StationRecord> stations, std::string_view code) {
   return LastStation(stations, [&](const std::string& own) { return own == code; });
 }
 
-std::int16_t FindStationIgnoringCase(const std::vector<StationRecord>& stations, std::string_view code) {
+std::int16_t FindStationIgnoringCase(std::span<const StationRecord> stations, std::string_view code) {
   return LastStation(stations, [&](const std::string& own) { return EqualIgnoringCase(own, code); });
 }
 

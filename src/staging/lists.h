@@ -7,6 +7,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -58,8 +59,8 @@ std::optional<std::string> CheckRoom(const std::vector<Record>& list);
 
 /// Index of the last station with exactly this instrument code, or without regard to ASCII case; -1 if there
 /// is none.
-std::int16_t FindStation(const std::vector<StationRecord>& stations, std::string_view code);
-std::int16_t FindStationIgnoringCase(const std::vector<StationRecord>& stations, std::string_view code);
+std::int16_t FindStation(std::span<const StationRecord> stations, std::string_view code);
+std::int16_t FindStationIgnoringCase(std::span<const StationRecord> stations, std::string_view code);
 /// Index of the first user with this name, without regard to ASCII case; -1 if there is none.
 std::int16_t FindUser(const std::vector<UserRecord>& users, std::string_view name);
 
