@@ -19,12 +19,16 @@ enum class WindowId : int {
   Load = 7,
   PrePop = 8,
   Populate = 9,
+  TaskDef = 10,
   Digitizing = 11,
+  CreateTable = 12,
+  ProgramDefaults = 13,
   Tasks = 14,
   Alpha = 15,
   Connection = 16,
   SelectTable = 17,
   Exchange = 18,
+  Logon = 19,
 };
 
 /// One flag for each window: -1 when it gets or loses the focus, 0 when it closes.

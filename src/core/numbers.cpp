@@ -158,6 +158,13 @@ std::string PadNumber(double value, int width) {
   return std::string(wanted - integerDigits, '0') + text;
 }
 
+std::string StepNumber(std::string_view text, double step, std::optional<double> lowest) {
+  const double value = LeadingNumber(text);
+  double next = value + step;
+  if (lowest) next = std::max(next, step > 0 ? *lowest : std::min(value, *lowest));
+  return ShortText(static_cast<float>(next));
+}
+
 float TickStep(float x) {
   struct Rung {
     float Limit, Step;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -37,6 +38,10 @@ std::string ExactText(float value);
 /// The number's text with "0" put in front until its integer part has `width` digits; a text whose
 /// integer part is already that wide is cut to `width` characters.
 std::string PadNumber(double value, int width);
+
+/// A typed number after a step of its up-down control. It does not fall below `lowest`; what is lower already
+/// (an unknown depth is -1) comes up to it with the first step up.
+std::string StepNumber(std::string_view text, double step, std::optional<double> lowest = 0);
 
 /// The step of a graph axis for a raw step `x`: 0.005 to 500, from a fixed ladder.
 float TickStep(float x);

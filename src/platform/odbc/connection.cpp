@@ -1,0 +1,118 @@
+#include "platform/odbc/connection.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "core/text.h"
+#include "platform/odbc/catalog.h"
+#include "platform/odbc/odbc_link.h"
+#include "platform/odbc/statement.h"
+
+namespace hyetex {
+namespace {
+
+tl::unexpected<DbError> NotOpen() {
+  return OdbcFailure(db_error::RecordsetClosed, "The connection is closed");
+}
+
+bool LeavesTables(std::string_view sql) {
+  constexpr std::string_view verbs[] = {"SELECT", "INSERT", "UPDATE", "DELETE"};
+  return std::any_of(std::begin(verbs), std::end(verbs), [&](std::string_view verb) {
+    return EqualIgnoringCase(sql.substr(0, verb.size()), verb);
+  });
+}
+
+}  // namespace
+
+Connection::Connection() = default;
+Connection::~Connection() { Close(); }
+Connection::Connection(Connection&&) noexcept = default;
+Connection& Connection::operator=(Connection&& other) noexcept {
+  if (this != &other) {
+    Close();
+    link_ = std::move(other.link_);
+  }
+  return *this;
+}
+
+DbResult<Connection> Connection::Open(std::string_view connectionText) {
+  Connection connection;
+  connection.link_ = std::make_shared<OdbcLink>();
+  if (const auto opened = connection.link_->Open(connectionText); !opened)
+    return tl::unexpected(opened.error());
+  return connection;
+}
+
+bool Connection::IsOpen() const { return link_ != nullptr && link_->IsOpen(); }
+
+void Connection::Close() {
+  if (link_ != nullptr) link_->Close();
+  link_.reset();
+}
+
+DbResult<std::vector<CatalogTable>> Connection::Tables() {
+  if (!IsOpen()) return NotOpen();
+  return ReadTables(link_);
+}
+
+DbResult<std::vector<CatalogColumn>> Connection::Columns(std::string_view table) {
+  if (!IsOpen()) return NotOpen();
+  const auto shape = ReadTableShape(link_, table);
+  if (!shape) return tl::unexpected(shape.error());
+  std::vector<CatalogColumn> columns;
+  for (const TableColumn& column : shape->Columns) columns.push_back(column.Shown);
+  return columns;
+}
+
+DbResult<std::vector<CatalogKey>> Connection::Keys(std::string_view table) {
+  if (!IsOpen()) return NotOpen();
+  return ReadKeys(link_, std::string(table));
+}
+
+DbResult<std::optional<std::string>> Connection::FindTable(std::string_view name) {
+  if (!IsOpen()) return NotOpen();
+  const auto table = FindCatalogTable(link_, name);
+  if (!table) return tl::unexpected(table.error());
+  return *table ? std::optional((*table)->Name) : std::nullopt;
+}
+
+DbResult<std::string> Connection::TypeWord(ColumnType type, std::int64_t size) {
+  if (!IsOpen()) return NotOpen();
+  return TypeWordFor(link_, type, size);
+}
+
+DbResult<std::int64_t> Connection::Execute(std::string_view sql, std::span<const DbValue> parameters) {
+  if (!IsOpen()) return NotOpen();
+  const std::string text(sql);
+  std::vector<Parameter> values(parameters.size());
+  for (std::size_t i = 0; i < values.size(); ++i) values[i].Set(parameters[i], link_->Maker());
+  auto statement = Statement::Make(link_);
+  if (!statement) return tl::unexpected(statement.error());
+  if (const auto bound = statement->Bind(values); !bound) return tl::unexpected(bound.error());
+  link_->KeepResults();
+  const auto done = statement->Check(SQLExecDirect(statement->Handle(), SqlText(text), SQL_NTS));
+  if (!LeavesTables(text)) link_->Shapes.clear();
+  if (!done) return tl::unexpected(done.error());
+  return statement->RowCount();
+}
+
+std::string Connection::Maker() const { return IsOpen() ? link_->MakerName() : std::string(); }
+
+Transaction::Transaction(std::shared_ptr<OdbcLink> link) : link_(std::move(link)) {}
+Transaction::Transaction(Transaction&&) noexcept = default;
+Transaction::~Transaction() {
+  if (link_ != nullptr) link_->RollBack();
+}
+
+DbResult<Transaction> Transaction::Begin(Connection& connection) {
+  if (!connection.IsOpen()) return NotOpen();
+  if (const auto begun = connection.link_->Begin(); !begun) return tl::unexpected(begun.error());
+  return Transaction(connection.link_);
+}
+
+DbResult<void> Transaction::Commit() {
+  if (link_ == nullptr) return OdbcFailure(db_error::NotNow, "The transaction has ended");
+  return std::exchange(link_, nullptr)->Commit();
+}
+
+}  // namespace hyetex

@@ -1,0 +1,107 @@
+// A connection to a database through ODBC, its catalog, and transactions.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/odbc/values.h"
+
+namespace hyetex {
+
+class OdbcLink;
+
+struct CatalogTable {
+  std::string Name;
+  std::string Type;  ///< "TABLE", "VIEW", "SYSTEM TABLE"...
+};
+
+/// The types that our tables are made of, by their numbers in a desktop database's catalog.
+enum class ColumnType : int {
+  SmallInt = 2,
+  Integer = 3,
+  Real = 4,
+  Double = 5,
+  DateTime = 135,
+  VarChar = 202,
+  LongBinary = 205,
+  Other = 0,  ///< not one that we make
+};
+
+struct CatalogColumn {
+  std::string Name;
+  ColumnType Type = ColumnType::Other;
+  std::int64_t Size = 0;  ///< defined size, in characters for text; 0 where the driver names none
+  bool IsText = false, IsBinary = false;
+  std::string TypeName;  ///< the database's own word
+};
+
+struct CatalogKey {
+  enum class Kind : int { Primary = 1, Foreign = 2 };
+  std::string Table, Name;
+  Kind Type = Kind::Primary;
+  std::string Column;     ///< a key of several columns has an entry for each
+  std::string Reference;  ///< of a foreign key: "table.column"
+};
+
+class Connection {
+ public:
+  Connection();
+  ~Connection();
+  Connection(Connection&&) noexcept;
+  Connection& operator=(Connection&&) noexcept;
+
+  /// Opens by a connection text such as "DSN=rain" or "Driver=SQLite3;Database=/rain/rain.sqlite". Options
+  /// that the known drivers need to stream results, to wait a short time for a lock and not to make missing
+  /// files are added where the text does not set them. GeneralFailure when the source or its server cannot be
+  /// reached.
+  static DbResult<Connection> Open(std::string_view connectionText);
+  bool IsOpen() const;
+  void Close();
+
+  /// The tables, views and system tables, in the catalog's order.
+  DbResult<std::vector<CatalogTable>> Tables();
+  /// The columns in their order; fails on a table that the catalog does not have.
+  DbResult<std::vector<CatalogColumn>> Columns(std::string_view table);
+  /// The primary and foreign keys of a table of the catalog; fails where the driver cannot tell them.
+  DbResult<std::vector<CatalogKey>> Keys(std::string_view table);
+  /// The table's name as the catalog spells it, found without regard to case; nothing when there is none.
+  DbResult<std::optional<std::string>> FindTable(std::string_view name);
+  /// The type to write in a CREATE TABLE for this database, such as "VARCHAR(25)" or "timestamp". Where a
+  /// database lacks a type the next wider one stands in.
+  DbResult<std::string> TypeWord(ColumnType type, std::int64_t size);
+
+  /// Runs one statement; gives the number of rows that it changed. Names in it must come from the catalog or
+  /// from our own tables; all values travel as parameters, marked "?".
+  DbResult<std::int64_t> Execute(std::string_view sql, std::span<const DbValue> parameters = {});
+
+  /// "SQLite", "PostgreSQL", "MariaDB", ... as the driver tells it (SQL_DBMS_NAME).
+  std::string Maker() const;
+
+ private:
+  friend class Recordset;
+  friend class RowWriter;
+  friend class Transaction;
+  std::shared_ptr<OdbcLink> link_;
+};
+
+/// All that happens to a connection between the making and Commit() of one, or nothing of it. The first error
+/// in it rolls back, and Commit() then fails with that error.
+class Transaction {
+ public:
+  static DbResult<Transaction> Begin(Connection& connection);
+  ~Transaction();  ///< rolls back what was not committed
+  Transaction(Transaction&&) noexcept;
+  Transaction& operator=(Transaction&&) = delete;
+  DbResult<void> Commit();
+
+ private:
+  explicit Transaction(std::shared_ptr<OdbcLink> link);
+  std::shared_ptr<OdbcLink> link_;
+};
+
+}  // namespace hyetex

@@ -1,0 +1,161 @@
+// Adding, changing and deleting rows of a recordset.
+#include <utility>
+
+#include "platform/odbc/recordset.h"
+#include "platform/odbc/recordset_state.h"
+
+namespace hyetex {
+
+DbResult<void> Recordset::AddNew() {
+  if (!IsOpen()) return RecordsetIsClosed();
+  if (const auto stored = state_->Store(); !stored) return stored;
+  state_->Pending = State::Edit::New;
+  return {};
+}
+
+DbResult<void> Recordset::SetValue(std::string_view name, DbValue value) {
+  if (!IsOpen()) return RecordsetIsClosed();
+  const auto position = state_->Find(name);
+  if (!position) return NoSuchField(name);
+  return SetValue(static_cast<int>(*position), std::move(value));
+}
+
+DbResult<void> Recordset::SetValue(int position, DbValue value) {
+  if (!IsOpen()) return RecordsetIsClosed();
+  const auto at = static_cast<std::size_t>(position);
+  if (at >= state_->Fields.size()) return NoSuchField(std::to_string(position));
+  if (state_->Pending == State::Edit::None) {
+    if (!state_->HasRow()) return NoCurrentRow();
+    state_->Pending = State::Edit::Change;
+  }
+  state_->Changed[at] = std::move(value);
+  return {};
+}
+
+bool Recordset::IsPending() const { return state_ != nullptr && state_->Pending != State::Edit::None; }
+
+DbResult<void> Recordset::Update() {
+  if (!IsOpen()) return RecordsetIsClosed();
+  if (!IsPending() && !state_->HasRow()) return NoCurrentRow();
+  return state_->Store();
+}
+
+void Recordset::CancelUpdate() {
+  if (state_ == nullptr) return;
+  state_->Pending = State::Edit::None;
+  state_->Changed.clear();
+}
+
+DbResult<void> Recordset::Delete() {
+  if (!IsOpen()) return RecordsetIsClosed();
+  if (IsPending()) return OdbcFailure(db_error::NotNow, "The row has changes that are not stored");
+  if (!state_->HasRow()) return NoCurrentRow();
+  return state_->Delete();
+}
+
+DbResult<void> Recordset::State::Store() {
+  if (Pending == Edit::None) return {};
+  const auto stored = Pending == Edit::New ? StoreNew() : StoreChange();
+  if (!stored) return stored;  // the change stays pending, to be mended or cancelled
+  if (std::exchange(Pending, Edit::None) == Edit::Change) {
+    Changed.merge(Stored);  // what was set now counts
+    Stored = std::move(Changed);
+  }
+  Changed.clear();
+  return {};
+}
+
+DbResult<void> Recordset::State::StoreNew() {
+  std::string names, marks;
+  std::vector<Parameter> parameters;
+  const auto add = [&](const TableColumn& column, DbValue value) {
+    names += (names.empty() ? "" : ", ") + Link->Quoted(column.Shown.Name);
+    marks += marks.empty() ? "?" : ", ?";
+    parameters.emplace_back().Set(std::move(value), Link->Maker(), column.SqlType);
+  };
+  for (const auto& [field, value] : Changed) add(Column(field), value);
+  if (Changed.empty()) add(Column(0), {});
+  return Run("INSERT INTO " + Shape.Name + " (" + names + ") VALUES (" + marks + ")", parameters);
+}
+
+DbResult<void> Recordset::State::StoreChange() {
+  std::string list;
+  std::vector<Parameter> parameters;
+  for (const auto& [field, value] : Changed) {
+    list += (list.empty() ? "" : ", ") + Link->Quoted(Column(field).Shown.Name) + " = ?";
+    parameters.emplace_back().Set(value, Link->Maker(), Column(field).SqlType);
+  }
+  std::vector<DbValue> now;
+  for (std::size_t i = 0; Shape.Identity.empty() && i < Chosen.size(); ++i) {
+    auto value = Rows->Value(i);
+    if (!value) return tl::unexpected(value.error());
+    const auto stored = Stored.find(i), changed = Changed.find(i);
+    now.push_back(changed != Changed.end() ? changed->second
+                  : stored != Stored.end() ? stored->second
+                                           : std::move(*value));
+  }
+  const auto done = ChangeRow("UPDATE " + Shape.Name + " SET " + list, std::move(parameters), true);
+  if (done && Shape.Identity.empty()) Rows->SetIdentity(std::move(now));
+  return done;
+}
+
+DbResult<void> Recordset::State::Delete() {
+  const auto deleted = ChangeRow("DELETE FROM " + Shape.Name, {}, false);
+  if (deleted) Deleted = true;
+  return deleted;
+}
+
+DbResult<void> Recordset::State::Run(const std::string& sql, std::vector<Parameter>& parameters) {
+  Link->KeepResults();
+  if (!Prepared || sql != StatementText) {
+    auto statement = Statement::Prepared(Link, sql);
+    if (!statement) return tl::unexpected(statement.error());
+    Prepared = std::move(*statement);
+    StatementText = sql;
+  }
+  if (const auto bound = Prepared.Bind(parameters); !bound) return bound;
+  return Prepared.Execute();
+}
+
+DbResult<void> Recordset::State::ChangeRow(const std::string& sql, std::vector<Parameter> parameters,
+                                           bool keepsRow) {
+  auto row = Rows->CurrentRow();
+  if (!row) return tl::unexpected(row.error());
+  for (std::size_t i = 0; i < row->Values.size(); ++i)
+    parameters.emplace_back().Set(std::move(row->Values[i]), Link->Maker(), row->Types[i]);
+  // In PostgreSQL a changed row is another row, with another identity.
+  const bool moves = keepsRow && Link->Maker() == DatabaseMaker::PostgreSQL && !Shape.Identity.empty();
+  const bool ownTransaction = Shape.Identity.empty() && !Link->InTransaction();
+  if (ownTransaction)
+    if (const auto begun = Link->Begin(); !begun) return begun;
+  auto changed = Run(sql + " WHERE " + row->Sql + (moves ? " RETURNING ctid" : ""), parameters);
+  std::int64_t rows = 0;
+  if (changed && moves) {
+    const auto fetched = Prepared.Fetch();
+    std::string identity;
+    if (fetched && *fetched) {
+      const auto read = Prepared.ReadLong(1, false, [&](std::string_view piece) {
+        identity += piece;
+        return true;
+      });
+      if (!read) changed = tl::unexpected(read.error());
+      Rows->SetIdentity({std::move(identity)});
+      rows = 1;
+    }
+    if (!fetched) changed = tl::unexpected(fetched.error());
+  } else if (changed) {
+    rows = Prepared.RowCount();
+  }
+  Prepared.CloseCursor();
+  if (changed && rows != 1)
+    changed = tl::unexpected(Link->Fail(
+        {db_error::StatementFailed,
+         rows == 0 ? "The row was changed or deleted by somebody else meanwhile"
+                   : "The table holds several rows that are alike, so that this one alone cannot be changed",
+         {}}));
+  if (!ownTransaction) return changed;
+  const auto committed = Link->Commit();
+  return changed ? committed : changed;
+}
+
+}  // namespace hyetex

@@ -1,0 +1,348 @@
+#include "platform/odbc/row_source.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+#include "core/dates.h"
+
+namespace hyetex {
+namespace {
+
+constexpr std::size_t MostShortText = 1000;   // characters; longer columns are read when asked for
+constexpr std::size_t ArrayBytes = 1U << 20;  // of one array of rows
+constexpr std::size_t MostArrayRows = 1000;
+constexpr std::size_t FirstChunkRows = 32;  // many who open a table want its first rows only, or none
+
+bool IsLong(const TableColumn& column) {
+  switch (KindOfType(column.SqlType)) {
+    case ValueKind::Binary:
+      return true;
+    case ValueKind::Text:
+      return column.Shown.Size <= 0 || column.Shown.Size > static_cast<std::int64_t>(MostShortText);
+    default:
+      return false;
+  }
+}
+
+std::size_t CellWidth(const TableColumn& column, ValueKind kind) {
+  switch (kind) {
+    case ValueKind::Time:
+      return sizeof(SQL_TIMESTAMP_STRUCT);
+    case ValueKind::Text:
+      return static_cast<std::size_t>(column.Shown.Size) * 4 + 1;  // UTF-8 and a NUL
+    default:
+      return 8;
+  }
+}
+
+SQLSMALLINT CTypeOf(ValueKind kind) {
+  switch (kind) {
+    case ValueKind::Integer:
+      return SQL_C_SBIGINT;
+    case ValueKind::Real:
+      return SQL_C_DOUBLE;
+    case ValueKind::Time:
+      return SQL_C_TYPE_TIMESTAMP;
+    default:
+      return SQL_C_CHAR;
+  }
+}
+
+template <typename T>
+T Read(const char* cell) {
+  T value;
+  std::memcpy(&value, cell, sizeof value);
+  return value;
+}
+
+Date DateIn(const SQL_TIMESTAMP_STRUCT& time) {
+  constexpr SQLUINTEGER half = 500'000'000;  // nanoseconds: to the nearest second
+  return MakeDate(time.year, time.month, time.day, time.hour, time.minute,
+                  time.second + (time.fraction >= half ? 1 : 0));
+}
+
+std::string ConditionText(const std::string& column, const Selection::Condition& condition) {
+  if (IsNull(condition.Wanted)) return column + " IS NULL";
+  switch (condition.How) {
+    case Compare::EqualIgnoringCase:
+      return "UPPER(" + column + ") = UPPER(?)";
+    case Compare::AtLeast:
+      return column + " >= ?";
+    case Compare::AtMost:
+      return column + " <= ?";
+    case Compare::Equal:
+      break;
+  }
+  return column + " = ?";
+}
+
+}  // namespace
+
+RowSource::RowSource(std::shared_ptr<OdbcLink> link, const TableShape& shape, std::vector<std::size_t> chosen,
+                     std::vector<Selection::Condition> conditions)
+    : link_(std::move(link)), shape_(&shape), chosen_(std::move(chosen)), conditions_(std::move(conditions)) {
+  const auto add = [&](const TableColumn& column) {
+    const ValueKind kind = KindOfType(column.SqlType);
+    columns_.push_back({&column, kind, CellWidth(column, kind), {}, {}});
+  };
+  for (const TableColumn& column : shape.Identity) add(column);
+  for (const std::size_t position : chosen_) {
+    const bool isLong = IsLong(shape.Columns[position]);
+    columnOfChosen_.push_back(isLong ? -1 : static_cast<int>(columns_.size()));
+    if (!isLong) add(shape.Columns[position]);
+  }
+  std::size_t rowBytes = 0;
+  for (const Column& column : columns_) rowBytes += column.Width + sizeof(SQLLEN);
+  const bool oneByOne = shape.Identity.empty() && std::ranges::count(columnOfChosen_, -1) > 0;
+  if (!oneByOne)
+    arraySize_ = std::clamp<std::size_t>(ArrayBytes / std::max<std::size_t>(rowBytes, 1), 1, MostArrayRows);
+  longReads_.resize(chosen_.size());
+  longValues_.resize(chosen_.size());
+  longAt_.resize(chosen_.size());
+}
+
+std::string RowSource::SelectText() const {
+  std::string list;
+  const auto add = [&](const std::string& name) { list += (list.empty() ? "" : ", ") + name; };
+  for (const TableColumn& column : shape_->Identity) add(column.Shown.Name);
+  // Without an identity the long columns stand at the end, to be read from the row itself.
+  for (const bool isLong : {false, true})
+    for (std::size_t i = 0; i < chosen_.size(); ++i)
+      if ((columnOfChosen_[i] < 0) == isLong && (!isLong || shape_->Identity.empty()))
+        add(link_->Quoted(shape_->Columns[chosen_[i]].Shown.Name));
+  if (list.empty()) list = "1";
+  std::string sql = "SELECT " + list + " FROM " + shape_->Name;
+  for (std::size_t i = 0; i < conditions_.size(); ++i)
+    sql +=
+        (i == 0 ? " WHERE " : " AND ") + ConditionText(link_->Quoted(conditions_[i].Column), conditions_[i]);
+  if (InChunks()) {
+    const std::string& number = shape_->Identity.front().Shown.Name;
+    sql += (conditions_.empty() ? " WHERE " : " AND ") + number + " > ? AND " + number + " <= ? ORDER BY " +
+           number + " LIMIT ?";
+  } else if (!conditions_.empty() && !shape_->Identity.empty()) {
+    // An index would give them in its own order, not in the table's.
+    sql += " ORDER BY " + shape_->Identity.front().Shown.Name;
+  }
+  return sql;
+}
+
+bool RowSource::InChunks() const {
+  return link_->Maker() == DatabaseMaker::SQLite && !shape_->Identity.empty();
+}
+
+DbResult<void> RowSource::BindColumns() {
+  const auto set = [&](SQLINTEGER attribute, SQLPOINTER value) {
+    return select_.Check(SQLSetStmtAttr(select_.Handle(), attribute, value, 0));
+  };
+  if (const auto done = set(SQL_ATTR_ROW_ARRAY_SIZE, SqlNumber(arraySize_)); !done) return done;
+  if (const auto done = set(SQL_ATTR_ROWS_FETCHED_PTR, &fetched_); !done) return done;
+  SQLUSMALLINT at = 0;
+  for (Column& column : columns_) {
+    // Not filled: who reads a few rows should not pay for a thousand.
+    column.Cells = std::make_unique_for_overwrite<char[]>(column.Width * arraySize_);
+    column.Lengths.resize(arraySize_);
+    const auto bound =
+        select_.Check(SQLBindCol(select_.Handle(), ++at, CTypeOf(column.Kind), column.Cells.get(),
+                                 static_cast<SQLLEN>(column.Width), column.Lengths.data()));
+    if (!bound) return bound;
+  }
+  for (std::size_t i = 0; i < chosen_.size(); ++i)
+    if (columnOfChosen_[i] < 0) longAt_[i] = ++at;
+  return {};
+}
+
+DbResult<void> RowSource::Open() {
+  rowsHere_ = row_ = 0;
+  undone_.reset();
+  if (select_) {
+    select_.CloseCursor();
+  } else {
+    auto prepared = Statement::Prepared(link_, SelectText());
+    if (!prepared) return tl::unexpected(prepared.error());
+    select_ = std::move(*prepared);
+    for (Selection::Condition& condition : conditions_)
+      if (!IsNull(condition.Wanted))
+        parameters_.emplace_back().Set(condition.Wanted, link_->Maker(),
+                                       shape_->Columns[*shape_->Find(condition.Column)].SqlType);
+    if (InChunks()) parameters_.resize(parameters_.size() + 3);
+    if (const auto bound = BindColumns(); !bound) return bound;
+  }
+  if (!InChunks()) {
+    if (const auto bound = select_.Bind(parameters_); !bound) return bound;
+    if (const auto executed = select_.Execute(); !executed) return executed;
+    undone_ = link_->Undone();
+    return FetchRows();
+  }
+  const auto last = LastRowNumber();
+  if (!last) return tl::unexpected(last.error());
+  parameters_[parameters_.size() - 2].Set(*last, link_->Maker(), SQL_BIGINT);
+  chunkSize_ = std::min(FirstChunkRows, arraySize_);
+  return FetchChunk(std::numeric_limits<std::int64_t>::min());
+}
+
+// Rows that are added from now on are not walked, as in the other databases.
+DbResult<DbValue> RowSource::LastRowNumber() {
+  auto statement = Statement::Prepared(
+      link_, "SELECT MAX(" + shape_->Identity.front().Shown.Name + ") FROM " + shape_->Name);
+  if (!statement) return tl::unexpected(statement.error());
+  if (const auto executed = statement->Execute(); !executed) return tl::unexpected(executed.error());
+  if (const auto fetched = statement->Fetch(); !fetched) return tl::unexpected(fetched.error());
+  std::int64_t number = 0;
+  SQLLEN length = 0;
+  const auto got = statement->Check(SQLGetData(statement->Handle(), 1, SQL_C_SBIGINT, &number, 0, &length));
+  if (!got) return tl::unexpected(got.error());
+  return length == SQL_NULL_DATA ? DbValue() : DbValue(number);
+}
+
+DbResult<void> RowSource::FetchChunk(std::int64_t behind) {
+  parameters_[parameters_.size() - 3].Set(behind, link_->Maker(), SQL_BIGINT);
+  parameters_.back().Set(static_cast<std::int64_t>(chunkSize_), link_->Maker(), SQL_BIGINT);
+  if (const auto bound = select_.Bind(parameters_); !bound) return bound;
+  if (const auto executed = select_.Execute(); !executed) return executed;
+  const auto fetched = FetchRows();
+  select_.CloseCursor();
+  return fetched;
+}
+
+DbResult<void> RowSource::FetchRows() {
+  rowsHere_ = row_ = 0;
+  newIdentity_.clear();
+  for (auto& value : longValues_) value.reset();
+  if (undone_ != nullptr && *undone_)
+    return OdbcFailure(db_error::StatementFailed,
+                       "The rows were opened in a transaction that was rolled back");
+  const auto fetched = select_.Fetch();
+  if (!fetched) return tl::unexpected(fetched.error());
+  if (*fetched) {
+    rowsHere_ = fetched_;
+    return {};
+  }
+  select_.CloseCursor();  // it keeps locks
+  undone_.reset();
+  return {};
+}
+
+DbResult<void> RowSource::Next() {
+  if (AtEnd()) return {};
+  newIdentity_.clear();
+  for (auto& value : longValues_) value.reset();
+  if (++row_ < rowsHere_) return {};
+  if (!InChunks()) return FetchRows();
+  if (rowsHere_ < chunkSize_) return {};
+  --row_;
+  chunkSize_ = std::min(chunkSize_ * 8, arraySize_);
+  const std::int64_t behind = std::get<std::int64_t>(CellValue(columns_.front()));
+  return FetchChunk(behind);
+}
+
+bool RowSource::IsCut(const Column& column) const {
+  const SQLLEN length = column.Lengths[row_];
+  return column.Kind == ValueKind::Text &&
+         (length == SQL_NO_TOTAL || length >= static_cast<SQLLEN>(column.Width));
+}
+
+DbValue RowSource::CellValue(const Column& column) const {
+  if (column.Lengths[row_] == SQL_NULL_DATA) return {};
+  const char* cell = column.Cells.get() + row_ * column.Width;
+  switch (column.Kind) {
+    case ValueKind::Integer:
+      return Read<std::int64_t>(cell);
+    case ValueKind::Real:
+      return Read<double>(cell);
+    case ValueKind::Time:
+      return DbDate{DateIn(Read<SQL_TIMESTAMP_STRUCT>(cell))};
+    default:
+      return std::string(cell, static_cast<std::size_t>(column.Lengths[row_]));
+  }
+}
+
+DbResult<DbValue> RowSource::Value(std::size_t position) {
+  const int index = columnOfChosen_[position];
+  if (index >= 0 && !IsCut(columns_[static_cast<std::size_t>(index)]))
+    return CellValue(columns_[static_cast<std::size_t>(index)]);
+  if (longValues_[position]) return *longValues_[position];
+  std::string bytes;
+  const auto read = ReadLongValue(position, [&](std::string_view piece) {
+    bytes += piece;
+    return true;
+  });
+  if (!read) return tl::unexpected(read.error());
+  DbValue value;
+  if (*read && KindOfType(shape_->Columns[chosen_[position]].SqlType) == ValueKind::Binary)
+    value = DbBinary{std::move(bytes)};
+  else if (*read)
+    value = std::move(bytes);
+  if (shape_->Identity.empty()) longValues_[position] = value;
+  return value;
+}
+
+DbResult<void> RowSource::ReadPieces(std::size_t position,
+                                     const std::function<bool(std::string_view)>& take) {
+  if (columnOfChosen_[position] >= 0 || shape_->Identity.empty()) {
+    const auto value = Value(position);
+    if (!value) return tl::unexpected(value.error());
+    if (!IsNull(*value)) take(TextOf(*value));
+    return {};
+  }
+  const auto read = ReadLongValue(position, take);
+  if (!read) return tl::unexpected(read.error());
+  return {};
+}
+
+DbResult<bool> RowSource::ReadLongValue(std::size_t position,
+                                        const std::function<bool(std::string_view)>& take) {
+  const TableColumn& column = shape_->Columns[chosen_[position]];
+  const bool binary = KindOfType(column.SqlType) == ValueKind::Binary;
+  if (shape_->Identity.empty()) {
+    if (longAt_[position] == 0)
+      return OdbcFailure(db_error::StatementFailed,
+                         "The text in " + column.Shown.Name + " is longer than its column");
+    return select_.ReadLong(longAt_[position], binary, take);
+  }
+  auto row = CurrentRow();
+  if (!row) return tl::unexpected(row.error());
+  Statement& statement = longReads_[position];
+  if (!statement) {
+    auto prepared = Statement::Prepared(
+        link_, "SELECT " + link_->Quoted(column.Shown.Name) + " FROM " + shape_->Name + " WHERE " + row->Sql);
+    if (!prepared) return tl::unexpected(prepared.error());
+    statement = std::move(*prepared);
+  }
+  std::vector<Parameter> identity(row->Values.size());
+  for (std::size_t i = 0; i < identity.size(); ++i)
+    identity[i].Set(std::move(row->Values[i]), link_->Maker(), row->Types[i]);
+  if (const auto bound = statement.Bind(identity); !bound) return tl::unexpected(bound.error());
+  if (const auto executed = statement.Execute(); !executed) return tl::unexpected(executed.error());
+  const auto fetched = statement.Fetch();
+  auto read = !fetched ? fetched
+              : !*fetched
+                  ? DbResult<bool>(OdbcFailure(db_error::StatementFailed,
+                                               "The row was changed or deleted by somebody else meanwhile"))
+                  : statement.ReadLong(1, binary, take);
+  statement.CloseCursor();
+  return read;
+}
+
+DbResult<RowSource::RowCondition> RowSource::CurrentRow() {
+  RowCondition row;
+  const auto add = [&](const std::string& name, DbValue value, SQLSMALLINT type) {
+    row.Sql += (row.Sql.empty() ? "" : " AND ") + name + (IsNull(value) ? " IS NULL" : " = ?");
+    if (IsNull(value)) return;
+    row.Values.push_back(std::move(value));
+    row.Types.push_back(type);
+  };
+  for (std::size_t i = 0; i < shape_->Identity.size(); ++i)
+    add(shape_->Identity[i].Shown.Name, newIdentity_.empty() ? CellValue(columns_[i]) : newIdentity_[i],
+        shape_->Identity[i].SqlType);
+  if (!shape_->Identity.empty()) return row;
+  for (std::size_t i = 0; i < chosen_.size(); ++i) {
+    auto value = newIdentity_.empty() ? Value(i) : newIdentity_[i];
+    if (!value) return tl::unexpected(value.error());
+    const TableColumn& column = shape_->Columns[chosen_[i]];
+    add(link_->Quoted(column.Shown.Name), std::move(*value), column.SqlType);
+  }
+  return row;
+}
+
+}  // namespace hyetex

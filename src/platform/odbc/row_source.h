@@ -1,0 +1,78 @@
+// The rows that a SELECT gives, read in arrays; short columns travel with the rows, long ones when they are
+// asked for.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/odbc/catalog.h"
+#include "platform/odbc/recordset.h"
+#include "platform/odbc/statement.h"
+
+namespace hyetex {
+
+class RowSource {
+ public:
+  /// `shape` must outlive it; `chosen` are positions in its columns.
+  RowSource(std::shared_ptr<OdbcLink> link, const TableShape& shape, std::vector<std::size_t> chosen,
+            std::vector<Selection::Condition> conditions);
+
+  /// Asks the database, anew if it was asked before, and goes to the first row.
+  DbResult<void> Open();
+  DbResult<void> Next();
+  bool AtEnd() const { return row_ >= rowsHere_; }
+
+  /// The value in the current row of the chosen column at this position.
+  DbResult<DbValue> Value(std::size_t position);
+  DbResult<void> ReadPieces(std::size_t position, const std::function<bool(std::string_view)>& take);
+  /// What tells the current row from others, as a condition with its values.
+  struct RowCondition {
+    std::string Sql;
+    std::vector<DbValue> Values;
+    std::vector<SQLSMALLINT> Types;
+  };
+  DbResult<RowCondition> CurrentRow();
+  /// After a change gave the current row another identity; where it has none, all its chosen values.
+  void SetIdentity(std::vector<DbValue> identity) { newIdentity_ = std::move(identity); }
+
+ private:
+  struct Column {  // one that travels with the rows
+    const TableColumn* Table;
+    ValueKind Kind;
+    std::size_t Width;
+    std::unique_ptr<char[]> Cells;
+    std::vector<SQLLEN> Lengths;
+  };
+  std::string SelectText() const;
+  DbResult<void> BindColumns();
+  DbResult<void> FetchRows();
+  // SQLite's driver ends a result without a word when a transaction begins or ends. There the rows are asked
+  // for in chunks, each behind the last row's number.
+  bool InChunks() const;
+  DbResult<void> FetchChunk(std::int64_t behind);
+  DbResult<DbValue> LastRowNumber();
+  DbValue CellValue(const Column& column) const;
+  bool IsCut(const Column& column) const;
+  DbResult<bool> ReadLongValue(std::size_t position, const std::function<bool(std::string_view)>& take);
+
+  std::shared_ptr<OdbcLink> link_;
+  const TableShape* shape_;
+  std::vector<std::size_t> chosen_;
+  std::vector<Selection::Condition> conditions_;
+  std::vector<Column> columns_;       // the identity's, then the chosen short ones
+  std::vector<int> columnOfChosen_;   // index in columns_, or -1 for a long column
+  std::vector<SQLUSMALLINT> longAt_;  // where a long column stands in the SELECT, if it stands there
+  Statement select_;
+  std::vector<Parameter> parameters_;
+  std::vector<Statement> longReads_;  // by chosen position
+  std::size_t arraySize_ = 1, chunkSize_ = 1;
+  SQLULEN fetched_ = 0;
+  std::size_t rowsHere_ = 0, row_ = 0;
+  std::shared_ptr<const bool> undone_;  ///< of an open result
+  std::vector<DbValue> newIdentity_;
+  std::vector<std::optional<DbValue>> longValues_;  // of the current row, where they can be read but once
+};
+
+}  // namespace hyetex
