@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "core/files.h"
-#include "core/numbers.h"
 #include "core/text.h"
 #include "staging/definitions.h"
 
@@ -79,13 +78,6 @@ std::optional<float> ChosenDepth(const Session& session, DepthChoice choice) {
       break;
   }
   return std::nullopt;
-}
-
-std::string StepNumber(std::string_view text, double step, std::optional<double> lowest) {
-  const double value = LeadingNumber(text);
-  double next = value + step;
-  if (lowest) next = std::max(next, step > 0 ? *lowest : std::min(value, *lowest));
-  return ShortText(static_cast<float>(next));
 }
 
 bool FactorBlinks(Factor factor, const ChartReport& report, const ChartRecord& chart) {

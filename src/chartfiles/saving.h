@@ -10,6 +10,7 @@
 #include "chartfiles/chart_report.h"
 #include "chartfiles/chart_text.h"
 #include "core/colour.h"
+#include "core/numbers.h"
 #include "core/result.h"
 #include "core/session.h"
 #include "staging/lists.h"
@@ -38,10 +39,6 @@ enum class DepthChoice { Eyed, Digitized, Average, Manual, Other };
 /// The depth of a choice, mm; `NoDepth` where it is not known, nothing for Other. The digitized depth is
 /// rounded to 1 decimal, and the average (of that and the eyed depth) again.
 std::optional<float> ChosenDepth(const Session& session, DepthChoice choice);
-
-/// A typed number after a step of its up-down control. It does not fall below `lowest`; what is lower already
-/// (an unknown depth is -1) comes up to it with the first step up.
-std::string StepNumber(std::string_view text, double step, std::optional<double> lowest = 0);
 
 /// Whether a factor of the report makes its caption blink. The manual one never does.
 bool FactorBlinks(Factor factor, const ChartReport& report, const ChartRecord& chart);

@@ -49,13 +49,6 @@ void SumSteps(const ChartReading& reading, std::vector<SeriesPoint>& series) {
   }
 }
 
-// The depth that the series ends with. A depth of -1 is no value and never becomes rain.
-float BaseDepth(ChartRecord& chart) {
-  if (chart.SelectedDepth == 0) chart.SelectedDepth = chart.DigitizedDepth;
-  if (chart.SelectedDepth > 0) return chart.SelectedDepth;
-  return chart.ManualDepth > 0 ? chart.ManualDepth : 0;
-}
-
 void MakeTimesAscend(std::vector<SeriesPoint>& series) {
   for (std::size_t i = 1; i < series.size(); ++i)
     if (!(series[i].Time > series[i - 1].Time)) series[i].Time = series[i - 1].Time + Minute;
@@ -76,9 +69,15 @@ void JoinShortSteps(float minimalLapse, std::vector<SeriesPoint>& series) {
 
 }  // namespace
 
+float BaseDepth(const ChartRecord& chart) {
+  if (chart.SelectedDepth > 0) return chart.SelectedDepth;
+  return chart.ManualDepth > 0 ? chart.ManualDepth : 0;
+}
+
 void BuildSeries(bool useAlpha, float minimalLapse, ChartReading& reading) {
   ChartRecord& chart = reading.Chart;
   std::vector<SeriesPoint>& series = reading.SeriesPoints;
+  if (chart.SelectedDepth == 0) chart.SelectedDepth = chart.DigitizedDepth;
   const float base = BaseDepth(chart);
   if (useAlpha && chart.SelectedAlpha != NoAlpha) TakeOutSkew(reading);
 

@@ -14,4 +14,8 @@ namespace hyetex {
 /// counts nothing, the step away from them does. A chart whose points span no time has slot 0 alone.
 void BuildSeries(bool useAlpha, float minimalLapse, ChartReading& reading);
 
+/// The depth that the series of a chart ends with, mm: its selected depth, else the manual gage's, else 0. A
+/// depth of -1 is no value and never becomes rain.
+float BaseDepth(const ChartRecord& chart);
+
 }  // namespace hyetex

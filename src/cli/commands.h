@@ -25,6 +25,11 @@ extern const Command DecodeCommand, TraceCommand;                 // tablet_comm
 extern const Command DigitizeCommand;                             // digitize_command.cpp
 extern const Command ShowCommand, SeriesCommand;                  // chart_commands.cpp
 extern const Command SettingCommand, ListsCommand, TasksCommand;  // folder_commands.cpp
+extern const Command StructureCommand, CreateTablesCommand;       // database_commands.cpp
+extern const Command LoadCommand, ExtractCommand;                 // load_commands.cpp
+extern const Command PopulateCommand;                             // populate_command.cpp
+extern const Command SynchroniseCommand;                          // synchronise_command.cpp
+extern const Command RowsCommand;                                 // rows_command.cpp
 
 /// The program folder: --folder, or the user's own.
 std::string ProgramFolder(const Words& words);

@@ -11,9 +11,10 @@
 namespace hyetex::cli {
 namespace {
 
-constexpr std::array<const Command*, 8> AllCommands{&DecodeCommand, &TraceCommand,  &DigitizeCommand,
-                                                    &ShowCommand,   &SeriesCommand, &SettingCommand,
-                                                    &ListsCommand,  &TasksCommand};
+constexpr std::array AllCommands{&DecodeCommand,    &TraceCommand,        &DigitizeCommand,   &ShowCommand,
+                                 &SeriesCommand,    &SettingCommand,      &ListsCommand,      &TasksCommand,
+                                 &StructureCommand, &CreateTablesCommand, &LoadCommand,       &ExtractCommand,
+                                 &PopulateCommand,  &RowsCommand,         &SynchroniseCommand};
 
 std::string Usage(const Command& command) {
   std::string text = "usage: hyetex-cli " + std::string(command.Name);
@@ -32,7 +33,7 @@ void PrintHelp() {
   std::string text = "usage: hyetex-cli COMMAND ...\n\n";
   for (const Command* command : AllCommands) {
     std::string name = "  " + std::string(command->Name);
-    name.resize(12, ' ');
+    name.resize(18, ' ');
     text += name + std::string(command->Help.substr(0, command->Help.find('\n'))) + "\n";
   }
   Print(text + "\nhyetex-cli COMMAND --help tells more. --version tells the version.\n");

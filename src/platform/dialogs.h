@@ -21,6 +21,11 @@ class Dialogs {
   /// The text typed; nothing if the box was cancelled.
   virtual std::optional<std::string> InputBox(const std::string& title, const std::string& prompt,
                                               const std::string& initial = {}) = 0;
+  /// The same for what nobody else at the desk should read.
+  virtual std::optional<std::string> PasswordBox(const std::string& title, const std::string& prompt,
+                                                 const std::string& initial = {}) {
+    return InputBox(title, prompt, initial);
+  }
   virtual std::optional<std::string> ChooseFolder(const std::string& title, const std::string& start) = 0;
   virtual std::optional<std::string> ChooseFileToSave(const std::string& title, const std::string& start) = 0;
 };

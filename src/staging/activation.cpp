@@ -8,6 +8,22 @@
 
 namespace hyetex {
 
+Result<ActivatedChart> PrepareChart(const ReferenceLists& lists, ChartRecord task, int chartType) {
+  if (chartType < 0 || chartType >= static_cast<int>(lists.ChartTypes.size()))
+    return Failure("There is no chart type " + ShortText(chartType));
+  ActivatedChart chart;
+  chart.Task = std::move(task);
+  chart.ChartType = lists.ChartTypes[static_cast<std::size_t>(chartType)];
+  chart.Task.PaperIndex = static_cast<std::int16_t>(chartType);
+  chart.Task.ChartMethod = chart.ChartType.ChartMethod;
+  return chart;
+}
+
+int StoredTabletType(const std::string& programFolder) {
+  const int tablet = LeadingInt16(GetDefinition(programFolder, "DigitizerType"));
+  return tablet >= 0 && tablet < TabletTypeCount ? tablet : 0;
+}
+
 Result<ActivatedChart> ActivateChart(const std::string& programFolder, const ReferenceLists& lists, int task,
                                      std::optional<int> chartType) {
   auto table = LoadTasks(programFolder, lists.Stations);
@@ -17,19 +33,11 @@ Result<ActivatedChart> ActivateChart(const std::string& programFolder, const Ref
     return Failure("There is no chart " + ShortText(task) + " in the staging area; it holds " +
                    ShortText(count));
 
-  ActivatedChart chart;
-  chart.Task = std::move(table->Tasks[static_cast<std::size_t>(task)]);
-  chart.Notes = std::move(table->Notes);
-
   const int type = chartType.value_or(LeadingInt16(GetDefinition(programFolder, "CurrentChart")));
-  if (type < 0 || type >= static_cast<int>(lists.ChartTypes.size()))
-    return Failure("There is no chart type " + ShortText(type));
-  chart.ChartType = lists.ChartTypes[static_cast<std::size_t>(type)];
-  chart.Task.PaperIndex = static_cast<std::int16_t>(type);
-  chart.Task.ChartMethod = chart.ChartType.ChartMethod;
-
-  const int tablet = LeadingInt16(GetDefinition(programFolder, "DigitizerType"));
-  chart.Tablet = tablet >= 0 && tablet < TabletTypeCount ? tablet : 0;
+  auto chart = PrepareChart(lists, std::move(table->Tasks[static_cast<std::size_t>(task)]), type);
+  if (!chart) return chart;
+  chart->Notes = std::move(table->Notes);
+  chart->Tablet = StoredTabletType(programFolder);
   return chart;
 }
 

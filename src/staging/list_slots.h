@@ -67,24 +67,24 @@ void VisitFields(std::int16_t& highestIndex, Take&& take) {
   take("highest index", highestIndex);
 }
 
-struct ListKind {
+struct ListLimits {
   std::string_view Name;  ///< what one entry is called
   int MaxIndex;
 };
 template <typename Record>
-inline constexpr ListKind KindOf{};
+inline constexpr ListLimits LimitsOf{};
 template <>
-inline constexpr ListKind KindOf<ChartTypeRecord>{"chart type", MaxChartType};
+inline constexpr ListLimits LimitsOf<ChartTypeRecord>{"chart type", MaxChartType};
 template <>
-inline constexpr ListKind KindOf<std::string>{"core", MaxCore};
+inline constexpr ListLimits LimitsOf<std::string>{"core", MaxCore};
 template <>
-inline constexpr ListKind KindOf<AgencyRecord>{"agency", MaxAgency};
+inline constexpr ListLimits LimitsOf<AgencyRecord>{"agency", MaxAgency};
 template <>
-inline constexpr ListKind KindOf<StationRecord>{"station", MaxStation};
+inline constexpr ListLimits LimitsOf<StationRecord>{"station", MaxStation};
 template <>
-inline constexpr ListKind KindOf<UserRecord>{"user", MaxUser};
+inline constexpr ListLimits LimitsOf<UserRecord>{"user", MaxUser};
 template <>
-inline constexpr ListKind KindOf<CommentRecord>{"comment", MaxComment};
+inline constexpr ListLimits LimitsOf<CommentRecord>{"comment", MaxComment};
 
 /// Calls `take(list)` for each list, in file order, until it returns false.
 template <typename Lists, typename Take>
@@ -170,6 +170,8 @@ class SlotDecoder {
   }
 
   const std::optional<std::string>& Problem() const { return problem_; }
+  /// Whether the file ended before the record did.
+  bool IsCutShort() const { return at_ > slot_.size(); }
 
  private:
   // The next `count` bytes; none when the file ends before their last one.

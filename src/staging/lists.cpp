@@ -7,6 +7,7 @@
 
 #include "core/files.h"
 #include "core/text.h"
+#include "staging/list_reading.h"
 #include "staging/list_slots.h"
 #include "staging/program_files.h"
 
@@ -15,7 +16,7 @@ namespace {
 
 template <typename Record>
 std::string EntryName(std::size_t index) {
-  return std::string(KindOf<Record>.Name) + " " + std::to_string(index);
+  return std::string(LimitsOf<Record>.Name) + " " + std::to_string(index);
 }
 
 // The texts of a record; the first one is what an operator knows it by.
@@ -31,51 +32,10 @@ std::vector<std::string> Texts(Record record) {
   return texts.All;
 }
 
-// Takes the file apart slot by slot.
-class ListsReader {
- public:
-  explicit ListsReader(std::string_view bytes) : bytes_(bytes) {}
-
-  template <typename Record>
-  bool operator()(std::vector<Record>& list) {
-    const ListKind kind = KindOf<Record>;
-    std::int16_t highest = 0;
-    const std::string header = "the " + std::string(kind.Name) + " list";
-    if (!Next(highest, header)) return false;
-    if (highest < 0 || highest > kind.MaxIndex) {
-      problem_ = Damaged(header) + "its highest index is " + std::to_string(highest);
-      return false;
-    }
-    list.assign(static_cast<std::size_t>(highest) + 1, Record{});
-    for (std::size_t i = 0; i < list.size(); ++i)
-      if (!Next(list[i], EntryName<Record>(i))) return false;
-    return true;
-  }
-
-  const std::string& Problem() const { return problem_; }
-
- private:
-  template <typename Record>
-  bool Next(Record& record, const std::string& what) {
-    SlotDecoder decoder(bytes_.substr(std::min(bytes_.size(), slot_ * SlotBytes)));
-    ++slot_;
-    VisitFields(record, decoder);
-    if (decoder.Problem()) problem_ = Damaged(what) + *decoder.Problem();
-    return !decoder.Problem();
-  }
-  std::string Damaged(const std::string& what) const {
-    return what + " (slot " + std::to_string(slot_) + ") is damaged: ";
-  }
-
-  std::string_view bytes_;
-  std::size_t slot_ = 0;  // slots read; so, counted from 1, the last one
-  std::string problem_;
-};
-
 // Why the file cannot hold the list; nothing if it can.
 template <typename Record>
 std::optional<std::string> Unfit(const std::vector<Record>& list) {
-  const ListKind kind = KindOf<Record>;
+  const ListLimits kind = LimitsOf<Record>;
   if (list.empty()) return "There must be at least one " + std::string(kind.Name) + ".";
   if (list.size() > static_cast<std::size_t>(kind.MaxIndex) + 1)
     return "There is no room for " + EntryName<Record>(static_cast<std::size_t>(kind.MaxIndex) + 1) + ".";
@@ -126,13 +86,13 @@ Result<ReferenceLists> ReadLists(const std::string& programFolder) {
   CreateIfMissing(path);
   const Result<std::string> bytes = ReadProgramFile(path);
   if (!bytes) return Failure(bytes.error());
-  ReferenceLists lists;
-  ListsReader reader(*bytes);
-  if (!VisitLists(lists, reader)) return Failure("Cannot read " + path + ": " + reader.Problem());
+  auto lists = DecodeLists(*bytes);
+  if (!lists) return Failure("Cannot read " + path + ": " + lists.error());
   return lists;
 }
 
 Result<void> SaveLists(const std::string& programFolder, const ReferenceLists& lists) {
+  if (!lists.WhyNotSaved.empty()) return Failure("The lists cannot be saved: " + lists.WhyNotSaved);
   std::optional<std::string> unfit;
   VisitLists(lists, [&](const auto& list) { return !(unfit = Unfit(list)); });
   if (unfit) return Failure("The lists cannot be saved: " + *unfit);
@@ -140,6 +100,8 @@ Result<void> SaveLists(const std::string& programFolder, const ReferenceLists& l
   const std::string path = JoinPath(programFolder, ListsFileName);
   Result<std::string> bytes = ReadProgramFile(path);
   if (!bytes) return Failure(bytes.error());
+  if (!SalvageLists(*bytes).Damage.empty())
+    if (const auto kept = KeepCopy(path); !kept) return Failure("The lists cannot be saved: " + kept.error());
   std::size_t start = 0;
   const auto put = [&](const auto& record) {
     const std::string encoded = Encoded(record).Bytes();
@@ -175,7 +137,7 @@ std::optional<std::string> CheckEntry(const Record& record) {
 
 template <typename Record>
 std::optional<std::string> CheckRoom(const std::vector<Record>& list) {
-  const ListKind kind = KindOf<Record>;
+  const ListLimits kind = LimitsOf<Record>;
   if (list.size() <= static_cast<std::size_t>(kind.MaxIndex)) return std::nullopt;
   return "There is no room for another " + std::string(kind.Name) + ": the list holds at most " +
          std::to_string(kind.MaxIndex + 1) + ".";

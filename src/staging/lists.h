@@ -27,6 +27,8 @@ struct ReferenceLists {
   std::vector<StationRecord> Stations = std::vector<StationRecord>(1);
   std::vector<UserRecord> Users = std::vector<UserRecord>(1);
   std::vector<CommentRecord> Comments = std::vector<CommentRecord>(1);
+  /// Not empty: these lists lack what a damaged file still holds, and must not be written over it.
+  std::string WhyNotSaved = {};
 };
 
 /// Reads the lists. A missing file is created with length 0. A field that does not wholly stand before the
@@ -35,9 +37,10 @@ struct ReferenceLists {
 /// cannot be shifted back, a number that is not finite.
 Result<ReferenceLists> ReadLists(const std::string& programFolder);
 
-/// Writes the lists, all or nothing. Stations go to the file in the order of name and instrument code,
-/// without regard to ASCII case, equal ones in the order of their indices; `lists` keeps its own order.
-/// Fails, naming the entry, on whatever its slot or table cannot hold.
+/// Writes the lists, all or nothing; a damaged file is copied beside itself first. Stations go to the file in
+/// the order of name and instrument code, without regard to ASCII case, equal ones in the order of their
+/// indices; `lists` keeps its own order. Fails, naming the entry, on whatever its slot or table cannot hold,
+/// and on lists that must not be saved.
 Result<void> SaveLists(const std::string& programFolder, const ReferenceLists& lists);
 
 /// The text with `amount` added to each byte; nothing if a byte would leave 0 to 255. User names and

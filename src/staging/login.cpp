@@ -25,11 +25,11 @@ bool IsAllowed(Right right, std::int16_t level) {
     case Right::Everyone:
       return true;
     case Right::Database:
-      return level <= 5;
+      return level <= DatabaseLevel;
     case Right::QualityControl:
-      return level != 10;
+      return level != DigitizerLevel;
     case Right::Users:
-      return level < 5;
+      return level < DatabaseLevel;
   }
   return false;
 }

@@ -11,6 +11,8 @@
 
 namespace hyetex {
 
+inline constexpr std::int16_t AdministratorLevel = 1, DatabaseLevel = 5, DigitizerLevel = 10;
+
 enum class LoginFault { NoSuchUser, WrongPassword };
 
 /// The index of the user. Names are compared without regard to case, and the first of several counts;

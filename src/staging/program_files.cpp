@@ -5,7 +5,9 @@
 #include <fstream>
 #include <system_error>
 
+#include "core/dates.h"
 #include "core/files.h"
+#include "core/numbers.h"
 #include "core/text.h"
 
 namespace hyetex {
@@ -50,6 +52,25 @@ Result<void> WriteLines(const std::string& path, const std::vector<std::string_v
     return Failure("Cannot write " + path + ": it would be longer than " +
                    std::to_string(MaxProgramFileBytes) + " bytes");
   return WriteWholeFile(path, text);
+}
+
+Result<std::string> KeepCopy(const std::string& path) {
+  const Result<std::string> bytes = ReadWholeFile(path, MaxProgramFileBytes);
+  if (!bytes) return Failure(bytes.error());
+  // A damaged file may be met many times before it is mended.
+  const std::string stem = std::string(BaseName(path)) + ".bak-";
+  std::error_code error;
+  for (const auto& entry :
+       std::filesystem::directory_iterator(std::filesystem::absolute(path, error).parent_path(), error)) {
+    const std::string other = entry.path().string();
+    if (BaseName(other).starts_with(stem) && ReadWholeFile(other, MaxProgramFileBytes) == bytes) return other;
+  }
+  const Date now = Now();
+  const std::string base = path + ".bak-" + DateCode(now) + PadNumber(ToCalendar(now).Second, 2);
+  std::string copy = base;
+  for (int i = 2; FileExists(copy); ++i) copy = base + "-" + std::to_string(i);
+  if (const auto written = WriteWholeFile(copy, *bytes); !written) return Failure(written.error());
+  return copy;
 }
 
 std::string Quoted(std::string_view text) {

@@ -26,6 +26,11 @@ std::vector<std::string_view> EditedLines(std::string_view text);
 /// what would be too long to be read again.
 Result<void> WriteLines(const std::string& path, const std::vector<std::string_view>& lines);
 
+/// Copies a file that was not wholly understood beside itself, all or nothing, before another is written over
+/// it. The copy's path: the file's own with ".bak-YYYYMMDD-HHMMSS" behind it, or that of an earlier copy with
+/// the same bytes. Fails on what is no file or cannot be copied.
+Result<std::string> KeepCopy(const std::string& path);
+
 /// The text in quotes, as an error or a note shows it: on one line, and cut if it is long.
 std::string Quoted(std::string_view text);
 

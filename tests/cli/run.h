@@ -2,6 +2,7 @@
 #pragma once
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -20,9 +21,10 @@ struct Ran {
 };
 
 struct RunWith {
-  std::string Input = {};   ///< what stands on standard input
-  std::string Folder = {};  ///< the folder to run in; empty for the present one
-  std::string Out = {};     ///< where standard output goes, in place of Ran::Out
+  std::string Input = {};    ///< what stands on standard input
+  std::string Folder = {};   ///< the folder to run in; empty for the present one
+  std::string Out = {};      ///< where standard output goes, in place of Ran::Out
+  useconds_t KillAfter = 0;  ///< microseconds of life; 0 for as long as it takes
 };
 
 inline Ran RunCli(std::vector<std::string> words, const RunWith& with = {}) {
@@ -47,6 +49,10 @@ inline Ran RunCli(std::vector<std::string> words, const RunWith& with = {}) {
   Ran ran;
   int status = 0;
   rusage usage{};
+  if (child > 0 && with.KillAfter > 0) {
+    ::usleep(with.KillAfter);
+    ::kill(child, SIGKILL);
+  }
   if (child < 0 || ::wait4(child, &status, 0, &usage) != child) return ran;
   if (WIFEXITED(status)) ran.Status = WEXITSTATUS(status);
   ran.PeakKb = usage.ru_maxrss;

@@ -1,5 +1,4 @@
-// What the window tests share: boxes that answer by themselves and tell what they were asked, a desk without
-// windows, and hands for keys and buttons.
+// What the window tests share: a desk without windows, and hands for keys and buttons.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -7,16 +6,14 @@
 #include <QAbstractButton>
 #include <QTest>
 #include <cstdlib>
-#include <deque>
 #include <memory>
-#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "../support.h"  // the name alone is this file's own
 #include "core/desk.h"
-#include "platform/dialogs.h"
+#include "scripted_dialogs.h"
 #include "staging/definitions.h"
 
 // These end a test function of another framework; in a GoogleTest body a failure of theirs is silent.
@@ -26,60 +23,6 @@
 #define QCOMPARE(...) static_assert(false, "use EXPECT_EQ")
 
 namespace hyetex::test {
-
-/// A message box as it was shown.
-struct ShownBox {
-  std::string Title, Text;
-  BoxButtons Buttons = BoxButtons::Ok;
-  BoxIcon Icon = BoxIcon::None;
-
-  bool operator==(const ShownBox&) const = default;
-  friend void PrintTo(const ShownBox& box, std::ostream* out) {
-    *out << "[" << box.Title << "] " << box.Text << " (buttons " << static_cast<int>(box.Buttons) << ", icon "
-         << static_cast<int>(box.Icon) << ")";
-  }
-};
-
-inline ShownBox Warning(std::string title, std::string text) {
-  return {std::move(title), std::move(text), BoxButtons::Ok, BoxIcon::Warning};
-}
-
-/// Gives the answers that the test has laid down, in their order. A box with one button needs none; any other
-/// that finds none fails the test.
-class ScriptedDialogs : public Dialogs {
- public:
-  std::deque<BoxAnswer> Answers;
-  std::vector<ShownBox> Boxes;
-
-  BoxAnswer MessageBox(const std::string& title, const std::string& text, BoxButtons buttons,
-                       BoxIcon icon) override {
-    Boxes.push_back({title, text, buttons, icon});
-    if (buttons == BoxButtons::Ok) return BoxAnswer::Ok;
-    if (Answers.empty()) {
-      Unexpected(text);
-      return buttons == BoxButtons::YesNo ? BoxAnswer::No : BoxAnswer::Cancel;
-    }
-    const BoxAnswer answer = Answers.front();
-    Answers.pop_front();
-    return answer;
-  }
-  std::optional<std::string> InputBox(const std::string&, const std::string& prompt,
-                                      const std::string&) override {
-    return Unexpected(prompt);
-  }
-  std::optional<std::string> ChooseFolder(const std::string& title, const std::string&) override {
-    return Unexpected(title);
-  }
-  std::optional<std::string> ChooseFileToSave(const std::string& title, const std::string&) override {
-    return Unexpected(title);
-  }
-
- private:
-  static std::nullopt_t Unexpected(const std::string& question) {
-    ADD_FAILURE() << "nobody expected the question: " << question;
-    return std::nullopt;
-  }
-};
 
 /// Opens nothing, and tells what it was asked for.
 class EmptyDesk : public Desk {

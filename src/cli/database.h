@@ -1,0 +1,48 @@
+// The database that a command works on: the one that --db names, or the program folder's own.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "cli/commands.h"
+#include "database/plot_db.h"
+#include "platform/dialogs.h"
+
+namespace hyetex::cli {
+
+inline constexpr Option DbOption{"--db", "TEXT",
+                                 "the database, as in \"DSN=rain\" (default: the program folder's)"};
+
+/// Boxes of a command, which nobody sees: what they tell goes to standard error. Questions get one answer.
+class SaidBoxes : public Dialogs {
+ public:
+  bool Yes = false;  ///< OK and Yes, instead of Cancel and No
+
+  BoxAnswer MessageBox(const std::string& title, const std::string& text, BoxButtons buttons,
+                       BoxIcon icon) override;
+  std::optional<std::string> InputBox(const std::string& title, const std::string& prompt,
+                                      const std::string& initial) override;
+  std::optional<std::string> ChooseFolder(const std::string& title, const std::string& start) override;
+  std::optional<std::string> ChooseFileToSave(const std::string& title, const std::string& start) override;
+};
+
+/// A command has both --db and --folder among its options:
+///
+///     CommandDatabase opened(words);
+///     if (const auto done = opened.Open(); !done) return Fail(done.error());
+///     LoadFiles(opened.Database, ...);
+class CommandDatabase {
+ public:
+  explicit CommandDatabase(const Words& words);
+
+  SaidBoxes Boxes;
+  HyetexPlotDB Database;  ///< has its connection text; opened by Open()
+
+  /// Opens the database's connection; says why it cannot be opened.
+  Result<void> Open();
+
+ private:
+  std::string folder_;
+};
+
+}  // namespace hyetex::cli

@@ -1,0 +1,67 @@
+// rows: what stands in a table of the database, as CSV.
+#include "cli/database.h"
+#include "core/dates.h"
+#include "core/numbers.h"
+#include "core/text.h"
+
+namespace hyetex::cli {
+namespace {
+
+std::string CsvField(std::string text) {
+  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+  std::string quoted = "\"";
+  for (const char c : text) quoted += c == '"' ? "\"\"" : std::string(1, c);
+  return quoted + '"';
+}
+
+std::string FieldText(const DbValue& value) {
+  if (const auto* date = std::get_if<DbDate>(&value)) return IsoText(date->Value);
+  if (const auto* number = std::get_if<double>(&value)) return ShortText(*number);
+  return CsvField(TextOf(value));
+}
+
+DbResult<void> PrintRows(Recordset& table) {
+  std::vector<int> shown;  // long binaries are files: `extract` writes them
+  std::string heading;
+  for (int i = 0; i < table.FieldCount(); ++i) {
+    if (table.Fields()[static_cast<std::size_t>(i)].Type == ColumnType::LongBinary) continue;
+    heading += (shown.empty() ? "" : ",") + CsvField(table.FieldName(i));
+    shown.push_back(i);
+  }
+  Print(heading + "\n");
+  while (!table.Eof()) {
+    std::string line;
+    for (const int i : shown) {
+      const auto value = table.Value(i);
+      if (!value) return tl::unexpected(value.error());
+      line += (i == shown.front() ? "" : ",") + FieldText(*value);
+    }
+    Print(line + "\n");
+    if (const auto moved = table.MoveNext(); !moved) return moved;
+  }
+  return {};
+}
+
+Exit Rows(const Words& words) {
+  if (words.Rest().size() != 1) return Off("one table is wanted, such as CHART");
+  CommandDatabase opened(words);
+  if (const auto done = opened.Open(); !done) return Fail(done.error());
+  Selection selection;
+  if (const auto code = words.Value("--instrument"))
+    selection.Where.push_back({"instrument_code_id", Compare::EqualIgnoringCase, *code});
+  auto done = opened.Database.OpenAnyTable(words.Rest()[0], std::move(selection));
+  if (done) done = PrintRows(opened.Database.AnyTable);
+  return done ? Done : Fail(done.error().Description);
+}
+
+constexpr Option RowsOptions[] = {
+    FolderOption, DbOption, {"--instrument", "CODE", "only the rows of this instrument"}};
+
+}  // namespace
+
+constinit const Command RowsCommand{
+    "rows", "TABLE",
+    "Prints the rows of a table as CSV, times in ISO 8601. Columns that hold whole files are left out.",
+    RowsOptions, Rows};
+
+}  // namespace hyetex::cli

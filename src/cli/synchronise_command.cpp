@@ -1,0 +1,51 @@
+// synchronise: the station list and the database's instruments in line, in both directions.
+#include "cli/database.h"
+#include "core/files.h"
+#include "database/synchronising.h"
+
+namespace hyetex::cli {
+namespace {
+
+/// Every instrument that the database lacks gets one start date; without one it is left out.
+class OneStartDate : public SaidBoxes {
+ public:
+  explicit OneStartDate(std::optional<std::string> start) : start_(std::move(start)) {}
+  std::optional<std::string> InputBox(const std::string&, const std::string& prompt,
+                                      const std::string&) override {
+    if (!start_) Say(prompt + ": no --start, so it is left out of the database");
+    return start_;
+  }
+
+ private:
+  std::optional<std::string> start_;
+};
+
+Exit RunSynchronise(const Words& words) {
+  if (!words.Rest().empty()) return Off("no further words are wanted");
+  const auto start = words.Value("--start");
+  if (start && !ConvertStartDate(*start))
+    return Off("--start wants a day as dd/mm/yyyy, not \"" + *start + "\"");
+  const std::string folder = ProgramFolder(words);
+  if (!FolderExists(folder)) return Fail("There is no program folder " + folder);
+  auto lists = ReadLists(folder);
+  if (!lists) return Fail(lists.error());
+  CommandDatabase opened(words);
+  if (const auto done = opened.Open(); !done) return Fail(done.error());
+  OneStartDate boxes(start);
+  return Synchronise(opened.Database, *lists, folder, boxes) == Synchronised::Saved ? Done : Failed;
+}
+
+constexpr Option SynchroniseOptions[] = {
+    FolderOption,
+    DbOption,
+    {"--start", "DD/MM/YYYY", "the start date of every instrument that the database lacks"}};
+
+}  // namespace
+
+constinit const Command SynchroniseCommand{
+    "synchronise", "",
+    "Brings the station list and the database's instruments in line.\n"
+    "Instruments that the list lacks are taken into it; stations that the database lacks are added there.",
+    SynchroniseOptions, RunSynchronise};
+
+}  // namespace hyetex::cli

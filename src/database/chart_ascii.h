@@ -1,0 +1,20 @@
+// Stored charts in CHART_ASCII: one record a chart, found by its instrument and its start.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "platform/odbc/recordset.h"
+
+namespace hyetex {
+
+/// The records of one chart: one, but for a table that holds it twice.
+Selection ChartAsciiOf(std::string_view instrumentCode, Date chartDate);
+/// All records of an instrument.
+Selection ChartAsciiOf(std::string_view instrumentCode);
+
+/// The chart's text in the current record; empty where there is none. Ends soon after `mostBytes`.
+DbResult<std::string> ChartAsciiText(Recordset& table, std::size_t mostBytes);
+
+}  // namespace hyetex
