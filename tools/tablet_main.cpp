@@ -29,10 +29,12 @@ and the tablet's initialisation has come, plays FILE, waits until all has been r
   --no-wait-init  do not wait for the initialisation
   --opening K     play to the K-th opening (default 1); those before it see a cursor at rest, as when a program first
                   looks for the tablet and then opens it for the session
+  --stay          do not hang up: the cursor rests when FILE is played, and FILE is played anew to each later opening
 )";
 
-constexpr OptionRule Rules[] = {{"--help"},     {"--tablet", 1}, {"--link", 1},      {"--baud", 1},
-                                {"--chunk", 1}, {"--wait", 1},   {"--no-wait-init"}, {"--opening", 1}};
+constexpr OptionRule Rules[] = {{"--help"},         {"--tablet", 1},  {"--link", 1},
+                                {"--baud", 1},      {"--chunk", 1},   {"--wait", 1},
+                                {"--no-wait-init"}, {"--opening", 1}, {"--stay"}};
 constexpr std::size_t MostBytes = 64 << 20;
 // A program sets up a line and clears it after opening; a tablet that waits for no word leaves it time for
 // that.
@@ -45,7 +47,7 @@ struct Order {
   int Tablet = 0, Opening = 1;
   double Baud = 9600, WaitSeconds = 30;
   std::size_t Chunk = 0;
-  bool WaitInit = true;
+  bool WaitInit = true, Stay = false;
 
   const TabletType& Type() const { return TabletTypes()[static_cast<std::size_t>(Tablet)]; }
 };
@@ -70,6 +72,7 @@ Result<Order> Understand(const Options& options) {
   else if (trouble.empty())
     trouble = wait.error();
   order.WaitInit = !options.Has("--no-wait-init");
+  order.Stay = options.Has("--stay");
   order.Link = options.Text("--link");
   if (!options.Has("--tablet"))
     trouble = "--tablet is missing";
@@ -118,10 +121,14 @@ class Tablet {
     const auto patience = std::chrono::duration<double>(order_.WaitSeconds);
     until_ = PtyLine::Clock::now() + std::chrono::duration_cast<PtyLine::Clock::duration>(patience);
     while (line_.Openings() < order_.Opening - 1)
-      if (auto rested = RestUntilClosed(); !rested) return rested;
-    if (auto ready = WaitUntilReady(); !ready) return ready;
-    if (auto sent = Send(stream); !sent) return sent;
-    return Ended(line_.WaitUntilRead());
+      if (auto rested = RestUntilClosed(order_.Opening); !rested) return rested;
+    for (;;) {
+      if (auto ready = WaitUntilReady(); !ready) return ready;
+      const int opening = line_.Openings();
+      if (auto sent = Send(stream); !sent && !(order_.Stay && line_.Readers() == 0)) return sent;
+      if (!order_.Stay) return Ended(line_.WaitUntilRead());
+      if (auto rested = RestUntilClosed(opening + 1); !rested) return rested;
+    }
   }
 
  private:
@@ -135,13 +142,14 @@ class Tablet {
     return {};
   }
 
-  Result<void> RestUntilClosed() {
+  // Or until the line has been opened `opening` times.
+  Result<void> RestUntilClosed(int opening) {
     const TabletExtents& size = order_.Type().Extents;
     const TabletReport resting{static_cast<int>(size.TabletWidthUnits / 2),
                                static_cast<int>(size.TabletHeightUnits / 2), -1};
     const std::string report = EncodeReport(order_.Type(), resting);
     if (auto opened = WaitForReader(); !opened) return opened;
-    while (line_.Readers() > 0 && line_.Openings() < order_.Opening) {
+    while (line_.Readers() > 0 && line_.Openings() < opening) {
       std::string_view bytes = report;
       if (line_.Unread() < 1000)
         if (auto written = Ended(line_.Write(bytes)); !written) return written;

@@ -26,14 +26,26 @@ constexpr const char* ProgramTitle = "Hyetex";
 
 /// A main window is one that takes the Main Menu's place; the others stand beside it.
 bool IsMainWindow(WindowId id) {
-  return id != WindowId::MainMenu && id != WindowId::Comment && id != WindowId::Save &&
-         id != WindowId::LargeView;
+  switch (id) {
+    case WindowId::MainMenu:
+    case WindowId::Comment:
+    case WindowId::Save:
+    case WindowId::LargeView:
+    case WindowId::TaskDef:
+    case WindowId::ProgramDefaults:
+    case WindowId::Connection:
+    case WindowId::Logon:
+    case WindowId::CreateTable:
+      return false;
+    default:
+      return true;
+  }
 }
 
 }  // namespace
 
-AppDesk::AppDesk(StartWords words, Dialogs& dialogs) : words_(std::move(words)), dialogs_(dialogs) {
-  program_.Folder = words_.Folder;
+AppDesk::AppDesk(StartWords words, Dialogs& dialogs)
+    : words_(std::move(words)), dialogs_(dialogs), program_(words_.Folder, dialogs) {
   factories_ = {
       {WindowId::MainMenu, [this] { return MakeMainMenu(); }},
       {WindowId::Digitizing, [this] { return MakeDigitizing(); }},
@@ -41,6 +53,11 @@ AppDesk::AppDesk(StartWords words, Dialogs& dialogs) : words_(std::move(words)),
       {WindowId::Comment, [this] { return MakeComment(); }},
       {WindowId::LargeView, [this] { return MakeLargeView(); }},
   };
+  AddTaskWindows();
+  AddListWindows();
+  AddConnectionWindows();
+  AddLoadWindows();
+  AddPopulateWindows();
 }
 
 AppDesk::~AppDesk() {
@@ -56,6 +73,7 @@ void AppDesk::Start() {
 
 void AppDesk::LoggedIn() {
   MakeShell();
+  AddSynchronising();
   EnsureDataFolder();
   if (words_.Task && Activate(*words_.Task))
     Open(WindowId::Digitizing);
@@ -68,6 +86,8 @@ void AppDesk::MakeShell() {
   QObject::connect(shell_.get(), &mdiHyetex::ExitChosen, [this] { EndProgram(); });
   QObject::connect(shell_.get(), &mdiHyetex::CloseChosen, [this] { CloseShell(); });
   QObject::connect(shell_.get(), &mdiHyetex::HelpChosen, [this] { ShowHelp(); });
+  QObject::connect(shell_.get(), &mdiHyetex::DefaultsChosen, [this] { Open(WindowId::ProgramDefaults); });
+  shell_->OfferDefaults();
   if (!ShellSize.isEmpty()) {
     shell_->resize(ShellSize);
     shell_->show();
@@ -109,7 +129,9 @@ void AppDesk::Open(WindowId id) {
 
 void AppDesk::Closed(WindowId id) {
   Flags.SetOpen(id, false);
+  QMdiSubWindow* before = nullptr;
   if (const QPointer<QMdiSubWindow> frame = frames_[id]) {
+    if (!ending_) before = FrameBefore(frame);
     frame->hide();
     frame->deleteLater();
   }
@@ -118,10 +140,20 @@ void AppDesk::Closed(WindowId id) {
 
   const auto isMain = [](const auto& entry) { return entry.second && IsMainWindow(entry.first); };
   const bool mainIsOpen = std::any_of(frames_.begin(), frames_.end(), isMain);
-  if (!mainIsOpen)
+  if (id == WindowId::Digitizing && std::exchange(backToTasks_, false))
+    Open(WindowId::Tasks);
+  else if (!mainIsOpen && (before == nullptr || Window(WindowId::MainMenu) == nullptr))
     Open(WindowId::MainMenu);
-  else if (Window(WindowId::Digitizing) != nullptr)
-    Open(id == WindowId::LargeView && Window(WindowId::Comment) ? WindowId::Comment : WindowId::Digitizing);
+  else if (before != nullptr)
+    shell_->Area().setActiveSubWindow(before);
+}
+
+QMdiSubWindow* AppDesk::FrameBefore(const QMdiSubWindow* closing) const {
+  const auto frames = shell_->Area().subWindowList(QMdiArea::ActivationHistoryOrder);
+  const auto found = std::find_if(frames.rbegin(), frames.rend(), [&](const QMdiSubWindow* frame) {
+    return frame != closing && frame->isVisible();
+  });
+  return found == frames.rend() ? nullptr : *found;
 }
 
 void AppDesk::OpenLargeView(const std::string& caption, const std::string& text) {
@@ -145,33 +177,40 @@ void AppDesk::EndProgram() {
 // A session that the operator would rather not lose keeps the program open.
 void AppDesk::CloseShell() {
   ending_ = true;
-  if (Window(WindowId::Digitizing)) frames_[WindowId::Digitizing]->close();
-  ending_ = Window(WindowId::Digitizing) == nullptr;
+  for (const WindowId asking : {WindowId::Digitizing, WindowId::Tasks, WindowId::Lists})
+    if (ending_ && Window(asking)) {
+      frames_[asking]->close();
+      ending_ = Window(asking) == nullptr;
+    }
   if (ending_) EndProgram();
 }
 
 bool AppDesk::Activate(int task) {
   auto chart = ActivateChart(program_.Folder, program_.Lists, task);
   if (!chart) return Tell(chart.error()), false;
-  if (const auto refusal = CheckTraceable(chart->Task)) return Tell(*refusal), false;
-  auto origin = OriginOfChart(program_.Lists, chart->Task, program_.User().Name);
+  if (words_.Tablet) chart->Tablet = *words_.Tablet;
+  return BeginChart(*std::move(chart),
+                    words_.Port.empty() ? SerialDevice(program_.Folder, FirstSerialPort) : words_.Port);
+}
+
+bool AppDesk::BeginChart(ActivatedChart chart, std::string device) {
+  if (const auto refusal = CheckTraceable(chart.Task)) return Tell(*refusal), false;
+  auto origin = OriginOfChart(program_.Lists, chart.Task, program_.User().Name);
   if (!origin) return Tell(origin.error()), false;
 
-  const int tablet = words_.Tablet.value_or(chart->Tablet);
-  Session session(TabletTypes()[static_cast<std::size_t>(tablet)].Extents, chart->ChartType, chart->Task,
+  Session session(TabletTypes()[static_cast<std::size_t>(chart.Tablet)].Extents, chart.ChartType, chart.Task,
                   Now());
   if (const auto refusal = CheckChartScales(session.Line.Scales())) return Tell(*refusal), false;
   program_.Active = std::make_shared<ActiveChart>(
-      ActiveChart{std::move(session), *std::move(origin), tablet,
-                  words_.Port.empty() ? SerialDevice(program_.Folder, FirstSerialPort) : words_.Port});
+      ActiveChart{std::move(session), *std::move(origin), chart.Tablet, std::move(device)});
   return true;
 }
 
 QWidget* AppDesk::MakeMainMenu() {
   return new frmInit(
-      *this, dialogs_, program_.Folder, program_.ConnectionText,
+      *this, dialogs_, program_.Folder, program_.Database.ConnectionText,
       {.Level = [this] { return program_.User().Level; },
-       .DatabaseOpens = [] { return false; },
+       .DatabaseOpens = [this] { return program_.Database.Opens(); },
        .AskForSource = [this] { return frmMessageBox(dialogs_, program_.User().Level, shell_.get()).Ask(); },
        .SetSource = [this](ChartSourceKind source) { program_.EditorSource = source; },
        .Help = [this] { ShowHelp(); }});
@@ -197,10 +236,17 @@ QWidget* AppDesk::MakeSave() {
 }
 
 QWidget* AppDesk::MakeComment() {
-  frmHyetex* digitizing = Digitizing();
-  if (digitizing == nullptr) return nullptr;
-  return new frmComment(*this, dialogs_, program_.Folder, program_.Lists.Comments,
-                        std::make_unique<SessionComments>(digitizing->Machine()));
+  std::unique_ptr<CommentTarget> target = std::move(commentTarget_);
+  if (frmHyetex* digitizing = Digitizing(); target == nullptr && digitizing != nullptr)
+    target = std::make_unique<SessionComments>(digitizing->Machine());
+  if (target == nullptr) return nullptr;
+  return new frmComment(*this, dialogs_, program_.Folder, program_.Lists.Comments, std::move(target));
+}
+
+void AppDesk::OpenComment(std::unique_ptr<CommentTarget> target) {
+  commentTarget_ = std::move(target);
+  Open(WindowId::Comment);
+  commentTarget_.reset();
 }
 
 QWidget* AppDesk::MakeLargeView() {

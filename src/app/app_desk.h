@@ -10,11 +10,14 @@
 #include <string>
 
 #include "app/program.h"
+#include "chartfiles/comment_target.h"
 #include "core/desk.h"
 #include "digitizing/windows/frmHyetex.h"
 #include "digitizing/windows/mdiHyetex.h"
 #include "platform/dialogs.h"
+#include "staging/activation.h"
 #include "staging/windows/frmLogin.h"
+#include "staging/windows/frmTaskDef.h"
 
 namespace hyetex {
 
@@ -45,16 +48,38 @@ class AppDesk : public Desk {
  private:
   using Factory = std::function<QWidget*()>;
 
+  // One room's windows each; what they need of one another is wired there.
+  void AddTaskWindows();        // task_windows.cpp
+  void AddListWindows();        // list_windows.cpp
+  void AddConnectionWindows();  // connection_windows.cpp
+  void AddLoadWindows();        // load_windows.cpp
+  void AddSynchronising();      // synchronising.cpp
+  void AddPopulateWindows();    // populate_windows.cpp
+
+  void SynchroniseStations();
+  /// Why that cannot be done now; empty if it can.
+  std::string WhyNotSynchronise();
+
+  QWidget* MakeTasks();
+  QWidget* MakeTaskDef();
+  QWidget* MakeLists();
+  QWidget* MakeProgramDefaults();
+
   QWidget* MakeMainMenu();
   QWidget* MakeDigitizing();
   QWidget* MakeSave();
   QWidget* MakeComment();
   QWidget* MakeLargeView();
 
+  /// The one that comes to the front when a window closes.
+  QMdiSubWindow* FrameBefore(const QMdiSubWindow* closing) const;
   void MakeShell();
   void EnsureDataFolder();
   /// Makes a staged chart the one to digitize; tells the operator why it cannot be.
   bool Activate(int task);
+  bool BeginChart(ActivatedChart chart, std::string device);
+  /// Opens the comment window for something other than a digitizing session.
+  void OpenComment(std::unique_ptr<CommentTarget> target);
   void CloseShell();
   void ShowHelp();
   void Tell(const std::string& text, BoxIcon icon = BoxIcon::Warning);
@@ -64,7 +89,10 @@ class AppDesk : public Desk {
   Dialogs& dialogs_;
   Program program_;
   std::map<WindowId, Factory> factories_;
-  std::string largeCaption_, largeText_;  // of the large view that is about to open
+  std::string largeCaption_, largeText_;          // of the large view that is about to open
+  std::unique_ptr<CommentTarget> commentTarget_;  // of the comment window that is about to open
+  TaskJob taskJob_;                               // of the task definition that is about to open
+  bool backToTasks_ = false;                      // once the digitizing window closes
   bool ending_ = false;
 
   QPointer<frmLogin> login_;

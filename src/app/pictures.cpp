@@ -1,13 +1,21 @@
 #include "app/pictures.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QPixmap>
 #include <QStyleFactory>
+#include <QTabBar>
+#include <QTableWidget>
 #include <QTemporaryDir>
+#include <QThread>
+#include <QTreeView>
+#include <QTreeWidget>
 #include <filesystem>
 
 #include "app/app_desk.h"
+#include "app/picture_database.h"
 #include "platform/qt_text.h"
+#include "staging/definitions.h"
 #include "staging/windows/frmMessageBox.h"
 
 namespace hyetex {
@@ -77,6 +85,36 @@ class Camera {
   std::string trouble_;
 };
 
+void TakeStaging(AppDesk& desk, Camera& camera) {
+  desk.Open(WindowId::Tasks);
+  QWidget* tasks = desk.Window(WindowId::Tasks);
+  if (auto* tree = tasks ? tasks->findChild<QTreeWidget*>("tvwStations") : nullptr)
+    for (QTreeWidgetItemIterator item(tree); *item != nullptr; ++item)
+      if ((*item)->text(0).contains(" - NM-Hill Farm")) tree->setCurrentItem(*item);
+  if (auto* grid = tasks ? tasks->findChild<QTableWidget*>("fgdTasks") : nullptr) grid->selectRow(0);
+  camera.Take(tasks, "frmTasks");
+  if (auto* change = tasks ? tasks->findChild<QPushButton*>("cmdChange") : nullptr) change->click();
+  camera.Take(desk.Window(WindowId::TaskDef), "frmTaskDef");
+  for (const WindowId id : {WindowId::TaskDef, WindowId::Tasks})
+    if (QWidget* window = desk.Window(id)) window->close();
+}
+
+void TakeLists(AppDesk& desk, Camera& camera) {
+  desk.Open(WindowId::Lists);
+  QWidget* lists = desk.Window(WindowId::Lists);
+  if (auto* tree = lists ? lists->findChild<QTreeWidget*>("tvwStations") : nullptr) {
+    tree->expandAll();
+    camera.Take(lists, "frmLists");
+    emit tree->customContextMenuRequested(tree->visualItemRect(tree->currentItem()).center());
+    camera.Take(&desk.ShellWindow()->Popup(), "mnuPop");
+    desk.ShellWindow()->Popup().close();
+  }
+  desk.Open(WindowId::ProgramDefaults);
+  camera.Take(desk.Window(WindowId::ProgramDefaults), "frmProgramDefaults");
+  for (const WindowId id : {WindowId::ProgramDefaults, WindowId::Lists})
+    if (QWidget* window = desk.Window(id)) window->close();
+}
+
 void TakeSession(AppDesk& desk, Camera& camera) {
   auto* digitizing = qobject_cast<frmHyetex*>(desk.Window(WindowId::Digitizing));
   camera.Take(digitizing, "frmHyetex");
@@ -102,6 +140,47 @@ void TakeSession(AppDesk& desk, Camera& camera) {
   }
 }
 
+void TakeConnections(AppDesk& desk, Camera& camera) {
+  const std::pair<WindowId, const char*> windows[] = {{WindowId::Connection, "frmODBCLogon"},
+                                                      {WindowId::Logon, "frmODBCLogon1"},
+                                                      {WindowId::CreateTable, "frmCreateTable"}};
+  for (const auto& [id, name] : windows) {
+    desk.Open(id);
+    camera.Take(desk.Window(id), name);
+    if (QWidget* window = desk.Window(id)) window->close();
+  }
+}
+
+void TakeLoading(AppDesk& desk, Camera& camera) {
+  desk.Open(WindowId::Load);
+  QWidget* load = desk.Window(WindowId::Load);
+  auto* tabs = load ? load->findChild<QTabBar*>("tspLR") : nullptr;
+  // Folders are read in the background, until the chosen one comes into sight.
+  auto* folders = load ? load->findChild<QTreeView*>("dirSource") : nullptr;
+  for (int i = 0; folders && i < 300; ++i) {
+    QThread::msleep(10);
+    QApplication::processEvents();
+    if (i > 10 && folders->viewport()->rect().intersects(folders->visualRect(folders->currentIndex()))) break;
+  }
+  if (auto* all = load ? load->findChild<QPushButton*>("cmdAll") : nullptr) all->click();
+  camera.Take(load, "frmLoad");
+  if (tabs) tabs->setCurrentIndex(1);
+  camera.Take(load, "frmLoad-extract");
+  if (load) load->close();
+}
+
+void TakePopulating(AppDesk& desk, Camera& camera) {
+  desk.Open(WindowId::PrePop);
+  camera.Take(desk.Window(WindowId::PrePop), "frmPrePop");
+  desk.Open(WindowId::Populate);
+  QWidget* populate = desk.Window(WindowId::Populate);
+  if (auto* instruments = populate ? populate->findChild<QComboBox*>("cboSelection") : nullptr)
+    instruments->setCurrentIndex(0);
+  camera.Take(populate, "frmPopulate");
+  for (const WindowId id : {WindowId::Populate, WindowId::PrePop})
+    if (QWidget* window = desk.Window(id)) window->close();
+}
+
 }  // namespace
 
 Result<void> TakePictures(const StartWords& words, const std::string& folder) {
@@ -116,6 +195,10 @@ Result<void> TakePictures(const StartWords& words, const std::string& folder) {
   QApplication::setStyle(QStyleFactory::create("Fusion"));
   QApplication::setFont(QFont("DejaVu Sans", 10));
   NobodyThere dialogs;
+  if (auto made = MakePictureDatabase(copy, dialogs); !made) return made;
+  // The search for the tablet leaves the machine's own ports alone.
+  for (const char* port : {"SerialPort1", "SerialPort2"}) (void)SetDefinition(copy, port, "none");
+  (void)SetDefinition(copy, "frmLoad-Source", copy + "/Data");
   Camera camera(folder);
   StartWords onCopy = words;
   onCopy.Folder = copy;
@@ -131,6 +214,12 @@ Result<void> TakePictures(const StartWords& words, const std::string& folder) {
     frmMessageBox question(dialogs, 1, desk.ShellWindow());
     question.show();
     camera.Take(&question, "frmMessageBox");
+    question.close();
+    TakeLists(desk, camera);
+    TakeStaging(desk, camera);
+    TakeConnections(desk, camera);
+    TakeLoading(desk, camera);
+    TakePopulating(desk, camera);
   }
   if (words.Task) {
     onCopy.Task = words.Task;

@@ -5,11 +5,15 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "chartfiles/chart_text.h"
 #include "core/session.h"
+#include "database/computation.h"
+#include "database/plot_db.h"
 #include "staging/lists.h"
 #include "staging/main_menu.h"
+#include "staging/staging_area.h"
 
 namespace hyetex {
 
@@ -30,10 +34,15 @@ struct ActiveChart {
 };
 
 struct Program {
+  Program(std::string folder, Dialogs& dialogs) : Folder(std::move(folder)), Database(Folder, dialogs) {}
+
   std::string Folder;
   ReferenceLists Lists;
   std::int16_t CurrentUser = 0;
-  std::string ConnectionText;
+  StagingArea Staging;            ///< the staged charts, while frmTasks is open
+  std::int16_t CurrentChart = 0;  ///< the default chart type; the setting CurrentChart keeps it
+  HyetexPlotDB Database;
+  ComputationVariables Computation;
   ChartSourceKind EditorSource = ChartSourceKind::HardDrive;
   std::shared_ptr<ActiveChart> Active;  ///< kept alive by the windows that work on it
 

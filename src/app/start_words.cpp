@@ -49,7 +49,7 @@ Result<CommandLine> ReadCommandLine(std::span<const std::string> words) {
 }
 
 std::string CommandLineHelp() {
-  return "usage: hyetex [--folder DIR] [--task N [--tablet T] [--port DEVICE]]\n\nDigitizes rainfall strip "
+  return "usage: hyetex [--folder DIR] [--task N] [--tablet T] [--port DEVICE]\n\nDigitizes rainfall strip "
          "charts.\n\n" +
          OptionLines(Options);
 }

@@ -1,10 +1,15 @@
 #include "platform/qt_dialogs.h"
 
 #include <QApplication>
+#include <QCheckBox>
+#include <QDialogButtonBox>
 #include <QFileDialog>
+#include <QGridLayout>
 #include <QInputDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
+#include <QVBoxLayout>
 
 #include "platform/qt_text.h"
 
@@ -52,6 +57,11 @@ BoxAnswer QtDialogs::MessageBox(const std::string& title, const std::string& tex
                                 BoxIcon icon) {
   QMessageBox box(IconOf(icon), ToQt(title), ToQt(text), ButtonsOf(buttons), QApplication::activeWindow());
   box.setTextFormat(Qt::PlainText);
+  // As wide as its title, with what a frame puts around that.
+  if (auto* layout = qobject_cast<QGridLayout*>(box.layout())) {
+    const int width = box.fontMetrics().horizontalAdvance(box.windowTitle()) + 8 * box.fontMetrics().height();
+    layout->addItem(new QSpacerItem(width, 0), layout->rowCount(), 0, 1, layout->columnCount());
+  }
   switch (box.exec()) {
     case QMessageBox::Yes:
       return BoxAnswer::Yes;
@@ -77,6 +87,40 @@ std::optional<std::string> QtDialogs::InputBox(const std::string& title, const s
   box.resize(qMax(420, box.sizeHint().width()), box.sizeHint().height());
   if (box.exec() != QDialog::Accepted) return std::nullopt;
   return FromQt(box.textValue());
+}
+
+std::optional<std::string> QtDialogs::PasswordBox(const std::string& title, const std::string& prompt,
+                                                  const std::string& initial) {
+  QDialog box(QApplication::activeWindow());
+  box.setWindowTitle(ToQt(title));
+  auto* label = new QLabel(ToQt(prompt));
+  label->setTextFormat(Qt::PlainText);
+  label->setWordWrap(true);
+  auto* typed = new QLineEdit(ToQt(initial));
+  label->setBuddy(typed);
+  typed->setEchoMode(QLineEdit::Password);
+  typed->selectAll();
+  // What one types oneself may be looked at; what is stored may not.
+  auto* show = new QCheckBox(QObject::tr("&Show what is typed"));
+  show->setEnabled(initial.empty());
+  QObject::connect(typed, &QLineEdit::textEdited, show, [=](const QString& text) {
+    if (show->isEnabled() || text.size() > 1) return;
+    show->setEnabled(true);
+    typed->setText(text);  // and no way back to what was stored
+  });
+  QObject::connect(show, &QCheckBox::toggled, typed,
+                   [=](bool shown) { typed->setEchoMode(shown ? QLineEdit::Normal : QLineEdit::Password); });
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+  QObject::connect(buttons, &QDialogButtonBox::accepted, &box, &QDialog::accept);
+  QObject::connect(buttons, &QDialogButtonBox::rejected, &box, &QDialog::reject);
+  auto* all = new QVBoxLayout(&box);
+  for (QWidget* part : {static_cast<QWidget*>(label), static_cast<QWidget*>(typed),
+                        static_cast<QWidget*>(show), static_cast<QWidget*>(buttons)})
+    all->addWidget(part);
+  typed->setFocus();
+  box.resize(qMax(420, box.sizeHint().width()), box.sizeHint().height());
+  if (box.exec() != QDialog::Accepted) return std::nullopt;
+  return FromQt(typed->text());
 }
 
 std::optional<std::string> QtDialogs::ChooseFolder(const std::string& title, const std::string& start) {

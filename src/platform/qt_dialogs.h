@@ -13,6 +13,8 @@ class QtDialogs : public Dialogs {
                        BoxIcon icon) override;
   std::optional<std::string> InputBox(const std::string& title, const std::string& prompt,
                                       const std::string& initial) override;
+  std::optional<std::string> PasswordBox(const std::string& title, const std::string& prompt,
+                                         const std::string& initial) override;
   std::optional<std::string> ChooseFolder(const std::string& title, const std::string& start) override;
   std::optional<std::string> ChooseFileToSave(const std::string& title, const std::string& start) override;
 };

@@ -1,4 +1,5 @@
 // The boxes on the screen.
+#include <QCheckBox>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -45,6 +46,30 @@ TEST(Dialogs, ShowsTextsAsTheyAreAndAnswersByButtonAndEscape) {
     WhenShown([](QWidget& box) { QTest::keyClick(&box, Qt::Key_Escape); });
     EXPECT_EQ(dialogs.MessageBox("", "?", buttons, BoxIcon::None), answer);
   }
+}
+
+TEST(Dialogs, ShowsWhatIsTypedAsAPasswordButNeverTheStoredOne) {
+  QtDialogs dialogs;
+  WhenShown([](QWidget& box) {
+    auto* line = box.findChild<QLineEdit*>();
+    auto* show = box.findChild<QCheckBox*>();
+    ASSERT_TRUE(line != nullptr && show != nullptr);
+    EXPECT_EQ(line->echoMode(), QLineEdit::Password);
+    EXPECT_EQ(line->text(), "stored");
+    EXPECT_FALSE(show->isEnabled());
+    line->deselect();
+    QTest::keyClicks(line, "x");
+    EXPECT_FALSE(show->isEnabled()) << "the stored one is still there";
+    line->selectAll();
+    QTest::keyClicks(line, "new");
+    show->click();
+    EXPECT_EQ(line->echoMode(), QLineEdit::Normal);
+    line->undo();
+    EXPECT_FALSE(line->text().contains("stored"));
+    line->setText("new");
+    QTest::keyClick(line, Qt::Key_Return);
+  });
+  EXPECT_EQ(dialogs.PasswordBox("Title", "Prompt", "stored"), "new");
 }
 
 TEST(Dialogs, TellsACancelledInputFromAnEmptyOne) {

@@ -82,21 +82,39 @@ TEST_F(Login, EndsProgramWhenCancelledOrClosedAndRemembersTheName) {
   }
 }
 
-// The one user of an empty list may do everything, so damage must not look like a new installation.
-TEST_F(Login, LetsNobodyInOnDamagedListsUntilTheyAreMended) {
+TEST_F(Login, TellsOfDamagedListsAndAdmitsAnyNameWithFewRights) {
   const std::string whole = ReadFile(folder_ / "lists.dat");
   WriteFile(folder_ / "lists.dat", std::string(512, '\xFF'));
+  Open();
+  EXPECT_TRUE(Find<QLabel>(*window_, "labNotice").text().contains("kept as lists.dat.bak-"));
+  UserName().setEditText("Zoe");
+  Click(*window_, "cmdOK");
+  EXPECT_TRUE(desk_.IsLoggedIn);
+  ASSERT_EQ(user_, 0);
+  EXPECT_EQ(lists_.Users[0].Name, "Zoe");
+  EXPECT_EQ(lists_.Users[0].Level, 10);
+
+  desk_.IsLoggedIn = false;
+  Open();
+  WriteFile(folder_ / "lists.dat", whole);  // mended while the login is open
+  UserName().setEditText("Zoe");
+  Click(*window_, "cmdOK");
+  EXPECT_FALSE(desk_.IsLoggedIn);
+  UserName().setEditText("Anna");
+  Password().setText("Secret");
+  Click(*window_, "cmdOK");
+  EXPECT_TRUE(desk_.IsLoggedIn);
+}
+
+// The one user of an empty list may do everything, so trouble must not look like a new installation.
+TEST_F(Login, LetsNobodyInWhileTheListsCannotBeReadAtAll) {
+  std::filesystem::remove(folder_ / "lists.dat");
+  std::filesystem::create_directory(folder_ / "lists.dat");
   Open();
   Click(*window_, "cmdOK");
   ASSERT_EQ(dialogs_.Boxes.size(), 1U);
   EXPECT_EQ(dialogs_.Boxes[0].Icon, BoxIcon::Critical);
   EXPECT_FALSE(desk_.IsLoggedIn);
-
-  WriteFile(folder_ / "lists.dat", whole);
-  UserName().setEditText("Anna");
-  Password().setText("Secret");
-  Click(*window_, "cmdOK");
-  EXPECT_TRUE(desk_.IsLoggedIn);
 }
 
 TEST_F(Login, LetsTheFirstUserOfANewInstallationIn) {

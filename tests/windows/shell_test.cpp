@@ -44,6 +44,7 @@ TEST(Shell, HasItsMenusInOrder) {
             "mnuView View\n  mnuToolBox ToolBox\n  mnuPoints Digitation Points\n  mnuAutoZoom Auto Zoom\n"
             "mnuDEf Definitions\n  mnuParameter Reset Digitation's Parameter\n  mnuAngle Page Angle\n"
             "  mnuVertical Vertical Scale\n  mnuHorizontal Horizontal Scale\n"
+            "  mnuDefaults Program Defaults...\n"
             "mnuTools Edit\n  mnuErase Erase Last Point\n  mnuSegment New Segment\n  mnuLevel Level a Point\n"
             "  mnuAlpha Toggle Alpha Sign\n  mnuGap Toggle Data Gap\n  mnuComment Add a Comment\n"
             "  mnuRecovered Toggle Recovered Sign\n  mnuAppend Attach Additional Strip Chart\n"

@@ -6,6 +6,7 @@
 #include "core/dates.h"
 #include "core/numbers.h"
 #include "core/text.h"
+#include "platform/qt_dates.h"
 #include "platform/qt_surface.h"
 #include "platform/qt_text.h"
 
@@ -14,17 +15,6 @@ namespace {
 
 constexpr const char* SavingTitle = "Saving the digitation";
 constexpr int BlinkMilliseconds = 500;
-
-QDate ToQDate(Date date) {
-  const CalendarTime at = ToCalendar(date);
-  return {at.Year, at.Month, at.Day};
-}
-QTime ToQTime(Date date) {
-  const CalendarTime at = ToCalendar(date);
-  return {at.Hour, at.Minute, at.Second};
-}
-Date FromQDate(QDate date) { return MakeDate(date.year(), date.month(), date.day()); }
-Date FromQTime(QTime time) { return time.msecsSinceStartOfDay() / 86'400'000.0; }
 
 Rgb ToRgb(const QColor& colour) { return {colour.red(), colour.green(), colour.blue()}; }
 

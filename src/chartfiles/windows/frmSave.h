@@ -52,7 +52,6 @@ class frmSave : public FormWindow, public FocusListener {
   void AddChoices(QGridLayout& layout);
   void AddRow(QGridLayout& layout, const char* caption, QWidget* buddy, QWidget* shown = nullptr);
   QWidget* MakeButtons();
-  QLabel* MakeLabel(const QString& caption, QWidget* buddy);
   QWidget* MakeStepped(QLineEdit*& box, const char* name, double step, std::optional<double> lowest);
   void SetTabOrder();
 

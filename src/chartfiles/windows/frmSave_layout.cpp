@@ -3,19 +3,11 @@
 #include <QVBoxLayout>
 
 #include "chartfiles/windows/frmSave.h"
+#include "platform/controls.h"
+#include "platform/qt_dates.h"
 #include "platform/qt_text.h"
-#include "platform/up_down.h"
 
 namespace hyetex {
-namespace {
-
-template <typename Control>
-Control* Named(Control* control, const char* name) {
-  control->setObjectName(QString::fromLatin1(name));
-  return control;
-}
-
-}  // namespace
 
 void frmSave::MakeLayout() {
   txtPrompt = Named(new QPlainTextEdit, "txtPrompt");
@@ -47,7 +39,7 @@ void frmSave::MakeLayout() {
   txtComment = Named(new QLineEdit, "txtComment");
   txtComment->installEventFilter(this);
   auto* comment = new QHBoxLayout;
-  comment->addWidget(MakeLabel("Digiti&zer Comment:", txtComment));
+  comment->addWidget(LabelOf("Digiti&zer Comment:", txtComment));
   comment->addWidget(txtComment);
 
   auto* layout = new QVBoxLayout(this);
@@ -58,31 +50,16 @@ void frmSave::MakeLayout() {
   SetTabOrder();
 }
 
-QLabel* frmSave::MakeLabel(const QString& caption, QWidget* buddy) {
-  auto* label = new QLabel(caption);
-  label->setBuddy(buddy);
-  return label;
-}
-
 QWidget* frmSave::MakeStepped(QLineEdit*& box, const char* name, double step, std::optional<double> lowest) {
-  box = new QLineEdit;
-  box->setObjectName(QString("txt") + name);
-  box->setMinimumWidth(fontMetrics().horizontalAdvance("00000000"));
-  auto* udn = new UpDown(
-      box, [step, lowest](std::string_view text, int way) { return StepNumber(text, step * way, lowest); });
-  udn->setObjectName(QString("udn") + name);
-  auto* both = new QWidget;
-  auto* layout = new QHBoxLayout(both);
-  layout->setContentsMargins(0, 0, 0, 0);
-  layout->setSpacing(2);
-  layout->addWidget(box);
-  layout->addWidget(udn);
-  return both;
+  box = Named(new QLineEdit, QByteArray("txt").append(name).constData());
+  return WithArrows(
+      box, QByteArray("udn").append(name).constData(),
+      [step, lowest](std::string_view text, int way) { return StepNumber(text, step * way, lowest); });
 }
 
 void frmSave::AddRow(QGridLayout& layout, const char* caption, QWidget* buddy, QWidget* shown) {
   const int row = layout.rowCount();
-  layout.addWidget(MakeLabel(caption, buddy), row, 0);
+  layout.addWidget(LabelOf(caption, buddy), row, 0);
   layout.addWidget(shown != nullptr ? shown : buddy, row, 1);
 }
 
@@ -90,13 +67,13 @@ void frmSave::AddDetails(QGridLayout& layout) {
   const auto dates = [&](QDateEdit*& date, const char* dateName, const char* dateCaption, QTimeEdit*& time,
                          const char* timeName, const char* timeCaption) {
     date = Named(new QDateEdit, dateName);
-    date->setMinimumDate(QDate(100, 1, 1));
-    date->setDisplayFormat("dd/MM/yyyy");
+    date->setMinimumDate(FirstBoxDate);
+    date->setDisplayFormat(DateBoxForm);
     date->setCalendarPopup(true);
     connect(date, &QDateEdit::dateChanged, this, &frmSave::MarkPendingDetails);
     AddRow(layout, dateCaption, date);
     time = Named(new QTimeEdit, timeName);
-    time->setDisplayFormat("HH:mm:ss");
+    time->setDisplayFormat(TimeBoxForm);
     connect(time, &QTimeEdit::timeChanged, this, &frmSave::MarkPendingDetails);
     AddRow(layout, timeCaption, time);
   };

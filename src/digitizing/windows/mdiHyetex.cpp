@@ -61,6 +61,13 @@ void mdiHyetex::AddToolItem(const char* name, const char* caption, int tool) {
   if (tool == tool::Erase) item->setShortcut(QKeySequence::Delete);
 }
 
+void mdiHyetex::AddPopupItem(const char* name, PopupCommand PopupCommands::*command) {
+  AddItem(mnuPop, name, "", [this, command] {
+    const auto run = (popup_.*command).Run;  // a copy, since it may show the menu anew
+    if (popupOwner_ && run) run();
+  });
+}
+
 void mdiHyetex::MakeMenus() {
   const auto tell = [this](void (*command)(SessionCommands&)) {
     return [this, command] {
@@ -82,11 +89,14 @@ void mdiHyetex::MakeMenus() {
   mnuPoints->setCheckable(true);
   AddItem(mnuView, "mnuAutoZoom", "&Auto Zoom", tell([](SessionCommands& c) { c.AutoZoom(); }));
 
-  mnuDEf = AddMenu("mnuDEf", "&Definitions");
+  // Without a letter: windows need them all. F10 and the arrow keys lead here.
+  mnuDEf = AddMenu("mnuDEf", "Definitions");
   AddItem(mnuDEf, "mnuParameter", "&Reset Digitation's Parameter");
   mnuAngle = AddItem(mnuDEf, "mnuAngle", "Page &Angle");
   mnuVertical = AddItem(mnuDEf, "mnuVertical", "&Vertical Scale");
   mnuHorizontal = AddItem(mnuDEf, "mnuHorizontal", "&Horizontal Scale");
+  mnuDefaults = AddItem(mnuDEf, "mnuDefaults", "&Program Defaults...", [this] { emit DefaultsChosen(); });
+  mnuDefaults->setVisible(false);
 
   mnuTools = AddMenu("mnuTools", "&Edit");
   AddToolItem("mnuErase", "&Erase Last Point", tool::Erase);
@@ -100,14 +110,13 @@ void mdiHyetex::MakeMenus() {
 
   mnuPop = new QMenu(this);
   mnuPop->setObjectName("mnuPop");
-  AddItem(mnuPop, "mnuPopChange", "&Change");
-  AddItem(mnuPop, "mnuPopAdd", "&Add");
-  AddItem(mnuPop, "mnuPopDelete", "&Delete");
+  AddPopupItem("mnuPopChange", &PopupCommands::Change);
+  AddPopupItem("mnuPopAdd", &PopupCommands::Add);
+  AddPopupItem("mnuPopDelete", &PopupCommands::Delete);
 
   mnuFix = menuBar()->addAction(tr("S&yncronize Stations Lists"));
   mnuFix->setObjectName("mnuFix");
   mnuFix->setEnabled(false);
-  mnuFix->setToolTip(tr("This command comes with a later version."));
 
   auto* help = new QAction(this);
   help->setObjectName("actHelp");
@@ -136,14 +145,35 @@ void mdiHyetex::MakeStatusBar() {
 
 void mdiHyetex::Digitizing(SessionCommands& commands) {
   commands_ = &commands;
-  for (QAction* item : {mnuNew, mnuSave}) item->setEnabled(true);
-  for (QMenu* menu : {mnuDEf, mnuView, mnuTools}) menu->menuAction()->setVisible(true);
+  ShowSessionMenus(true);
 }
 
 void mdiHyetex::NotDigitizing() {
   commands_ = nullptr;
-  for (QAction* item : {mnuNew, mnuSave}) item->setEnabled(false);
-  for (QMenu* menu : {mnuDEf, mnuView, mnuTools}) menu->menuAction()->setVisible(false);
+  ShowSessionMenus(false);
+}
+
+void mdiHyetex::ShowSessionMenus(bool shown) {
+  for (QAction* item : {mnuNew, mnuSave}) item->setEnabled(shown);
+  for (QMenu* menu : {mnuView, mnuTools}) menu->menuAction()->setVisible(shown);
+  for (QAction* item : mnuDEf->actions())
+    if (item != mnuDefaults) item->setVisible(shown);
+  mnuDEf->menuAction()->setVisible(shown || mnuDefaults->isVisible());
+}
+
+void mdiHyetex::OfferDefaults() {
+  mnuDefaults->setVisible(true);
+  ShowSessionMenus(commands_ != nullptr);
+}
+
+void mdiHyetex::ShowPopup(QWidget& owner, const QPoint& at, PopupCommands commands) {
+  popupOwner_ = &owner;
+  popup_ = std::move(commands);
+  const std::pair<const char*, PopupCommand*> items[] = {
+      {"mnuPopChange", &popup_.Change}, {"mnuPopAdd", &popup_.Add}, {"mnuPopDelete", &popup_.Delete}};
+  for (const auto& [name, command] : items)
+    mnuPop->findChild<QAction*>(name)->setText("&" + ToQt(command->Caption));
+  mnuPop->popup(at);
 }
 
 void mdiHyetex::ShowScales(const ScaleCaptions& captions) {

@@ -13,10 +13,11 @@
 #include <functional>
 
 #include "digitizing/shell_commands.h"
+#include "platform/popup_menu.h"
 
 namespace hyetex {
 
-class mdiHyetex : public QMainWindow, public Shell {
+class mdiHyetex : public QMainWindow, public Shell, public PopupMenu {
   Q_OBJECT
 
  public:
@@ -26,6 +27,7 @@ class mdiHyetex : public QMainWindow, public Shell {
   QMdiArea& Area() { return *area_; }
   QMenu& Popup() { return *mnuPop; }           ///< of the lists, with its three commands
   QProgressBar& Think() { return *prbThink; }  ///< hidden while nothing takes long
+  QAction& Fix() { return *mnuFix; }           ///< disabled until there are stations to synchronise
 
   void Digitizing(SessionCommands& commands) override;
   void NotDigitizing() override;
@@ -35,10 +37,15 @@ class mdiHyetex : public QMainWindow, public Shell {
   std::string PanelText(int panel) const override;
   int ClientHeight() const override;
 
+  void ShowPopup(QWidget& owner, const QPoint& at, PopupCommands commands) override;
+  /// From now on the Definitions menu has its last entry, and so is there without a session too.
+  void OfferDefaults();
+
  signals:
   void ExitChosen();   ///< the menu's: the program ends at once
   void CloseChosen();  ///< the frame's own: what is not saved is asked about first
   void HelpChosen();
+  void DefaultsChosen();
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -50,15 +57,19 @@ class mdiHyetex : public QMainWindow, public Shell {
   QAction* AddItem(QMenu* menu, const char* name, const char* caption, std::function<void()> run = {});
   void AddToolItem(const char* name, const char* caption, int tool);
   void MakeMenus();
+  void ShowSessionMenus(bool shown);
+  void AddPopupItem(const char* name, PopupCommand PopupCommands::*command);
   void MakeStatusBar();
   void TellFocus();
 
   QMdiArea* area_;
   SessionCommands* commands_ = nullptr;
   QPointer<QWidget> focused_;
+  PopupCommands popup_;
+  QPointer<QWidget> popupOwner_;
 
   QMenu *mnuFile, *mnuView, *mnuDEf, *mnuTools, *mnuPop;
-  QAction *mnuNew, *mnuSave, *mnuPoints, *mnuAngle, *mnuVertical, *mnuHorizontal, *mnuFix;
+  QAction *mnuNew, *mnuSave, *mnuPoints, *mnuAngle, *mnuVertical, *mnuHorizontal, *mnuDefaults, *mnuFix;
   std::array<QLabel*, 4> panels_;
   QProgressBar* prbThink;
 };

@@ -5,6 +5,7 @@
 #include <QVBoxLayout>
 
 #include "core/files.h"
+#include "platform/odbc/connection_text.h"
 #include "platform/qt_text.h"
 #include "platform/shell.h"
 #include "staging/definitions.h"
@@ -94,7 +95,9 @@ void frmInit::MakeLayout() {
   all->addStretch();
 }
 
-void frmInit::ShowConnection() { labDataBase->setText(ToQt(connectionText_)); }
+void frmInit::ShowConnection(std::string_view before) {
+  labDataBase->setText(ToQt(std::string(before) + ShownConnection(connectionText_)));
+}
 
 void frmInit::Run(const MenuCommand& command) {
   if (const auto refusal = CheckRight(command.Needs, services_.Level())) {

@@ -29,8 +29,8 @@ class frmInit : public FormWindow {
   frmInit(Desk& desk, Dialogs& dialogs, const std::string& programFolder, std::string& connectionText,
           MainMenuServices services, QWidget* parent = nullptr);
 
-  /// Writes the database source into its label.
-  void ShowConnection();
+  /// Writes the database source into its label, without its password, with `before` in front.
+  void ShowConnection(std::string_view before = {});
 
  private:
   QPushButton* MakeButton(const MenuCommand& command);

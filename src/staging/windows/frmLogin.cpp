@@ -3,12 +3,12 @@
 #include <QCloseEvent>
 #include <QFormLayout>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QShortcut>
 #include <QVBoxLayout>
 
 #include "platform/qt_text.h"
 #include "staging/definitions.h"
+#include "staging/list_recovery.h"
 #include "staging/login.h"
 
 namespace hyetex {
@@ -29,6 +29,7 @@ frmLogin::frmLogin(Desk& desk, Dialogs& dialogs, std::string programFolder, Refe
       currentUser_(currentUser),
       txtUserName(new QComboBox),
       txtPassword(new QLineEdit),
+      labNotice(new QLabel),
       cmdOK(new QPushButton(tr("&OK"))),
       cmdCancel(new QPushButton(tr("&Cancel"))) {
   setObjectName("frmLogin");
@@ -76,6 +77,12 @@ void frmLogin::MakeLayout() {
   buttons->addWidget(cmdOK);
   buttons->addWidget(cmdCancel);
   auto* all = new QVBoxLayout(this);
+  labNotice->setObjectName("labNotice");
+  labNotice->setTextFormat(Qt::PlainText);
+  labNotice->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  labNotice->setWordWrap(true);
+  labNotice->setMinimumWidth(fontMetrics().averageCharWidth() * 64);
+  all->addWidget(labNotice);
   all->addLayout(fields);
   all->addStretch();
   all->addSpacing(12);
@@ -84,26 +91,30 @@ void frmLogin::MakeLayout() {
 }
 
 bool frmLogin::ReadUsers() {
-  auto lists = ReadLists(programFolder_);
-  if (!lists) {
-    trouble_ = lists.error();
-    return false;
-  }
-  trouble_.clear();
-  lists_ = std::move(*lists);
+  auto read = RecoverLists(programFolder_);
+  trouble_ = read ? read->Notice : read.error();
+  nobodyIsKnown_ = read && read->NobodyIsKnown;
+  labNotice->setText(ToQt(trouble_));
+  labNotice->setVisible(!trouble_.empty());
+  if (!read) return false;
+  lists_ = std::move(read->Lists);
   const QString typed = txtUserName->currentText();
   txtUserName->clear();
-  for (const UserRecord& user : lists_.Users) txtUserName->addItem(ToQt(user.Name));
+  if (!nobodyIsKnown_)
+    for (const UserRecord& user : lists_.Users) txtUserName->addItem(ToQt(user.Name));
   txtUserName->setEditText(typed);
   return true;
 }
 
 void frmLogin::Ok() {
+  // The file may have been mended since.
   if (!trouble_.empty() && !ReadUsers()) {
     dialogs_.MessageBox(Title, trouble_, BoxButtons::Ok, BoxIcon::Critical);
     return;
   }
-  const auto user = CheckLogin(lists_.Users, FromQt(txtUserName->currentText()), FromQt(txtPassword->text()));
+  const std::string name = FromQt(txtUserName->currentText()), password = FromQt(txtPassword->text());
+  if (nobodyIsKnown_ && !name.empty()) AdmitByName(lists_, name, password);
+  const auto user = CheckLogin(lists_.Users, name, password);
   if (!user) {
     dialogs_.MessageBox(Title, std::string(LoginFaultText(user.error())), BoxButtons::Ok, BoxIcon::Warning);
     if (user.error() == LoginFault::WrongPassword)

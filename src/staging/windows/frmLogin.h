@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QWidget>
@@ -28,7 +29,8 @@ class frmLogin : public QWidget {
 
  private:
   void MakeLayout();
-  /// Nobody gets in on lists that cannot be read, since the one user of an empty list may do everything.
+  /// Nobody gets in while the file cannot be read at all, since the one user of an empty list may do
+  /// everything. What is damaged in it is shown.
   bool ReadUsers();
   void Ok();
 
@@ -37,11 +39,13 @@ class frmLogin : public QWidget {
   const std::string programFolder_;
   ReferenceLists& lists_;
   std::int16_t& currentUser_;
-  std::string trouble_;  // why the lists cannot be read
+  std::string trouble_;  // why the lists cannot be read, or not all of them
+  bool nobodyIsKnown_ = false;
   bool loggedIn_ = false;
 
   QComboBox* txtUserName;
   QLineEdit* txtPassword;
+  QLabel* labNotice;
   QPushButton *cmdOK, *cmdCancel;
 };
 

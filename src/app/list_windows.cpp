@@ -1,0 +1,39 @@
+// The lists manager and the program's defaults.
+#include <QListWidget>
+
+#include "app/app_desk.h"
+#include "core/numbers.h"
+#include "staging/definitions.h"
+#include "staging/list_recovery.h"
+#include "staging/windows/frmLists.h"
+#include "staging/windows/frmProgramDefaults.h"
+
+namespace hyetex {
+
+void AppDesk::AddListWindows() {
+  factories_[WindowId::Lists] = [this] { return MakeLists(); };
+  factories_[WindowId::ProgramDefaults] = [this] { return MakeProgramDefaults(); };
+}
+
+QWidget* AppDesk::MakeLists() {
+  if (const auto read = RereadLists(program_.Folder, program_.Lists, program_.CurrentUser); !read)
+    Tell(read.error());
+  return new frmLists(*this, dialogs_, program_.Folder, program_.Lists, program_.CurrentUser,
+                      {.Popup = *shell_,
+                       .ConnectionText = [this] { return program_.Database.ConnectionText; },
+                       .Synchronise = [this] { SynchroniseStations(); }});
+}
+
+QWidget* AppDesk::MakeProgramDefaults() {
+  // While the charts are being staged, their window knows the present one.
+  if (Window(WindowId::Tasks) == nullptr)
+    program_.CurrentChart = LeadingInt16(GetDefinition(program_.Folder, "CurrentChart"));
+  return new frmProgramDefaults(*this, dialogs_, program_.Folder, program_.Lists, program_.CurrentChart,
+                                [this] {
+                                  if (QWidget* tasks = Window(WindowId::Tasks))
+                                    if (auto* types = tasks->findChild<QListWidget*>("lstChartType"))
+                                      types->setCurrentRow(program_.CurrentChart);
+                                });
+}
+
+}  // namespace hyetex

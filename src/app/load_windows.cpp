@@ -1,0 +1,13 @@
+// The window that loads chart files into the database and extracts them.
+#include "app/app_desk.h"
+#include "database/windows/frmLoad.h"
+
+namespace hyetex {
+
+void AppDesk::AddLoadWindows() {
+  factories_[WindowId::Load] = [this] {
+    return new frmLoad(*this, dialogs_, program_.Folder, program_.Lists, program_.Database);
+  };
+}
+
+}  // namespace hyetex

@@ -1,0 +1,56 @@
+// The menu entry that brings the station list and the database in line.
+#include "database/synchronising.h"
+
+#include <QApplication>
+
+#include "app/app_desk.h"
+#include "database/windows/frmLoad.h"
+#include "platform/qt_text.h"
+#include "staging/definitions.h"
+#include "staging/list_editor.h"
+#include "staging/windows/frmLists.h"
+
+namespace hyetex {
+
+void AppDesk::AddSynchronising() {
+  std::string& text = program_.Database.ConnectionText;
+  if (text.empty()) text = GetDefinition(program_.Folder, DatabaseNameKey);
+
+  QAction& command = shell_->Fix();
+  QObject::connect(&command, &QAction::triggered, shell_.get(), [this] { SynchroniseStations(); });
+  // What stands in its way comes and goes with windows, and a window that comes or goes moves the focus.
+  const auto look = [this] {
+    if (ending_) return;
+    const std::string why = WhyNotSynchronise();
+    shell_->Fix().setEnabled(why.empty());
+    shell_->Fix().setToolTip(ToQt(why));
+  };
+  QObject::connect(qApp, &QApplication::focusChanged, shell_.get(), look);
+  QObject::connect(&shell_->Area(), &QMdiArea::subWindowActivated, shell_.get(), look);
+  look();
+}
+
+std::string AppDesk::WhyNotSynchronise() {
+  if (!CanReadStations(program_.Database.ConnectionText)) return "Select a database in the Main Menu first.";
+  // They hold charts by the places of their stations in the list, and show the stations that there were.
+  for (const WindowId holder : {WindowId::Tasks, WindowId::TaskDef, WindowId::Digitizing})
+    if (Window(holder) != nullptr) return "Return to the Main Menu first: charts are being staged.";
+  return {};
+}
+
+void AppDesk::SynchroniseStations() {
+  if (!WhyNotSynchronise().empty()) return;
+  auto* load = qobject_cast<frmLoad*>(Window(WindowId::Load));
+  auto* manager = qobject_cast<frmLists*>(Window(WindowId::Lists));
+  if (manager != nullptr && !manager->SaveBeforeReading()) return;
+  if (load != nullptr) load->ReadUnMappedStations();
+  // On a connection of its own: a window may stand on a row of the program's.
+  HyetexPlotDB database(program_.Folder, dialogs_);
+  database.ConnectionText = program_.Database.ConnectionText;
+  const Synchronised done = Synchronise(database, program_.Lists, program_.Folder, dialogs_);
+  if (done == Synchronised::Not) return;
+  if (load != nullptr) load->UpdateList();
+  if (manager != nullptr) manager->StationsRead(done == Synchronised::Saved);
+}
+
+}  // namespace hyetex

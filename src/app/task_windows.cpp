@@ -1,0 +1,64 @@
+// The staging area's windows, and the way from a staged chart into the digitizing session.
+#include "app/app_desk.h"
+#include "app/task_comments.h"
+#include "chartfiles/empty_form.h"
+#include "platform/serial_devices.h"
+#include "staging/list_recovery.h"
+#include "staging/windows/frmTaskDef.h"
+#include "staging/windows/frmTasks.h"
+
+namespace hyetex {
+
+void AppDesk::AddTaskWindows() {
+  factories_[WindowId::Tasks] = [this] { return MakeTasks(); };
+  factories_[WindowId::TaskDef] = [this] { return MakeTaskDef(); };
+}
+
+QWidget* AppDesk::MakeTasks() {
+  if (const auto read = RereadLists(program_.Folder, program_.Lists, program_.CurrentUser); !read)
+    Tell(read.error());
+
+  const auto details = [this](const ChartRecord& task, bool isNew, const std::string& station, auto store) {
+    auto* staging = qobject_cast<frmTasks*>(Window(WindowId::Tasks));
+    staging->EnableStaging(false);
+    taskJob_ = {isNew ? TaskJob::Mode::Add : TaskJob::Mode::Change, task, station, std::move(store),
+                [this, staging = QPointer(staging)] {
+                  if (!staging || ending_) return;
+                  staging->EnableStaging(true);
+                  Open(WindowId::Tasks);
+                }};
+    Open(WindowId::TaskDef);
+  };
+  const auto digitize = [this](ActivatedChart chart, const std::string& device) {
+    if (!BeginChart(std::move(chart), device)) return false;
+    backToTasks_ = true;
+    Open(WindowId::Digitizing);
+    return true;
+  };
+  const auto writeEmptyForm = [this](const ActivatedChart& chart, const std::string& folder,
+                                     const Confirm& mayOverwrite) -> Result<std::optional<std::string>> {
+    auto origin = OriginOfChart(program_.Lists, chart.Task, program_.User().Name);
+    if (!origin) return Failure(origin.error());
+    return WriteEmptyForm(chart.Task, chart.Task.ChartMethod, *origin, folder, mayOverwrite);
+  };
+  // The first port may have been named on the command line.
+  const auto device = [this](int port) {
+    return port == FirstSerialPort && !words_.Port.empty() ? words_.Port
+                                                           : SerialDevice(program_.Folder, port);
+  };
+  return new frmTasks(
+      *this, dialogs_, program_.Folder, program_.Lists, program_.Staging, program_.CurrentChart, *shell_,
+      {.Device = device, .Define = details, .Digitize = digitize, .WriteEmptyForm = writeEmptyForm},
+      words_.Tablet);
+}
+
+QWidget* AppDesk::MakeTaskDef() {
+  if (!taskJob_.Store) return nullptr;
+  auto* window = new frmTaskDef(*this, dialogs_, program_.Folder, std::exchange(taskJob_, {}), [this] {
+    if (auto* details = qobject_cast<frmTaskDef*>(Window(WindowId::TaskDef)))
+      OpenComment(std::make_unique<TaskComments>(*this, *details));
+  });
+  return window;
+}
+
+}  // namespace hyetex

@@ -1,0 +1,75 @@
+#include "database/windows/frmODBCLogon.h"
+
+#include "core/files.h"
+#include "database/new_database.h"
+#include "platform/controls.h"
+#include "platform/odbc/connection_text.h"
+#include "platform/qt_text.h"
+#include "staging/definitions.h"
+
+namespace hyetex {
+
+frmODBCLogon::frmODBCLogon(Desk& desk, Dialogs& dialogs, const std::string& programFolder,
+                           HyetexPlotDB& database, QWidget* parent)
+    : LogonForm("frmODBCLogon", WindowId::Connection, desk, dialogs, programFolder, database, parent),
+      cmdOK(Named(new QPushButton(tr("&OK")), "cmdOK")),
+      cmdCancel(Named(new QPushButton(tr("&Cancel")), "cmdCancel")),
+      cmdCreateDB(Named(new QPushButton(tr("Vie&w Database Structure")), "cmdCreateDB")),
+      cmdNewFile(Named(new QPushButton(tr("&New Database File...")), "cmdNewFile")),
+      cmdOther(Named(new QPushButton(tr("O&ther Connection...")), "cmdOther")) {
+  setWindowTitle(tr("Select Database"));
+  cmdNewFile->setToolTip(
+      tr("Makes a file with all tables, for which no server is needed, and its data source."));
+  cmdOther->setToolTip(tr("Logs on by a driver and a server, or by a user's name and password."));
+  frmValues->setToolTip(tr("A data source has these values itself. \"Other Connection...\" takes others."));
+  cmdOther->setEnabled(desk.Has(WindowId::Logon));
+  cmdCreateDB->setEnabled(desk.Has(WindowId::CreateTable));
+  MakeLayout({cmdOK, cmdCancel, nullptr, cmdCreateDB, cmdNewFile, cmdOther});
+
+  connect(cmdOK, &QPushButton::clicked, this, [this] {
+    if (Take()) close();
+  });
+  connect(cmdCancel, &QPushButton::clicked, this, &QWidget::close);
+  connect(cmdCreateDB, &QPushButton::clicked, this, [this] {
+    if (Take()) desk_.Open(WindowId::CreateTable);
+  });
+  connect(cmdNewFile, &QPushButton::clicked, this, &frmODBCLogon::NewDatabaseFile);
+  connect(cmdOther, &QPushButton::clicked, this, [this] {
+    desk_.Open(WindowId::Logon);
+    close();
+  });
+
+  FillLists(ConnectionText(GetDefinition(programFolder_, DatabaseNameKey)).Find("DSN").value_or(""));
+}
+
+bool frmODBCLogon::Take() {
+  // A connection that names no data source shows as none, and stays what it is until one is chosen.
+  const std::string stored = GetDefinition(programFolder_, DatabaseNameKey);
+  const bool keeps =
+      cboDSNList->currentIndex() == 0 && !stored.empty() && !ConnectionText(stored).Find("DSN");
+  const auto taken = keeps ? KeepConnection(database_, programFolder_, stored)
+                           : TakeDataSource(database_, programFolder_, FromQt(cboDSNList->currentText()));
+  if (!taken) return Tell(taken.error()), false;
+  emit Chosen();
+  return true;
+}
+
+void frmODBCLogon::NewDatabaseFile() {
+  const std::string title = "New Database File";
+  const auto chosen = dialogs_.ChooseFileToSave(title, JoinPath(programFolder_, "hyetex.sqlite"));
+  if (!chosen) return;
+  const std::string path = WithDatabaseEnding(*chosen);
+  const bool exists = FileExists(path);
+  if (exists && dialogs_.MessageBox(title,
+                                    "There is a file " + path +
+                                        " already, and no database takes the place of another. "
+                                        "Use the database in it as it stands?",
+                                    BoxButtons::YesNo, BoxIcon::Question) != BoxAnswer::Yes)
+    return;
+  const auto name = exists ? RegisterDatabaseFile(path) : NewDatabase(path);
+  if (!name) return Tell(name.error());
+  FillLists(*name);
+  cmdOK->setFocus();
+}
+
+}  // namespace hyetex

@@ -1,0 +1,23 @@
+// Chooses the database by the name of its data source, or makes a new one in a file.
+#pragma once
+
+#include "database/windows/logon_form.h"
+
+namespace hyetex {
+
+class frmODBCLogon : public LogonForm {
+  Q_OBJECT
+
+ public:
+  frmODBCLogon(Desk& desk, Dialogs& dialogs, const std::string& programFolder, HyetexPlotDB& database,
+               QWidget* parent = nullptr);
+
+ private:
+  /// Makes the shown data source the database's; tells why that cannot be.
+  bool Take();
+  void NewDatabaseFile();
+
+  QPushButton *cmdOK, *cmdCancel, *cmdCreateDB, *cmdNewFile, *cmdOther;
+};
+
+}  // namespace hyetex

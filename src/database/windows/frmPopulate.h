@@ -1,0 +1,69 @@
+// The populate window: an instrument's stored charts, which depth counts for each, and their conversion into
+// rows of CHART.
+#pragma once
+
+#include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QProgressBar>
+#include <QStatusBar>
+#include <QTableView>
+#include <string>
+#include <vector>
+
+#include "database/populate_choice.h"
+#include "database/windows/populate_model.h"
+#include "platform/dialogs.h"
+#include "platform/form_window.h"
+
+namespace hyetex {
+
+class frmPopulate : public FormWindow {
+  Q_OBJECT
+
+ public:
+  /// The variables go back to none when the window closes.
+  frmPopulate(Desk& desk, Dialogs& dialogs, const std::string& programFolder, HyetexPlotDB& database,
+              const ReferenceLists& lists, ComputationVariables& variables, QWidget* parent = nullptr);
+
+  /// Shows the charts of the chosen instrument; nothing happens while none is chosen.
+  void LoadGrid();
+  void WriteChartRecords();
+
+  QSize sizeHint() const override;
+
+ protected:
+  void Closing() override;
+
+ private:
+  void MakeControls();
+  void MakeGrid();
+  void MakeLayout();
+  void FillInstruments();
+  void EnableCommands();
+
+  ChosenRows Chosen() const;
+  int SourceRow(int shownRow) const;
+  void ChangeSelectedDepth();
+  void ViewSelected();
+  void TellOutcome(const ConversionResult& result);
+  void ShowText(const std::string& path);
+
+  Dialogs& dialogs_;
+  HyetexPlotDB& database_;
+  const ReferenceLists& lists_;
+  ComputationVariables& variables_;
+  std::vector<std::string> instruments_;  // as the database spells them
+  PopulateModel* charts_;
+  PopulateOrder* order_;
+
+  QComboBox* cboSelection;
+  QCheckBox *chkShowAll, *chkDataLog, *chkOverwrite;
+  QTableView* spFiles;
+  QAction *mnuChangeSelectedDepth, *mnuPopulateViewSelected;
+  QPushButton *cmdWrite, *cmdBack, *cmdExit, *cmdCancel;
+  QStatusBar* StatusBar1;
+  QProgressBar* barProgress;
+};
+
+}  // namespace hyetex

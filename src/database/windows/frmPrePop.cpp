@@ -1,0 +1,111 @@
+#include "database/windows/frmPrePop.h"
+
+#include <QEvent>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "core/numbers.h"
+#include "database/populate_choice.h"
+#include "platform/controls.h"
+#include "platform/qt_text.h"
+#include "staging/definitions.h"
+
+namespace hyetex {
+namespace {
+
+constexpr const char* GmtKey = "frmPrePop-GMT";
+constexpr const char* AlphaKey = "frmPrePop-Alpha";
+
+}  // namespace
+
+frmPrePop::frmPrePop(Desk& desk, const std::string& programFolder, ComputationVariables& variables,
+                     std::function<void()> help, QWidget* parent)
+    : FormWindow("frmPrePop", WindowId::PrePop, desk, programFolder, parent),
+      variables_(variables),
+      help_(std::move(help)) {
+  setWindowTitle(tr("Set Computation Variables"));
+  MakeLayout();
+  connect(cmdContinue, &QPushButton::clicked, this, &frmPrePop::Continue);
+  connect(cmdExit, &QPushButton::clicked, this, &QWidget::close);
+  connect(cmdHelp, &QPushButton::clicked, this, [this] { help_(); });
+
+  const std::string gmt = GetDefinition(programFolder_, GmtKey);
+  txtGMT->setText(gmt.empty() ? "2" : ToQt(gmt));
+  txtLapse->setText("0");
+  chkAlpha->setChecked(LeadingNumber(GetDefinition(programFolder_, AlphaKey)) != 0);
+  optDepth[0]->setChecked(true);
+}
+
+void frmPrePop::MakeLayout() {
+  chkAlpha = Named(new QCheckBox(tr("&Use Alpha in Computations?")), "chkAlpha");
+  chkAlpha->setToolTip(tr("Takes the skew of the pen out of each chart that has an alpha value"));
+
+  auto* numbers = new QGridLayout;
+  numbers->setColumnStretch(0, 1);
+  const auto addNumber = [&](QLineEdit*& box, const char* txtName, const char* udnName, const char* caption,
+                             const QString& toolTip) {
+    box = Named(new QLineEdit, txtName);
+    box->setToolTip(toolTip);
+    box->installEventFilter(this);
+    const int row = numbers->rowCount();
+    numbers->addWidget(LabelOf(caption, box), row, 0);
+    numbers->addWidget(
+        WithArrows(box, udnName, [](std::string_view text, int way) { return StepNumber(text, way, {}); }),
+        row, 1);
+  };
+  addNumber(txtLapse, "txtLapse", "udnLapse", "&Minimal time lapse between two points (minutes) :",
+            tr("Shorter steps of a chart are joined into the next; 0 keeps all"));
+  addNumber(txtGMT, "txtGMT", "udnGMT", "Hours &reduced (from local time to GMT) :",
+            tr("Taken off the charts' local times; below 0 where local time is behind GMT"));
+
+  auto* depth = new QGroupBox(tr("Default Depth for computations:"));
+  auto* choices = new QHBoxLayout(depth);
+  optDepth = {Named(new QRadioButton(tr("Di&gitized Depth")), "optDepth0"),
+              Named(new QRadioButton(tr("Manua&l Depth")), "optDepth1")};
+  for (QRadioButton* choice : optDepth) choices->addWidget(choice);
+  choices->addStretch();
+
+  cmdHelp = Named(new QPushButton(tr("&Help")), "cmdHelp");
+  cmdExit = Named(new QPushButton(tr("Return to Main Me&nu")), "cmdExit");
+  cmdContinue = Named(new QPushButton(tr("&Continue >>")), "cmdContinue");
+  auto* buttons = new QHBoxLayout;
+  buttons->addWidget(cmdHelp);
+  buttons->addStretch();
+  buttons->addWidget(cmdExit);
+  buttons->addWidget(cmdContinue);
+
+  auto* layout = new QVBoxLayout(this);
+  layout->addWidget(chkAlpha, 0, Qt::AlignLeft);
+  layout->addLayout(numbers);
+  layout->addWidget(depth);
+  layout->addStretch();
+  layout->addSpacing(fontMetrics().lineSpacing());
+  layout->addLayout(buttons);
+  SetKeyButtons(cmdContinue, cmdExit);
+}
+
+bool frmPrePop::eventFilter(QObject* watched, QEvent* event) {
+  // After the event, since the click that brings the focus also sets the cursor.
+  if (event->type() == QEvent::FocusIn)
+    if (auto* box = qobject_cast<QLineEdit*>(watched))
+      QMetaObject::invokeMethod(box, &QLineEdit::selectAll, Qt::QueuedConnection);
+  return FormWindow::eventFilter(watched, event);
+}
+
+void frmPrePop::Continue() {
+  variables_ = ReadComputation(chkAlpha->isChecked(), FromQt(txtLapse->text()), FromQt(txtGMT->text()),
+                               optDepth[1]->isChecked());
+  desk_.Open(WindowId::Populate);
+  close();
+}
+
+void frmPrePop::Closing() {
+  // A choice that cannot be kept is not worth a message.
+  (void)SetDefinition(programFolder_, GmtKey, FromQt(txtGMT->text()));
+  (void)SetDefinition(programFolder_, AlphaKey, chkAlpha->isChecked() ? "1" : "0");
+}
+
+}  // namespace hyetex

@@ -1,0 +1,46 @@
+// What the two windows have in common in which a database is chosen: the list of data sources, and the values
+// to connect by where there is none.
+#pragma once
+
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <string>
+#include <vector>
+
+#include "database/connection_choice.h"
+#include "platform/dialogs.h"
+#include "platform/form_window.h"
+
+namespace hyetex {
+
+class LogonForm : public FormWindow {
+  Q_OBJECT
+
+ signals:
+  /// The system works on another database from now on.
+  void Chosen();
+
+ protected:
+  LogonForm(const char* name, WindowId id, Desk& desk, Dialogs& dialogs, const std::string& programFolder,
+            HyetexPlotDB& database, QWidget* parent);
+
+  /// Puts the controls to the left of the buttons; the first accepts, the second cancels. A null leaves room.
+  void MakeLayout(const std::vector<QPushButton*>& buttons);
+  /// Fills both lists anew and shows one data source of them, or "(None)".
+  void FillLists(const std::string& dataSource);
+  /// Adds drivers that have no data source to their list.
+  void AddDrivers(const std::vector<std::string>& drivers);
+  LogonValues Values() const;
+  void Tell(const std::string& text);
+
+  Dialogs& dialogs_;
+  HyetexPlotDB& database_;
+
+  QComboBox *cboDSNList, *cboDrivers;
+  QLineEdit *txtServer, *txtUID, *txtPWD, *txtDatabase;
+  QGroupBox* frmValues;
+};
+
+}  // namespace hyetex

@@ -1,0 +1,73 @@
+#include "database/windows/populate_model.h"
+
+#include <QColor>
+
+#include "database/populate_choice.h"
+#include "platform/qt_surface.h"
+#include "platform/qt_text.h"
+
+namespace hyetex {
+namespace {
+
+constexpr int SelectedDepthColumn = PopulateColumns - 1;
+
+}  // namespace
+
+void PopulateModel::SetRows(std::vector<PopulateRow> rows) {
+  beginResetModel();
+  rows_ = std::move(rows);
+  endResetModel();
+}
+
+void PopulateModel::Toggle(int row) {
+  ToggleSelectedDepth(rows_[static_cast<std::size_t>(row)]);
+  const QModelIndex cell = index(row, SelectedDepthColumn);
+  emit dataChanged(cell, cell);
+}
+
+int PopulateModel::rowCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+}
+
+int PopulateModel::columnCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : PopulateColumns;
+}
+
+QVariant PopulateModel::data(const QModelIndex& index, int role) const {
+  const PopulateRow& row = Row(index.row());
+  const int column = index.column();
+  const bool marked = column == 0 && row.Overlaps;
+  switch (role) {
+    case Qt::DisplayRole:
+      return ToQt(row.Cells[static_cast<std::size_t>(column)]);
+    case Qt::TextAlignmentRole:
+      return QVariant::fromValue(Qt::AlignVCenter |
+                                 (column >= 2 && column <= 4 ? Qt::AlignRight : Qt::AlignLeft));
+    case Qt::BackgroundRole:
+      return marked ? QVariant(ToQt(OverlapColour)) : QVariant();
+    case Qt::ForegroundRole:
+      return marked ? QVariant(QColor(Qt::black)) : QVariant();
+    case Qt::ToolTipRole:
+    case Qt::AccessibleDescriptionRole:
+      return marked ? QVariant(tr("Starts before the chart before it has ended")) : QVariant();
+    default:
+      return {};
+  }
+}
+
+QVariant PopulateModel::headerData(int section, Qt::Orientation orientation, int role) const {
+  if (role != Qt::DisplayRole) return {};
+  if (orientation == Qt::Vertical) return section + 1;
+  return QString::fromLatin1(PopulateTitles[static_cast<std::size_t>(section)]);
+}
+
+bool PopulateOrder::lessThan(const QModelIndex& left, const QModelIndex& right) const {
+  return StandsBefore(model_.Row(left.row()), model_.Row(right.row()), left.column());
+}
+
+void MarkedCells::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
+  QStyledItemDelegate::initStyleOption(option, index);
+  if (option->backgroundBrush.style() != Qt::NoBrush) option->state &= ~QStyle::State_Selected;
+}
+
+}  // namespace hyetex

@@ -1,0 +1,62 @@
+// The charts of the populate window's grid, and the order in which they are shown.
+#pragma once
+
+#include <QAbstractTableModel>
+#include <QSortFilterProxyModel>
+#include <QStyledItemDelegate>
+#include <vector>
+
+#include "core/colour.h"
+#include "database/populate_grid.h"
+
+namespace hyetex {
+
+/// Behind the start of a chart that begins before the one before it has ended: a light red.
+inline constexpr Rgb OverlapColour{0xFF, 0x80, 0x80};
+
+class PopulateModel : public QAbstractTableModel {
+  Q_OBJECT
+
+ public:
+  using QAbstractTableModel::QAbstractTableModel;
+
+  void SetRows(std::vector<PopulateRow> rows);
+  const PopulateRow& Row(int row) const { return rows_[static_cast<std::size_t>(row)]; }
+  /// Changes which depth of a chart counts.
+  void Toggle(int row);
+
+  int rowCount(const QModelIndex& parent = {}) const override;
+  int columnCount(const QModelIndex& parent = {}) const override;
+  QVariant data(const QModelIndex& index, int role) const override;
+  QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+ private:
+  std::vector<PopulateRow> rows_;
+};
+
+/// Sorts by what the cells mean, not by their texts.
+class PopulateOrder : public QSortFilterProxyModel {
+  Q_OBJECT
+
+ public:
+  PopulateOrder(const PopulateModel& model, QObject* parent) : QSortFilterProxyModel(parent), model_(model) {}
+
+ protected:
+  bool lessThan(const QModelIndex& left, const QModelIndex& right) const override;
+
+ private:
+  const PopulateModel& model_;
+};
+
+/// Draws a marked cell in its mark's colour also where its row is selected.
+class MarkedCells : public QStyledItemDelegate {
+  Q_OBJECT
+
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+ protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
+};
+
+}  // namespace hyetex

@@ -1,0 +1,43 @@
+// What windows with boxes and buttons are put together from.
+#pragma once
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QWidget>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "platform/up_down.h"
+
+namespace hyetex {
+
+/// The control, under the name by which a test and a screen reader find it.
+template <typename Control>
+Control* Named(Control* control, const char* name) {
+  control->setObjectName(QString::fromLatin1(name));
+  return control;
+}
+
+/// A label whose marked letter leads to its control.
+inline QLabel* LabelOf(const char* caption, QWidget* control) {
+  auto* label = new QLabel(QObject::tr(caption));
+  label->setBuddy(control);
+  return label;
+}
+
+/// A box with the arrows that step its number beside it. The arrows' name is `udnName`.
+inline QWidget* WithArrows(QLineEdit* box, const char* udnName,
+                           std::function<std::string(std::string_view text, int direction)> step) {
+  box->setMinimumWidth(box->fontMetrics().horizontalAdvance("00000000"));
+  auto* both = new QWidget;
+  auto* layout = new QHBoxLayout(both);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(2);
+  layout->addWidget(box);
+  layout->addWidget(Named(new UpDown(box, std::move(step)), udnName));
+  return both;
+}
+
+}  // namespace hyetex

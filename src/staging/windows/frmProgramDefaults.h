@@ -1,0 +1,39 @@
+// The chart type that charts are taken to be on until another one is chosen.
+#pragma once
+
+#include <QComboBox>
+#include <QLabel>
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "platform/dialogs.h"
+#include "platform/form_window.h"
+#include "staging/lists.h"
+
+namespace hyetex {
+
+class frmProgramDefaults : public FormWindow {
+  Q_OBJECT
+
+ public:
+  /// `currentChart` is the index of the default chart type; `chosen` hears of a new one.
+  frmProgramDefaults(Desk& desk, Dialogs& dialogs, const std::string& programFolder,
+                     const ReferenceLists& lists, std::int16_t& currentChart,
+                     std::function<void()> chosen = {}, QWidget* parent = nullptr);
+
+ private:
+  void ShowChartType(int index);
+  void Done();
+
+  Dialogs& dialogs_;
+  const ReferenceLists& lists_;
+  std::int16_t& currentChart_;
+  const std::function<void()> chosen_;
+
+  QComboBox* comChartType;
+  QLabel *labHeightScale, *labDepthScale, *labHeight;
+  QPushButton *cmdDone, *cmdCancel;
+};
+
+}  // namespace hyetex

@@ -1,0 +1,216 @@
+#include "staging/windows/frmTasks.h"
+
+#include <QButtonGroup>
+#include <QCloseEvent>
+#include <utility>
+
+#include "core/files.h"
+#include "core/numbers.h"
+#include "core/text.h"
+#include "platform/qt_text.h"
+#include "staging/definitions.h"
+#include "staging/station_tree.h"
+
+namespace hyetex {
+namespace {
+
+constexpr std::string_view RowKey = "frmTasks-Row", StationKey = "frmTasks-Station",
+                           TabletKey = "DigitizerType", PortKey = "COMport", ChartKey = "CurrentChart",
+                           TargetKey = "TargetFolder";
+
+QString Joined(const std::vector<std::string>& lines) {
+  QStringList shown;
+  for (const std::string& line : lines) shown << ToQt(line);
+  return shown.join('\n');
+}
+
+// Titles of boxes show a single "&" as the mark of a letter.
+QString AsTitle(const std::string& text) { return ToQt(text).replace("&", "&&"); }
+
+}  // namespace
+
+frmTasks::frmTasks(Desk& desk, Dialogs& dialogs, const std::string& programFolder,
+                   const ReferenceLists& lists, StagingArea& staging, std::int16_t& currentChart,
+                   PopupMenu& popup, TaskServices services, std::optional<int> tablet, QWidget* parent)
+    : FormWindow("frmTasks", WindowId::Tasks, desk, programFolder, parent),
+      dialogs_(dialogs),
+      lists_(lists),
+      staging_(staging),
+      currentChart_(currentChart),
+      popup_(popup),
+      services_(std::move(services)),
+      finder_(tablet.value_or(StoredTabletType(programFolder)), services_.Device, this),
+      targetFolder_(CheckTargetFolder(GetDefinition(programFolder, TargetKey), programFolder)) {
+  setWindowTitle("Prepare Charts and Digitizer ");
+  MakeLayout();
+  tvwStations->Show(lists_);
+  tvwStations->expandAll();
+  LoadTasks();
+  RestoreSelection();
+  currentChart_ = LeadingInt16(GetDefinition(programFolder, ChartKey));
+  FillChartTypes();
+
+  connect(tvwStations, &QTreeWidget::currentItemChanged, this, [this] {
+    fgdTasks->clearSelection();  // the row was another station's
+    UpdateList();
+  });
+  connect(fgdTasks, &QTableWidget::cellDoubleClicked, this, &frmTasks::Change);
+  connect(fgdTasks, &QTableWidget::customContextMenuRequested, this, &frmTasks::ShowPopup);
+  connect(lstChartType, &QListWidget::currentRowChanged, this, [this](int row) {
+    if (row >= 0) currentChart_ = static_cast<std::int16_t>(row);
+  });
+  connect(optDig, &QButtonGroup::idClicked, &finder_, &TabletFinder::SetType);
+  connect(&finder_, &TabletFinder::Moved, this, &frmTasks::ShowDetection);
+  connect(&finder_, &TabletFinder::Detected, this, [this] {
+    detection_ = Detection::Found;
+    ShowDetection();
+  });
+  connect(&finder_, &TabletFinder::NotDetected, this, [this] {
+    detection_ = Detection::Missing;
+    ShowDetection();
+  });
+  ShowDetection();
+  finder_.Start();
+}
+
+// ---- What it shows
+
+void frmTasks::FillChartTypes() {
+  for (const ChartTypeRecord& type : lists_.ChartTypes) lstChartType->addItem(ToQt(type.Name));
+  if (currentChart_ < 0 || currentChart_ >= lstChartType->count()) currentChart_ = 0;
+  lstChartType->setCurrentRow(currentChart_);
+}
+
+void frmTasks::RestoreSelection() {
+  const std::vector<TreeNode> tree = StationTree(lists_);
+  const int node = FindStationSetting(tree, GetDefinition(programFolder_, StationKey));
+  if (const TreeNode* found = GetObjectFromIndex(tree, node))
+    tvwStations->Select({found->Kind, found->Index});
+  UpdateList();
+  SelectRow(LeadingInt16(GetDefinition(programFolder_, RowKey)) - 1);
+}
+
+void frmTasks::LoadTasks() {
+  const std::vector<std::string> notes = staging_.Load(programFolder_, lists_.Stations);
+  if (notes.empty()) return;
+  Tell("The list of staged charts is not in order:\n\n" + FromQt(Joined(notes)) +
+       "\n\nBefore it is written anew, a copy of " + std::string(TasksFileName) +
+       " as it is now is kept beside it.");
+}
+
+bool frmTasks::SaveTasks() {
+  const auto saved = staging_.Save();
+  if (!saved) Tell(saved.error());
+  return saved.has_value();
+}
+
+void frmTasks::UpdateList(std::optional<int> task) {
+  const int row = SelectedRow();
+  const TreeNode* station = SelectedStation();
+  tvwStations->setToolTip(station ? ToQt(station->Text) : QString());
+  for (QPushButton* button : {cmdAdd, cmdChange, cmdDelete, cmdActivate})
+    button->setEnabled(station != nullptr);
+  rows_.clear();
+  if (TreeSelected()) frmTask->setTitle(station ? AsTitle(station->Text) : tr("Not a Station"));
+  if (station)
+    rows_ =
+        TaskRows(staging_.Tasks(), lists_.Stations[static_cast<std::size_t>(station->Index)].InstrumentCode);
+
+  fgdTasks->clearSelection();
+  fgdTasks->setRowCount(static_cast<int>(rows_.size()));
+  for (int r = 0; r < fgdTasks->rowCount(); ++r)
+    for (int c = 0; c < static_cast<int>(TaskColumns); ++c)
+      fgdTasks->setItem(
+          r, c,
+          new QTableWidgetItem(ToQt(rows_[static_cast<std::size_t>(r)].Cells[static_cast<std::size_t>(c)])));
+  int next = row;
+  for (int r = 0; task && r < fgdTasks->rowCount(); ++r)
+    if (rows_[static_cast<std::size_t>(r)].Task == *task) next = r;
+  SelectRow(next);
+}
+
+void frmTasks::ShowDetection() {
+  if (detection_ == Detection::Found)
+    labDetect->setText(tr("Digitizer Detected On COM%1").arg(finder_.DetectedPort()));
+  else
+    labDetect->setText(detection_ == Detection::Missing ? tr("Digitizer Not Detected")
+                                                        : tr("Digtizer Not Detcted"));
+  const bool dark = palette().color(QPalette::Window).lightness() < 128;
+  const QColor blue = dark ? QColor(130, 180, 255) : QColor(0, 60, 200),
+               red = dark ? QColor(255, 130, 120) : QColor(190, 0, 0);
+  QPalette colours = labDetect->palette();
+  colours.setColor(QPalette::WindowText, detection_ == Detection::Found ? blue : red);
+  labDetect->setPalette(colours);
+  if (QAbstractButton* port = optCom->button(finder_.TestPort())) port->setChecked(true);
+}
+
+void frmTasks::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::PaletteChange && labDetect != nullptr) ShowDetection();
+  FormWindow::changeEvent(event);
+}
+
+// ---- The selection
+
+const TreeNode* frmTasks::SelectedStation() const {
+  const TreeNode* node = tvwStations->Current();
+  return node && node->Kind == ListKind::Station ? node : nullptr;
+}
+
+int frmTasks::SelectedRow() const {
+  return fgdTasks->selectionModel()->hasSelection() ? fgdTasks->currentRow() : -1;
+}
+
+std::optional<int> frmTasks::SelectedTask() const {
+  const int row = SelectedRow();
+  if (row < 0) return std::nullopt;
+  return rows_[static_cast<std::size_t>(row)].Task;
+}
+
+// A row behind the last one is none: there is no next chart.
+void frmTasks::SelectRow(int row) {
+  fgdTasks->clearSelection();
+  if (row < 0 || row >= fgdTasks->rowCount()) return;
+  fgdTasks->setCurrentCell(row, 0);
+  fgdTasks->selectRow(row);
+  fgdTasks->scrollToItem(fgdTasks->item(row, 0));
+}
+
+// ---- Closing
+
+void frmTasks::EnableStaging(bool enabled) {
+  setEnabled(enabled);
+  if (enabled) fgdTasks->setFocus();
+}
+
+void frmTasks::Save() { SaveTasks(); }
+
+void frmTasks::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  if (isEnabled() && (leaving_ || MayClose())) FormWindow::closeEvent(event);  // else its details are open
+}
+
+bool frmTasks::MayClose() {
+  const auto saved = staging_.Save();
+  return saved || dialogs_.MessageBox(FromQt(windowTitle()),
+                                      ShownText(saved.error()) +
+                                          "\n\nWhat has been changed will be lost. Do you want to close the "
+                                          "window all the same ?",
+                                      BoxButtons::YesNo, BoxIcon::Warning) == BoxAnswer::Yes;
+}
+
+void frmTasks::Closing() {
+  finder_.Stop();
+  const auto keep = [this](std::string_view key, const std::string& value) {
+    (void)SetDefinition(programFolder_, key, value);  // what cannot be kept is not worth a message
+  };
+  keep(TabletKey, ShortText(finder_.Type()));
+  keep(PortKey, ShortText(finder_.DetectedPort()));
+  // A folder that is only away for now is not forgotten.
+  const std::string stored = GetDefinition(programFolder_, TargetKey);
+  if (targetChosen_ || stored.empty() || FolderExists(stored)) keep(TargetKey, targetFolder_);
+  keep(RowKey, ShortText(SelectedRow() + 1));
+  keep(ChartKey, ShortText(static_cast<int>(currentChart_)));
+  if (const TreeNode* station = SelectedStation()) keep(StationKey, StationSetting(station->Text));
+}
+
+}  // namespace hyetex

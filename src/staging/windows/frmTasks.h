@@ -1,0 +1,134 @@
+// The staging area: a station's charts that wait for digitizing. From here they are defined, digitized, or,
+// if too defective, turned into empty files. Meanwhile the tablet is looked for.
+#pragma once
+
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QTableWidget>
+#include <array>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "digitizing/tablets.h"
+#include "platform/dialogs.h"
+#include "platform/form_window.h"
+#include "platform/popup_menu.h"
+#include "staging/activation.h"
+#include "staging/staging_area.h"
+#include "staging/task_rows.h"
+#include "staging/windows/station_view.h"
+#include "staging/windows/tablet_finder.h"
+
+class QButtonGroup;
+
+namespace hyetex {
+
+/// What the task window needs of the rest of the program.
+struct TaskServices {
+  /// The device of a numbered serial port.
+  std::function<std::string(int port)> Device;
+  /// Opens the details of a chart for the operator; `store` takes what was entered, or says why it cannot.
+  std::function<void(const ChartRecord& task, bool isNew, const std::string& station,
+                     std::function<std::optional<std::string>(ChartRecord)> store)>
+      Define;
+  /// Opens the digitizing session; false if it cannot, which the operator has been told.
+  std::function<bool(ActivatedChart chart, const std::string& device)> Digitize;
+  /// Writes a chart's empty file into the folder and tells its path; nothing if `mayOverwrite` says no.
+  std::function<Result<std::optional<std::string>>(
+      const ActivatedChart& chart, const std::string& folder,
+      const std::function<bool(const std::string& question)>& mayOverwrite)>
+      WriteEmptyForm;
+};
+
+class frmTasks : public FormWindow {
+  Q_OBJECT
+
+ public:
+  /// `currentChart` is the default chart type, `tablet` stands instead of the settings' tablet type. All
+  /// references must outlive the window.
+  frmTasks(Desk& desk, Dialogs& dialogs, const std::string& programFolder, const ReferenceLists& lists,
+           StagingArea& staging, std::int16_t& currentChart, PopupMenu& popup, TaskServices services,
+           std::optional<int> tablet = {}, QWidget* parent = nullptr);
+
+  /// Reads the task list, and tells what was odd in it.
+  void LoadTasks();
+  /// Writes the task list; tells and returns false when it cannot be written.
+  bool SaveTasks();
+  /// Shows the charts of the selected station; the row stays, or moves to a chart's if one is named.
+  void UpdateList(std::optional<int> task = {});
+  /// Deletes the selected chart.
+  void DeleteCurrentTask();
+  /// Whether a node of the tree is selected.
+  bool TreeSelected() const { return tvwStations->Current() != nullptr; }
+
+  /// While a chart's details are open, this window waits behind them.
+  void EnableStaging(bool enabled);
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void Closing() override;
+  void changeEvent(QEvent* event) override;
+
+ private:
+  // The window
+  void MakeLayout();
+  QWidget* MakeStaging();
+  QWidget* MakeTablet();
+  QWidget* MakeChartTypes();
+  QWidget* MakeTarget();
+  QPushButton* MakeButton(const char* name, const char* caption, void (frmTasks::*run)());
+  void SetTabOrder();
+  void FillChartTypes();
+  void RestoreSelection();
+  void ShowDetection();
+  void ShowPopup(const QPoint& at);
+
+  // The selection
+  const TreeNode* SelectedStation() const;
+  int SelectedRow() const;  ///< -1 when there is none
+  std::optional<int> SelectedTask() const;
+  void SelectRow(int row);
+
+  // The commands
+  void Add();
+  void Change();
+  void AskToDelete();
+  void Activate();
+  void Save();
+  void BrowseTarget();
+  Result<ActivatedChart> Prepared(const ChartRecord& task) const;
+  void Digitize(const ChartRecord& task);
+  /// Saves; when that fails, asks.
+  bool MayClose();
+  void MakeEmptyFile(const ChartRecord& task);
+  void Tell(std::string_view title, const std::string& text, BoxIcon icon = BoxIcon::Warning);
+  void Tell(const std::string& text);  // under the window's own title
+
+  Dialogs& dialogs_;
+  const ReferenceLists& lists_;
+  StagingArea& staging_;
+  std::int16_t& currentChart_;
+  PopupMenu& popup_;
+  TaskServices services_;
+  TabletFinder finder_;
+  std::vector<TaskRow> rows_;
+  std::string targetFolder_;
+  bool targetChosen_ = false;
+  bool leaving_ = false;  // for a session: all is saved
+  enum class Detection { Unknown, Found, Missing } detection_ = Detection::Unknown;
+
+  StationView* tvwStations;
+  QGroupBox* frmTask;
+  QTableWidget* fgdTasks;
+  QPushButton *cmdAdd, *cmdChange, *cmdDelete, *cmdActivate, *cmdSave, *cmdExit, *drvTarget;
+  QButtonGroup *optCom, *optDig;
+  QLabel* labDetect = nullptr;
+  QListWidget* lstChartType;
+  QLineEdit* dirTarget;
+};
+
+}  // namespace hyetex
