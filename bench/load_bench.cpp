@@ -1,89 +1,39 @@
 // Loading 2,000 chart files against a bare insert of the same bytes through the same driver (at most 1.5
 // times is meant), and listing 10,000 stored charts. On SQLite, and on the PostgreSQL cluster of
 // the folder that HYETEX_POSTGRES names (scripts/postgres start FOLDER).
-#include <unistd.h>
-
 #include <benchmark/benchmark.h>
 
 #include <chrono>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 
+#include "bench_database.h"
 #include "chartfiles/chart_reader.h"
 #include "chartfiles/chart_text.h"
 #include "core/dates.h"
 #include "core/files.h"
 #include "core/numbers.h"
-#include "database/create_tables.h"
 #include "database/file_list.h"
 #include "database/loading.h"
-#include "database/new_database.h"
 #include "database/stored_text.h"
 
 namespace hyetex::bench {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr int Instruments = 20;
 
-class Silent : public Dialogs {
- public:
-  BoxAnswer MessageBox(const std::string&, const std::string&, BoxButtons, BoxIcon) override {
-    return BoxAnswer::Cancel;
-  }
-  std::optional<std::string> InputBox(const std::string&, const std::string&, const std::string&) override {
-    return std::nullopt;
-  }
-  std::optional<std::string> ChooseFolder(const std::string&, const std::string&) override {
-    return std::nullopt;
-  }
-  std::optional<std::string> ChooseFileToSave(const std::string&, const std::string&) override {
-    return std::nullopt;
-  }
-};
-
 // A folder of charts and a database without any.
-class Place {
+class Place : public BenchDatabase {
  public:
-  explicit Place(bool postgres) : folder_((fs::temp_directory_path() / "hyetex-bench-XXXXXX").string()) {
-    folder_ = ::mkdtemp(folder_.data());
-    if (postgres) {
-      const char* cluster = std::getenv("HYETEX_POSTGRES");
-      std::ifstream text(JoinPath(cluster == nullptr ? "" : cluster, "connection"));
-      std::getline(text, connection_);
-    } else {
-      (void)CreateDatabaseFile(folder_ + "/rain.sqlite");
-      connection_ = FileConnectionText(folder_ + "/rain.sqlite").value_or("");
-    }
-    Database.ConnectionText = connection_;
+  explicit Place(bool postgres) : BenchDatabase(postgres) {
     for (int i = 0; i < Instruments; ++i) {
       const std::string code = "NM-Station-" + PadNumber(i, 2);
       Lists.Stations.push_back({"Station " + ShortText(i), code, 0, 0});
     }
     if (!IsThere()) return;
-    (void)Database.OpenDatabase();
-    (void)CreateTables(Database.DatabaseConnection);
-    if (const auto rest = MissingCompletion(Database.DatabaseConnection); rest)
-      (void)Make(Database.DatabaseConnection, *rest);
-    Run("DELETE FROM INSTRUMENT");
-    Run("DELETE FROM CHART_ASCII");
     for (const StationRecord& station : Lists.Stations) {
       const DbValue code[] = {station.InstrumentCode};
-      (void)Database.DatabaseConnection.Execute("INSERT INTO INSTRUMENT (instrument_code_id) VALUES (?)",
-                                                code);
+      (void)Open().Execute("INSERT INTO INSTRUMENT (instrument_code_id) VALUES (?)", code);
     }
-  }
-  ~Place() {
-    Run("DELETE FROM CHART_ASCII");
-    Database.Close();
-    fs::remove_all(folder_);
-  }
-  bool IsThere() const { return !connection_.empty(); }
-  void Run(const char* sql) {
-    if (!Database.DatabaseConnection.IsOpen()) (void)Database.OpenDatabase();
-    (void)Database.DatabaseConnection.Execute(sql);
   }
 
   std::vector<std::string> WriteCharts(int count) const {
@@ -94,7 +44,7 @@ class Place {
     for (int i = 0; i < count; ++i) {
       const StationRecord& station = Lists.Stations[static_cast<std::size_t>(1 + i / (count / Instruments))];
       const Date start = MakeDate(1990, 1, 1, 7) + i;
-      paths.push_back(JoinPath(folder_, ChartFileName(station.InstrumentCode, start)));
+      paths.push_back(JoinPath(Folder, ChartFileName(station.InstrumentCode, start)));
       std::ofstream(paths.back(), std::ios::binary)
           << "HYETEX88 ASCII FILE\r\nStation Name: " << station.Name
           << "\r\nInstrument Code: " << station.InstrumentCode << "\r\nStart: " << DateText(start)
@@ -106,11 +56,6 @@ class Place {
   }
 
   ReferenceLists Lists;
-  Silent Boxes;
-  HyetexPlotDB Database{"", Boxes};
-
- private:
-  std::string folder_, connection_;
 };
 
 void InsertBare(Connection& connection, const std::vector<std::vector<DbValue>>& rows) {
@@ -141,13 +86,13 @@ void LoadCharts(benchmark::State& state, bool postgres) {
   double bareSeconds = 0, seconds = 0;
   // Neither counts what it takes to make room for it.
   const auto time = [&](auto&& work) {
-    place.Run("DELETE FROM CHART_ASCII");
+    place.Empty("CHART_ASCII");
     const auto start = std::chrono::steady_clock::now();
     work();
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   };
   for (auto _ : state) {
-    bareSeconds += time([&] { InsertBare(place.Database.DatabaseConnection, rows); });
+    bareSeconds += time([&] { InsertBare(place.Open(), rows); });
     const double took = time([&] {
       UnwatchedProgress unwatched;
       loaded = LoadFiles(place.Database, place.Lists, paths, unwatched).Loaded.size();
@@ -161,16 +106,6 @@ void LoadCharts(benchmark::State& state, bool postgres) {
 }
 BENCHMARK_CAPTURE(LoadCharts, sqlite, false)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(LoadCharts, postgres, true)->UseManualTime()->Unit(benchmark::kMillisecond);
-
-// The most memory that the process has held since the last call, in megabytes.
-double MostMegabytes() {
-  double most = 0;
-  std::ifstream status("/proc/self/status");
-  for (std::string line; std::getline(status, line);)
-    if (line.starts_with("VmHWM:")) most = LeadingNumber(line.substr(6)) / 1024;
-  std::ofstream("/proc/self/clear_refs") << "5";
-  return most;
-}
 
 void ListCharts(benchmark::State& state, bool postgres) {
   Place place(postgres);

@@ -36,19 +36,6 @@ std::size_t CellWidth(const TableColumn& column, ValueKind kind) {
   }
 }
 
-SQLSMALLINT CTypeOf(ValueKind kind) {
-  switch (kind) {
-    case ValueKind::Integer:
-      return SQL_C_SBIGINT;
-    case ValueKind::Real:
-      return SQL_C_DOUBLE;
-    case ValueKind::Time:
-      return SQL_C_TYPE_TIMESTAMP;
-    default:
-      return SQL_C_CHAR;
-  }
-}
-
 template <typename T>
 T Read(const char* cell) {
   T value;

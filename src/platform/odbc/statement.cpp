@@ -28,22 +28,6 @@ SQLSMALLINT TypeOfKind(ValueKind kind) {
   return SQL_VARCHAR;
 }
 
-SQLSMALLINT CTypeOfKind(ValueKind kind) {
-  switch (kind) {
-    case ValueKind::Integer:
-      return SQL_C_SBIGINT;
-    case ValueKind::Real:
-      return SQL_C_DOUBLE;
-    case ValueKind::Time:
-      return SQL_C_TYPE_TIMESTAMP;
-    case ValueKind::Binary:
-      return SQL_C_BINARY;
-    case ValueKind::Text:
-      break;
-  }
-  return SQL_C_CHAR;
-}
-
 SQL_TIMESTAMP_STRUCT TimestampOf(Date date) {
   const CalendarTime time = ToCalendar(date);
   return {static_cast<SQLSMALLINT>(time.Year),
@@ -72,6 +56,22 @@ std::string SqlTimeText(Date date) {
 }
 
 }  // namespace
+
+SQLSMALLINT CTypeOf(ValueKind kind) {
+  switch (kind) {
+    case ValueKind::Integer:
+      return SQL_C_SBIGINT;
+    case ValueKind::Real:
+      return SQL_C_DOUBLE;
+    case ValueKind::Time:
+      return SQL_C_TYPE_TIMESTAMP;
+    case ValueKind::Binary:
+      return SQL_C_BINARY;
+    case ValueKind::Text:
+      break;
+  }
+  return SQL_C_CHAR;
+}
 
 ValueKind KindOfType(SQLSMALLINT sqlType) {
   switch (sqlType) {
@@ -219,9 +219,9 @@ DbResult<void> Statement::Bind(std::span<Parameter> parameters) {
       if (fits) continue;
     }
     const bool isTime = wanted.Kind == ValueKind::Time;
-    const auto bound = Check(SQLBindParameter(
-        handle_, static_cast<SQLUSMALLINT>(i + 1), SQL_PARAM_INPUT, CTypeOfKind(wanted.Kind), wanted.SqlType,
-        isTime ? 19 : wanted.Size, 0, const_cast<void*>(wanted.Data), 0, &parameter.indicator_));
+    const auto bound = Check(SQLBindParameter(handle_, static_cast<SQLUSMALLINT>(i + 1), SQL_PARAM_INPUT,
+                                              CTypeOf(wanted.Kind), wanted.SqlType, isTime ? 19 : wanted.Size,
+                                              0, const_cast<void*>(wanted.Data), 0, &parameter.indicator_));
     if (!bound) return bound;
     if (i < bound_.size())
       bound_[i] = wanted;

@@ -14,6 +14,8 @@ namespace hyetex {
 /// How values of a column's ODBC type travel.
 enum class ValueKind { Integer, Real, Text, Time, Binary };
 ValueKind KindOfType(SQLSMALLINT sqlType);
+/// The C type that a value of this kind has in our buffers.
+SQLSMALLINT CTypeOf(ValueKind kind);
 
 /// A value on its way in. It must stay where it is between Bind() and Execute().
 class Parameter {
