@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QKeyEvent>
+#include <QTimer>
 #include <algorithm>
 #include <utility>
 
@@ -19,6 +20,8 @@
 
 namespace hyetex {
 namespace {
+
+constexpr int SortedAfterMs = 250;
 
 constexpr std::string_view SourceKey = "frmLoad-Source", TargetKey = "frmLoad-Target",
                            MovesKey = "frmLoad-chkTarget";
@@ -80,9 +83,9 @@ frmLoad::frmLoad(Desk& desk, Dialogs& dialogs, const std::string& programFolder,
   const auto take = [this](const QModelIndex& index) { SetFolder(FromQt(folders_->filePath(index))); };
   connect(dirSource, &QTreeView::clicked, this, take);
   connect(dirSource, &QTreeView::activated, this, take);
-  // The model reads folders in the background, so a line may move after it was made visible.
+  // The model reads folders in the background, and sorts them a while after it has told so.
   connect(folders_, &QFileSystemModel::directoryLoaded, this, [this](const QString& read) {
-    if (ToQt(Folder()).startsWith(read)) dirSource->scrollTo(dirSource->currentIndex());
+    if (ToQt(Folder()).startsWith(read)) QTimer::singleShot(SortedAfterMs, this, &frmLoad::ShowInTree);
   });
   connect(cmdSetTarget, &QPushButton::clicked, this, [this] {
     target_ = source_;
@@ -159,9 +162,13 @@ void frmLoad::ShowFolder() {
   drvSource->setText(folder);
   drvSource->setCursorPosition(0);
   drvSource->setToolTip(folder);
-  const QModelIndex index = folders_->index(folder);
+  ShowInTree();
+}
+
+void frmLoad::ShowInTree() {
+  const QModelIndex index = folders_->index(QDir::cleanPath(ToQt(Folder())));
   dirSource->setCurrentIndex(index);
-  dirSource->scrollTo(index);
+  dirSource->scrollTo(index, QAbstractItemView::PositionAtCenter);
 }
 
 void frmLoad::ShowTarget() { labTarget->setText(ToQt(target_)); }

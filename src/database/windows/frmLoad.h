@@ -76,6 +76,7 @@ class frmLoad : public FormWindow {
   void ChangeTab();
   void SetFolder(const std::string& folder);
   void ShowFolder();
+  void ShowInTree();
   void ShowTarget();
 
   /// The files of the folder or of the database, into the lists.

@@ -29,7 +29,7 @@ void frmTasks::MakeLayout() {
   // A long name is scrolled to, not cut.
   tvwStations->header()->setStretchLastSection(false);
   tvwStations->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
-  tvwStations->setMinimumWidth(fontMetrics().averageCharWidth() * 46);
+  tvwStations->setMinimumWidth(fontMetrics().averageCharWidth() * 52);
 
   auto* upper = new QHBoxLayout;
   upper->addWidget(tvwStations, 2);
