@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QKeyEvent>
+#include <QScrollBar>
 #include <QTimer>
 #include <algorithm>
 #include <utility>
@@ -169,6 +170,9 @@ void frmLoad::ShowInTree() {
   const QModelIndex index = folders_->index(QDir::cleanPath(ToQt(Folder())));
   dirSource->setCurrentIndex(index);
   dirSource->scrollTo(index, QAbstractItemView::PositionAtCenter);
+  // A folder's name counts more than how deep it stands.
+  QScrollBar& across = *dirSource->horizontalScrollBar();
+  across.setValue(across.value() + dirSource->visualRect(index).left() - 2 * dirSource->indentation());
 }
 
 void frmLoad::ShowTarget() { labTarget->setText(ToQt(target_)); }
