@@ -69,8 +69,6 @@ void HyetexPlotDB::Close() {
   DatabaseConnection.Close();
 }
 
-void HyetexPlotDB::Show(const DbError& error) {
-  dialogs_.MessageBox("Hyetex", std::to_string(error.Number) + " " + error.Description);
-}
+void HyetexPlotDB::Show(const DbError& error) { dialogs_.MessageBox("Hyetex", NumberAndDescription(error)); }
 
 }  // namespace hyetex

@@ -22,10 +22,9 @@ namespace {
 
 // Errors that cost no more than the chart at hand: a constraint of the table, and two of a row that is not
 // there to be changed.
-constexpr std::int32_t NotUpdatable = 3210;
 bool IsPassedOver(const DbError& error) {
   return error.Number == db_error::ConstraintViolation || error.Number == db_error::NotNow ||
-         error.Number == NotUpdatable;
+         error.Number == db_error::NotUpdatable;
 }
 
 std::int64_t Seconds(Date date) { return std::llround(date * 86400); }

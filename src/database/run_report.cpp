@@ -16,10 +16,6 @@ void AddLines(std::string& text, const char* heading, const std::vector<std::str
 
 }  // namespace
 
-std::string NumberAndDescription(const DbError& error) {
-  return std::to_string(error.Number) + " " + error.Description;
-}
-
 std::string ClosingMessage(std::string outcome, const RunReport& report) {
   if (report.Stopped) outcome += "\n\nThe database ended the work: " + NumberAndDescription(*report.Stopped);
   if (report.Cancelled) outcome += "\n\nThe work was stopped before its end.";

@@ -23,7 +23,4 @@ struct RunReport {
 /// `outcome` with what the report adds to it; of many lines the first ones.
 std::string ClosingMessage(std::string outcome, const RunReport& report);
 
-/// The error's number and description, as messages name it.
-std::string NumberAndDescription(const DbError& error);
-
 }  // namespace hyetex

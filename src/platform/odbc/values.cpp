@@ -39,4 +39,8 @@ Date DateOf(const DbValue& value) {
   return parsed ? parsed->Value : 0;
 }
 
+std::string NumberAndDescription(const DbError& error) {
+  return std::to_string(error.Number) + " " + error.Description;
+}
+
 }  // namespace hyetex

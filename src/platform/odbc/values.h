@@ -17,6 +17,7 @@ inline constexpr std::int32_t GeneralFailure =
     -2147467259;  ///< 0x80004005: the driver cannot reach its source
 inline constexpr std::int32_t ConstraintViolation = -2147217873;  ///< 0x80040E2F
 inline constexpr std::int32_t StatementFailed = -2147217900;      ///< 0x80040E14: any other failed statement
+inline constexpr std::int32_t NotUpdatable = 3210;                ///< the row does not take changes
 inline constexpr std::int32_t NotNow = 3219;  ///< not allowed in this state (such as Update without a row)
 inline constexpr std::int32_t NoCurrentRow = 3021;  ///< before the first or behind the last row
 inline constexpr std::int32_t MissingField = 3265;  ///< no field of this name or position
@@ -28,6 +29,9 @@ struct DbError {
   std::string Description;  ///< one line, the driver's own words
   std::string State;        ///< the five characters of SQLSTATE, empty for our own
 };
+
+/// As messages name it: the number, a blank and the description.
+std::string NumberAndDescription(const DbError& error);
 
 template <typename T>
 using DbResult = tl::expected<T, DbError>;
