@@ -12,9 +12,9 @@
 
 #include "core/files.h"
 #include "core/numbers.h"
-#include "database/create_tables.h"
-#include "database/new_database.h"
-#include "database/plot_db.h"
+#include "database/access/create_tables.h"
+#include "database/access/new_database.h"
+#include "database/access/plot_db.h"
 
 namespace hyetex::bench {
 

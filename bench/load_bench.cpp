@@ -12,9 +12,9 @@
 #include "core/dates.h"
 #include "core/files.h"
 #include "core/numbers.h"
-#include "database/file_list.h"
-#include "database/loading.h"
-#include "database/stored_text.h"
+#include "database/store/file_list.h"
+#include "database/store/loading.h"
+#include "database/store/stored_text.h"
 
 namespace hyetex::bench {
 namespace {

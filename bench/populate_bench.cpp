@@ -9,7 +9,7 @@
 #include "bench_database.h"
 #include "chartfiles/chart_text.h"
 #include "core/dates.h"
-#include "database/population.h"
+#include "database/conversion/population.h"
 #include "platform/odbc/recordset.h"
 
 namespace hyetex::bench {

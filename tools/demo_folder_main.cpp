@@ -4,10 +4,10 @@
 
 #include "core/comments.h"
 #include "core/dates.h"
+#include "core/definitions.h"
 #include "core/files.h"
-#include "staging/definitions.h"
-#include "staging/lists.h"
-#include "staging/tasks.h"
+#include "staging/lists/lists.h"
+#include "staging/tasks/tasks.h"
 
 namespace hyetex {
 namespace {

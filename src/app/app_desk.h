@@ -15,7 +15,7 @@
 #include "digitizing/windows/frmHyetex.h"
 #include "digitizing/windows/mdiHyetex.h"
 #include "platform/dialogs.h"
-#include "staging/activation.h"
+#include "staging/tasks/activation.h"
 #include "staging/windows/frmLogin.h"
 #include "staging/windows/frmTaskDef.h"
 

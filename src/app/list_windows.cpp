@@ -2,9 +2,9 @@
 #include <QListWidget>
 
 #include "app/app_desk.h"
+#include "core/definitions.h"
 #include "core/numbers.h"
-#include "staging/definitions.h"
-#include "staging/list_recovery.h"
+#include "staging/lists/list_recovery.h"
 #include "staging/windows/frmLists.h"
 #include "staging/windows/frmProgramDefaults.h"
 

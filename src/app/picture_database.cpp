@@ -4,11 +4,11 @@
 #include <vector>
 
 #include "core/dates.h"
+#include "core/definitions.h"
 #include "core/files.h"
 #include "core/numbers.h"
-#include "database/loading.h"
-#include "database/new_database.h"
-#include "staging/definitions.h"
+#include "database/access/new_database.h"
+#include "database/store/loading.h"
 
 namespace hyetex {
 namespace {

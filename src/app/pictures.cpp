@@ -14,8 +14,8 @@
 
 #include "app/app_desk.h"
 #include "app/picture_database.h"
+#include "core/definitions.h"
 #include "platform/qt_text.h"
-#include "staging/definitions.h"
 #include "staging/windows/frmMessageBox.h"
 
 namespace hyetex {

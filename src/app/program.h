@@ -9,11 +9,11 @@
 
 #include "chartfiles/chart_text.h"
 #include "core/session.h"
-#include "database/computation.h"
-#include "database/plot_db.h"
-#include "staging/lists.h"
+#include "database/access/plot_db.h"
+#include "database/conversion/computation.h"
+#include "staging/lists/lists.h"
 #include "staging/main_menu.h"
-#include "staging/staging_area.h"
+#include "staging/tasks/staging_area.h"
 
 namespace hyetex {
 

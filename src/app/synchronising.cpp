@@ -1,13 +1,13 @@
 // The menu entry that brings the station list and the database in line.
-#include "database/synchronising.h"
+#include "database/stations/synchronising.h"
 
 #include <QApplication>
 
 #include "app/app_desk.h"
+#include "core/definitions.h"
 #include "database/windows/frmLoad.h"
 #include "platform/qt_text.h"
-#include "staging/definitions.h"
-#include "staging/list_editor.h"
+#include "staging/manager/list_editor.h"
 #include "staging/windows/frmLists.h"
 
 namespace hyetex {

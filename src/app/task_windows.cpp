@@ -3,7 +3,7 @@
 #include "app/task_comments.h"
 #include "chartfiles/empty_form.h"
 #include "platform/serial_devices.h"
-#include "staging/list_recovery.h"
+#include "staging/lists/list_recovery.h"
 #include "staging/windows/frmTaskDef.h"
 #include "staging/windows/frmTasks.h"
 

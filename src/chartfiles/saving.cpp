@@ -4,9 +4,9 @@
 #include <cmath>
 #include <utility>
 
+#include "core/definitions.h"
 #include "core/files.h"
 #include "core/text.h"
-#include "staging/definitions.h"
 
 namespace hyetex {
 namespace {

@@ -13,7 +13,7 @@
 #include "core/numbers.h"
 #include "core/result.h"
 #include "core/session.h"
-#include "staging/lists.h"
+#include "staging/lists/lists.h"
 
 namespace hyetex {
 

@@ -8,7 +8,7 @@
 #include "core/files.h"
 #include "core/numbers.h"
 #include "core/text.h"
-#include "staging/lists.h"
+#include "staging/lists/lists.h"
 
 namespace hyetex::cli {
 namespace {

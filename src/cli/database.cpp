@@ -2,8 +2,8 @@
 
 #include <utility>
 
+#include "core/definitions.h"
 #include "core/files.h"
-#include "staging/definitions.h"
 
 namespace hyetex::cli {
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "cli/commands.h"
-#include "database/plot_db.h"
+#include "database/access/plot_db.h"
 #include "platform/dialogs.h"
 
 namespace hyetex::cli {

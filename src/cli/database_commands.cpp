@@ -1,9 +1,9 @@
 // structure and create-tables: the tables of a database.
 #include "cli/database.h"
 #include "core/files.h"
-#include "database/create_tables.h"
-#include "database/new_database.h"
-#include "database/structure.h"
+#include "database/access/create_tables.h"
+#include "database/access/new_database.h"
+#include "database/access/structure.h"
 
 namespace hyetex::cli {
 namespace {

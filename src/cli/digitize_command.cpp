@@ -3,12 +3,12 @@
 #include "chartfiles/chart_text.h"
 #include "chartfiles/saving.h"
 #include "cli/commands.h"
+#include "core/definitions.h"
 #include "core/files.h"
 #include "core/text.h"
 #include "digitizing/action_machine.h"
-#include "staging/activation.h"
-#include "staging/definitions.h"
-#include "staging/lists.h"
+#include "staging/lists/lists.h"
+#include "staging/tasks/activation.h"
 
 namespace hyetex::cli {
 namespace {

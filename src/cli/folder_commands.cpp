@@ -4,12 +4,12 @@
 #include "chartfiles/chart_text.h"
 #include "cli/commands.h"
 #include "core/dates.h"
+#include "core/definitions.h"
 #include "core/files.h"
 #include "core/numbers.h"
 #include "core/text.h"
-#include "staging/definitions.h"
-#include "staging/lists.h"
-#include "staging/tasks.h"
+#include "staging/lists/lists.h"
+#include "staging/tasks/tasks.h"
 
 namespace hyetex::cli {
 namespace {

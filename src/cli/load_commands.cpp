@@ -1,9 +1,9 @@
 // load and extract: chart files into the database and out of it.
 #include "cli/commands.h"
 #include "cli/database.h"
-#include "database/extracting.h"
-#include "database/loading.h"
-#include "staging/lists.h"
+#include "database/store/extracting.h"
+#include "database/store/loading.h"
+#include "staging/lists/lists.h"
 
 namespace hyetex::cli {
 namespace {

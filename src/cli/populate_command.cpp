@@ -5,8 +5,8 @@
 
 #include "cli/database.h"
 #include "core/files.h"
-#include "database/populate_grid.h"
-#include "database/population.h"
+#include "database/conversion/populate_grid.h"
+#include "database/conversion/population.h"
 
 namespace hyetex::cli {
 namespace {

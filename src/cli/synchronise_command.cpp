@@ -1,7 +1,7 @@
 // synchronise: the station list and the database's instruments in line, in both directions.
 #include "cli/database.h"
 #include "core/files.h"
-#include "database/synchronising.h"
+#include "database/stations/synchronising.h"
 
 namespace hyetex::cli {
 namespace {

@@ -16,8 +16,8 @@ class Dialogs {
   virtual ~Dialogs() = default;
 
   /// Closing the box counts as Cancel, or as No where there is no Cancel, or as Ok where that is all.
-  virtual BoxAnswer MessageBox(const std::string& title, const std::string& text, BoxButtons buttons = BoxButtons::Ok,
-                               BoxIcon icon = BoxIcon::None) = 0;
+  virtual BoxAnswer MessageBox(const std::string& title, const std::string& text,
+                               BoxButtons buttons = BoxButtons::Ok, BoxIcon icon = BoxIcon::None) = 0;
   /// The text typed; nothing if the box was cancelled.
   virtual std::optional<std::string> InputBox(const std::string& title, const std::string& prompt,
                                               const std::string& initial = {}) = 0;

@@ -1,5 +1,5 @@
-// The keyboard's way to the menu of a list or grid: Shift+F10, beside the menu key that not every keyboard and platform
-// knows.
+// The keyboard's way to the menu of a list or grid: Shift+F10, beside the menu key that not every keyboard
+// and platform knows.
 #pragma once
 
 #include <QAbstractItemView>

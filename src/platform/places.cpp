@@ -4,9 +4,9 @@
 #include <QMdiSubWindow>
 #include <QScreen>
 
+#include "core/definitions.h"
 #include "core/numbers.h"
 #include "platform/qt_text.h"
-#include "staging/definitions.h"
 
 namespace hyetex {
 namespace {

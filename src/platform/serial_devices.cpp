@@ -4,9 +4,9 @@
 #include <QSerialPortInfo>
 #include <QStringList>
 
+#include "core/definitions.h"
 #include "core/numbers.h"
 #include "platform/qt_text.h"
-#include "staging/definitions.h"
 
 namespace hyetex {
 

@@ -1,5 +1,5 @@
-// What charts are drawn on: the screen, a picture, a page of the printer. The logic draws through this, so that a
-// drawing can be tested without a screen.
+// What charts are drawn on: the screen, a picture, a page of the printer. The logic draws through this, so
+// that a drawing can be tested without a screen.
 #pragma once
 
 #include "core/colour.h"

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "core/desk.h"
-#include "staging/login.h"
+#include "staging/lists/login.h"
 
 namespace hyetex {
 

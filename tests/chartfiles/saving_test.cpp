@@ -2,8 +2,8 @@
 
 #include "chartfiles/comment_list.h"
 #include "chartfiles/traced_week.h"
+#include "core/definitions.h"
 #include "core/files.h"
-#include "staging/definitions.h"
 #include "support.h"
 
 namespace hyetex {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "cli/run.h"
+#include "paths.h"
 
 namespace hyetex::test {
 namespace {
@@ -19,7 +20,7 @@ namespace fs = std::filesystem;
 std::vector<std::string> CaseNames() {
   std::vector<std::string> names;
   std::error_code missing;
-  for (const auto& entry : fs::directory_iterator(HYETEX_CASES, missing))
+  for (const auto& entry : fs::directory_iterator(test::Cases(), missing))
     if (entry.is_directory()) names.push_back(entry.path().filename().string());
   std::sort(names.begin(), names.end());
   return names;
@@ -47,7 +48,7 @@ TEST(CaseFolders, AreFound) { EXPECT_THAT(CaseNames(), ::testing::SizeIs(::testi
 TEST_P(Cases, GivesExactlyWhatIsExpected) {
   const TempFolder folder;
   const fs::path own = folder / "case", expected = own / "expected";
-  fs::copy(fs::path(HYETEX_CASES) / GetParam(), own, fs::copy_options::recursive);
+  fs::copy(fs::path(test::Cases()) / GetParam(), own, fs::copy_options::recursive);
   std::vector<std::string> words{"digitize", "--folder", "program"};
   for (const std::string& word : Lines(ReadFile(own / "args"))) words.push_back(word);
 

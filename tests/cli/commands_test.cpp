@@ -8,7 +8,8 @@
 #include "chartfiles/chart_reader.h"
 #include "cli/run.h"
 #include "digitizing/tablets.h"
-#include "staging/lists.h"
+#include "paths.h"
+#include "staging/lists/lists.h"
 
 namespace hyetex::test {
 namespace {
@@ -192,7 +193,7 @@ TEST(Setting, IsReadBackByTheNextRun) {
 }
 
 TEST(ListsAndTasks, ShowTheFolderButNoPasswords) {
-  const std::string folder = std::string(HYETEX_CASES) + "/linear/program";
+  const std::string folder = test::Cases() + "/linear/program";
   const Ran lists = RunCli({"lists", "--folder", folder});
   EXPECT_EQ(lists.Status, 0);
   EXPECT_THAT(lists.Out,

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "cli/run.h"
+#include "paths.h"
 
 namespace hyetex::test {
 namespace {
@@ -14,7 +15,7 @@ constexpr const char* Name = "RG12-19980305-1230.dat";
 
 class Digitize : public ::testing::Test {
  protected:
-  Digitize() { fs::copy(fs::path(HYETEX_CASES) / "linear", Folder.Path(), fs::copy_options::recursive); }
+  Digitize() { fs::copy(fs::path(test::Cases()) / "linear", Folder.Path(), fs::copy_options::recursive); }
 
   Ran Run(std::vector<std::string> words, const RunWith& with = {}) {
     words.insert(words.begin(), {"digitize", "--folder", Folder / "program"});
@@ -38,7 +39,7 @@ TEST_F(Digitize, LeavesAnOldFileAloneUnlessToldOtherwise) {
                                        "programme will overwrite it."));
   EXPECT_EQ(Chart(), "old");
   EXPECT_EQ(Run({"--task", "1", "--overwrite", "--comment", "Traced twice"}).Status, 0);
-  EXPECT_EQ(Chart(), ReadFile(fs::path(HYETEX_CASES) / "linear/expected" / Name));
+  EXPECT_EQ(Chart(), ReadFile(fs::path(test::Cases()) / "linear/expected" / Name));
 }
 
 TEST_F(Digitize, RefusesInOneLineAndWritesNothing) {

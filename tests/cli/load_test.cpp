@@ -1,9 +1,10 @@
 // load and extract.
 #include "cli/run.h"
-#include "database/new_database.h"
-#include "database/plot_db.h"
+#include "database/access/new_database.h"
+#include "database/access/plot_db.h"
+#include "database/store/stored_text.h"
 #include "database/stored_charts.h"
-#include "database/stored_text.h"
+#include "paths.h"
 
 namespace hyetex::test {
 namespace {
@@ -21,7 +22,7 @@ TEST(Cli, LoadsAndExtractsCharts) {
   const DbValue values[] = {code};
   ASSERT_TRUE(connection->Execute("INSERT INTO INSTRUMENT (instrument_code_id) VALUES (?)", values));
   connection->Close();
-  std::filesystem::copy(HYETEX_DEMO "/program", folder / "program");
+  std::filesystem::copy(test::Demo("program"), folder / "program");
   const std::string text = StoredChart{.Instrument = code}.Text();
   const StoredText chart = SplitStoredText(text);
   const std::string file = folder / std::string(chart.FileName);

@@ -1,6 +1,6 @@
 // populate: the command's words, its counts and its exit status.
 #include "cli/run.h"
-#include "database/population_fixture.h"
+#include "database/conversion/population_fixture.h"
 
 namespace hyetex::test {
 namespace {

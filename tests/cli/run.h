@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "paths.h"
 #include "support.h"
 
 namespace hyetex::test {
@@ -32,7 +33,7 @@ inline Ran RunCli(std::vector<std::string> words, const RunWith& with = {}) {
   WriteFile(own / "in", with.Input);
   const std::string outPath = with.Out.empty() ? own / "out" : with.Out;
   const std::string paths[] = {own / "in", outPath, own / "err"};
-  std::string program = HYETEX_CLI;
+  std::string program = test::CommandLineProgram();
   std::vector<char*> argv{program.data()};
   for (std::string& word : words) argv.push_back(word.data());
   argv.push_back(nullptr);

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <thread>
 
-#include "staging/child.h"
+#include "child.h"
 #include "support.h"
 
 namespace hyetex {

@@ -8,8 +8,8 @@
 #include <map>
 
 #include "cli/run.h"
-#include "database/loading.h"
-#include "database/population_fixture.h"
+#include "database/conversion/population_fixture.h"
+#include "database/store/loading.h"
 
 namespace hyetex {
 namespace {

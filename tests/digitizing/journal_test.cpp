@@ -3,7 +3,7 @@
 #include <random>
 
 #include "digitizing/desk.h"
-#include "staging/child.h"
+#include "child.h"
 #include "support.h"
 
 namespace hyetex {

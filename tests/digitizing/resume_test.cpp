@@ -3,7 +3,7 @@
 #include "chartfiles/chart_text.h"
 #include "core/files.h"
 #include "digitizing/desk.h"
-#include "staging/child.h"
+#include "child.h"
 #include "support.h"
 
 namespace hyetex {

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <csignal>
 
+#include "paths.h"
 #include "support.h"
 #include "tools/traced_chart.h"
 
@@ -26,7 +27,7 @@ class Simulator {
     int out[2] = {}, err[2] = {};
     EXPECT_EQ(::pipe2(out, O_CLOEXEC), 0);
     EXPECT_EQ(::pipe2(err, O_CLOEXEC), 0);
-    words.insert(words.begin(), HYETEX_TABLET);
+    words.insert(words.begin(), test::TabletProgram());
     std::vector<char*> argv;
     for (std::string& word : words) argv.push_back(word.data());
     argv.push_back(nullptr);

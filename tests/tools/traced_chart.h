@@ -12,6 +12,7 @@
 #include "core/dates.h"
 #include "core/files.h"
 #include "digitizing/action_machine.h"
+#include "paths.h"
 #include "tracing/operator.h"
 #include "tracing/rain.h"
 #include "tracing/readings.h"
@@ -22,7 +23,7 @@ namespace hyetex::test {
 inline const TabletType& TabletOf(int type) { return TabletTypes()[static_cast<std::size_t>(type)]; }
 
 inline PenLine RealChart() {
-  const auto csv = ReadWholeFile(HYETEX_DEMO "/charts/siphon-chart.csv", 1 << 20);
+  const auto csv = ReadWholeFile(test::Demo("charts/siphon-chart.csv"), 1 << 20);
   return DrawReadings(csv.value()).value();
 }
 

@@ -1,4 +1,5 @@
 #include "digitizing/report_decoder.h"
+#include "paths.h"
 #include "support.h"
 #include "tools/traced_chart.h"
 
@@ -78,10 +79,10 @@ TEST_P(Tracing, JournalReadsBackAsTheSameSteps) {
 TEST_P(Tracing, DemonstrationIsWhatTheToolsMakeToday) {
   const auto steps = TracePage(RealChart(), TabletOf(GetParam()), {}).value();
   const std::string number = std::to_string(GetParam());
-  EXPECT_TRUE(ReadFile(HYETEX_DEMO "/streams/siphon-" + number + ".bin") ==
+  EXPECT_TRUE(ReadFile(test::Demo("streams/siphon-" + number + ".bin")) ==
               EncodeSteps(TabletOf(GetParam()), steps))
       << "run demo/make";
-  EXPECT_EQ(ReadFile(HYETEX_DEMO "/journals/siphon-" + number + ".txt"), JournalText(GetParam(), steps))
+  EXPECT_EQ(ReadFile(test::Demo("journals/siphon-" + number + ".txt")), JournalText(GetParam(), steps))
       << "run demo/make";
 }
 

@@ -5,7 +5,7 @@
 #include <QTableWidget>
 
 #include "app/app_desk.h"
-#include "database/new_database.h"
+#include "database/access/new_database.h"
 #include "database/windows/frmCreateTable.h"
 #include "database/windows/frmODBCLogon.h"
 #include "database/windows/frmODBCLogon1.h"

@@ -10,6 +10,7 @@
 
 #include "app/app_desk.h"
 #include "chartfiles/chart_text.h"
+#include "paths.h"
 #include "windows/support.h"
 #include "windows/wired_tablet.h"
 
@@ -18,7 +19,7 @@ namespace hyetex::test {
 class DeskTest : public FolderTest {
  protected:
   DeskTest() {
-    std::filesystem::copy(HYETEX_DEMO "/program", folder_.Path());
+    std::filesystem::copy(test::Demo("program"), folder_.Path());
     Remember("frmHyetex-Height", "12000");  // 800 pixels, for which streams are recorded
   }
 

@@ -5,6 +5,7 @@
 #include <QMdiSubWindow>
 
 #include "core/files.h"
+#include "paths.h"
 #include "windows/desk_fixture.h"
 
 namespace hyetex {
@@ -89,7 +90,7 @@ TEST_F(WholeSession, RecordedStreamsOfAllTabletsMakeTheirCharts) {
     Remember("frmHyetex-ToolBox", "0");  // streams press where a new installation has its board
     Open(0, tablet);
     const std::string number = std::to_string(tablet);
-    const auto stream = QByteArray::fromStdString(ReadFile(HYETEX_DEMO "/streams/siphon-" + number + ".bin"));
+    const auto stream = QByteArray::fromStdString(ReadFile(test::Demo("streams/siphon-" + number + ".bin")));
     for (qsizetype at = 0; at < stream.size(); at += 500) Send(stream.mid(at, 500));
     const std::string traced = ChartText();
     EXPECT_GT(LastPoint(), 50);
@@ -97,7 +98,7 @@ TEST_F(WholeSession, RecordedStreamsOfAllTabletsMakeTheirCharts) {
     Session again(type_->Extents, State().Line.Scales().ChartType, State().Chart, 0);
     SilentView nothing;
     ActionMachine machine(again, *type_, nothing);
-    ASSERT_TRUE(Replay(ReadJournal(ReadFile(HYETEX_DEMO "/journals/siphon-" + number + ".txt")), machine));
+    ASSERT_TRUE(Replay(ReadJournal(ReadFile(test::Demo("journals/siphon-" + number + ".txt"))), machine));
     EXPECT_EQ(traced, MakeChartText(again, {"Core", "Agency", "Station", "Code", "User"}, "")->Text)
         << tablet;
     dialogs_.Answers = {BoxAnswer::Yes};

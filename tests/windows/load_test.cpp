@@ -7,9 +7,9 @@
 #include <QTreeWidget>
 #include <filesystem>
 
-#include "database/new_database.h"
+#include "database/access/new_database.h"
+#include "database/store/stored_text.h"
 #include "database/stored_charts.h"
-#include "database/stored_text.h"
 #include "database/windows/frmLoad.h"
 #include "windows/support.h"
 

@@ -3,7 +3,7 @@
 #include <QLineEdit>
 
 #include "platform/qt_text.h"
-#include "staging/lists.h"
+#include "staging/lists/lists.h"
 #include "staging/windows/frmLogin.h"
 #include "windows/support.h"
 

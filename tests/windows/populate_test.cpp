@@ -12,8 +12,9 @@
 
 #include "app/app_desk.h"
 #include "core/numbers.h"
-#include "database/new_database.h"
+#include "database/access/new_database.h"
 #include "database/stored_charts.h"
+#include "paths.h"
 #include "windows/support.h"
 
 namespace hyetex {
@@ -39,7 +40,7 @@ class WatchedDialogs : public ScriptedDialogs {
 class Populating : public FolderTest {
  protected:
   Populating() {
-    std::filesystem::copy(HYETEX_DEMO "/program", folder_.Path());
+    std::filesystem::copy(test::Demo("program"), folder_.Path());
     const std::string file = folder_ / "rain.sqlite";
     EXPECT_TRUE(CreateDatabaseFile(file));
     text_ = FileConnectionText(file).value_or("");

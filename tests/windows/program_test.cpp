@@ -3,6 +3,8 @@
 #include <QStandardPaths>
 #include <QtEndian>
 
+#include "paths.h"
+#include "platform/qt_text.h"
 #include "windows/support.h"
 
 namespace hyetex {
@@ -26,14 +28,14 @@ class Program : public FolderTest {
     // What the system's libraries keep to their end is not ours.
     WriteFile(folder_ / "leaks", "leak:libdbus\nleak:libfontconfig\n");
     environment_.insert("LSAN_OPTIONS", QString::fromStdString("suppressions=" + (folder_ / "leaks")));
-    std::filesystem::copy(HYETEX_DEMO "/program", folder_ / "program",
+    std::filesystem::copy(test::Demo("program"), folder_ / "program",
                           std::filesystem::copy_options::recursive);
   }
   void TearDown() override { Stop(screen_); }
 
   void Start(QProcess& program, const QStringList& words) {
     program.setProcessEnvironment(environment_);
-    program.start(HYETEX_DESKTOP,
+    program.start(ToQt(test::DesktopProgram()),
                   QStringList{"--folder", QString::fromStdString(folder_ / "program")} + words);
     ASSERT_TRUE(program.waitForStarted());
   }
@@ -104,7 +106,7 @@ TEST(ProgramWords, AreAnsweredWithoutAScreen) {
     environment.remove("DISPLAY");
     environment.insert("QT_QPA_PLATFORM", "xcb");
     program.setProcessEnvironment(environment);
-    program.start(HYETEX_DESKTOP, words);
+    program.start(ToQt(test::DesktopProgram()), words);
     EXPECT_TRUE(program.waitForFinished());
     return std::pair(program.exitCode(), program.readAllStandardOutput().toStdString());
   };

@@ -7,7 +7,8 @@
 #include "app/app_desk.h"
 #include "app/start_words.h"
 #include "digitizing/tools.h"
-#include "staging/lists.h"
+#include "paths.h"
+#include "staging/lists/lists.h"
 #include "windows/support.h"
 
 namespace hyetex {
@@ -129,7 +130,7 @@ TEST(Shell, HasRoomForTheLongestInstruction) {
 class ProgramDesk : public FolderTest {
  protected:
   void SetUp() override {
-    std::filesystem::copy(HYETEX_DEMO "/program", folder_.Path(), std::filesystem::copy_options::recursive);
+    std::filesystem::copy(test::Demo("program"), folder_.Path(), std::filesystem::copy_options::recursive);
     auto lists = ReadLists(folder_.Path());
     ASSERT_TRUE(lists);
     lists->Users[0].Password.clear();

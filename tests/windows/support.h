@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "../support.h"  // the name alone is this file's own
+#include "core/definitions.h"
 #include "core/desk.h"
 #include "scripted_dialogs.h"
-#include "staging/definitions.h"
 
 // These end a test function of another framework; in a GoogleTest body a failure of theirs is silent.
 #undef QVERIFY

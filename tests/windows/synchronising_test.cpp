@@ -5,7 +5,8 @@
 #include <QTreeWidget>
 
 #include "app/app_desk.h"
-#include "database/new_database.h"
+#include "database/access/new_database.h"
+#include "paths.h"
 #include "windows/support.h"
 
 namespace hyetex {
@@ -16,7 +17,7 @@ using namespace hyetex::test;
 class SynchronisingDesk : public FolderTest {
  protected:
   void SetUp() override {
-    std::filesystem::copy(HYETEX_DEMO "/program", folder_.Path());
+    std::filesystem::copy(test::Demo("program"), folder_.Path());
     const std::string file = folder_ / "rain.sqlite";
     ASSERT_TRUE(CreateDatabaseFile(file));
     text_ = "Driver=SQLite3;Database=" + file;

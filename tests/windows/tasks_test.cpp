@@ -7,7 +7,7 @@
 
 #include "core/dates.h"
 #include "core/files.h"
-#include "staging/tasks.h"
+#include "staging/tasks/tasks.h"
 #include "windows/desk_fixture.h"
 
 namespace hyetex {

@@ -8,9 +8,9 @@
 
 #include "chartfiles/comment_list.h"
 #include "chartfiles/saving.h"
+#include "core/definitions.h"
 #include "platform/qt_text.h"
 #include "platform/up_down.h"
-#include "staging/definitions.h"
 
 namespace hyetex {
 namespace {

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "core/files.h"
-#include "database/report_error.h"
+#include "database/access/report_error.h"
 #include "platform/controls.h"
 #include "platform/odbc/connection_text.h"
 #include "platform/places.h"

@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "core/result.h"
-#include "database/plot_db.h"
-#include "database/structure.h"
+#include "database/access/plot_db.h"
+#include "database/access/structure.h"
 #include "platform/dialogs.h"
 #include "platform/form_window.h"
 

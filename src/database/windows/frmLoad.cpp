@@ -10,14 +10,15 @@
 
 #include "chartfiles/saving.h"
 #include "core/dates.h"
+#include "core/definitions.h"
 #include "core/files.h"
 #include "core/numbers.h"
-#include "database/extracting.h"
-#include "database/loading.h"
-#include "database/unmapped.h"
+#include "database/stations/unmapped.h"
+#include "database/store/instruments.h"
+#include "database/store/extracting.h"
+#include "database/store/loading.h"
 #include "platform/qt_dates.h"
 #include "platform/qt_text.h"
-#include "staging/definitions.h"
 
 namespace hyetex {
 namespace {

@@ -18,12 +18,12 @@
 #include <string>
 #include <vector>
 
-#include "database/file_list.h"
-#include "database/plot_db.h"
+#include "database/access/plot_db.h"
+#include "database/store/file_list.h"
 #include "platform/dialogs.h"
 #include "platform/form_window.h"
 #include "platform/shown_progress.h"
-#include "staging/lists.h"
+#include "staging/lists/lists.h"
 
 namespace hyetex {
 

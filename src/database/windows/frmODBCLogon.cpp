@@ -1,11 +1,11 @@
 #include "database/windows/frmODBCLogon.h"
 
+#include "core/definitions.h"
 #include "core/files.h"
-#include "database/new_database.h"
+#include "database/access/new_database.h"
 #include "platform/controls.h"
 #include "platform/odbc/connection_text.h"
 #include "platform/qt_text.h"
-#include "staging/definitions.h"
 
 namespace hyetex {
 

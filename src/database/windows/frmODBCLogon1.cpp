@@ -4,10 +4,10 @@
 #include <QFormLayout>
 #include <QLabel>
 
+#include "core/definitions.h"
 #include "platform/controls.h"
 #include "platform/odbc/connection_text.h"
 #include "platform/qt_text.h"
-#include "staging/definitions.h"
 
 namespace hyetex {
 

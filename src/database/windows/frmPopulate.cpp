@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "core/files.h"
-#include "database/data_log.h"
+#include "database/conversion/data_log.h"
 #include "platform/qt_text.h"
 #include "platform/shell.h"
 #include "platform/shown_progress.h"

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "database/populate_choice.h"
+#include "database/conversion/populate_choice.h"
 #include "database/windows/populate_model.h"
 #include "platform/dialogs.h"
 #include "platform/form_window.h"

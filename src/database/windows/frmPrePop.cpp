@@ -7,11 +7,11 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "core/definitions.h"
 #include "core/numbers.h"
-#include "database/populate_choice.h"
+#include "database/conversion/populate_choice.h"
 #include "platform/controls.h"
 #include "platform/qt_text.h"
-#include "staging/definitions.h"
 
 namespace hyetex {
 namespace {

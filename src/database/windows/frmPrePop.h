@@ -7,7 +7,7 @@
 #include <array>
 #include <functional>
 
-#include "database/computation.h"
+#include "database/conversion/computation.h"
 #include "platform/form_window.h"
 
 namespace hyetex {

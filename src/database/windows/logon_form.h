@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "database/connection_choice.h"
+#include "database/access/connection_choice.h"
 #include "platform/dialogs.h"
 #include "platform/form_window.h"
 

@@ -2,7 +2,7 @@
 
 #include <QColor>
 
-#include "database/populate_choice.h"
+#include "database/conversion/populate_choice.h"
 #include "platform/qt_surface.h"
 #include "platform/qt_text.h"
 

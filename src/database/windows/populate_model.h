@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/colour.h"
-#include "database/populate_grid.h"
+#include "database/conversion/populate_grid.h"
 
 namespace hyetex {
 

@@ -6,11 +6,11 @@
 #include <QTimer>
 #include <utility>
 
+#include "core/definitions.h"
 #include "core/numbers.h"
 #include "digitizing/drawing.h"
 #include "digitizing/windows/units.h"
 #include "platform/qt_text.h"
-#include "staging/definitions.h"
 
 namespace hyetex {
 namespace {

@@ -3,9 +3,9 @@
 #pragma once
 
 #include <QAbstractButton>
-#include <QWidget>
 #include <QIcon>
 #include <QLabel>
+#include <QWidget>
 #include <array>
 
 #include "digitizing/desk_layout.h"

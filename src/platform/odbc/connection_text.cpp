@@ -43,7 +43,8 @@ constexpr DriverOption DriverOptions[] = {
     {"PSQL", "UseDeclareFetch", "1"},
     {"PSQL", "Fetch", "1000"},
     {"PSQL", "ByteaAsLongVarBinary", "1"},
-    {"PSQL", "Protocol", "7.4-0"},  // no savepoint before each statement: the first error ends our transactions
+    {"PSQL", "Protocol",
+     "7.4-0"},  // no savepoint before each statement: the first error ends our transactions
     {"MAODBC", "Charset", "utf8mb4"},
     {"MAODBC", "OPTION", "2"},  // count the rows that an update found, not only those that it changed
 };

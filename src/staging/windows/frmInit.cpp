@@ -4,11 +4,11 @@
 #include <QGroupBox>
 #include <QVBoxLayout>
 
+#include "core/definitions.h"
 #include "core/files.h"
 #include "platform/odbc/connection_text.h"
 #include "platform/qt_text.h"
 #include "platform/shell.h"
-#include "staging/definitions.h"
 
 namespace hyetex {
 namespace {

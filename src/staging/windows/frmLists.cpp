@@ -7,8 +7,8 @@
 #include "core/numbers.h"
 #include "platform/menu_key.h"
 #include "platform/qt_text.h"
-#include "staging/chart_type_editing.h"
-#include "staging/login.h"
+#include "staging/lists/login.h"
+#include "staging/manager/chart_type_editing.h"
 
 namespace hyetex {
 namespace {

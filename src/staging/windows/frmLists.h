@@ -14,7 +14,7 @@
 #include "platform/dialogs.h"
 #include "platform/form_window.h"
 #include "platform/popup_menu.h"
-#include "staging/list_editor.h"
+#include "staging/manager/list_editor.h"
 #include "staging/windows/station_view.h"
 
 namespace hyetex {

@@ -7,7 +7,7 @@
 
 #include "platform/controls.h"
 #include "platform/up_down.h"
-#include "staging/chart_type_editing.h"
+#include "staging/manager/chart_type_editing.h"
 #include "staging/windows/frmLists.h"
 
 namespace hyetex {

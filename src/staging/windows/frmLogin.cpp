@@ -6,10 +6,10 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 
+#include "core/definitions.h"
 #include "platform/qt_text.h"
-#include "staging/definitions.h"
-#include "staging/list_recovery.h"
-#include "staging/login.h"
+#include "staging/lists/list_recovery.h"
+#include "staging/lists/login.h"
 
 namespace hyetex {
 namespace {

@@ -11,7 +11,7 @@
 
 #include "core/desk.h"
 #include "platform/dialogs.h"
-#include "staging/lists.h"
+#include "staging/lists/lists.h"
 
 namespace hyetex {
 

@@ -4,11 +4,11 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "core/definitions.h"
 #include "core/numbers.h"
 #include "platform/controls.h"
 #include "platform/qt_text.h"
-#include "staging/chart_type_editing.h"
-#include "staging/definitions.h"
+#include "staging/manager/chart_type_editing.h"
 
 namespace hyetex {
 

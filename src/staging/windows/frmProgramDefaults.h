@@ -9,7 +9,7 @@
 
 #include "platform/dialogs.h"
 #include "platform/form_window.h"
-#include "staging/lists.h"
+#include "staging/lists/lists.h"
 
 namespace hyetex {
 

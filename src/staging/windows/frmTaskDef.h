@@ -14,7 +14,7 @@
 
 #include "platform/dialogs.h"
 #include "platform/form_window.h"
-#include "staging/task_details.h"
+#include "staging/tasks/task_details.h"
 
 class QGridLayout;
 

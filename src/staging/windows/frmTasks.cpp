@@ -4,12 +4,12 @@
 #include <QCloseEvent>
 #include <utility>
 
+#include "core/definitions.h"
 #include "core/files.h"
 #include "core/numbers.h"
 #include "core/text.h"
 #include "platform/qt_text.h"
-#include "staging/definitions.h"
-#include "staging/station_tree.h"
+#include "staging/lists/station_tree.h"
 
 namespace hyetex {
 namespace {

@@ -17,9 +17,9 @@
 #include "platform/dialogs.h"
 #include "platform/form_window.h"
 #include "platform/popup_menu.h"
-#include "staging/activation.h"
-#include "staging/staging_area.h"
-#include "staging/task_rows.h"
+#include "staging/tasks/activation.h"
+#include "staging/tasks/staging_area.h"
+#include "staging/tasks/task_rows.h"
 #include "staging/windows/station_view.h"
 #include "staging/windows/tablet_finder.h"
 

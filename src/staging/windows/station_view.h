@@ -4,9 +4,9 @@
 #include <QTreeWidget>
 #include <vector>
 
-#include "staging/list_editing.h"
-#include "staging/lists.h"
-#include "staging/station_tree.h"
+#include "staging/lists/lists.h"
+#include "staging/lists/station_tree.h"
+#include "staging/manager/list_editing.h"
 
 namespace hyetex {
 

@@ -1,0 +1,71 @@
+#include "database/conversion/chart_writer.h"
+
+#include <cmath>
+#include <utility>
+#include <vector>
+
+#include "chartfiles/chart_text.h"
+#include "core/numbers.h"
+#include "core/text.h"
+
+namespace hyetex {
+namespace {
+
+enum Column { Station, Instrument, Start, End, Depth, Method, Reliability, Comments };
+
+std::vector<std::string> ColumnNames() {
+  return {"station",          "instrument_code_id",    "start_time", "end_time", "depth",
+          "computing_method", "data_Reliability_code", "comments"};
+}
+
+// A shift to GMT in 32 bits is off by less than a millisecond.
+DbDate WholeSeconds(Date date) { return {static_cast<double>(std::llround(date * 86400)) / 86400}; }
+
+}  // namespace
+
+DbResult<ChartWriter> ChartWriter::Open(Connection& connection) {
+  auto rows = RowWriter::Open(connection, "chart", ColumnNames());
+  if (!rows) return tl::unexpected(rows.error());
+  return ChartWriter(*std::move(rows));
+}
+
+std::optional<std::string> ChartWriter::CheckStation(const StationRecord& station) const {
+  const std::string code = ShownText(station.InstrumentCode);
+  const std::int64_t width = rows_.Columns()[Instrument].Size;
+  if (CutToWidth(code, width) == code) return std::nullopt;
+  return "the instrument code " + code + " is longer than the " + std::to_string(width) +
+         " characters of its column";
+}
+
+std::string ChartWriter::Fitted(int column, std::string_view text, const Tell& tell) {
+  const std::string whole = ShownText(text);
+  const CatalogColumn& target = rows_.Columns()[static_cast<std::size_t>(column)];
+  std::string fitted = CutToWidth(whole, target.Size);
+  if (fitted != whole && cut_.insert(whole).second)
+    tell("\"" + whole + "\" is cut to the " + std::to_string(target.Size) + " characters of " + target.Name);
+  return fitted;
+}
+
+DbResult<void> ChartWriter::Write(const ChartRows& chart, const StationRecord& station, int reliability,
+                                  const Tell& tell) {
+  const std::string name = Fitted(Station, station.Name, tell);
+  const std::string code = ShownText(station.InstrumentCode);
+  const std::string word(ReliabilityText(reliability));
+  for (const ChartRow& row : chart.Rows) {
+    std::vector<DbValue> values(8);
+    values[Station] = name;
+    values[Instrument] = code;
+    values[Start] = WholeSeconds(row.Start);
+    values[End] = WholeSeconds(row.End);
+    if (row.Depth) values[Depth] = *row.Depth;
+    values[Method] = "ASCII";
+    values[Reliability] = word;
+    values[Comments] = row.Comment == " " ? row.Comment : Fitted(Comments, row.Comment, tell);
+    if (auto added = rows_.Add(std::move(values)); !added) return added;
+  }
+  const auto written = rows_.Finish();
+  if (!written) return tl::unexpected(written.error());
+  return {};
+}
+
+}  // namespace hyetex

@@ -1,0 +1,44 @@
+// What the populate window shows: an instrument's stored charts, one row each.
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "core/progress.h"
+#include "database/access/plot_db.h"
+#include "database/conversion/computation.h"
+#include "staging/lists/lists.h"
+
+namespace hyetex {
+
+inline constexpr int PopulateColumns = 7;
+inline constexpr std::array<const char*, PopulateColumns> PopulateTitles{
+    "Start Date (dd/mm/yy)", "End Date (dd/mm/yy)", "Digitized Depth", "Manual Depth", "Alpha",
+    "Reliability",           "Selected Depth"};
+
+struct PopulateRow {
+  Date ChartDate = 0;  ///< as stored: with the instrument it tells the chart
+  Date Start = 0, End = 0;
+  std::array<std::string, PopulateColumns> Cells;
+  bool Overlaps = false;  ///< it starts on the day on which the chart before it ends, before that end
+  bool IsManual() const { return Cells[6] != "Digitized"; }
+};
+
+/// The codes of all instruments of the database, in the table's order.
+DbResult<std::vector<std::string>> PopulateInstruments(HyetexPlotDB& database);
+
+/// The instrument's charts that are not yet converted, or all of them, sorted by their start. Overlaps are
+/// told in the table's order.
+DbResult<std::vector<PopulateRow>> LoadGrid(HyetexPlotDB& database, const std::string& instrumentCode,
+                                            bool showAll, const ComputationVariables& variables,
+                                            const ReferenceLists& lists, Progress& progress);
+
+/// "Digitized" becomes "Manual", anything else "Digitized".
+void ToggleSelectedDepth(PopulateRow& row);
+
+/// Writes the stored text of a chart to temp_rfs.txt in the folder, and gives its path.
+Result<std::string> WriteStoredText(HyetexPlotDB& database, const std::string& instrumentCode, Date chartDate,
+                                    const std::string& folder);
+
+}  // namespace hyetex

@@ -1,0 +1,165 @@
+#include "database/store/extracting.h"
+
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <set>
+#include <utility>
+
+#include "core/dates.h"
+#include "core/files.h"
+#include "core/program_files.h"
+#include "core/text.h"
+#include "database/store/chart_ascii.h"
+#include "database/store/stored_text.h"
+
+namespace hyetex {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Of a record that our loading made it could not be longer than a chart file; another program's may be.
+constexpr std::size_t MostTextBytes = 64U << 20;
+
+class Extractor {
+ public:
+  Extractor(HyetexPlotDB& database, std::string folder, Progress& progress)
+      : database_(database), folder_(std::move(folder)), progress_(progress) {}
+
+  ExtractResult Run(std::string_view code) {
+    if (MakeFolder()) Walk(code);
+    return std::move(result_);
+  }
+
+  ExtractResult Run(std::span<const FileSummary> rows) {
+    if (!MakeFolder()) return std::move(result_);
+    chosenOnly_ = true;
+    std::set<std::string> codes;
+    for (const FileSummary& row : rows) {
+      wanted_.emplace(std::pair(row.Stored, UpperAscii(row.Name)), false);
+      codes.insert(row.Stored.Code);
+    }
+    total_ = static_cast<std::int64_t>(wanted_.size());
+    // The records of these instruments; one without a code is found among all records.
+    if (codes.contains("")) codes = {""};
+    bool toTheEnd = true;
+    for (auto code = codes.begin(); toTheEnd && code != codes.end(); ++code) toTheEnd = Walk(*code);
+    for (const auto& [file, found] : wanted_) {
+      if (found) continue;
+      if (toTheEnd)
+        result_.Report.Refused.push_back(ShownText(file.second) + ": it is no longer in the database");
+      else
+        ++result_.Report.NotReached;
+    }
+    return std::move(result_);
+  }
+
+ private:
+  bool MakeFolder() {
+    std::error_code error;
+    fs::create_directories(folder_, error);
+    if (error)
+      result_.Report.Refused.push_back("The folder " + folder_ + " cannot be made: " + error.message());
+    return !error;
+  }
+
+  // Returns false when the run has ended.
+  bool Walk(std::string_view code) {
+    const auto walked = WalkRecords(code);
+    if (!walked) result_.Report.Stopped = walked.error();
+    return walked && !result_.Report.Cancelled;
+  }
+
+  DbResult<void> WalkRecords(std::string_view code) {
+    Selection selection = code.empty() ? Selection() : ChartAsciiOf(code);
+    selection.Columns = {"instrument_code_id", "chart_date", "ascii_file"};
+    if (auto opened = database_.OpenChartAscii(std::move(selection)); !opened) return opened;
+    Recordset& table = database_.ChartAsciiTable;
+    while (!table.Eof()) {
+      const auto stored = table.Value(0), date = table.Value(1);
+      if (!stored) return tl::unexpected(stored.error());
+      if (!date) return tl::unexpected(date.error());
+      const ChartKey key(TextOf(*stored), DateOf(*date));
+      if (!chosenOnly_ || IsWanted(key)) {
+        if (!progress_.Step(done_++, total_, name_)) {
+          result_.Report.Cancelled = true;
+          return {};
+        }
+        if (auto taken = TakeRecord(key, TextOf(*stored) + " " + GeneralDateText(DateOf(*date))); !taken)
+          return taken;
+      }
+      if (auto moved = table.MoveNext(); !moved) return moved;
+    }
+    return {};
+  }
+
+  bool IsWanted(const ChartKey& key) const {
+    const auto found = wanted_.lower_bound({key, ""});
+    return found != wanted_.end() && found->first.first == key;
+  }
+
+  DbResult<void> TakeRecord(const ChartKey& key, const std::string& record) {
+    const auto text = ChartAsciiText(database_.ChartAsciiTable, MostTextBytes);
+    if (!text) return tl::unexpected(text.error());
+    const StoredText stored = SplitStoredText(*text);
+    if (const auto wanted = wanted_.find({key, UpperAscii(stored.FileName)}); wanted != wanted_.end())
+      wanted->second = true;
+    else if (chosenOnly_)
+      return {};
+    name_ = stored.FileName;
+    auto why = CheckStoredName(stored.FileName);
+    if (text->size() > MostTextBytes)
+      why = "its text is longer than " + std::to_string(MostTextBytes) + " bytes";
+    if (!why) why = Write(stored);
+    if (why) result_.Report.Refused.push_back(Named(stored.FileName, record) + ": " + *why);
+    return {};
+  }
+
+  std::optional<std::string> Write(const StoredText& stored) {
+    const std::string path = JoinPath(folder_, stored.FileName);
+    std::error_code error;
+    if (fs::is_symlink(path, error)) return "a link of this name stands in the folder";
+    if (const auto written = WriteWholeFile(path, stored.Bytes); !written) return written.error();
+    ++result_.Extracted;
+    if (!names_.insert(UpperAscii(stored.FileName)).second)
+      result_.Report.Notes.push_back(ShownText(stored.FileName) +
+                                     " stands in more than one record; the file is the last one's.");
+    return std::nullopt;
+  }
+
+  static std::string Named(std::string_view name, const std::string& record) {
+    return (CheckStoredName(name) ? Quoted(name) + " (" + ShownText(record) + ")" : ShownText(name));
+  }
+
+  HyetexPlotDB& database_;
+  const std::string folder_;
+  Progress& progress_;
+  ExtractResult result_;
+  bool chosenOnly_ = false;
+  std::map<std::pair<ChartKey, std::string>, bool>
+      wanted_;                   // chart and name in capitals; whether it was found
+  std::set<std::string> names_;  // that were written, in capitals
+  std::string name_;
+  std::int64_t done_ = 0, total_ = 0;
+};
+
+}  // namespace
+
+ExtractResult ExtractFiles(HyetexPlotDB& database, std::span<const FileSummary> rows,
+                           const std::string& folder, Progress& progress) {
+  const ClosedAfter closed(database);
+  return Extractor(database, folder, progress).Run(rows);
+}
+
+ExtractResult ExtractInstrument(HyetexPlotDB& database, std::string_view code, const std::string& folder,
+                                Progress& progress) {
+  const ClosedAfter closed(database);
+  return Extractor(database, folder, progress).Run(code);
+}
+
+std::string ExtractMessage(const ExtractResult& result, const std::string& folder) {
+  return ClosingMessage(std::to_string(result.Extracted) + " Files extracted to " + ShownText(folder),
+                        result.Report);
+}
+
+}  // namespace hyetex

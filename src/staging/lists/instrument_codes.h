@@ -1,0 +1,25 @@
+// What an instrument's code tells. It is made of parts joined by "-", such as "NM-Hill Farm-AL0019": the
+// initials of the core party and of its agency, the station's name, the station's own code.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "staging/lists/lists.h"
+
+namespace hyetex {
+
+/// At least one, which may be empty.
+std::vector<std::string_view> CodeParts(std::string_view code);
+
+/// What stands before the last "-": the key of the station in the database.
+std::string StationKey(std::string_view code);
+
+/// The station that a code tells of: its name is the code's second part, its core party and agency are the
+/// first whose names begin with the letters of the first part. The agencies of a core party under "J" go by
+/// the words METEO for "M" and WATER for "W". Nothing for a code without "-", or whose letters fit no agency.
+std::optional<StationRecord> ResolveCode(std::string_view code, const ReferenceLists& lists);
+
+}  // namespace hyetex

@@ -1,0 +1,264 @@
+#include "staging/manager/list_editor.h"
+
+#include <algorithm>
+#include <array>
+#include <numeric>
+#include <utility>
+
+#include "core/definitions.h"
+#include "core/numbers.h"
+#include "core/text.h"
+#include "staging/lists/list_recovery.h"
+#include "staging/lists/login.h"
+
+namespace hyetex {
+namespace {
+
+constexpr const char* Title = "Edit Lists";
+constexpr std::array<std::int16_t, 3> Levels{AdministratorLevel, DatabaseLevel, DigitizerLevel};
+/// Settings that hold the index of a chart type.
+constexpr std::array<std::string_view, 2> ChartTypeKeys{"CurrentChart", "Editor-Chart"};
+
+std::string CodeOrNone(const std::string& code) { return code.empty() ? "None" : code; }
+
+}  // namespace
+
+ListEditor::ListEditor(Dialogs& dialogs, std::string programFolder, ReferenceLists& lists,
+                       std::int16_t& currentUser, InstrumentRenames::Follower follow)
+    : dialogs_(dialogs),
+      programFolder_(std::move(programFolder)),
+      lists_(lists),
+      currentUser_(currentUser),
+      renames_(programFolder_, std::move(follow)) {
+  TakeAsSaved();
+}
+
+ListEditor::~ListEditor() {
+  // The program ends with the lists unsaved.
+  static_cast<void>(renames_.Undo());
+}
+
+void ListEditor::Tell(std::string_view title, const std::string& text) {
+  dialogs_.MessageBox(std::string(title), text, BoxButtons::Ok, BoxIcon::Warning);
+}
+
+// Asks until what was typed can be kept, or nothing was. What was not touched keeps its bytes, also those
+// that are shown as other ones.
+template <typename Check>
+std::optional<std::string> ListEditor::Ask(const Prompt& prompt, const std::string& old, Check check) {
+  const std::string shown = ShownText(old), title(prompt.Title), text(prompt.Text);
+  for (std::string initial = shown;;) {
+    const auto typed = prompt.IsSecret ? dialogs_.PasswordBox(title, text, initial)
+                                       : dialogs_.InputBox(title, text, initial);
+    if (!typed) return std::nullopt;
+    const std::string& answer = *typed == shown ? old : *typed;
+    const std::optional<std::string> refusal = answer.empty() ? std::nullopt : check(answer);
+    if (!refusal) return answer;
+    Tell(title, *refusal);
+    initial = *typed;
+  }
+}
+
+template <typename Compose>
+bool ListEditor::Put(Compose compose) {
+  const Prompts& ask = TextsOf(Place.Kind).Add;
+  const auto refuse = [&](const std::string& why) { return Tell(ask.First.Title, why), false; };
+  if (const auto full = CheckRoomFor(lists_, Place.Kind)) return refuse(*full);
+  const auto first =
+      Ask(ask.First, {}, [&](const std::string& typed) { return CheckEntry(compose(typed, std::string())); });
+  if (!first || first->empty()) return false;
+  std::string second;
+  if (!ask.Second.Text.empty()) {
+    const auto typed =
+        Ask(ask.Second, {}, [&](const std::string& text) { return CheckEntry(compose(*first, text)); });
+    if (!typed) return false;
+    second = *typed;
+  }
+  const auto at = InsertEntry(lists_, Place.Index, compose(*first, second));
+  if (!at) return refuse(at.error());
+  Place.Index = *at;
+  isUnsaved_ = true;
+  return true;
+}
+
+void ListEditor::Add() {
+  if (!IsIn(lists_, Place)) return;
+  switch (Place.Kind) {
+    case ListKind::Core:
+      Put([](const std::string& name, const std::string&) { return name; });
+      break;
+    case ListKind::Agency:
+      Put([](const std::string& name, const std::string&) { return AgencyRecord{name, 0}; });
+      break;
+    case ListKind::Station:
+      Put([](const std::string& name, const std::string& code) {
+        return StationRecord{name, CodeOrNone(code), 0, 0};
+      });
+      break;
+    case ListKind::User:
+      if (Put([](const std::string& name, const std::string& password) {
+            return UserRecord{name, password, DigitizerLevel};
+          }) &&
+          Place.Index <= currentUser_)
+        ++currentUser_;
+      break;
+    case ListKind::ChartType:
+      if (Put([](const std::string& name, const std::string&) { return ChartTypeRecord{.Name = name}; }))
+        savedTypes_.insert(savedTypes_.begin() + Place.Index, -1);
+      break;
+    case ListKind::Comment:
+      Put([](const std::string& code, const std::string& description) {
+        return CommentRecord{description, LeadingFloat(code)};
+      });
+      break;
+    case ListKind::Task:
+      break;
+  }
+}
+
+// Whether there was an answer.
+template <typename Record, typename Field>
+bool ListEditor::ChangeText(Record& record, Field field, const Prompt& prompt) {
+  const std::string old = field(record);
+  const auto answer = Ask(prompt, old, [&](const std::string& typed) {
+    Record changed = record;
+    field(changed) = typed;
+    return CheckEntry(changed);
+  });
+  if (!answer || answer->empty()) return false;
+  if (*answer != old) isUnsaved_ = true;
+  field(record) = *answer;
+  return true;
+}
+
+void ListEditor::Change() {
+  if (!IsIn(lists_, Place)) return;
+  const auto index = static_cast<std::size_t>(Place.Index);
+  const Prompts& ask = TextsOf(Place.Kind).Change;
+  const auto name = [](auto& record) -> std::string& { return record.Name; };
+  switch (Place.Kind) {
+    case ListKind::Core:
+      ChangeText(
+          lists_.Cores[index], [](std::string& core) -> std::string& { return core; }, ask.First);
+      break;
+    case ListKind::Agency:
+      ChangeText(lists_.Agencies[index], name, ask.First);
+      break;
+    case ListKind::Station:
+      if (ChangeText(lists_.Stations[index], name, ask.First)) ChangeCode(lists_.Stations[index], ask.Second);
+      break;
+    case ListKind::User:
+      if (ChangeText(lists_.Users[index], name, ask.First))
+        ChangeText(
+            lists_.Users[index], [](UserRecord& user) -> std::string& { return user.Password; }, ask.Second);
+      break;
+    case ListKind::ChartType:
+      ChangeText(lists_.ChartTypes[index], name, ask.First);
+      break;
+    case ListKind::Comment:
+      ChangeComment(lists_.Comments[index], ask);
+      break;
+    case ListKind::Task:
+      break;
+  }
+}
+
+void ListEditor::ChangeCode(StationRecord& station, const Prompt& prompt) {
+  StationRecord changed = station;
+  if (!ChangeText(
+          changed, [](StationRecord& each) -> std::string& { return each.InstrumentCode; }, prompt) ||
+      changed.InstrumentCode == station.InstrumentCode)
+    return;
+  const Result<int> carried = renames_.Rename(station.InstrumentCode, changed.InstrumentCode);
+  if (!carried) return Tell(CodeChangeTitle, carried.error());
+  if (*carried > 0)
+    dialogs_.MessageBox(std::string(CodeChangeTitle), "The code has been change as a result in " +
+                                                          ShortText(*carried) + " tasks in the task list");
+  station.InstrumentCode = changed.InstrumentCode;
+}
+
+void ListEditor::ChangeComment(CommentRecord& comment, const Prompts& ask) {
+  const auto code = Ask(ask.First, ShortText(comment.Code),
+                        [](const std::string&) { return std::optional<std::string>(); });
+  if (!code || code->empty()) return;
+  comment.Code = LeadingFloat(*code);
+  isUnsaved_ = true;
+  ChangeText(
+      comment, [](CommentRecord& each) -> std::string& { return each.Description; }, ask.Second);
+}
+
+void ListEditor::Delete() {
+  if (!IsIn(lists_, Place)) return;
+  auto refusal = CheckDelete(lists_, Place);
+  // Nobody takes the rights of the operator's neighbour in the list.
+  if (!refusal && Place.Kind == ListKind::User && Place.Index == currentUser_)
+    refusal = Refusal{"Deleting a user", "you cannot delete the user who is logged in"};
+  if (refusal) return Tell(refusal->Title, std::string(refusal->Text));
+  if (Place.Kind == ListKind::User && Place.Index < currentUser_) --currentUser_;
+  if (Place.Kind == ListKind::ChartType) savedTypes_.erase(savedTypes_.begin() + Place.Index);
+  DeleteEntry(lists_, Place);
+  isUnsaved_ = true;
+}
+
+bool ListEditor::EnsureStationHere() {
+  if (Place.Kind != ListKind::Agency || !IsIn(lists_, Place)) return false;
+  const auto added = EnsureStation(lists_, Place.Index);
+  if (!added) return Tell(TextsOf(ListKind::Station).Add.First.Title, added.error()), false;
+  isUnsaved_ = isUnsaved_ || *added;
+  return *added;
+}
+
+void ListEditor::SetLevel(int user, int levelIndex) {
+  if (!IsIn(lists_, {ListKind::User, static_cast<std::int16_t>(user)})) return;
+  lists_.Users[static_cast<std::size_t>(user)].Level = Levels.at(static_cast<std::size_t>(levelIndex));
+  isUnsaved_ = true;
+}
+
+bool ListEditor::Save() {
+  if (const auto saved = SaveLists(programFolder_, lists_); !saved) return Tell(Title, saved.error()), false;
+  CarryChartTypes();
+  TakeAsSaved();
+  return true;
+}
+
+// The default chart type stays the same one when its index changes.
+void ListEditor::CarryChartTypes() {
+  for (const std::string_view key : ChartTypeKeys) {
+    const std::string stored = GetDefinition(programFolder_, key);
+    if (stored.empty()) continue;
+    const int old = LeadingInt16(stored);
+    const auto moved = std::find(savedTypes_.begin(), savedTypes_.end(), old);
+    const auto now = moved == savedTypes_.end() ? std::min(old, LastIndex(lists_, ListKind::ChartType))
+                                                : static_cast<int>(moved - savedTypes_.begin());
+    if (now == old) continue;
+    if (const auto kept = SetDefinition(programFolder_, key, ShortText(now)); !kept)
+      Tell(Title, kept.error());
+  }
+}
+
+void ListEditor::TakeAsSaved() {
+  renames_.Keep();
+  saved_ = lists_;
+  savedUser_ = currentUser_;
+  savedTypes_.resize(lists_.ChartTypes.size());
+  std::iota(savedTypes_.begin(), savedTypes_.end(), 0);
+  isUnsaved_ = false;
+}
+
+void ListEditor::Discard() {
+  if (const auto undone = renames_.Undo(); !undone) Tell(Title, undone.error());
+  lists_ = saved_;
+  currentUser_ = savedUser_;
+  if (const auto read = RereadLists(programFolder_, lists_, currentUser_); !read) Tell(Title, read.error());
+  TakeAsSaved();
+}
+
+std::optional<int> LevelIndex(std::int16_t level) {
+  const auto found = std::find(Levels.begin(), Levels.end(), level);
+  if (found == Levels.end()) return std::nullopt;
+  return static_cast<int>(found - Levels.begin());
+}
+
+bool CanReadStations(std::string_view connectionText) { return connectionText > "DSN=(None)"; }
+
+}  // namespace hyetex

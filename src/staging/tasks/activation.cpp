@@ -1,0 +1,49 @@
+#include "staging/tasks/activation.h"
+
+#include "core/comments.h"
+#include "core/definitions.h"
+#include "core/numbers.h"
+#include "digitizing/tablets.h"
+#include "staging/tasks/tasks.h"
+
+namespace hyetex {
+
+Result<ActivatedChart> PrepareChart(const ReferenceLists& lists, ChartRecord task, int chartType) {
+  if (chartType < 0 || chartType >= static_cast<int>(lists.ChartTypes.size()))
+    return Failure("There is no chart type " + ShortText(chartType));
+  ActivatedChart chart;
+  chart.Task = std::move(task);
+  chart.ChartType = lists.ChartTypes[static_cast<std::size_t>(chartType)];
+  chart.Task.PaperIndex = static_cast<std::int16_t>(chartType);
+  chart.Task.ChartMethod = chart.ChartType.ChartMethod;
+  return chart;
+}
+
+int StoredTabletType(const std::string& programFolder) {
+  const int tablet = LeadingInt16(GetDefinition(programFolder, "DigitizerType"));
+  return tablet >= 0 && tablet < TabletTypeCount ? tablet : 0;
+}
+
+Result<ActivatedChart> ActivateChart(const std::string& programFolder, const ReferenceLists& lists, int task,
+                                     std::optional<int> chartType) {
+  auto table = LoadTasks(programFolder, lists.Stations);
+  if (!table) return Failure(table.error());
+  const int count = static_cast<int>(table->Tasks.size());
+  if (task < 0 || task >= count)
+    return Failure("There is no chart " + ShortText(task) + " in the staging area; it holds " +
+                   ShortText(count));
+
+  const int type = chartType.value_or(LeadingInt16(GetDefinition(programFolder, "CurrentChart")));
+  auto chart = PrepareChart(lists, std::move(table->Tasks[static_cast<std::size_t>(task)]), type);
+  if (!chart) return chart;
+  chart->Notes = std::move(table->Notes);
+  chart->Tablet = StoredTabletType(programFolder);
+  return chart;
+}
+
+std::optional<std::string> CheckTraceable(const ChartRecord& task) {
+  if (!HasCode(task.GeneralComment, CodeDefective)) return std::nullopt;
+  return "The chart is marked as extremely defective (" + CodeText(CodeDefective) + "): it is not digitized";
+}
+
+}  // namespace hyetex

@@ -1,0 +1,114 @@
+#include "staging/tasks/task_details.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/comments.h"
+#include "core/dates.h"
+#include "core/definitions.h"
+#include "core/numbers.h"
+#include "core/text.h"
+#include "staging/tasks/tasks.h"
+
+namespace hyetex {
+namespace {
+
+constexpr std::string_view BeginKey = "frmTaskDef-BeginDate", EndKey = "frmTaskDef-EndDate",
+                           ReliabilityKey = "frmTaskDef-Reliability";
+constexpr Date EightOClock = 1.0 / 3;
+constexpr long long SecondsPerDay = 86400, LongestSeconds = 10 * SecondsPerDay;
+
+Date Joined(Date date, Date time) { return std::floor(date) + (time - std::floor(time)); }
+
+Date RememberedDate(const std::string& programFolder, std::string_view key, Date otherwise) {
+  const auto parsed = ParseDateText(GetDefinition(programFolder, key));
+  return parsed ? std::floor(parsed->Value) : otherwise;
+}
+
+std::string DepthText(float depth) { return depth == NoDepth ? std::string() : ShortText(depth); }
+
+bool IsZero(std::string_view typed) {
+  return LeadingFloat(typed) == 0 && typed.find('0') != std::string_view::npos;
+}
+// Neither empty, nor 0, nor letters.
+bool IsDepth(std::string_view typed) { return LeadingFloat(typed) != 0; }
+
+bool IsDefectiveByEntry(std::string_view comments) {
+  const auto entries = CommentEntries(comments);
+  return std::find(entries.begin(), entries.end(), CodeText(CodeDefective)) != entries.end();
+}
+
+}  // namespace
+
+TaskDetails NewTaskDetails(const std::string& programFolder, Date now) {
+  const Date today = std::floor(now);
+  const int reliability = LeadingInt16(GetDefinition(programFolder, ReliabilityKey));
+  return {.BeginDate = RememberedDate(programFolder, BeginKey, today),
+          .BeginTime = EightOClock,
+          .EndDate = RememberedDate(programFolder, EndKey, today),
+          .EndTime = EightOClock,
+          .EyedDepth = {},
+          .ManualDepth = {},
+          .Reliability = reliability >= 0 && reliability <= 3 ? reliability : 0,
+          .Comments = {}};
+}
+
+TaskDetails DetailsOfTask(const ChartRecord& task) {
+  return {.BeginDate = std::floor(task.StartTime),
+          .BeginTime = task.StartTime - std::floor(task.StartTime),
+          .EndDate = std::floor(task.EndTime),
+          .EndTime = task.EndTime - std::floor(task.EndTime),
+          .EyedDepth = DepthText(task.EyedDepth),
+          .ManualDepth = DepthText(task.ManualDepth),
+          .Reliability = task.Reliability,
+          .Comments = task.GeneralComment};
+}
+
+void RememberTaskDetails(const std::string& programFolder, const TaskDetails& details) {
+  // What cannot be kept is not worth a message.
+  (void)SetDefinition(programFolder, BeginKey, GeneralDateText(std::floor(details.BeginDate)));
+  (void)SetDefinition(programFolder, EndKey, GeneralDateText(std::floor(details.EndDate)));
+  (void)SetDefinition(programFolder, ReliabilityKey, ShortText(details.Reliability));
+}
+
+tl::expected<CheckedTask, TaskFault> CheckTaskDetails(const TaskDetails& details, ChartRecord task) {
+  const auto fault = [](std::string text, TaskField field) {
+    return tl::unexpected(TaskFault{std::move(text), field});
+  };
+  task.StartTime = Joined(details.BeginDate, details.BeginTime);
+  task.EndTime = Joined(details.EndDate, details.EndTime);
+  const long long lapse = std::llround((task.EndTime - task.StartTime) * SecondsPerDay);
+  if (lapse < 0)
+    return fault("The beginning time and date must be less than the ending time and date", TaskField::Begin);
+  if (IsZero(details.ManualDepth))
+    return fault(
+        "you must enter a value for the manual depth, or clear the manual depth Textbox for an unknown depth",
+        TaskField::ManualDepth);
+  if (!IsDepth(details.EyedDepth) && !(IsDefectiveByEntry(details.Comments) && IsDepth(details.ManualDepth)))
+    return fault("you must enter a value for the Eyed depth", TaskField::EyedDepth);
+
+  task.GeneralComment = details.Comments;
+  task.EyedDepth = LeadingFloat(details.EyedDepth);
+  task.ManualDepth = IsDepth(details.ManualDepth) ? LeadingFloat(details.ManualDepth) : NoDepth;
+  task.Reliability = static_cast<std::int16_t>(details.Reliability);
+  if (const auto why = CheckTask(task)) return fault(*why, TaskField::Begin);
+  return CheckedTask{std::move(task), lapse > LongestSeconds};
+}
+
+void AddDefectiveCode(std::string& comments) {
+  if (!HasCode(comments, CodeDefective)) AddCode(comments, CodeText(CodeDefective));
+}
+
+std::string WithoutEntry(std::string_view comments, int index) {
+  const auto entries = CommentEntries(comments);
+  if (index < 0 || index >= static_cast<int>(entries.size())) return std::string(comments);
+  std::string rest;
+  bool first = true;
+  for (int i = 0; i < static_cast<int>(entries.size()); ++i) {
+    if (i == index) continue;
+    rest.append(std::exchange(first, false) ? "" : "::").append(entries[static_cast<std::size_t>(i)]);
+  }
+  return rest;
+}
+
+}  // namespace hyetex

@@ -1,0 +1,346 @@
+#include "database/conversion/population.h"
+
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cmath>
+
+#include "database/conversion/population_fixture.h"
+#include "tools/traced_chart.h"
+
+namespace hyetex::test {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+class Population : public PopulationFixture {};
+HYETEX_ON_ALL_ENGINES(Population);
+
+const Date Ten = MakeDate(1998, 3, 5, 10);
+const std::vector<std::string> RowsOfTen{"1998-03-05T08:00:00 | 1998-03-05T08:30:00 | 2.5 |  ",
+                                         "1998-03-05T08:30:00 | 1998-03-05T09:00:00 | 0 | CODE205",
+                                         "1998-03-05T09:00:00 | 1998-03-05T09:30:00 | 2.5 |  ",
+                                         "1998-03-05T09:30:00 | 1998-03-05T10:00:00 | 5 |  "};
+
+TEST_P(Population, WritesOneRowAStep) {
+  Store({});
+  const ConversionResult result = Convert({Ten});
+  EXPECT_THAT(result.Problems, IsEmpty());
+  EXPECT_EQ(result.RowsWritten, 4);
+  EXPECT_EQ(result.ChartsConverted, 1);
+  EXPECT_EQ(Rows(), RowsOfTen);
+  EXPECT_EQ(Read("chart", {"station", "instrument_code_id", "computing_method", "data_Reliability_code"})[0],
+            "North | rg12 | ASCII | Acceptable");
+  EXPECT_THAT(Loaded(), ElementsAre("1998-03-05T10:00:00 | 1"));
+  EXPECT_THAT(Boxes.Boxes, IsEmpty());
+}
+
+TEST_P(Population, AsksBeforeItReplaces) {
+  Store({});
+  Run("INSERT INTO chart (instrument_code_id, start_time, end_time, depth) VALUES "
+      "('RG12', '1998-03-05 08:00:00', '1998-03-05 10:00:00', 1), "
+      "('RG7', '1998-03-05 08:00:00', '1998-03-05 10:00:00', 7)");
+  const auto before = Rows();
+  Boxes.Answers = {BoxAnswer::No};
+  EXPECT_EQ(Convert({Ten}).ChartsSkipped, 1);
+  EXPECT_EQ(Rows(), before);
+  EXPECT_THAT(Loaded(), ElementsAre("1998-03-05T10:00:00 | null"));
+  EXPECT_THAT(Boxes.Boxes,
+              ElementsAre(ShownBox{
+                  "Populating CHART table",
+                  "This operation will overwrite pre-existing records in the CHART table for "
+                  "05/03/1998 10:00:00 to 05/03/1998 12:00:00.\r\nAre you sure you want to continue ?",
+                  BoxButtons::YesNo, BoxIcon::Question}));
+  Boxes.Answers = {BoxAnswer::Yes};
+  EXPECT_EQ(Convert({Ten}).RowsWritten, 4);
+  std::vector<std::string> after = RowsOfTen;
+  after.insert(after.begin() + 1, "1998-03-05T08:00:00 | 1998-03-05T10:00:00 | 7 | null");
+  EXPECT_EQ(Rows(), after) << "another instrument's row stays";
+  Options.Overwrite = true;
+  Convert({Ten});
+  EXPECT_EQ(Rows(), after);
+  EXPECT_THAT(Boxes.Boxes, SizeIs(2));
+}
+
+// The start lies 3.6 seconds behind the rounded one, and the last moment did not ascend. The next chart's
+// first row is so short that it lies within the minute by which this one overhangs.
+TEST_P(Population, RunTwiceLeavesOneSetAndNeighboursAlone) {
+  Options.Variables.GmtShift = 1.999F / 24;
+  Options.Overwrite = true;
+  Store({.Points = {"30,5,", "119,10,", "120,11,", "120,20,"}});
+  Store(
+      {.Start = MakeDate(1998, 3, 5, 12), .End = MakeDate(1998, 3, 5, 14), .Points = {"0.5,1,", "120,20,"}});
+  Store({.Start = MakeDate(1998, 3, 5, 8), .End = Ten, .Points = {"119.5,5,", "120,6,"}});
+  const Date before = MakeDate(1998, 3, 5, 8), behind = MakeDate(1998, 3, 5, 12);
+  Convert({before, behind});
+  Convert({Ten});
+  const auto once = Rows();
+  EXPECT_THAT(once, SizeIs(8));
+  EXPECT_THAT(once, ::testing::IsSupersetOf({"1998-03-05T08:00:00 | 1998-03-05T08:30:00 | 2.5 |  ",
+                                             "1998-03-05T10:00:00 | 1998-03-05T10:01:00 | 4.5 |  ",
+                                             "1998-03-05T10:00:00 | 1998-03-05T10:00:30 | 0.5 |  "}));
+  EXPECT_EQ(Convert({Ten}).RowsWritten, 4);
+  EXPECT_EQ(Rows(), once);
+  Convert({before});
+  EXPECT_EQ(Rows(), once);
+  Options.Overwrite = false;
+  Boxes.Answers = {BoxAnswer::No};
+  Convert({Ten});
+  EXPECT_EQ(Rows(), once);
+}
+
+TEST_P(Population, KeepsTimesAndHundredthsInTheDatabase) {
+  const struct {
+    Date Start;
+    const char* Row;
+  } cases[] = {{MakeDate(1900, 2, 28, 23), "1900-02-28T23:00:00 | 1900-03-01T00:59:50 | 0.1 |  "},
+               {MakeDate(1904, 2, 28, 23), "1904-02-28T23:00:00 | 1904-02-29T00:59:50 | 0.1 |  "},
+               {MakeDate(1999, 12, 31, 22, 0, 10), "1999-12-31T22:00:10 | 2000-01-01T00:00:00 | 0.1 |  "},
+               {MakeDate(2000, 2, 29, 23), "2000-02-29T23:00:00 | 2000-03-01T00:59:50 | 0.1 |  "},
+               {MakeDate(2024, 12, 31, 23, 59, 50), "2024-12-31T23:59:50 | 2025-01-01T01:59:40 | 0.1 |  "}};
+  Options.Variables.GmtShift = 0;
+  for (const auto& c : cases) {
+    Store({.Start = c.Start,
+           .End = c.Start + 2.0 / 24,
+           .Digitized = "0.13",
+           .Selected = "0.13",
+           .Points = {"7190,10,", "7200,13,"}});
+    Convert({c.Start});
+    EXPECT_THAT(Rows(), ::testing::Contains(c.Row));
+  }
+  EXPECT_THAT(Rows(), SizeIs(2 * std::size(cases)));
+}
+
+TEST_P(Population, WritesDefectiveChartAsOneRow) {
+  Store({.Manual = "12.345", .Comment = "CODE213", .Points = {"0,0,"}});
+  Store({.Start = Ten + 1, .End = Ten + 2, .Manual = "-1", .Comment = "CODE213", .Points = {"0,0,"}});
+  const ConversionResult result = Convert({Ten, Ten + 1});
+  EXPECT_THAT(Rows(), ElementsAre("1998-03-05T08:00:00 | 1998-03-05T10:00:00 | 12.345 | CODE213",
+                                  "1998-03-06T08:00:00 | 1998-03-07T08:00:00 | null | CODE213"));
+  EXPECT_THAT(result.Problems, ElementsAre(HasSubstr("no manual depth is known")));
+}
+
+TEST_P(Population, NamesChartsThatGiveNoRows) {
+  Store({.Points = {"0,0,"}});
+  StoreText("RG12", Ten + 1, "RG12-19980306-1000.dat\r\nrubbish");
+  Store({.Start = Ten + 2, .End = Ten + 2.1});
+  StoreText("RG12", Ten + 3, "");
+  Run("INSERT INTO chart (instrument_code_id, start_time, end_time, depth) VALUES "
+      "('RG12', '1998-03-05 08:00:00', '1998-03-05 08:10:00', 1)");
+  Options.Log = true;
+  const ConversionResult result = Convert({Ten, Ten + 1, Ten + 2, Ten + 3, Ten + 4});
+  EXPECT_THAT(result.Problems,
+              ElementsAre("Rg12 09/03/1998 10:00:00: not converted: it is no longer in the database",
+                          "Rg12 05/03/1998 10:00:00: not converted: the chart's points span no time",
+                          "Rg12 06/03/1998 10:00:00: not converted: the text names no instrument",
+                          "Rg12 08/03/1998 10:00:00: not converted: no chart text is stored"));
+  for (const std::string& problem : result.Problems)
+    EXPECT_THAT(ReadFile(Folder / "datalog.txt"), HasSubstr(problem + "\r\n"));
+  EXPECT_EQ(result.ChartsConverted, 1);
+  EXPECT_EQ(result.ChartsFailed, 4);
+  EXPECT_THAT(Rows(), SizeIs(5)) << "what stands in place of a chart that gives no rows stays";
+  EXPECT_THAT(Loaded(), ElementsAre("1998-03-05T10:00:00 | null", "1998-03-06T10:00:00 | null",
+                                    "1998-03-07T10:00:00 | 1", "1998-03-08T10:00:00 | null"));
+}
+
+TEST_P(Population, CutsTextsToTheirColumns) {
+  Lists.Stations[1].Name = "The station above the old mill";
+  Store({.Points = {"60,5,CODE205 + Clock malfunction", "120,20,\xC3\x84\xC3\x96\xC3\x9C und caf\xE9"}});
+  const ConversionResult result = Convert({Ten});
+  EXPECT_THAT(
+      result.Problems,
+      ElementsAre(HasSubstr("cut to the 25 characters of station"),
+                  HasSubstr("\"CODE205 + Clock malfunction\" is cut to the 25 characters of comments")));
+  EXPECT_THAT(Read("chart", {"start_time", "station", "comments"}),
+              ElementsAre("1998-03-05T08:00:00 | The station above the old | CODE205 + Clock malfuncti",
+                          HasSubstr("caf\xC3\xA9")));
+  Lists.Stations[1].InstrumentCode = std::string(41, 'X');
+  Store({.Instrument = std::string(41, 'X'), .Start = Ten + 1, .End = Ten + 2});
+  EXPECT_THAT(Convert({Ten + 1}).Problems, ElementsAre(HasSubstr("is longer than the 40 characters")));
+}
+
+TEST_P(Population, LeavesChartWholeThatTheDatabaseRefuses) {
+  Store({});
+  Convert({Ten});
+  const auto before = Rows();
+  Store({.Start = Ten + 1, .End = Ten + 1.1});
+  Run("INSERT INTO chart (instrument_code_id, start_time) VALUES ('RG7', '1998-03-05 09:15:00')");
+  Run("CREATE UNIQUE INDEX one_start ON chart (start_time)");
+  // Other points: only the third of the rows meets the other instrument's, when two are written.
+  Run("DELETE FROM chart_ascii WHERE chart_date = '1998-03-05 10:00:00'");
+  Store({.Points = {"30,5,", "75,6,", "120,20,"}});
+  Options.Overwrite = true;
+  const ConversionResult result = Convert({Ten, Ten + 1});
+  EXPECT_THAT(result.Problems,
+              ElementsAre(HasSubstr("05/03/1998 10:00:00: not converted, nothing of it was changed")));
+  EXPECT_EQ(result.ChartsConverted, 1) << "the run goes on";
+  EXPECT_THAT(Boxes.Boxes, IsEmpty());
+  EXPECT_THAT(Loaded(), ElementsAre("1998-03-05T10:00:00 | null", "1998-03-06T10:00:00 | 1"));
+  for (const std::string& row : before) EXPECT_THAT(Rows(), ::testing::Contains(row));
+}
+
+TEST_P(Population, ShowsAnErrorOnceThatAilsAllCharts) {
+  Store({});
+  Store({.Start = Ten + 1, .End = Ten + 2});
+  Run("DROP TABLE chart");
+  const ConversionResult result = Convert({Ten, Ten + 1});
+  EXPECT_EQ(result.ChartsFailed, 2);
+  EXPECT_THAT(Boxes.Boxes, SizeIs(1));
+  EXPECT_THAT(Loaded(), ElementsAre("1998-03-05T10:00:00 | null", "1998-03-06T10:00:00 | null"));
+}
+
+TEST_P(Population, ConvertsEachOfTwoRecordsOfOneChart) {
+  Store({});
+  Store({.Digitized = "20", .Selected = "20"});
+  Boxes.Answers = {BoxAnswer::Yes};
+  EXPECT_EQ(Convert({Ten}).ChartsConverted, 2);
+  EXPECT_THAT(Loaded(), ElementsAre("1998-03-05T10:00:00 | 1", "1998-03-05T10:00:00 | 1"));
+  EXPECT_THAT(Rows(), SizeIs(4)) << "the second takes the place of the first";
+}
+
+TEST_P(Population, NeedsNoMarkInTheTable) {
+  Store({});
+  Run("ALTER TABLE chart_ascii DROP COLUMN loaded");
+  EXPECT_EQ(Convert({Ten}).RowsWritten, 4);
+  EXPECT_EQ(Rows(), RowsOfTen);
+}
+
+TEST_P(Population, WritesTheLogLineByLine) {
+  Store({.Points = {"60,5,", "120,20,"}});
+  Options.Log = true;
+  Convert({Ten});
+  const std::string stars(60, '*'), dashes(88, '-');
+  const std::string rows = "05/03/98 08:00  05/03/98 09:00  2.5\r\n05/03/98 09:00  05/03/98 10:00  7.5\r\n";
+  EXPECT_THAT(ReadFile(Folder / "datalog.txt"),
+              ::testing::MatchesRegex("Output log for conversion performed ../../.... ..:..:..\r\n" +
+                                      std::string("[*]+\r\n0 records deleted from DB\r\n") + rows +
+                                      "-+\r\n2 records added to DB\r\n"));
+  Boxes.Answers = {BoxAnswer::Yes};
+  Convert({Ten});
+  EXPECT_THAT(ReadFile(Folder / "datalog.txt"),
+              ::testing::EndsWith("\r\n" + stars +
+                                  "\r\nDeleted records for \r\n05/03/98 08:00 to 05/03/98 09:00\r\n" +
+                                  "05/03/98 09:00 to 05/03/98 10:00\r\n2 records deleted from DB\r\n" + rows +
+                                  dashes + "\r\n2 records added to DB\r\n"));
+}
+
+// Calls back before each chart, and stops the run before one.
+class Steps : public Progress {
+ public:
+  explicit Steps(std::function<bool(std::int64_t)> step) : step_(std::move(step)) {}
+  bool Step(std::int64_t done, std::int64_t, std::string_view what) override {
+    if (!what.empty()) Texts.emplace_back(what);
+    return step_(done);
+  }
+  std::vector<std::string> Texts;
+
+ private:
+  std::function<bool(std::int64_t)> step_;
+};
+
+TEST_P(Population, StopsBetweenCharts) {
+  for (int i = 0; i < 3; ++i) Store({.Start = Ten + i, .End = Ten + i + 0.5});
+  Steps steps([](std::int64_t done) { return done < 2; });
+  const ConversionResult result = Convert({Ten + 2, Ten + 1, Ten}, steps);
+  EXPECT_TRUE(result.Cancelled);
+  EXPECT_EQ(result.ChartsConverted, 2);
+  EXPECT_EQ(steps.Texts.front(), "ProcespFilesing record number 1");
+  EXPECT_THAT(Loaded(),
+              ElementsAre("1998-03-05T10:00:00 | 1", "1998-03-06T10:00:00 | 1", "1998-03-07T10:00:00 | null"))
+      << "charts go in the table's order";
+}
+
+class PopulationOnServer : public PopulationFixture {};
+INSTANTIATE_TEST_SUITE_P(Engines, PopulationOnServer, ::testing::Values(Engine::PostgreSQL), EngineName);
+
+TEST_P(PopulationOnServer, OutlivesALostConnection) {
+  for (int i = 0; i < 3; ++i) Store({.Start = Ten + i, .End = Ten + i + 0.5});
+  Db.Close();
+  Steps steps([&](std::int64_t done) {
+    if (done == 1)
+      OnServer("SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE datname = '" + DatabaseName() +
+               "'");
+    return true;
+  });
+  const ConversionResult result = Convert({Ten, Ten + 1, Ten + 2}, steps);
+  EXPECT_EQ(result.ChartsConverted, 3);
+  EXPECT_THAT(result.Problems, IsEmpty());
+  Db = Connection::Open(Text()).value();
+  EXPECT_THAT(Rows(), SizeIs(12));
+}
+
+TEST_P(Population, KilledLeavesEachChartWholeOrUntouched) {
+  constexpr int charts = 40, points = 400;
+  std::vector<std::string> line;
+  for (int i = 1; i <= points; ++i) line.push_back(std::to_string(i) + "," + std::to_string(i) + ",");
+  std::vector<Date> dates;
+  for (int i = 0; i < charts; ++i) dates.push_back(Ten + i);
+  for (const Date date : dates) Store({.Start = date, .End = date + 0.5, .Points = line});
+  Db.Close();
+  int begun[2];
+  ASSERT_EQ(::pipe(begun), 0);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    Steps steps([&](std::int64_t) { return ::write(begun[1], "c", 1) == 1; });
+    (void)Convert(dates, steps);
+    ::_exit(0);
+  }
+  char step = 0;
+  for (int i = 0; i < 4; ++i) ASSERT_EQ(::read(begun[0], &step, 1), 1);
+  ::usleep(1500);
+  ::kill(child, SIGKILL);
+  ::waitpid(child, nullptr, 0);
+  for (const int end : begun) ::close(end);
+
+  ::usleep(300'000);  // a server ends what it was asked before it sees that nobody waits
+  Db = Connection::Open(Text()).value();
+  const auto loaded = Loaded();
+  const auto whole =
+      std::count_if(loaded.begin(), loaded.end(), [](const auto& l) { return l.ends_with("1"); });
+  EXPECT_GE(whole, 2);
+  EXPECT_LT(whole, charts);
+  EXPECT_THAT(Rows(), SizeIs(static_cast<std::size_t>(whole) * points));
+}
+
+// A known rain is drawn on a chart, traced, saved, stored and converted: its rows give the rain back.
+TEST_P(Population, GivesBackTheRainOfATracedChart) {
+  for (const ChartMethod method : {ChartMethod::Linear, ChartMethod::NonLinear}) {
+    RainChart chart;
+    chart.Paper.ChartMethod = static_cast<std::int16_t>(method);
+    chart.Paper.TimeScale = 1 / 16.1F;
+    chart.Paper.DepthScale = 0.125F;
+    chart.Paper.MiddleToBottomMm = 10;
+    if (method == ChartMethod::NonLinear) chart.FullMm = 100;
+    const std::vector<RainPoint> rain{{7, 0},     {9.5, 0},     {10, 2.3}, {12, 14.9},
+                                      {15, 20.1}, {24.4, 42.1}, {31, 42.1}};
+    const PenLine line = DrawRain(rain, chart).value();
+    const TracedChart traced = TraceChart(line, 1);
+    const auto text = MakeChartText(traced.State, {"Core", "Agency", "Station", "RG12", "Operator"}, "");
+    const Date start = traced.State.ChartStart();
+    StoreText("RG12", start, "RG12.dat\r\n" + text->Text);
+    Options.Overwrite = true;
+    ASSERT_EQ(Convert({start}).ChartsConverted, 1);
+
+    const std::vector<PenPoint> expected = ExpectedSeries(line, 1);
+    auto table = Recordset::Open(Db, "chart").value();
+    double sum = 0, count = 0;
+    for (const PenPoint& point : expected) {
+      ASSERT_FALSE(table.Eof());
+      sum += NumberOf(table.Value("depth").value());
+      EXPECT_NEAR(sum, point.Rain, 0.1 + 0.005 * ++count);
+      const Date end = DateOf(table.Value("end_time").value()) + 2.0 / 24;
+      EXPECT_NEAR((end - start) * 24, point.Hours, 2.0 / 60);
+      ASSERT_TRUE(table.MoveNext());
+    }
+    EXPECT_TRUE(table.Eof());
+    Run("DELETE FROM chart");
+    Run("DELETE FROM chart_ascii");
+  }
+}
+
+}  // namespace
+}  // namespace hyetex::test
