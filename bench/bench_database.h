@@ -74,7 +74,8 @@ class BenchDatabase {
 
   std::string Folder;
   SilentBoxes Boxes;
-  HyetexPlotDB Database{"", Boxes};
+  hyetex::Settings Settings{""};
+  HyetexPlotDB Database{Settings, Boxes};
 
  private:
   void EmptyAll() {

@@ -4,8 +4,8 @@
 
 #include "core/comments.h"
 #include "core/dates.h"
-#include "core/definitions.h"
 #include "core/files.h"
+#include "core/settings.h"
 #include "staging/lists/lists.h"
 #include "staging/tasks/tasks.h"
 
@@ -55,11 +55,12 @@ std::vector<ChartRecord> SampleTasks() {
 Result<void> Write(const std::string& folder) {
   if (auto done = SaveLists(folder, SampleLists()); !done) return done;
   if (auto done = SaveTasks(folder, SampleTasks()); !done) return done;
-  for (const auto& [key, value] : {std::pair("frmLogin-UserName", "demo"), std::pair("CurrentChart", "0"),
-                                   std::pair("DigitizerType", "1"), std::pair("TargetFolder", ""),
-                                   // The recorded streams press the board's squares in a view of this height.
-                                   std::pair("frmHyetex-Height", "12000")})
-    if (auto done = SetDefinition(folder, key, value); !done) return done;
+  Settings settings(folder);
+  // The recorded streams press the board's squares in a view of this height.
+  for (const auto& done : {settings.Set(setting::UserName, "demo"), settings.Set(setting::CurrentChart, 0),
+                           settings.Set(setting::DigitizerType, 1), settings.Set(setting::TargetFolder, ""),
+                           settings.Set(setting::ViewHeight, 12000)})
+    if (!done) return done;
   return {};
 }
 

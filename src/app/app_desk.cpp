@@ -10,7 +10,6 @@
 #include "chartfiles/windows/frmLargeView.h"
 #include "chartfiles/windows/frmSave.h"
 #include "core/dates.h"
-#include "core/definitions.h"
 #include "core/files.h"
 #include "platform/qt_text.h"
 #include "platform/serial_devices.h"
@@ -66,7 +65,7 @@ AppDesk::~AppDesk() {
 }
 
 void AppDesk::Start() {
-  login_ = new frmLogin(*this, dialogs_, program_.Folder, program_.Lists, program_.CurrentUser);
+  login_ = new frmLogin(*this, dialogs_, program_.Settings, program_.Lists, program_.CurrentUser);
   login_->setAttribute(Qt::WA_DeleteOnClose);
   login_->show();
 }
@@ -99,7 +98,7 @@ void AppDesk::MakeShell() {
 }
 
 void AppDesk::EnsureDataFolder() {
-  const std::string folder = JoinPath(program_.Folder, "Data");
+  const std::string folder = JoinPath(program_.Settings.Folder(), "Data");
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   if (error) Tell("The folder " + folder + " cannot be made: " + error.message());
@@ -186,11 +185,11 @@ void AppDesk::CloseShell() {
 }
 
 bool AppDesk::Activate(int task) {
-  auto chart = ActivateChart(program_.Folder, program_.Lists, task);
+  auto chart = ActivateChart(program_.Settings, program_.Lists, task);
   if (!chart) return Tell(chart.error()), false;
   if (words_.Tablet) chart->Tablet = *words_.Tablet;
   return BeginChart(*std::move(chart),
-                    words_.Port.empty() ? SerialDevice(program_.Folder, FirstSerialPort) : words_.Port);
+                    words_.Port.empty() ? SerialDevice(program_.Settings, FirstSerialPort) : words_.Port);
 }
 
 bool AppDesk::BeginChart(ActivatedChart chart, std::string device) {
@@ -208,7 +207,7 @@ bool AppDesk::BeginChart(ActivatedChart chart, std::string device) {
 
 QWidget* AppDesk::MakeMainMenu() {
   return new frmInit(
-      *this, dialogs_, program_.Folder, program_.Database.ConnectionText,
+      *this, dialogs_, program_.Settings, program_.Database.ConnectionText,
       {.Level = [this] { return program_.User().Level; },
        .DatabaseOpens = [this] { return program_.Database.Opens(); },
        .AskForSource = [this] { return frmMessageBox(dialogs_, program_.User().Level, shell_.get()).Ask(); },
@@ -219,8 +218,8 @@ QWidget* AppDesk::MakeMainMenu() {
 QWidget* AppDesk::MakeDigitizing() {
   if (!program_.Active) return nullptr;
   auto chart = program_.Active;
-  auto* window =
-      new frmHyetex(*this, *shell_, dialogs_, program_.Folder, chart->Session, chart->Tablet, chart->Device);
+  auto* window = new frmHyetex(*this, *shell_, dialogs_, program_.Settings, chart->Session, chart->Tablet,
+                               chart->Device);
   // The window is gone some time after it has closed, perhaps when the next chart is there already.
   QObject::connect(window, &QObject::destroyed, [chart] {});
   return window;
@@ -229,7 +228,7 @@ QWidget* AppDesk::MakeDigitizing() {
 QWidget* AppDesk::MakeSave() {
   frmHyetex* digitizing = Digitizing();
   if (digitizing == nullptr) return nullptr;
-  return new frmSave(*this, dialogs_, program_.Folder, program_.Active->Session, program_.Active->Origin,
+  return new frmSave(*this, dialogs_, program_.Settings, program_.Active->Session, program_.Active->Origin,
                      {.EnableDesk = [digitizing] { digitizing->EnableDesk(true); },
                       .NewFile = [digitizing] { digitizing->NewFile(); },
                       .Redigitize = [digitizing] { digitizing->RunTool(tool::Redigitize); }});
@@ -240,7 +239,7 @@ QWidget* AppDesk::MakeComment() {
   if (frmHyetex* digitizing = Digitizing(); target == nullptr && digitizing != nullptr)
     target = std::make_unique<SessionComments>(digitizing->Machine());
   if (target == nullptr) return nullptr;
-  return new frmComment(*this, dialogs_, program_.Folder, program_.Lists.Comments, std::move(target));
+  return new frmComment(*this, dialogs_, program_.Settings, program_.Lists.Comments, std::move(target));
 }
 
 void AppDesk::OpenComment(std::unique_ptr<CommentTarget> target) {
@@ -250,7 +249,7 @@ void AppDesk::OpenComment(std::unique_ptr<CommentTarget> target) {
 }
 
 QWidget* AppDesk::MakeLargeView() {
-  return new frmLargeView(*this, dialogs_, program_.Folder, largeCaption_, largeText_);
+  return new frmLargeView(*this, dialogs_, program_.Settings, largeCaption_, largeText_);
 }
 
 void AppDesk::ShowHelp() {
@@ -259,11 +258,11 @@ void AppDesk::ShowHelp() {
           Title, "In order to view the help you need to connected to the internet, otherwise use the manual.",
           BoxButtons::OkCancel) != BoxAnswer::Ok)
     return;
-  const std::string site = GetDefinition(program_.Folder, HelpSiteKey);
+  const std::string site = program_.Settings.Get(setting::HelpSite);
   if (site.empty()) {
     dialogs_.MessageBox(Title,
                         "The program definitions do not name the site of the help page (\"" +
-                            std::string(HelpSiteKey) + ": https://...\").",
+                            std::string(setting::HelpSite.Name) + ": https://...\").",
                         BoxButtons::Ok, BoxIcon::Warning);
     return;
   }

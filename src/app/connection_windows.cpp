@@ -16,13 +16,13 @@ void AppDesk::AddConnectionWindows() {
     return window;
   };
   factories_[WindowId::Connection] = [this, showIn] {
-    return showIn(new frmODBCLogon(*this, dialogs_, program_.Folder, program_.Database), "");
+    return showIn(new frmODBCLogon(*this, dialogs_, program_.Settings, program_.Database), "");
   };
   factories_[WindowId::Logon] = [this, showIn] {
-    return showIn(new frmODBCLogon1(*this, dialogs_, program_.Folder, program_.Database), "ODBC;");
+    return showIn(new frmODBCLogon1(*this, dialogs_, program_.Settings, program_.Database), "ODBC;");
   };
   factories_[WindowId::CreateTable] = [this] {
-    auto* window = new frmCreateTable(*this, dialogs_, program_.Folder, program_.Database,
+    auto* window = new frmCreateTable(*this, dialogs_, program_.Settings, program_.Database,
                                       {.Help = [this] { ShowHelp(); }, .OpenText = OpenTextFile});
     // The window is modal: what it shows must not be changed beneath it.
     for (const auto& [id, frame] : frames_) {

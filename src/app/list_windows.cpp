@@ -2,8 +2,6 @@
 #include <QListWidget>
 
 #include "app/app_desk.h"
-#include "core/definitions.h"
-#include "core/numbers.h"
 #include "staging/lists/list_recovery.h"
 #include "staging/windows/frmLists.h"
 #include "staging/windows/frmProgramDefaults.h"
@@ -16,9 +14,9 @@ void AppDesk::AddListWindows() {
 }
 
 QWidget* AppDesk::MakeLists() {
-  if (const auto read = RereadLists(program_.Folder, program_.Lists, program_.CurrentUser); !read)
+  if (const auto read = RereadLists(program_.Settings.Folder(), program_.Lists, program_.CurrentUser); !read)
     Tell(read.error());
-  return new frmLists(*this, dialogs_, program_.Folder, program_.Lists, program_.CurrentUser,
+  return new frmLists(*this, dialogs_, program_.Settings, program_.Lists, program_.CurrentUser,
                       {.Popup = *shell_,
                        .ConnectionText = [this] { return program_.Database.ConnectionText; },
                        .Synchronise = [this] { SynchroniseStations(); }});
@@ -27,8 +25,8 @@ QWidget* AppDesk::MakeLists() {
 QWidget* AppDesk::MakeProgramDefaults() {
   // While the charts are being staged, their window knows the present one.
   if (Window(WindowId::Tasks) == nullptr)
-    program_.CurrentChart = LeadingInt16(GetDefinition(program_.Folder, "CurrentChart"));
-  return new frmProgramDefaults(*this, dialogs_, program_.Folder, program_.Lists, program_.CurrentChart,
+    program_.CurrentChart = program_.Settings.Get(setting::CurrentChart);
+  return new frmProgramDefaults(*this, dialogs_, program_.Settings, program_.Lists, program_.CurrentChart,
                                 [this] {
                                   if (QWidget* tasks = Window(WindowId::Tasks))
                                     if (auto* types = tasks->findChild<QListWidget*>("lstChartType"))

@@ -6,7 +6,7 @@ namespace hyetex {
 
 void AppDesk::AddLoadWindows() {
   factories_[WindowId::Load] = [this] {
-    return new frmLoad(*this, dialogs_, program_.Folder, program_.Lists, program_.Database);
+    return new frmLoad(*this, dialogs_, program_.Settings, program_.Lists, program_.Database);
   };
 }
 

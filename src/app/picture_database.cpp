@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "core/dates.h"
-#include "core/definitions.h"
 #include "core/files.h"
 #include "core/numbers.h"
 #include "database/access/new_database.h"
@@ -66,19 +65,19 @@ Result<std::vector<std::string>> WriteCharts(const std::string& folder, const St
 
 }  // namespace
 
-Result<void> MakePictureDatabase(const std::string& programFolder, Dialogs& dialogs) {
-  const auto lists = ReadLists(programFolder);
+Result<void> MakePictureDatabase(Settings& settings, Dialogs& dialogs) {
+  const auto lists = ReadLists(settings.Folder());
   if (!lists) return Failure(lists.error());
-  const std::string file = JoinPath(programFolder, "rain.sqlite");
+  const std::string file = JoinPath(settings.Folder(), "rain.sqlite");
   if (auto made = CreateDatabaseFile(file); !made) return made;
   const auto text = FileConnectionText(file);
   if (!text) return Failure(text.error());
-  if (auto kept = SetDefinition(programFolder, DatabaseNameKey, *text); !kept) return kept;
+  if (auto kept = settings.Set(setting::DatabaseName, *text); !kept) return kept;
 
-  HyetexPlotDB database(programFolder, dialogs);
+  HyetexPlotDB database(settings, dialogs);
   if (const auto opened = database.OpenDatabase(); !opened) return Failure(opened.error().Description);
   if (auto added = AddInstruments(database.DatabaseConnection, *lists); !added) return added;
-  const auto charts = WriteCharts(JoinPath(programFolder, "Data"), lists->Stations.front());
+  const auto charts = WriteCharts(JoinPath(settings.Folder(), "Data"), lists->Stations.front());
   if (!charts) return Failure(charts.error());
   UnwatchedProgress unwatched;
   const LoadResult loaded = LoadFiles(database, *lists, *charts, unwatched);

@@ -14,7 +14,7 @@
 
 #include "app/app_desk.h"
 #include "app/picture_database.h"
-#include "core/definitions.h"
+#include "core/settings.h"
 #include "platform/qt_text.h"
 #include "staging/windows/frmMessageBox.h"
 
@@ -195,10 +195,11 @@ Result<void> TakePictures(const StartWords& words, const std::string& folder) {
   QApplication::setStyle(QStyleFactory::create("Fusion"));
   QApplication::setFont(QFont("DejaVu Sans", 10));
   NobodyThere dialogs;
-  if (auto made = MakePictureDatabase(copy, dialogs); !made) return made;
+  Settings settings(copy);
+  if (auto made = MakePictureDatabase(settings, dialogs); !made) return made;
   // The search for the tablet leaves the machine's own ports alone.
-  for (const char* port : {"SerialPort1", "SerialPort2"}) (void)SetDefinition(copy, port, "none");
-  (void)SetDefinition(copy, "frmLoad-Source", copy + "/Data");
+  for (const char* port : {"1", "2"}) (void)settings.Set(setting::SerialPort, port, "none");
+  (void)settings.Set(setting::LoadSource, copy + "/Data");
   Camera camera(folder);
   StartWords onCopy = words;
   onCopy.Folder = copy;

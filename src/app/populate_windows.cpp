@@ -7,10 +7,10 @@ namespace hyetex {
 
 void AppDesk::AddPopulateWindows() {
   factories_[WindowId::PrePop] = [this] {
-    return new frmPrePop(*this, program_.Folder, program_.Computation, [this] { ShowHelp(); });
+    return new frmPrePop(*this, program_.Settings, program_.Computation, [this] { ShowHelp(); });
   };
   factories_[WindowId::Populate] = [this] {
-    return new frmPopulate(*this, dialogs_, program_.Folder, program_.Database, program_.Lists,
+    return new frmPopulate(*this, dialogs_, program_.Settings, program_.Database, program_.Lists,
                            program_.Computation);
   };
 }

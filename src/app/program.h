@@ -9,6 +9,7 @@
 
 #include "chartfiles/chart_text.h"
 #include "core/session.h"
+#include "core/settings.h"
 #include "database/access/plot_db.h"
 #include "database/conversion/computation.h"
 #include "staging/lists/lists.h"
@@ -34,9 +35,9 @@ struct ActiveChart {
 };
 
 struct Program {
-  Program(std::string folder, Dialogs& dialogs) : Folder(std::move(folder)), Database(Folder, dialogs) {}
+  Program(std::string folder, Dialogs& dialogs) : Settings(std::move(folder)), Database(Settings, dialogs) {}
 
-  std::string Folder;
+  hyetex::Settings Settings;
   ReferenceLists Lists;
   std::int16_t CurrentUser = 0;
   StagingArea Staging;            ///< the staged charts, while frmTasks is open

@@ -4,7 +4,6 @@
 #include <QApplication>
 
 #include "app/app_desk.h"
-#include "core/definitions.h"
 #include "database/windows/frmLoad.h"
 #include "platform/qt_text.h"
 #include "staging/manager/list_editor.h"
@@ -14,7 +13,7 @@ namespace hyetex {
 
 void AppDesk::AddSynchronising() {
   std::string& text = program_.Database.ConnectionText;
-  if (text.empty()) text = GetDefinition(program_.Folder, DatabaseNameKey);
+  if (text.empty()) text = program_.Settings.Get(setting::DatabaseName);
 
   QAction& command = shell_->Fix();
   QObject::connect(&command, &QAction::triggered, shell_.get(), [this] { SynchroniseStations(); });
@@ -45,9 +44,9 @@ void AppDesk::SynchroniseStations() {
   if (manager != nullptr && !manager->SaveBeforeReading()) return;
   if (load != nullptr) load->ReadUnMappedStations();
   // On a connection of its own: a window may stand on a row of the program's.
-  HyetexPlotDB database(program_.Folder, dialogs_);
+  HyetexPlotDB database(program_.Settings, dialogs_);
   database.ConnectionText = program_.Database.ConnectionText;
-  const Synchronised done = Synchronise(database, program_.Lists, program_.Folder, dialogs_);
+  const Synchronised done = Synchronise(database, program_.Lists, program_.Settings.Folder(), dialogs_);
   if (done == Synchronised::Not) return;
   if (load != nullptr) load->UpdateList();
   if (manager != nullptr) manager->StationsRead(done == Synchronised::Saved);

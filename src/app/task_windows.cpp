@@ -15,7 +15,7 @@ void AppDesk::AddTaskWindows() {
 }
 
 QWidget* AppDesk::MakeTasks() {
-  if (const auto read = RereadLists(program_.Folder, program_.Lists, program_.CurrentUser); !read)
+  if (const auto read = RereadLists(program_.Settings.Folder(), program_.Lists, program_.CurrentUser); !read)
     Tell(read.error());
 
   const auto details = [this](const ChartRecord& task, bool isNew, const std::string& station, auto store) {
@@ -44,17 +44,17 @@ QWidget* AppDesk::MakeTasks() {
   // The first port may have been named on the command line.
   const auto device = [this](int port) {
     return port == FirstSerialPort && !words_.Port.empty() ? words_.Port
-                                                           : SerialDevice(program_.Folder, port);
+                                                           : SerialDevice(program_.Settings, port);
   };
   return new frmTasks(
-      *this, dialogs_, program_.Folder, program_.Lists, program_.Staging, program_.CurrentChart, *shell_,
+      *this, dialogs_, program_.Settings, program_.Lists, program_.Staging, program_.CurrentChart, *shell_,
       {.Device = device, .Define = details, .Digitize = digitize, .WriteEmptyForm = writeEmptyForm},
       words_.Tablet);
 }
 
 QWidget* AppDesk::MakeTaskDef() {
   if (!taskJob_.Store) return nullptr;
-  auto* window = new frmTaskDef(*this, dialogs_, program_.Folder, std::exchange(taskJob_, {}), [this] {
+  auto* window = new frmTaskDef(*this, dialogs_, program_.Settings, std::exchange(taskJob_, {}), [this] {
     if (auto* details = qobject_cast<frmTaskDef*>(Window(WindowId::TaskDef)))
       OpenComment(std::make_unique<TaskComments>(*this, *details));
   });

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <utility>
 
-#include "core/definitions.h"
 #include "core/files.h"
 #include "core/text.h"
 
@@ -17,10 +16,9 @@ Date Joined(Date date, Date time) { return std::floor(date) + (time - std::floor
 
 // The task list shows the row of this setting as the next chart to digitize; 0 is no row. A settings file
 // that cannot be written does not undo the chart file.
-void RaiseTaskRow(const std::string& programFolder) {
-  constexpr std::string_view key = "frmTasks-Row";
-  const int row = LeadingInt16(GetDefinition(programFolder, key));
-  if (row != 0) (void)SetDefinition(programFolder, key, ShortText(row + 1));
+void RaiseTaskRow(Settings& settings) {
+  const int row = settings.Get(setting::TaskRow);
+  if (row != 0) (void)settings.Set(setting::TaskRow, row + 1);
 }
 
 std::string JoinedLines(const std::vector<std::string>& lines) {
@@ -40,10 +38,6 @@ Result<ChartOrigin> OriginOfChart(const ReferenceLists& lists, const ChartRecord
   if (const auto why = CheckInstrumentCode(record.InstrumentCode)) return Failure(*why);
   return ChartOrigin{StationCoreName(lists, station), StationAgencyName(lists, station), record.Name,
                      record.InstrumentCode, std::move(user)};
-}
-
-std::string TargetFolder(const std::string& programFolder) {
-  return CheckTargetFolder(GetDefinition(programFolder, "TargetFolder"), programFolder);
 }
 
 EditedDetails DetailsOf(const ChartRecord& chart) {
@@ -98,9 +92,8 @@ Result<std::optional<std::string>> WriteChartFile(std::string_view text, const s
   return path;
 }
 
-Result<SaveOutcome> SaveDigitization(Session& session, const ChartOrigin& origin,
-                                     const std::string& programFolder, std::string_view digitizerComment,
-                                     const SaveQuestions& questions) {
+Result<SaveOutcome> SaveDigitization(Session& session, const ChartOrigin& origin, Settings& settings,
+                                     std::string_view digitizerComment, const SaveQuestions& questions) {
   if (SessionError(session)) return Failure("There is no chart to save.");
   const auto file = MakeChartText(session, origin, digitizerComment);
   if (!file) return Failure(file.error());
@@ -108,11 +101,11 @@ Result<SaveOutcome> SaveDigitization(Session& session, const ChartOrigin& origin
     return SaveOutcome::NotWanted;
 
   const auto path =
-      WriteChartFile(file->Text, TargetFolder(programFolder),
+      WriteChartFile(file->Text, TargetFolder(settings),
                      ChartFileName(origin.InstrumentCode, session.ChartStart()), questions.Overwrite);
   if (!path) return Failure(path.error());
   if (!*path) return SaveOutcome::KeptOldFile;
-  RaiseTaskRow(programFolder);
+  RaiseTaskRow(settings);
   session.Saved = true;
   return SaveOutcome::Written;
 }

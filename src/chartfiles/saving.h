@@ -13,6 +13,7 @@
 #include "core/numbers.h"
 #include "core/result.h"
 #include "core/session.h"
+#include "core/settings.h"
 #include "staging/lists/lists.h"
 
 namespace hyetex {
@@ -20,9 +21,6 @@ namespace hyetex {
 /// Who and what the file of a staged chart names. Fails, with one line, where no file could be named after
 /// it: no station has its code, or the code cannot stand in a file name.
 Result<ChartOrigin> OriginOfChart(const ReferenceLists& lists, const ChartRecord& chart, std::string user);
-
-/// The folder that chart files go to, by the settings.
-std::string TargetFolder(const std::string& programFolder);
 
 /// A chart's details as the operator has edited them.
 struct EditedDetails {
@@ -67,8 +65,7 @@ struct SaveQuestions {
 /// Writes the session's chart file into the target folder and moves the task list's highlight to the next
 /// row. Fails, with nothing changed, on a session that has no chart to save, a text that cannot stand in the
 /// file, and a folder that takes no file.
-Result<SaveOutcome> SaveDigitization(Session& session, const ChartOrigin& origin,
-                                     const std::string& programFolder, std::string_view digitizerComment,
-                                     const SaveQuestions& questions);
+Result<SaveOutcome> SaveDigitization(Session& session, const ChartOrigin& origin, Settings& settings,
+                                     std::string_view digitizerComment, const SaveQuestions& questions);
 
 }  // namespace hyetex

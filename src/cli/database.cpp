@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "core/definitions.h"
 #include "core/files.h"
 
 namespace hyetex::cli {
@@ -32,16 +31,18 @@ std::optional<std::string> SaidBoxes::ChooseFileToSave(const std::string&, const
 }
 
 CommandDatabase::CommandDatabase(const Words& words)
-    : Database(ProgramFolder(words), Boxes), folder_(ProgramFolder(words)) {
+    : settings_(ProgramFolder(words)), Database(settings_, Boxes) {
   Database.ConnectionText = words.Value(DbOption.Name).value_or("");
 }
 
 Result<void> CommandDatabase::Open() {
   std::string& text = Database.ConnectionText;
   if (text.empty()) {
-    if (!FolderExists(folder_)) return Failure("There is no program folder " + folder_ + ", and no --db");
-    text = GetDefinition(folder_, DatabaseNameKey);
-    if (text.empty()) return Failure("The program folder " + folder_ + " has no database; --db names one");
+    if (!FolderExists(settings_.Folder()))
+      return Failure("There is no program folder " + settings_.Folder() + ", and no --db");
+    text = settings_.Get(setting::DatabaseName);
+    if (text.empty())
+      return Failure("The program folder " + settings_.Folder() + " has no database; --db names one");
   }
   // Not by OpenDatabase(), which keeps to itself why a source cannot be reached.
   auto opened = Connection::Open(text);

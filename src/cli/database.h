@@ -32,6 +32,8 @@ class SaidBoxes : public Dialogs {
 ///     if (const auto done = opened.Open(); !done) return Fail(done.error());
 ///     LoadFiles(opened.Database, ...);
 class CommandDatabase {
+  Settings settings_;
+
  public:
   explicit CommandDatabase(const Words& words);
 
@@ -40,9 +42,6 @@ class CommandDatabase {
 
   /// Opens the database's connection; says why it cannot be opened.
   Result<void> Open();
-
- private:
-  std::string folder_;
 };
 
 }  // namespace hyetex::cli

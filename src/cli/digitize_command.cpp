@@ -3,8 +3,8 @@
 #include "chartfiles/chart_text.h"
 #include "chartfiles/saving.h"
 #include "cli/commands.h"
-#include "core/definitions.h"
 #include "core/files.h"
+#include "core/settings.h"
 #include "core/text.h"
 #include "digitizing/action_machine.h"
 #include "staging/lists/lists.h"
@@ -28,27 +28,28 @@ struct Work {
   std::string TargetFolder;
 };
 
-Result<std::string> FindUserName(const Words& words, const std::string& folder, const ReferenceLists& lists) {
-  const std::string name = words.Value("--user").value_or(GetDefinition(folder, "frmLogin-UserName"));
+Result<std::string> FindUserName(const Words& words, const Settings& settings, const ReferenceLists& lists) {
+  const std::string name = words.Value("--user").value_or(settings.Get(setting::UserName));
   const int user = FindUser(lists.Users, name);
   if (user < 0) return Failure("There is no such user: \"" + ShownText(name) + "\"");
   return lists.Users[static_cast<std::size_t>(user)].Name;
 }
 
-Result<Work> Prepare(const Words& words, const std::string& folder, int task, std::optional<int> chartType) {
+Result<Work> Prepare(const Words& words, const Settings& settings, int task, std::optional<int> chartType) {
+  const std::string& folder = settings.Folder();
   if (!FolderExists(folder)) return Failure("There is no program folder " + folder);
   const auto lists = ReadLists(folder);
   if (!lists) return Failure(lists.error());
-  auto chart = ActivateChart(folder, *lists, task, chartType);
+  auto chart = ActivateChart(settings, *lists, task, chartType);
   if (!chart) return Failure(chart.error());
   for (const std::string& note : chart->Notes) Say(note);
-  auto user = FindUserName(words, folder, *lists);
+  auto user = FindUserName(words, settings, *lists);
   if (!user) return Failure(user.error());
   auto origin = OriginOfChart(*lists, chart->Task, *std::move(user));
   if (!origin) return Failure(origin.error());
 
   Work work{*std::move(chart), *std::move(origin),
-            words.Has("--target") ? *words.Value("--target") : TargetFolder(folder)};
+            words.Has("--target") ? *words.Value("--target") : TargetFolder(settings)};
   if (!FolderExists(work.TargetFolder)) return Failure("There is no target folder " + work.TargetFolder);
   return work;
 }
@@ -108,7 +109,7 @@ Exit Digitize(const Words& words) {
   if (!chartType) return Off(chartType.error());
   if (words.Rest().size() > 1) return Off("one journal at a time");
 
-  const auto work = Prepare(words, ProgramFolder(words), **task, *chartType);
+  const auto work = Prepare(words, Settings(ProgramFolder(words)), **task, *chartType);
   if (!work) return Fail(work.error());
   const ChartRecord& chart = work->Chart.Task;
   if (const auto refusal = CheckTraceable(chart)) {

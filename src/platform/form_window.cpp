@@ -8,8 +8,8 @@
 
 namespace hyetex {
 
-FormWindow::FormWindow(const char* name, WindowId id, Desk& desk, std::string programFolder, QWidget* parent)
-    : QWidget(parent), desk_(desk), programFolder_(std::move(programFolder)), id_(id) {
+FormWindow::FormWindow(const char* name, WindowId id, Desk& desk, Settings& settings, QWidget* parent)
+    : QWidget(parent), desk_(desk), settings_(settings), id_(id) {
   setObjectName(QString::fromLatin1(name));
 }
 
@@ -24,13 +24,13 @@ void FormWindow::SetKeyButtons(QPushButton* accept, QPushButton* cancel) {
 void FormWindow::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
   // Only now does the window stand in the shell, inside which its place counts.
-  if (!std::exchange(placed_, true)) RestorePlace(*this, programFolder_);
+  if (!std::exchange(placed_, true)) RestorePlace(*this, settings_);
 }
 
 void FormWindow::closeEvent(QCloseEvent* event) {
   event->accept();
   if (std::exchange(closed_, true)) return;
-  StorePlace(*this, programFolder_);
+  StorePlace(*this, settings_);
   Closing();
   desk_.Closed(id_);
 }

@@ -4,9 +4,9 @@
 
 #include <QPushButton>
 #include <QWidget>
-#include <string>
 
 #include "core/desk.h"
+#include "core/settings.h"
 
 namespace hyetex {
 
@@ -15,7 +15,7 @@ class FormWindow : public QWidget {
 
  public:
   /// `name` is the window's name: its objectName, and what its place is remembered under.
-  FormWindow(const char* name, WindowId id, Desk& desk, std::string programFolder, QWidget* parent = nullptr);
+  FormWindow(const char* name, WindowId id, Desk& desk, Settings& settings, QWidget* parent = nullptr);
 
  protected:
   /// Return, where no other control wants it, presses `accept`; Escape presses `cancel`.
@@ -28,7 +28,7 @@ class FormWindow : public QWidget {
   void keyPressEvent(QKeyEvent* event) override;
 
   Desk& desk_;
-  const std::string programFolder_;
+  Settings& settings_;
 
  private:
   WindowId id_;

@@ -4,8 +4,6 @@
 #include <QMdiSubWindow>
 #include <QScreen>
 
-#include "core/definitions.h"
-#include "core/numbers.h"
 #include "platform/qt_text.h"
 
 namespace hyetex {
@@ -23,11 +21,8 @@ QRect AreaFor(const QWidget& frame, QPoint place) {
   return (screen ? screen : QGuiApplication::primaryScreen())->availableGeometry();
 }
 
-std::string Key(const QWidget& window, const char* side) { return FromQt(window.objectName()) + side; }
-
-int ReadPixels(const std::string& folder, const std::string& key) {
-  return qRound(LeadingFloat(GetDefinition(folder, key)) / PlaceUnitsPerPixel);
-}
+int ToPixels(float units) { return qRound(units / PlaceUnitsPerPixel); }
+float ToUnits(int pixels) { return static_cast<float>(pixels * PlaceUnitsPerPixel); }
 
 }  // namespace
 
@@ -37,23 +32,23 @@ QPoint BroughtInside(const QRect& frame, const QRect& area) {
   return {qMax(area.left(), qMin(frame.left(), right)), qMax(area.top(), qMin(frame.top(), bottom))};
 }
 
-void RestorePlace(QWidget& window, const std::string& programFolder) {
+void RestorePlace(QWidget& window, const Settings& settings) {
   QWidget& frame = FrameOf(window);
-  const QPoint place(ReadPixels(programFolder, Key(window, "-Left")),
-                     ReadPixels(programFolder, Key(window, "-Top")));
+  const std::string name = FromQt(window.objectName());
+  const QPoint place(ToPixels(settings.Get(setting::PlaceLeft, name)),
+                     ToPixels(settings.Get(setting::PlaceTop, name)));
   // A frame that was never shown has its hint's size, not its own.
   const QSize size =
       frame.testAttribute(Qt::WA_Resized) || frame.isVisible() ? frame.size() : frame.sizeHint();
   frame.move(BroughtInside(QRect(place, size), AreaFor(frame, place)));
 }
 
-void StorePlace(const QWidget& window, const std::string& programFolder) {
+void StorePlace(const QWidget& window, Settings& settings) {
   const QPoint place = FrameOf(const_cast<QWidget&>(window)).pos();
   // A place that cannot be kept is not worth a message.
-  (void)SetDefinition(programFolder, Key(window, "-Top"),
-                      ShortText(static_cast<float>(place.y() * PlaceUnitsPerPixel)));
-  (void)SetDefinition(programFolder, Key(window, "-Left"),
-                      ShortText(static_cast<float>(place.x() * PlaceUnitsPerPixel)));
+  const std::string name = FromQt(window.objectName());
+  (void)settings.Set(setting::PlaceTop, name, ToUnits(place.y()));
+  (void)settings.Set(setting::PlaceLeft, name, ToUnits(place.x()));
 }
 
 }  // namespace hyetex

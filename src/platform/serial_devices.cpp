@@ -4,15 +4,14 @@
 #include <QSerialPortInfo>
 #include <QStringList>
 
-#include "core/definitions.h"
 #include "core/numbers.h"
 #include "platform/qt_text.h"
 
 namespace hyetex {
 
-std::string SerialDevice(const std::string& programFolder, int port) {
+std::string SerialDevice(const Settings& settings, int port) {
   if (port < FirstSerialPort || port > LastSerialPort) return {};
-  if (auto named = GetDefinition(programFolder, "SerialPort" + ShortText(port)); !named.empty()) return named;
+  if (auto named = settings.Get(setting::SerialPort, ShortText(port)); !named.empty()) return named;
 
   QStringList names;
   for (const QSerialPortInfo& info : QSerialPortInfo::availablePorts()) names << info.systemLocation();

@@ -28,8 +28,7 @@ std::span<const MenuCommand> MainMenuCommands();
 /// Where the editor finds its charts; also the index of the answer's button.
 enum class ChartSourceKind : int { HardDrive = 0, Database = 1 };
 
+/// Behind the site of the settings.
 inline constexpr std::string_view HelpPagePath = "/hy/documentation/hyetex_instructions_part1.htm";
-/// The setting that names the site on which the help page stands, such as "https://www.example.org".
-inline constexpr std::string_view HelpSiteKey = "HelpSite";
 
 }  // namespace hyetex

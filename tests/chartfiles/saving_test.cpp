@@ -15,7 +15,7 @@ using namespace hyetex::test;
 class Saving : public ::testing::Test {
  protected:
   Result<SaveOutcome> Save(bool overwrite = true, bool despiteNotes = true) {
-    return SaveDigitization(session_, WeekOrigin, folder_.Path(), "checked",
+    return SaveDigitization(session_, WeekOrigin, settings_, "checked",
                             {.Overwrite = Answer(overwrite), .DespiteNotes = Answer(despiteNotes)});
   }
   Confirm Answer(bool yes) {
@@ -24,10 +24,11 @@ class Saving : public ::testing::Test {
       return yes;
     };
   }
-  void SetRow(const char* row) { ASSERT_TRUE(SetDefinition(folder_.Path(), "frmTasks-Row", row)); }
-  std::string Row() { return GetDefinition(folder_.Path(), "frmTasks-Row"); }
+  void SetRow(const char* row) { ASSERT_TRUE(SetDefinition(folder_.Path(), setting::TaskRow.Name, row)); }
+  std::string Row() { return GetDefinition(folder_.Path(), setting::TaskRow.Name); }
 
   TempFolder folder_;
+  Settings settings_{folder_.Path()};
   Session session_ = TracedWeek();
   std::string path_ = folder_ / WeekFile;
   std::vector<std::string> asked_;
@@ -44,7 +45,7 @@ TEST_F(Saving, RaisesTheRowAndLeavesRowsThatAreNoneAlone) {
 TEST_F(Saving, TakesTheTargetFolderAndFallsBackToTheProgramFolder) {
   const TempFolder target;
   for (const auto& [folder, file] : {std::pair(target.Path(), target / WeekFile), {target / "gone", path_}}) {
-    ASSERT_TRUE(SetDefinition(folder_.Path(), "TargetFolder", folder));
+    ASSERT_TRUE(settings_.Set(setting::TargetFolder, folder));
     EXPECT_FALSE(FileExists(file));
     EXPECT_EQ(Save(), SaveOutcome::Written);
     EXPECT_TRUE(FileExists(file));

@@ -35,7 +35,7 @@ template <typename Window>
 class ConnectionWindow : public WindowTest<Window> {
  protected:
   void Open() {
-    this->window_ = std::make_unique<Window>(this->desk_, files_, this->folder_.Path(), database_);
+    this->window_ = std::make_unique<Window>(this->desk_, files_, this->settings_, database_);
     this->window_->show();
     EXPECT_TRUE(QTest::qWaitForWindowActive(this->window_.get()));
   }
@@ -47,7 +47,7 @@ class ConnectionWindow : public WindowTest<Window> {
 
   OwnDataSources own_;
   FileDialogs files_;
-  HyetexPlotDB database_{this->folder_.Path(), files_};
+  HyetexPlotDB database_{this->settings_, files_};
 };
 
 class SelectDatabase : public ConnectionWindow<frmODBCLogon> {
@@ -171,7 +171,7 @@ class StructureWindow : public WindowTest<frmCreateTable> {
                                       }});
   }
 
-  HyetexPlotDB database_{folder_.Path(), dialogs_};
+  HyetexPlotDB database_{settings_, dialogs_};
   int helped_ = 0;
   std::vector<std::string> opened_;
 };

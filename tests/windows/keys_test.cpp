@@ -42,7 +42,7 @@ class Keys : public DeskTest {
 };
 
 TEST_F(Keys, MeanOneThingInEachWindow) {
-  ASSERT_TRUE(MakePictureDatabase(folder_.Path(), dialogs_).has_value());
+  ASSERT_TRUE(MakePictureDatabase(settings_, dialogs_).has_value());
   desk_ = std::make_unique<AppDesk>(StartWords{.Folder = folder_.Path()}, dialogs_);
   desk_->Start();
   desk_->LoggedIn();

@@ -84,7 +84,7 @@ class LoadWindow : public WindowTest<frmLoad> {
   std::string Text(const char* label) { return Find<QLabel>(*window_, label).text().toStdString(); }
 
   ReferenceLists lists_;
-  HyetexPlotDB database_{folder_.Path(), dialogs_};
+  HyetexPlotDB database_{settings_, dialogs_};
 };
 
 TEST_F(LoadWindow, LoadsMovesAndExtracts) {

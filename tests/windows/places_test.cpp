@@ -24,17 +24,17 @@ TEST_F(Places, RemembersWindowsOfTheShellInItsArea) {
   frame->show();
 
   frame->move(123, 45);
-  StorePlace(*window, folder_.Path());
+  StorePlace(*window, settings_);
   EXPECT_EQ(Remembered("frmLists-Left"), "1845");
   EXPECT_EQ(Remembered("frmLists-Top"), "675");
   frame->move(0, 0);
-  RestorePlace(*window, folder_.Path());
+  RestorePlace(*window, settings_);
   EXPECT_EQ(frame->pos(), QPoint(123, 45));
 
   // The frame was larger when the place was kept.
   Remember("frmLists-Left", "60000");
   Remember("frmLists-Top", "-900");
-  RestorePlace(*window, folder_.Path());
+  RestorePlace(*window, settings_);
   EXPECT_EQ(frame->x(), area.viewport()->width() - frame->width());
   EXPECT_EQ(frame->y(), 0);
 }
@@ -46,7 +46,7 @@ TEST_F(Places, BringsWindowsFromAbsentScreensBack) {
   Remember("frmLists-Left", "-90000");
   Remember("frmLists-Top", "nonsense");
   window.show();
-  RestorePlace(window, folder_.Path());
+  RestorePlace(window, settings_);
   EXPECT_TRUE(window.screen()->availableGeometry().contains(window.frameGeometry()));
 }
 

@@ -73,8 +73,8 @@ using SerialDevices = FolderTest;
 
 TEST_F(SerialDevices, AreWhatTheSettingsName) {
   Remember("SerialPort2", "/dev/ttyUSB7");
-  EXPECT_EQ(SerialDevice(folder_.Path(), 2), "/dev/ttyUSB7");
-  for (const int none : {0, 5}) EXPECT_EQ(SerialDevice(folder_.Path(), none), "");
+  EXPECT_EQ(SerialDevice(settings_, 2), "/dev/ttyUSB7");
+  for (const int none : {0, 5}) EXPECT_EQ(SerialDevice(settings_, none), "");
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include "../support.h"  // the name alone is this file's own
 #include "core/definitions.h"
 #include "core/desk.h"
+#include "core/settings.h"
 #include "scripted_dialogs.h"
 
 // These end a test function of another framework; in a GoogleTest body a failure of theirs is silent.
@@ -52,6 +53,7 @@ class FolderTest : public ::testing::Test {
   std::string Remembered(const char* key) { return GetDefinition(folder_.Path(), key); }
 
   TempFolder folder_;
+  Settings settings_{folder_.Path()};
   ScriptedDialogs dialogs_;
 };
 
@@ -61,8 +63,7 @@ class WindowTest : public FolderTest {
  protected:
   template <typename... Arguments>
   Window& Show(Arguments&&... arguments) {
-    window_ =
-        std::make_unique<Window>(desk_, dialogs_, folder_.Path(), std::forward<Arguments>(arguments)...);
+    window_ = std::make_unique<Window>(desk_, dialogs_, settings_, std::forward<Arguments>(arguments)...);
     window_->show();
     EXPECT_TRUE(QTest::qWaitForWindowActive(window_.get()));
     return *window_;

@@ -8,7 +8,6 @@
 
 #include "chartfiles/comment_list.h"
 #include "chartfiles/saving.h"
-#include "core/definitions.h"
 #include "platform/qt_text.h"
 #include "platform/up_down.h"
 
@@ -17,7 +16,6 @@ namespace {
 
 constexpr const char* OwnTitle = "Add a comment";
 constexpr const char* ListTitle = "Comments List";
-constexpr std::string_view CodeKey = "frmComment-Code";
 
 bool IsReturn(const QKeyEvent& event) {
   return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
@@ -25,17 +23,17 @@ bool IsReturn(const QKeyEvent& event) {
 
 }  // namespace
 
-frmComment::frmComment(Desk& desk, Dialogs& dialogs, const std::string& programFolder,
+frmComment::frmComment(Desk& desk, Dialogs& dialogs, Settings& settings,
                        const std::vector<CommentRecord>& userComments, std::unique_ptr<CommentTarget> target,
                        QWidget* parent)
-    : FormWindow("frmComment", WindowId::Comment, desk, programFolder, parent),
+    : FormWindow("frmComment", WindowId::Comment, desk, settings, parent),
       dialogs_(dialogs),
       userComments_(userComments),
       target_(std::move(target)) {
   const std::string title = target_->Title();
   setWindowTitle(title.empty() ? OwnTitle : ToQt(title));
 
-  txtCode = new QLineEdit(ToQt(target_->Code().value_or(GetDefinition(programFolder, CodeKey))));
+  txtCode = new QLineEdit(ToQt(target_->Code().value_or(settings_.Get(setting::CommentCode))));
   txtCode->setObjectName("txtCode");
   auto* udnCode = new UpDown(txtCode, [](std::string_view text, int way) { return StepNumber(text, way); });
   udnCode->setObjectName("udnCode");
@@ -139,7 +137,7 @@ void frmComment::Add() {
 void frmComment::ShowList() { desk_.OpenLargeView(ListTitle, CommentListText(userComments_)); }
 
 void frmComment::Closing() {
-  (void)SetDefinition(programFolder_, CodeKey, FromQt(txtCode->text()));
+  (void)settings_.Set(setting::CommentCode, FromQt(txtCode->text()));
   desk_.CloseLargeView(ListTitle);
   desk_.Flags.SetOpen(WindowId::Comment, false);
   target_->Closed();

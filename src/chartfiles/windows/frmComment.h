@@ -18,9 +18,8 @@ class frmComment : public FormWindow {
 
  public:
   /// `userComments` are the reference list's, and must outlive the window.
-  frmComment(Desk& desk, Dialogs& dialogs, const std::string& programFolder,
-             const std::vector<CommentRecord>& userComments, std::unique_ptr<CommentTarget> target,
-             QWidget* parent = nullptr);
+  frmComment(Desk& desk, Dialogs& dialogs, Settings& settings, const std::vector<CommentRecord>& userComments,
+             std::unique_ptr<CommentTarget> target, QWidget* parent = nullptr);
 
  protected:
   void Closing() override;

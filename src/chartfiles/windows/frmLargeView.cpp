@@ -30,9 +30,9 @@ int WidestLine(const QString& text) {
 
 }  // namespace
 
-frmLargeView::frmLargeView(Desk& desk, Dialogs& dialogs, const std::string& programFolder,
-                           const std::string& caption, const std::string& text, QWidget* parent)
-    : FormWindow("frmLargeView", WindowId::LargeView, desk, programFolder, parent), dialogs_(dialogs) {
+frmLargeView::frmLargeView(Desk& desk, Dialogs& dialogs, Settings& settings, const std::string& caption,
+                           const std::string& text, QWidget* parent)
+    : FormWindow("frmLargeView", WindowId::LargeView, desk, settings, parent), dialogs_(dialogs) {
   setWindowTitle(caption.empty() ? "Large View" : ToQt(caption));
 
   txtView = new QPlainTextEdit(ToQt(text));

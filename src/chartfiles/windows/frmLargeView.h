@@ -16,7 +16,7 @@ class frmLargeView : public FormWindow {
 
  public:
   /// Caption and text are bytes, shown through ShownText; an empty caption leaves "Large View".
-  frmLargeView(Desk& desk, Dialogs& dialogs, const std::string& programFolder, const std::string& caption,
+  frmLargeView(Desk& desk, Dialogs& dialogs, Settings& settings, const std::string& caption,
                const std::string& text, QWidget* parent = nullptr);
 
   /// Prints the text in the orientation chosen; tells the operator when the printer fails.

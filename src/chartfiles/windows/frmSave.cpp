@@ -20,9 +20,9 @@ Rgb ToRgb(const QColor& colour) { return {colour.red(), colour.green(), colour.b
 
 }  // namespace
 
-frmSave::frmSave(Desk& desk, Dialogs& dialogs, const std::string& programFolder, Session& session,
-                 ChartOrigin origin, SaveCallbacks callbacks, QWidget* parent)
-    : FormWindow("frmSave", WindowId::Save, desk, programFolder, parent),
+frmSave::frmSave(Desk& desk, Dialogs& dialogs, Settings& settings, Session& session, ChartOrigin origin,
+                 SaveCallbacks callbacks, QWidget* parent)
+    : FormWindow("frmSave", WindowId::Save, desk, settings, parent),
       dialogs_(dialogs),
       session_(session),
       origin_(std::move(origin)),
@@ -147,7 +147,7 @@ bool frmSave::SaveFile() {
   const auto despite = [&](const std::string& notes) {
     return ask(notes + "\n\nSave the chart all the same ?");
   };
-  const auto outcome = SaveDigitization(session_, origin_, programFolder_, FromQt(txtComment->text()),
+  const auto outcome = SaveDigitization(session_, origin_, settings_, FromQt(txtComment->text()),
                                         {.Overwrite = ask, .DespiteNotes = despite});
   if (!outcome)
     dialogs_.MessageBox(SavingTitle, ShownText(outcome.error()), BoxButtons::Ok, BoxIcon::Warning);

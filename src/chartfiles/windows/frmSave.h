@@ -31,8 +31,8 @@ class frmSave : public FormWindow, public FocusListener {
 
  public:
   /// Session and callbacks must outlive the window.
-  frmSave(Desk& desk, Dialogs& dialogs, const std::string& programFolder, Session& session,
-          ChartOrigin origin, SaveCallbacks callbacks, QWidget* parent = nullptr);
+  frmSave(Desk& desk, Dialogs& dialogs, Settings& settings, Session& session, ChartOrigin origin,
+          SaveCallbacks callbacks, QWidget* parent = nullptr);
 
   /// Whether the window may go: the file is written, or the operator keeps the one that was there.
   bool SaveFile();

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "core/definitions.h"
 #include "core/text.h"
 #include "platform/odbc/connection_text.h"
 #include "platform/odbc/environment.h"
@@ -39,23 +38,21 @@ std::string LogonText(const LogonValues& values) {
   return text;
 }
 
-Result<void> KeepConnection(HyetexPlotDB& database, const std::string& programFolder,
-                            const std::string& connectionText) {
-  if (auto kept = SetDefinition(programFolder, DatabaseNameKey, connectionText); !kept) return kept;
+Result<void> KeepConnection(HyetexPlotDB& database, Settings& settings, const std::string& connectionText) {
+  if (auto kept = settings.Set(setting::DatabaseName, connectionText); !kept) return kept;
   database.Close();
   database.ConnectionText = connectionText;
   return {};
 }
 
-Result<void> TakeDataSource(HyetexPlotDB& database, const std::string& programFolder,
-                            const std::string& dataSource) {
-  return KeepConnection(database, programFolder, "DSN=" + dataSource);
+Result<void> TakeDataSource(HyetexPlotDB& database, Settings& settings, const std::string& dataSource) {
+  return KeepConnection(database, settings, "DSN=" + dataSource);
 }
 
-Result<void> Logon(HyetexPlotDB& database, const std::string& programFolder, const LogonValues& values) {
+Result<void> Logon(HyetexPlotDB& database, Settings& settings, const LogonValues& values) {
   const std::string text = LogonText(values);
   if (const auto opened = Connection::Open(text); !opened) return Failure(opened.error().Description);
-  return KeepConnection(database, programFolder, text);
+  return KeepConnection(database, settings, text);
 }
 
 }  // namespace hyetex

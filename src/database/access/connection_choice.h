@@ -36,12 +36,10 @@ std::string LogonText(const LogonValues& values);
 
 /// Makes a text the database's, for this session and, in the settings, for the next ones. What was open is
 /// closed. Nothing has changed when the settings cannot be written.
-Result<void> KeepConnection(HyetexPlotDB& database, const std::string& programFolder,
-                            const std::string& connectionText);
+Result<void> KeepConnection(HyetexPlotDB& database, Settings& settings, const std::string& connectionText);
 /// The same for a data source of the list, which need not exist.
-Result<void> TakeDataSource(HyetexPlotDB& database, const std::string& programFolder,
-                            const std::string& dataSource);
+Result<void> TakeDataSource(HyetexPlotDB& database, Settings& settings, const std::string& dataSource);
 /// The same once a connection by these values has been opened; else says why it cannot be.
-Result<void> Logon(HyetexPlotDB& database, const std::string& programFolder, const LogonValues& values);
+Result<void> Logon(HyetexPlotDB& database, Settings& settings, const LogonValues& values);
 
 }  // namespace hyetex

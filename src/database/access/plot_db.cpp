@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "core/definitions.h"
-
 namespace hyetex {
 
 namespace {
@@ -14,12 +12,12 @@ DbResult<Connection> NoDatabase() {
 
 }  // namespace
 
-HyetexPlotDB::HyetexPlotDB(std::string programFolder, Dialogs& dialogs)
-    : programFolder_(std::move(programFolder)), dialogs_(dialogs) {}
+HyetexPlotDB::HyetexPlotDB(const Settings& settings, Dialogs& dialogs)
+    : settings_(settings), dialogs_(dialogs) {}
 
 DbResult<void> HyetexPlotDB::OpenDatabase() {
   Reachable = true;
-  if (ConnectionText.empty()) ConnectionText = GetDefinition(programFolder_, DatabaseNameKey);
+  if (ConnectionText.empty()) ConnectionText = settings_.Get(setting::DatabaseName);
   auto opened = ConnectionText.empty() ? NoDatabase() : Connection::Open(ConnectionText);
   if (opened) {
     DatabaseConnection = std::move(*opened);

@@ -5,19 +5,17 @@
 #include <string>
 #include <string_view>
 
+#include "core/settings.h"
 #include "platform/dialogs.h"
 #include "platform/odbc/connection.h"
 #include "platform/odbc/recordset.h"
 
 namespace hyetex {
 
-/// The setting that keeps the connection text.
-inline constexpr std::string_view DatabaseNameKey = "DataBaseName";
-
 class HyetexPlotDB {
  public:
   /// Neither is read from nor written to before something is opened.
-  HyetexPlotDB(std::string programFolder, Dialogs& dialogs);
+  HyetexPlotDB(const Settings& settings, Dialogs& dialogs);
 
   /// What every open uses, such as "DSN=rain"; empty until it is chosen or read from the settings.
   std::string ConnectionText;
@@ -48,7 +46,7 @@ class HyetexPlotDB {
  private:
   DbResult<void> OpenTable(Recordset& handle, std::string_view name, Selection selection);
 
-  std::string programFolder_;
+  const Settings& settings_;
   Dialogs& dialogs_;
 };
 

@@ -26,9 +26,9 @@ constexpr std::array<GridColumn, 4> Columns{
 
 }  // namespace
 
-frmCreateTable::frmCreateTable(Desk& desk, Dialogs& dialogs, const std::string& programFolder,
-                               HyetexPlotDB& database, StructureServices services, QWidget* parent)
-    : FormWindow("frmCreateTable", WindowId::CreateTable, desk, programFolder, parent),
+frmCreateTable::frmCreateTable(Desk& desk, Dialogs& dialogs, Settings& settings, HyetexPlotDB& database,
+                               StructureServices services, QWidget* parent)
+    : FormWindow("frmCreateTable", WindowId::CreateTable, desk, settings, parent),
       dialogs_(dialogs),
       database_(database),
       services_(std::move(services)),
@@ -100,7 +100,7 @@ std::optional<std::vector<TableStructure>> frmCreateTable::Show() {
   const std::string source = "ShowStructure";
   if (const auto opened = database_.OpenDatabase(); !opened) {
     // Any other error has been shown.
-    if (!database_.Reachable) ReportError(dialogs_, programFolder_, opened.error(), source);
+    if (!database_.Reachable) ReportError(dialogs_, settings_.Folder(), opened.error(), source);
     return std::nullopt;
   }
   bool stopped = false;
@@ -111,7 +111,7 @@ std::optional<std::vector<TableStructure>> frmCreateTable::Show() {
   }();
   database_.Close();
   if (!tables) {
-    ReportError(dialogs_, programFolder_, tables.error(), source);
+    ReportError(dialogs_, settings_.Folder(), tables.error(), source);
     return std::nullopt;
   }
   FillGrid(*tables);
@@ -137,7 +137,7 @@ void frmCreateTable::FillGrid(const std::vector<TableStructure>& tables) {
 void frmCreateTable::Output() {
   const auto tables = Show();
   if (!tables) return;
-  const std::string path = JoinPath(programFolder_, ScriptFileName);
+  const std::string path = JoinPath(settings_.Folder(), ScriptFileName);
   auto done = WriteWholeFile(path, StructureScript(*tables));
   if (done) done = services_.OpenText(path);
   if (!done) dialogs_.MessageBox(FromQt(windowTitle()), done.error(), BoxButtons::Ok, BoxIcon::Warning);

@@ -27,7 +27,7 @@ class frmCreateTable : public FormWindow {
   Q_OBJECT
 
  public:
-  frmCreateTable(Desk& desk, Dialogs& dialogs, const std::string& programFolder, HyetexPlotDB& database,
+  frmCreateTable(Desk& desk, Dialogs& dialogs, Settings& settings, HyetexPlotDB& database,
                  StructureServices services, QWidget* parent = nullptr);
 
  protected:

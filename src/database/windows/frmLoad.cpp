@@ -10,7 +10,6 @@
 
 #include "chartfiles/saving.h"
 #include "core/dates.h"
-#include "core/definitions.h"
 #include "core/files.h"
 #include "core/numbers.h"
 #include "database/stations/unmapped.h"
@@ -25,8 +24,6 @@ namespace {
 
 constexpr int SortedAfterMs = 250;
 
-constexpr std::string_view SourceKey = "frmLoad-Source", TargetKey = "frmLoad-Target",
-                           MovesKey = "frmLoad-chkTarget";
 constexpr const char* LoadTitle = "Loading Files into Database";
 constexpr const char* ExtractTitle = "Extract Files";
 constexpr std::size_t MostNotesShown = 4;
@@ -34,8 +31,8 @@ constexpr std::size_t MostNotesShown = 4;
 // What a node of the tree stands for.
 enum NodeRole { StationRole = Qt::UserRole, CodeRole };
 
-std::string StoredFolder(const std::string& programFolder, std::string_view key, std::string missing) {
-  std::string stored = GetDefinition(programFolder, key);
+std::string StoredFolder(const Settings& settings, const TextKey& key, std::string missing) {
+  std::string stored = settings.Get(key);
   return stored.empty() ? std::move(missing) : stored;
 }
 
@@ -62,19 +59,19 @@ QVariant FileLines::data(const QModelIndex& index, int role) const {
   return {};
 }
 
-frmLoad::frmLoad(Desk& desk, Dialogs& dialogs, const std::string& programFolder, ReferenceLists& lists,
+frmLoad::frmLoad(Desk& desk, Dialogs& dialogs, Settings& settings, ReferenceLists& lists,
                  HyetexPlotDB& database, QWidget* parent)
-    : FormWindow("frmLoad", WindowId::Load, desk, programFolder, parent),
+    : FormWindow("frmLoad", WindowId::Load, desk, settings, parent),
       dialogs_(dialogs),
       lists_(lists),
       database_(database),
-      source_(StoredFolder(programFolder, SourceKey, TargetFolder(programFolder))),
-      target_(StoredFolder(programFolder, TargetKey, JoinPath(programFolder, "Data"))),
+      source_(StoredFolder(settings, setting::LoadSource, TargetFolder(settings))),
+      target_(StoredFolder(settings, setting::LoadTarget, JoinPath(settings.Folder(), "Data"))),
       lines_(files_.Files, lists.Stations) {
   setWindowTitle(tr("Load (or \"Extract\") Ascii Files to (or from) Database"));
   MakeControls();
   MakeLayout();
-  chkTarget->setChecked(LeadingInt16(GetDefinition(programFolder, MovesKey)) != 0);
+  chkTarget->setChecked(settings.Get(setting::LoadMoves));
   ShowTarget();
 
   connect(tspLR, &QTabBar::currentChanged, this, &frmLoad::ChangeTab);
@@ -127,12 +124,10 @@ void frmLoad::keyPressEvent(QKeyEvent* event) {
 }
 
 void frmLoad::Closing() {
-  const auto keep = [this](std::string_view key, const std::string& value) {
-    (void)SetDefinition(programFolder_, key, value);  // not worth a message
-  };
-  keep(SourceKey, source_);
-  keep(TargetKey, target_);
-  keep(MovesKey, chkTarget->isChecked() ? "1" : "0");
+  // What cannot be kept is not worth a message.
+  (void)settings_.Set(setting::LoadSource, source_);
+  (void)settings_.Set(setting::LoadTarget, target_);
+  (void)settings_.Set(setting::LoadMoves, chkTarget->isChecked());
 }
 
 // ---- The folder
@@ -243,7 +238,8 @@ void frmLoad::ShowWarnings() {
 
 void frmLoad::ReadUnMappedStations() {
   // Those of the database are the business of whoever puts list and database in line.
-  if (Loads() && hyetex::ReadUnMappedStations(files_.Files, lists_, programFolder_, dialogs_)) UpdateList();
+  if (Loads() && hyetex::ReadUnMappedStations(files_.Files, lists_, settings_.Folder(), dialogs_))
+    UpdateList();
 }
 
 void frmLoad::UpdateList() {

@@ -49,8 +49,8 @@ class frmLoad : public FormWindow {
   Q_OBJECT
 
  public:
-  frmLoad(Desk& desk, Dialogs& dialogs, const std::string& programFolder, ReferenceLists& lists,
-          HyetexPlotDB& database, QWidget* parent = nullptr);
+  frmLoad(Desk& desk, Dialogs& dialogs, Settings& settings, ReferenceLists& lists, HyetexPlotDB& database,
+          QWidget* parent = nullptr);
 
   /// Offers to add the instruments of the files that the list lacks.
   void ReadUnMappedStations();

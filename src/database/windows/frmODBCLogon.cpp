@@ -1,6 +1,5 @@
 #include "database/windows/frmODBCLogon.h"
 
-#include "core/definitions.h"
 #include "core/files.h"
 #include "database/access/new_database.h"
 #include "platform/controls.h"
@@ -9,9 +8,9 @@
 
 namespace hyetex {
 
-frmODBCLogon::frmODBCLogon(Desk& desk, Dialogs& dialogs, const std::string& programFolder,
-                           HyetexPlotDB& database, QWidget* parent)
-    : LogonForm("frmODBCLogon", WindowId::Connection, desk, dialogs, programFolder, database, parent),
+frmODBCLogon::frmODBCLogon(Desk& desk, Dialogs& dialogs, Settings& settings, HyetexPlotDB& database,
+                           QWidget* parent)
+    : LogonForm("frmODBCLogon", WindowId::Connection, desk, dialogs, settings, database, parent),
       cmdOK(Named(new QPushButton(tr("&OK")), "cmdOK")),
       cmdCancel(Named(new QPushButton(tr("&Cancel")), "cmdCancel")),
       cmdCreateDB(Named(new QPushButton(tr("Vie&w Database Structure")), "cmdCreateDB")),
@@ -39,16 +38,16 @@ frmODBCLogon::frmODBCLogon(Desk& desk, Dialogs& dialogs, const std::string& prog
     close();
   });
 
-  FillLists(ConnectionText(GetDefinition(programFolder_, DatabaseNameKey)).Find("DSN").value_or(""));
+  FillLists(ConnectionText(settings_.Get(setting::DatabaseName)).Find("DSN").value_or(""));
 }
 
 bool frmODBCLogon::Take() {
   // A connection that names no data source shows as none, and stays what it is until one is chosen.
-  const std::string stored = GetDefinition(programFolder_, DatabaseNameKey);
+  const std::string stored = settings_.Get(setting::DatabaseName);
   const bool keeps =
       cboDSNList->currentIndex() == 0 && !stored.empty() && !ConnectionText(stored).Find("DSN");
-  const auto taken = keeps ? KeepConnection(database_, programFolder_, stored)
-                           : TakeDataSource(database_, programFolder_, FromQt(cboDSNList->currentText()));
+  const auto taken = keeps ? KeepConnection(database_, settings_, stored)
+                           : TakeDataSource(database_, settings_, FromQt(cboDSNList->currentText()));
   if (!taken) return Tell(taken.error()), false;
   emit Chosen();
   return true;
@@ -56,7 +55,7 @@ bool frmODBCLogon::Take() {
 
 void frmODBCLogon::NewDatabaseFile() {
   const std::string title = "New Database File";
-  const auto chosen = dialogs_.ChooseFileToSave(title, JoinPath(programFolder_, "hyetex.sqlite"));
+  const auto chosen = dialogs_.ChooseFileToSave(title, JoinPath(settings_.Folder(), "hyetex.sqlite"));
   if (!chosen) return;
   const std::string path = WithDatabaseEnding(*chosen);
   const bool exists = FileExists(path);

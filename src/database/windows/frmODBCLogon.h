@@ -9,7 +9,7 @@ class frmODBCLogon : public LogonForm {
   Q_OBJECT
 
  public:
-  frmODBCLogon(Desk& desk, Dialogs& dialogs, const std::string& programFolder, HyetexPlotDB& database,
+  frmODBCLogon(Desk& desk, Dialogs& dialogs, Settings& settings, HyetexPlotDB& database,
                QWidget* parent = nullptr);
 
  private:

@@ -4,16 +4,15 @@
 #include <QFormLayout>
 #include <QLabel>
 
-#include "core/definitions.h"
 #include "platform/controls.h"
 #include "platform/odbc/connection_text.h"
 #include "platform/qt_text.h"
 
 namespace hyetex {
 
-frmODBCLogon1::frmODBCLogon1(Desk& desk, Dialogs& dialogs, const std::string& programFolder,
-                             HyetexPlotDB& database, QWidget* parent)
-    : LogonForm("frmODBCLogon1", WindowId::Logon, desk, dialogs, programFolder, database, parent),
+frmODBCLogon1::frmODBCLogon1(Desk& desk, Dialogs& dialogs, Settings& settings, HyetexPlotDB& database,
+                             QWidget* parent)
+    : LogonForm("frmODBCLogon1", WindowId::Logon, desk, dialogs, settings, database, parent),
       cmdOK(Named(new QPushButton(tr("&OK")), "cmdOK")),
       cmdCancel(Named(new QPushButton(tr("&Return to Main Menu")), "cmdCancel")) {
   setWindowTitle(tr("ODBC Logon"));
@@ -31,7 +30,7 @@ frmODBCLogon1::frmODBCLogon1(Desk& desk, Dialogs& dialogs, const std::string& pr
 
 // All but the password, which is not for the next to sit here.
 void frmODBCLogon1::ShowStored() {
-  const ConnectionText stored(GetDefinition(programFolder_, DatabaseNameKey));
+  const ConnectionText stored(settings_.Get(setting::DatabaseName));
   const auto value = [&](const char* key) { return stored.Find(key).value_or(""); };
   FillLists(value("DSN"));
   AddDrivers(InstalledDrivers());
@@ -44,7 +43,7 @@ void frmODBCLogon1::ShowStored() {
 
 void frmODBCLogon1::Ok() {
   QApplication::setOverrideCursor(Qt::BusyCursor);
-  const auto done = Logon(database_, programFolder_, Values());
+  const auto done = Logon(database_, settings_, Values());
   QApplication::restoreOverrideCursor();
   if (!done) return Tell(done.error());
   emit Chosen();

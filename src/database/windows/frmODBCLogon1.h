@@ -10,7 +10,7 @@ class frmODBCLogon1 : public LogonForm {
   Q_OBJECT
 
  public:
-  frmODBCLogon1(Desk& desk, Dialogs& dialogs, const std::string& programFolder, HyetexPlotDB& database,
+  frmODBCLogon1(Desk& desk, Dialogs& dialogs, Settings& settings, HyetexPlotDB& database,
                 QWidget* parent = nullptr);
 
  private:

@@ -20,10 +20,9 @@ constexpr std::size_t MostBytesShown = 16U << 20;
 
 }  // namespace
 
-frmPopulate::frmPopulate(Desk& desk, Dialogs& dialogs, const std::string& programFolder,
-                         HyetexPlotDB& database, const ReferenceLists& lists, ComputationVariables& variables,
-                         QWidget* parent)
-    : FormWindow("frmPopulate", WindowId::Populate, desk, programFolder, parent),
+frmPopulate::frmPopulate(Desk& desk, Dialogs& dialogs, Settings& settings, HyetexPlotDB& database,
+                         const ReferenceLists& lists, ComputationVariables& variables, QWidget* parent)
+    : FormWindow("frmPopulate", WindowId::Populate, desk, settings, parent),
       dialogs_(dialogs),
       database_(database),
       lists_(lists),
@@ -111,7 +110,7 @@ void frmPopulate::ViewSelected() {
   if (!active) return;
   const auto path =
       WriteStoredText(database_, instruments_[static_cast<std::size_t>(cboSelection->currentIndex())],
-                      charts_->Row(SourceRow(*active)).ChartDate, programFolder_);
+                      charts_->Row(SourceRow(*active)).ChartDate, settings_.Folder());
   if (path)
     ShowText(*path);
   else
@@ -129,7 +128,7 @@ void frmPopulate::WriteChartRecords() {
   const ConversionOptions options{.Variables = variables_,
                                   .Overwrite = chkOverwrite->isChecked(),
                                   .Log = chkDataLog->isChecked(),
-                                  .LogFolder = programFolder_};
+                                  .LogFolder = settings_.Folder()};
   ConversionResult result;
   {
     ShownProgress progress(*barProgress, *cmdCancel, [this](const std::string& what) {
@@ -159,7 +158,7 @@ void frmPopulate::TellOutcome(const ConversionResult& result) {
   const BoxAnswer answer =
       dialogs_.MessageBox(Title, ShownText(text), logged ? BoxButtons::YesNoCancel : BoxButtons::Ok, icon);
   if (logged && answer == BoxAnswer::Yes)
-    ShowText(JoinPath(programFolder_, DataLogName));  // it names the problems too
+    ShowText(JoinPath(settings_.Folder(), DataLogName));  // it names the problems too
   else if (!inMessage)
     desk_.OpenLargeView(Title, problems);
 }

@@ -23,7 +23,7 @@ class frmPopulate : public FormWindow {
 
  public:
   /// The variables go back to none when the window closes.
-  frmPopulate(Desk& desk, Dialogs& dialogs, const std::string& programFolder, HyetexPlotDB& database,
+  frmPopulate(Desk& desk, Dialogs& dialogs, Settings& settings, HyetexPlotDB& database,
               const ReferenceLists& lists, ComputationVariables& variables, QWidget* parent = nullptr);
 
   /// Shows the charts of the chosen instrument; nothing happens while none is chosen.

@@ -7,23 +7,15 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "core/definitions.h"
 #include "core/numbers.h"
 #include "database/conversion/populate_choice.h"
 #include "platform/controls.h"
 #include "platform/qt_text.h"
 
 namespace hyetex {
-namespace {
-
-constexpr const char* GmtKey = "frmPrePop-GMT";
-constexpr const char* AlphaKey = "frmPrePop-Alpha";
-
-}  // namespace
-
-frmPrePop::frmPrePop(Desk& desk, const std::string& programFolder, ComputationVariables& variables,
+frmPrePop::frmPrePop(Desk& desk, Settings& settings, ComputationVariables& variables,
                      std::function<void()> help, QWidget* parent)
-    : FormWindow("frmPrePop", WindowId::PrePop, desk, programFolder, parent),
+    : FormWindow("frmPrePop", WindowId::PrePop, desk, settings, parent),
       variables_(variables),
       help_(std::move(help)) {
   setWindowTitle(tr("Set Computation Variables"));
@@ -32,10 +24,9 @@ frmPrePop::frmPrePop(Desk& desk, const std::string& programFolder, ComputationVa
   connect(cmdExit, &QPushButton::clicked, this, &QWidget::close);
   connect(cmdHelp, &QPushButton::clicked, this, [this] { help_(); });
 
-  const std::string gmt = GetDefinition(programFolder_, GmtKey);
-  txtGMT->setText(gmt.empty() ? "2" : ToQt(gmt));
+  txtGMT->setText(ToQt(settings_.Get(setting::GmtHours)));
   txtLapse->setText("0");
-  chkAlpha->setChecked(LeadingNumber(GetDefinition(programFolder_, AlphaKey)) != 0);
+  chkAlpha->setChecked(settings_.Get(setting::UseAlpha));
   optDepth[0]->setChecked(true);
 }
 
@@ -104,8 +95,8 @@ void frmPrePop::Continue() {
 
 void frmPrePop::Closing() {
   // A choice that cannot be kept is not worth a message.
-  (void)SetDefinition(programFolder_, GmtKey, FromQt(txtGMT->text()));
-  (void)SetDefinition(programFolder_, AlphaKey, chkAlpha->isChecked() ? "1" : "0");
+  (void)settings_.Set(setting::GmtHours, FromQt(txtGMT->text()));
+  (void)settings_.Set(setting::UseAlpha, chkAlpha->isChecked());
 }
 
 }  // namespace hyetex

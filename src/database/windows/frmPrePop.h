@@ -17,8 +17,8 @@ class frmPrePop : public FormWindow {
 
  public:
   /// The variables are written when the operator goes on.
-  frmPrePop(Desk& desk, const std::string& programFolder, ComputationVariables& variables,
-            std::function<void()> help, QWidget* parent = nullptr);
+  frmPrePop(Desk& desk, Settings& settings, ComputationVariables& variables, std::function<void()> help,
+            QWidget* parent = nullptr);
 
  protected:
   void Closing() override;

@@ -10,9 +10,9 @@
 
 namespace hyetex {
 
-LogonForm::LogonForm(const char* name, WindowId id, Desk& desk, Dialogs& dialogs,
-                     const std::string& programFolder, HyetexPlotDB& database, QWidget* parent)
-    : FormWindow(name, id, desk, programFolder, parent),
+LogonForm::LogonForm(const char* name, WindowId id, Desk& desk, Dialogs& dialogs, Settings& settings,
+                     HyetexPlotDB& database, QWidget* parent)
+    : FormWindow(name, id, desk, settings, parent),
       dialogs_(dialogs),
       database_(database),
       cboDSNList(Named(new QComboBox, "cboDSNList")),

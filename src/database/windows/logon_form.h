@@ -23,7 +23,7 @@ class LogonForm : public FormWindow {
   void Chosen();
 
  protected:
-  LogonForm(const char* name, WindowId id, Desk& desk, Dialogs& dialogs, const std::string& programFolder,
+  LogonForm(const char* name, WindowId id, Desk& desk, Dialogs& dialogs, Settings& settings,
             HyetexPlotDB& database, QWidget* parent);
 
   /// Puts the controls to the left of the buttons; the first accepts, the second cancels. A null leaves room.

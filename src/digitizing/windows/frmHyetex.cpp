@@ -6,7 +6,6 @@
 #include <QTimer>
 #include <utility>
 
-#include "core/definitions.h"
 #include "core/numbers.h"
 #include "digitizing/drawing.h"
 #include "digitizing/windows/units.h"
@@ -16,15 +15,14 @@ namespace hyetex {
 namespace {
 
 constexpr std::string_view ProgramTitle = "HYETEX 88";
-constexpr std::string_view HeightKey = "frmHyetex-Height", BoardKey = "frmHyetex-ToolBox";
 constexpr double PartOfFrame = 0.85;  // of the shell's height, when no size is remembered
 const QColor ZoomColour(21, 101, 192), SelectionColour(198, 40, 40);
 
 }  // namespace
 
-frmHyetex::frmHyetex(Desk& desk, Shell& shell, Dialogs& dialogs, const std::string& programFolder,
-                     Session& session, int tablet, std::string device, QWidget* parent)
-    : FormWindow("frmHyetex", WindowId::Digitizing, desk, programFolder, parent),
+frmHyetex::frmHyetex(Desk& desk, Shell& shell, Dialogs& dialogs, Settings& settings, Session& session,
+                     int tablet, std::string device, QWidget* parent)
+    : FormWindow("frmHyetex", WindowId::Digitizing, desk, settings, parent),
       shell_(shell),
       dialogs_(dialogs),
       session_(session),
@@ -63,7 +61,7 @@ frmHyetex::frmHyetex(Desk& desk, Shell& shell, Dialogs& dialogs, const std::stri
 }
 
 QSize frmHyetex::sizeHint() const {
-  const double remembered = LeadingFloat(GetDefinition(programFolder_, HeightKey));
+  const double remembered = settings_.Get(setting::ViewHeight);
   return ViewSizeFor(remembered != 0 ? ToPixels(remembered) : qRound(PartOfFrame * shell_.ClientHeight()));
 }
 
@@ -82,7 +80,7 @@ void frmHyetex::StartSession() {
     CloseDesk();
     return;
   }
-  journal_.Start(programFolder_, tablet_, session_.Chart);
+  journal_.Start(settings_.Folder(), tablet_, session_.Chart);
   TellOfJournalTrouble();
   OpenPort();
   FocusChanged(true);
@@ -93,7 +91,7 @@ void frmHyetex::RestoreLayout() {
   const TabletExtents& tablet = session_.Line.Scales().Tablet;
   machine_.Layout = DefaultDeskLayout(tablet, sizeHint().height() * UnitsPerPixel);
   machine_.ViewResized(machine_.Layout.ScaleWidth, machine_.Layout.ScaleHeight);
-  const std::string place = GetDefinition(programFolder_, BoardKey);
+  const std::string place = settings_.Get(setting::BoardPlace);
   if (const double left = LeadingNumber(place); left != 0) {
     const std::size_t comma = place.find(',');
     machine_.Layout.Board.Left = left;
@@ -104,14 +102,13 @@ void frmHyetex::RestoreLayout() {
 void frmHyetex::StoreLayout() {
   const Rect& board = machine_.Layout.Board;
   // What cannot be kept is not worth a message.
-  (void)SetDefinition(programFolder_, HeightKey, ShortText(picGraph_->height() * UnitsPerPixel));
-  (void)SetDefinition(
-      programFolder_, BoardKey,
-      ShortText(static_cast<float>(board.Left)) + "," + ShortText(static_cast<float>(board.Top)));
+  (void)settings_.Set(setting::ViewHeight, static_cast<float>(picGraph_->height() * UnitsPerPixel));
+  (void)settings_.Set(setting::BoardPlace, ShortText(static_cast<float>(board.Left)) + "," +
+                                               ShortText(static_cast<float>(board.Top)));
 }
 
 bool frmHyetex::OfferUnfinishedChart() {
-  const auto unfinished = FindUnfinishedChart(programFolder_);
+  const auto unfinished = FindUnfinishedChart(settings_.Folder());
   if (!unfinished) return true;
   const ResumeOffer offer = MakeResumeOffer(*unfinished, session_.Chart, tablet_);
   const bool yes = Ask(ResumeTitle, offer.Text, BoxButtons::YesNo, BoxIcon::Question) == BoxAnswer::Yes;

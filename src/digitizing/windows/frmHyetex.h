@@ -29,8 +29,8 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
  public:
   /// `tablet` is an index of TabletTypes(), `device` its serial port by name or path; empty: no tablet. All
   /// references must outlive the window.
-  frmHyetex(Desk& desk, Shell& shell, Dialogs& dialogs, const std::string& programFolder, Session& session,
-            int tablet, std::string device, QWidget* parent = nullptr);
+  frmHyetex(Desk& desk, Shell& shell, Dialogs& dialogs, Settings& settings, Session& session, int tablet,
+            std::string device, QWidget* parent = nullptr);
 
   /// Begins the session, once the window is shown: takes its remembered size, offers an unfinished chart,
   /// opens the tablet's port. Where the operator would rather keep another chart's unfinished journal, the

@@ -5,7 +5,6 @@
 #include <numeric>
 #include <utility>
 
-#include "core/definitions.h"
 #include "core/numbers.h"
 #include "core/text.h"
 #include "staging/lists/list_recovery.h"
@@ -17,19 +16,19 @@ namespace {
 constexpr const char* Title = "Edit Lists";
 constexpr std::array<std::int16_t, 3> Levels{AdministratorLevel, DatabaseLevel, DigitizerLevel};
 /// Settings that hold the index of a chart type.
-constexpr std::array<std::string_view, 2> ChartTypeKeys{"CurrentChart", "Editor-Chart"};
+constexpr std::array ChartTypeKeys{setting::CurrentChart, setting::EditorChart};
 
 std::string CodeOrNone(const std::string& code) { return code.empty() ? "None" : code; }
 
 }  // namespace
 
-ListEditor::ListEditor(Dialogs& dialogs, std::string programFolder, ReferenceLists& lists,
-                       std::int16_t& currentUser, InstrumentRenames::Follower follow)
+ListEditor::ListEditor(Dialogs& dialogs, Settings& settings, ReferenceLists& lists, std::int16_t& currentUser,
+                       InstrumentRenames::Follower follow)
     : dialogs_(dialogs),
-      programFolder_(std::move(programFolder)),
+      settings_(settings),
       lists_(lists),
       currentUser_(currentUser),
-      renames_(programFolder_, std::move(follow)) {
+      renames_(settings_.Folder(), std::move(follow)) {
   TakeAsSaved();
 }
 
@@ -215,7 +214,8 @@ void ListEditor::SetLevel(int user, int levelIndex) {
 }
 
 bool ListEditor::Save() {
-  if (const auto saved = SaveLists(programFolder_, lists_); !saved) return Tell(Title, saved.error()), false;
+  if (const auto saved = SaveLists(settings_.Folder(), lists_); !saved)
+    return Tell(Title, saved.error()), false;
   CarryChartTypes();
   TakeAsSaved();
   return true;
@@ -223,16 +223,14 @@ bool ListEditor::Save() {
 
 // The default chart type stays the same one when its index changes.
 void ListEditor::CarryChartTypes() {
-  for (const std::string_view key : ChartTypeKeys) {
-    const std::string stored = GetDefinition(programFolder_, key);
-    if (stored.empty()) continue;
-    const int old = LeadingInt16(stored);
+  for (const Int16Key& key : ChartTypeKeys) {
+    if (!settings_.Has(key)) continue;
+    const int old = settings_.Get(key);
     const auto moved = std::find(savedTypes_.begin(), savedTypes_.end(), old);
     const auto now = moved == savedTypes_.end() ? std::min(old, LastIndex(lists_, ListKind::ChartType))
                                                 : static_cast<int>(moved - savedTypes_.begin());
     if (now == old) continue;
-    if (const auto kept = SetDefinition(programFolder_, key, ShortText(now)); !kept)
-      Tell(Title, kept.error());
+    if (const auto kept = settings_.Set(key, now); !kept) Tell(Title, kept.error());
   }
 }
 
@@ -249,7 +247,8 @@ void ListEditor::Discard() {
   if (const auto undone = renames_.Undo(); !undone) Tell(Title, undone.error());
   lists_ = saved_;
   currentUser_ = savedUser_;
-  if (const auto read = RereadLists(programFolder_, lists_, currentUser_); !read) Tell(Title, read.error());
+  if (const auto read = RereadLists(settings_.Folder(), lists_, currentUser_); !read)
+    Tell(Title, read.error());
   TakeAsSaved();
 }
 

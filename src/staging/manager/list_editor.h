@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/result.h"
+#include "core/settings.h"
 #include "platform/dialogs.h"
 #include "staging/lists/lists.h"
 #include "staging/manager/instrument_renames.h"
@@ -19,7 +20,7 @@ namespace hyetex {
 class ListEditor {
  public:
   /// Works on `lists`; `currentUser` follows the operator's own entry. Both references are kept.
-  ListEditor(Dialogs& dialogs, std::string programFolder, ReferenceLists& lists, std::int16_t& currentUser,
+  ListEditor(Dialogs& dialogs, Settings& settings, ReferenceLists& lists, std::int16_t& currentUser,
              InstrumentRenames::Follower follow = {});
   ~ListEditor();
   ListEditor(const ListEditor&) = delete;
@@ -62,7 +63,7 @@ class ListEditor {
   void CarryChartTypes();
 
   Dialogs& dialogs_;
-  const std::string programFolder_;
+  Settings& settings_;
   ReferenceLists& lists_;
   std::int16_t& currentUser_;
   InstrumentRenames renames_;

@@ -1,7 +1,6 @@
 #include "staging/tasks/activation.h"
 
 #include "core/comments.h"
-#include "core/definitions.h"
 #include "core/numbers.h"
 #include "digitizing/tablets.h"
 #include "staging/tasks/tasks.h"
@@ -19,25 +18,25 @@ Result<ActivatedChart> PrepareChart(const ReferenceLists& lists, ChartRecord tas
   return chart;
 }
 
-int StoredTabletType(const std::string& programFolder) {
-  const int tablet = LeadingInt16(GetDefinition(programFolder, "DigitizerType"));
+int StoredTabletType(const Settings& settings) {
+  const int tablet = settings.Get(setting::DigitizerType);
   return tablet >= 0 && tablet < TabletTypeCount ? tablet : 0;
 }
 
-Result<ActivatedChart> ActivateChart(const std::string& programFolder, const ReferenceLists& lists, int task,
+Result<ActivatedChart> ActivateChart(const Settings& settings, const ReferenceLists& lists, int task,
                                      std::optional<int> chartType) {
-  auto table = LoadTasks(programFolder, lists.Stations);
+  auto table = LoadTasks(settings.Folder(), lists.Stations);
   if (!table) return Failure(table.error());
   const int count = static_cast<int>(table->Tasks.size());
   if (task < 0 || task >= count)
     return Failure("There is no chart " + ShortText(task) + " in the staging area; it holds " +
                    ShortText(count));
 
-  const int type = chartType.value_or(LeadingInt16(GetDefinition(programFolder, "CurrentChart")));
+  const int type = chartType.value_or(settings.Get(setting::CurrentChart));
   auto chart = PrepareChart(lists, std::move(table->Tasks[static_cast<std::size_t>(task)]), type);
   if (!chart) return chart;
   chart->Notes = std::move(table->Notes);
-  chart->Tablet = StoredTabletType(programFolder);
+  chart->Tablet = StoredTabletType(settings);
   return chart;
 }
 

@@ -7,6 +7,7 @@
 
 #include "core/records.h"
 #include "core/result.h"
+#include "core/settings.h"
 #include "staging/lists/lists.h"
 
 namespace hyetex {
@@ -23,11 +24,11 @@ Result<ActivatedChart> PrepareChart(const ReferenceLists& lists, ChartRecord tas
 
 /// The chart that stands at index `task` in the staging area, on `chartType` or else the current one of the
 /// settings. Fails, with one line, where there is no such chart or type.
-Result<ActivatedChart> ActivateChart(const std::string& programFolder, const ReferenceLists& lists, int task,
+Result<ActivatedChart> ActivateChart(const Settings& settings, const ReferenceLists& lists, int task,
                                      std::optional<int> chartType = {});
 
 /// The tablet type of the settings, an index of TabletTypes(); 0 where they have none.
-int StoredTabletType(const std::string& programFolder);
+int StoredTabletType(const Settings& settings);
 
 /// Why a staged chart is not traced: it is marked as too defective. Nothing if it is.
 std::optional<std::string> CheckTraceable(const ChartRecord& task);

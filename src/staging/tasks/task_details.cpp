@@ -5,7 +5,6 @@
 
 #include "core/comments.h"
 #include "core/dates.h"
-#include "core/definitions.h"
 #include "core/numbers.h"
 #include "core/text.h"
 #include "staging/tasks/tasks.h"
@@ -13,17 +12,10 @@
 namespace hyetex {
 namespace {
 
-constexpr std::string_view BeginKey = "frmTaskDef-BeginDate", EndKey = "frmTaskDef-EndDate",
-                           ReliabilityKey = "frmTaskDef-Reliability";
 constexpr Date EightOClock = 1.0 / 3;
 constexpr long long SecondsPerDay = 86400, LongestSeconds = 10 * SecondsPerDay;
 
 Date Joined(Date date, Date time) { return std::floor(date) + (time - std::floor(time)); }
-
-Date RememberedDate(const std::string& programFolder, std::string_view key, Date otherwise) {
-  const auto parsed = ParseDateText(GetDefinition(programFolder, key));
-  return parsed ? std::floor(parsed->Value) : otherwise;
-}
 
 std::string DepthText(float depth) { return depth == NoDepth ? std::string() : ShortText(depth); }
 
@@ -40,12 +32,12 @@ bool IsDefectiveByEntry(std::string_view comments) {
 
 }  // namespace
 
-TaskDetails NewTaskDetails(const std::string& programFolder, Date now) {
+TaskDetails NewTaskDetails(const Settings& settings, Date now) {
   const Date today = std::floor(now);
-  const int reliability = LeadingInt16(GetDefinition(programFolder, ReliabilityKey));
-  return {.BeginDate = RememberedDate(programFolder, BeginKey, today),
+  const int reliability = settings.Get(setting::TaskReliability);
+  return {.BeginDate = settings.Get(setting::TaskBegin).value_or(today),
           .BeginTime = EightOClock,
-          .EndDate = RememberedDate(programFolder, EndKey, today),
+          .EndDate = settings.Get(setting::TaskEnd).value_or(today),
           .EndTime = EightOClock,
           .EyedDepth = {},
           .ManualDepth = {},
@@ -64,11 +56,11 @@ TaskDetails DetailsOfTask(const ChartRecord& task) {
           .Comments = task.GeneralComment};
 }
 
-void RememberTaskDetails(const std::string& programFolder, const TaskDetails& details) {
+void RememberTaskDetails(Settings& settings, const TaskDetails& details) {
   // What cannot be kept is not worth a message.
-  (void)SetDefinition(programFolder, BeginKey, GeneralDateText(std::floor(details.BeginDate)));
-  (void)SetDefinition(programFolder, EndKey, GeneralDateText(std::floor(details.EndDate)));
-  (void)SetDefinition(programFolder, ReliabilityKey, ShortText(details.Reliability));
+  (void)settings.Set(setting::TaskBegin, details.BeginDate);
+  (void)settings.Set(setting::TaskEnd, details.EndDate);
+  (void)settings.Set(setting::TaskReliability, details.Reliability);
 }
 
 tl::expected<CheckedTask, TaskFault> CheckTaskDetails(const TaskDetails& details, ChartRecord task) {

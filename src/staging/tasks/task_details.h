@@ -8,6 +8,7 @@
 #include <tl/expected.hpp>
 
 #include "core/records.h"
+#include "core/settings.h"
 
 namespace hyetex {
 
@@ -23,10 +24,10 @@ struct TaskDetails {
 };
 
 /// What a new chart begins with: the dates and the reliability used last, else today; from 8 to 8 o'clock.
-TaskDetails NewTaskDetails(const std::string& programFolder, Date now);
+TaskDetails NewTaskDetails(const Settings& settings, Date now);
 TaskDetails DetailsOfTask(const ChartRecord& task);
 /// Keeps dates and reliability for the next new chart.
-void RememberTaskDetails(const std::string& programFolder, const TaskDetails& details);
+void RememberTaskDetails(Settings& settings, const TaskDetails& details);
 
 enum class TaskField { Begin, EyedDepth, ManualDepth };
 struct TaskFault {

@@ -13,8 +13,6 @@
 namespace hyetex {
 namespace {
 
-constexpr std::string_view ConnectionKey = "DataBaseName";
-
 QVBoxLayout* AddGroup(QGridLayout& grid, int row, int column, const char* title, const char* name = "") {
   auto* group = new QGroupBox(QObject::tr(title));
   group->setObjectName(name);
@@ -24,9 +22,9 @@ QVBoxLayout* AddGroup(QGridLayout& grid, int row, int column, const char* title,
 
 }  // namespace
 
-frmInit::frmInit(Desk& desk, Dialogs& dialogs, const std::string& programFolder, std::string& connectionText,
+frmInit::frmInit(Desk& desk, Dialogs& dialogs, Settings& settings, std::string& connectionText,
                  MainMenuServices services, QWidget* parent)
-    : FormWindow("frmInit", WindowId::MainMenu, desk, programFolder, parent),
+    : FormWindow("frmInit", WindowId::MainMenu, desk, settings, parent),
       dialogs_(dialogs),
       connectionText_(connectionText),
       services_(std::move(services)),
@@ -54,13 +52,13 @@ frmInit::frmInit(Desk& desk, Dialogs& dialogs, const std::string& programFolder,
   }
 
   connect(cmdViewSettings, &QPushButton::clicked, this, [this] {
-    const auto opened = OpenTextFile(JoinPath(programFolder_, DefinitionsFileName));
+    const auto opened = OpenTextFile(JoinPath(settings_.Folder(), DefinitionsFileName));
     if (!opened) dialogs_.MessageBox("Main Menu", opened.error(), BoxButtons::Ok, BoxIcon::Warning);
   });
   connect(cmdHelp, &QPushButton::clicked, this, [this] { services_.Help(); });
   connect(cmdExit, &QPushButton::clicked, this, [this] { desk_.EndProgram(); });
 
-  connectionText_ = GetDefinition(programFolder_, ConnectionKey);
+  connectionText_ = settings_.Get(setting::DatabaseName);
   ShowConnection();
 }
 

@@ -26,7 +26,7 @@ class frmInit : public FormWindow {
 
  public:
   /// Takes the stored database source into `connectionText`.
-  frmInit(Desk& desk, Dialogs& dialogs, const std::string& programFolder, std::string& connectionText,
+  frmInit(Desk& desk, Dialogs& dialogs, Settings& settings, std::string& connectionText,
           MainMenuServices services, QWidget* parent = nullptr);
 
   /// Writes the database source into its label, without its password, with `before` in front.

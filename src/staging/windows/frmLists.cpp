@@ -33,14 +33,14 @@ QStringList TextsOfAll(const Records& records, TextOf textOf) {
 
 }  // namespace
 
-frmLists::frmLists(Desk& desk, Dialogs& dialogs, const std::string& programFolder, ReferenceLists& lists,
+frmLists::frmLists(Desk& desk, Dialogs& dialogs, Settings& settings, ReferenceLists& lists,
                    std::int16_t& currentUser, ListsServices services, QWidget* parent)
-    : FormWindow("frmLists", WindowId::Lists, desk, programFolder, parent),
+    : FormWindow("frmLists", WindowId::Lists, desk, settings, parent),
       dialogs_(dialogs),
       lists_(lists),
       currentUser_(currentUser),
       services_(std::move(services)),
-      editor_(dialogs, programFolder, lists, currentUser) {
+      editor_(dialogs, settings, lists, currentUser) {
   setWindowTitle(Title);
   MakeLayout();
 

@@ -32,8 +32,8 @@ class frmLists : public FormWindow, public FocusListener {
 
  public:
   /// Works on `lists`; `currentUser` follows the operator's own entry. All references are kept.
-  frmLists(Desk& desk, Dialogs& dialogs, const std::string& programFolder, ReferenceLists& lists,
-           std::int16_t& currentUser, ListsServices services, QWidget* parent = nullptr);
+  frmLists(Desk& desk, Dialogs& dialogs, Settings& settings, ReferenceLists& lists, std::int16_t& currentUser,
+           ListsServices services, QWidget* parent = nullptr);
 
   /// Shows the lists anew, as they are now.
   void UpdateLists();

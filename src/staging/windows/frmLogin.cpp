@@ -6,7 +6,6 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 
-#include "core/definitions.h"
 #include "platform/qt_text.h"
 #include "staging/lists/list_recovery.h"
 #include "staging/lists/login.h"
@@ -15,16 +14,15 @@ namespace hyetex {
 namespace {
 
 constexpr const char* Title = "User Login";
-constexpr std::string_view NameKey = "frmLogin-UserName";
 
 }  // namespace
 
-frmLogin::frmLogin(Desk& desk, Dialogs& dialogs, std::string programFolder, ReferenceLists& lists,
+frmLogin::frmLogin(Desk& desk, Dialogs& dialogs, Settings& settings, ReferenceLists& lists,
                    std::int16_t& currentUser, QWidget* parent)
     : QWidget(parent),
       desk_(desk),
       dialogs_(dialogs),
-      programFolder_(std::move(programFolder)),
+      settings_(settings),
       lists_(lists),
       currentUser_(currentUser),
       txtUserName(new QComboBox),
@@ -56,7 +54,7 @@ frmLogin::frmLogin(Desk& desk, Dialogs& dialogs, std::string programFolder, Refe
 
   ReadUsers();
   txtUserName->setCurrentIndex(-1);
-  txtUserName->setEditText(ToQt(GetDefinition(programFolder_, NameKey)));
+  txtUserName->setEditText(ToQt(settings_.Get(setting::UserName)));
   if (!txtUserName->currentText().isEmpty()) txtPassword->setFocus();
 }
 
@@ -91,7 +89,7 @@ void frmLogin::MakeLayout() {
 }
 
 bool frmLogin::ReadUsers() {
-  auto read = RecoverLists(programFolder_);
+  auto read = RecoverLists(settings_.Folder());
   trouble_ = read ? read->Notice : read.error();
   nobodyIsKnown_ = read && read->NobodyIsKnown;
   labNotice->setText(ToQt(trouble_));
@@ -130,7 +128,7 @@ void frmLogin::Ok() {
 }
 
 void frmLogin::closeEvent(QCloseEvent* event) {
-  if (const auto kept = SetDefinition(programFolder_, NameKey, FromQt(txtUserName->currentText())); !kept)
+  if (const auto kept = settings_.Set(setting::UserName, FromQt(txtUserName->currentText())); !kept)
     dialogs_.MessageBox(Title, kept.error(), BoxButtons::Ok, BoxIcon::Warning);
   event->accept();
   if (!loggedIn_) desk_.EndProgram();

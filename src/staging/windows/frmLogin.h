@@ -10,6 +10,7 @@
 #include <string>
 
 #include "core/desk.h"
+#include "core/settings.h"
 #include "platform/dialogs.h"
 #include "staging/lists/lists.h"
 
@@ -20,8 +21,8 @@ class frmLogin : public QWidget {
 
  public:
   /// Reads the lists into `lists`; a login sets `currentUser` and tells the desk. All references are kept.
-  frmLogin(Desk& desk, Dialogs& dialogs, std::string programFolder, ReferenceLists& lists,
-           std::int16_t& currentUser, QWidget* parent = nullptr);
+  frmLogin(Desk& desk, Dialogs& dialogs, Settings& settings, ReferenceLists& lists, std::int16_t& currentUser,
+           QWidget* parent = nullptr);
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -36,7 +37,7 @@ class frmLogin : public QWidget {
 
   Desk& desk_;
   Dialogs& dialogs_;
-  const std::string programFolder_;
+  Settings& settings_;
   ReferenceLists& lists_;
   std::int16_t& currentUser_;
   std::string trouble_;  // why the lists cannot be read, or not all of them

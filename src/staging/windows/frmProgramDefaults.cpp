@@ -4,7 +4,6 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
-#include "core/definitions.h"
 #include "core/numbers.h"
 #include "platform/controls.h"
 #include "platform/qt_text.h"
@@ -12,10 +11,10 @@
 
 namespace hyetex {
 
-frmProgramDefaults::frmProgramDefaults(Desk& desk, Dialogs& dialogs, const std::string& programFolder,
+frmProgramDefaults::frmProgramDefaults(Desk& desk, Dialogs& dialogs, Settings& settings,
                                        const ReferenceLists& lists, std::int16_t& currentChart,
                                        std::function<void()> chosen, QWidget* parent)
-    : FormWindow("frmProgramDefaults", WindowId::ProgramDefaults, desk, programFolder, parent),
+    : FormWindow("frmProgramDefaults", WindowId::ProgramDefaults, desk, settings, parent),
       dialogs_(dialogs),
       lists_(lists),
       currentChart_(currentChart),
@@ -65,8 +64,8 @@ void frmProgramDefaults::Done() {
   const int index = comChartType->currentIndex();
   if (index < 0 || index >= static_cast<int>(lists_.ChartTypes.size())) return;
   currentChart_ = static_cast<std::int16_t>(index);
-  for (const char* key : {"frmDefinition", "CurrentChart"})
-    if (const auto kept = SetDefinition(programFolder_, key, ShortText(index)); !kept)
+  for (const Int16Key& key : {setting::DefaultsChart, setting::CurrentChart})
+    if (const auto kept = settings_.Set(key, index); !kept)
       return static_cast<void>(
           dialogs_.MessageBox(FromQt(windowTitle()), kept.error(), BoxButtons::Ok, BoxIcon::Warning));
   if (chosen_) chosen_();

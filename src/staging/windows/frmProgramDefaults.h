@@ -18,9 +18,9 @@ class frmProgramDefaults : public FormWindow {
 
  public:
   /// `currentChart` is the index of the default chart type; `chosen` hears of a new one.
-  frmProgramDefaults(Desk& desk, Dialogs& dialogs, const std::string& programFolder,
-                     const ReferenceLists& lists, std::int16_t& currentChart,
-                     std::function<void()> chosen = {}, QWidget* parent = nullptr);
+  frmProgramDefaults(Desk& desk, Dialogs& dialogs, Settings& settings, const ReferenceLists& lists,
+                     std::int16_t& currentChart, std::function<void()> chosen = {},
+                     QWidget* parent = nullptr);
 
  private:
   void ShowChartType(int index);

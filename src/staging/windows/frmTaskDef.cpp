@@ -12,16 +12,15 @@
 
 namespace hyetex {
 
-frmTaskDef::frmTaskDef(Desk& desk, Dialogs& dialogs, const std::string& programFolder, TaskJob job,
+frmTaskDef::frmTaskDef(Desk& desk, Dialogs& dialogs, Settings& settings, TaskJob job,
                        std::function<void()> openComment, QWidget* parent)
-    : FormWindow("frmTaskDef", WindowId::TaskDef, desk, programFolder, parent),
+    : FormWindow("frmTaskDef", WindowId::TaskDef, desk, settings, parent),
       dialogs_(dialogs),
       job_(std::move(job)),
       openComment_(std::move(openComment)) {
   setWindowTitle("Chart Details");
   MakeLayout();
-  ShowDetails(job_.What == TaskJob::Mode::Add ? NewTaskDetails(programFolder, Now())
-                                              : DetailsOfTask(job_.Task));
+  ShowDetails(job_.What == TaskJob::Mode::Add ? NewTaskDetails(settings, Now()) : DetailsOfTask(job_.Task));
   // Only from now on: the details above keep the end that they have.
   connect(dtpBeginDate, &QDateEdit::dateChanged, this,
           [this](QDate begin) { dtpEndDate->setDate(begin.addDays(1)); });
@@ -151,7 +150,7 @@ void frmTaskDef::closeEvent(QCloseEvent* event) {
 }
 
 void frmTaskDef::Closing() {
-  RememberTaskDetails(programFolder_, ShownDetails());
+  RememberTaskDetails(settings_, ShownDetails());
   if (job_.Closed) job_.Closed();
 }
 

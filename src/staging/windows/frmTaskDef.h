@@ -37,8 +37,8 @@ class frmTaskDef : public FormWindow {
 
  public:
   /// `openComment` opens the comment window on AddComment and EnableDetails.
-  frmTaskDef(Desk& desk, Dialogs& dialogs, const std::string& programFolder, TaskJob job,
-             std::function<void()> openComment, QWidget* parent = nullptr);
+  frmTaskDef(Desk& desk, Dialogs& dialogs, Settings& settings, TaskJob job, std::function<void()> openComment,
+             QWidget* parent = nullptr);
 
   /// What the comment window adds. Says why it cannot be taken.
   std::optional<std::string> AddComment(std::string_view code, std::string_view text);

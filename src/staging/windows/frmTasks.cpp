@@ -4,7 +4,6 @@
 #include <QCloseEvent>
 #include <utility>
 
-#include "core/definitions.h"
 #include "core/files.h"
 #include "core/numbers.h"
 #include "core/text.h"
@@ -13,10 +12,6 @@
 
 namespace hyetex {
 namespace {
-
-constexpr std::string_view RowKey = "frmTasks-Row", StationKey = "frmTasks-Station",
-                           TabletKey = "DigitizerType", PortKey = "COMport", ChartKey = "CurrentChart",
-                           TargetKey = "TargetFolder";
 
 QString Joined(const std::vector<std::string>& lines) {
   QStringList shown;
@@ -29,25 +24,25 @@ QString AsTitle(const std::string& text) { return ToQt(text).replace("&", "&&");
 
 }  // namespace
 
-frmTasks::frmTasks(Desk& desk, Dialogs& dialogs, const std::string& programFolder,
-                   const ReferenceLists& lists, StagingArea& staging, std::int16_t& currentChart,
-                   PopupMenu& popup, TaskServices services, std::optional<int> tablet, QWidget* parent)
-    : FormWindow("frmTasks", WindowId::Tasks, desk, programFolder, parent),
+frmTasks::frmTasks(Desk& desk, Dialogs& dialogs, Settings& settings, const ReferenceLists& lists,
+                   StagingArea& staging, std::int16_t& currentChart, PopupMenu& popup, TaskServices services,
+                   std::optional<int> tablet, QWidget* parent)
+    : FormWindow("frmTasks", WindowId::Tasks, desk, settings, parent),
       dialogs_(dialogs),
       lists_(lists),
       staging_(staging),
       currentChart_(currentChart),
       popup_(popup),
       services_(std::move(services)),
-      finder_(tablet.value_or(StoredTabletType(programFolder)), services_.Device, this),
-      targetFolder_(CheckTargetFolder(GetDefinition(programFolder, TargetKey), programFolder)) {
+      finder_(tablet.value_or(StoredTabletType(settings)), services_.Device, this),
+      targetFolder_(TargetFolder(settings)) {
   setWindowTitle("Prepare Charts and Digitizer ");
   MakeLayout();
   tvwStations->Show(lists_);
   tvwStations->expandAll();
   LoadTasks();
   RestoreSelection();
-  currentChart_ = LeadingInt16(GetDefinition(programFolder, ChartKey));
+  currentChart_ = settings.Get(setting::CurrentChart);
   FillChartTypes();
 
   connect(tvwStations, &QTreeWidget::currentItemChanged, this, [this] {
@@ -83,15 +78,15 @@ void frmTasks::FillChartTypes() {
 
 void frmTasks::RestoreSelection() {
   const std::vector<TreeNode> tree = StationTree(lists_);
-  const int node = FindStationSetting(tree, GetDefinition(programFolder_, StationKey));
+  const int node = FindStationSetting(tree, settings_.Get(setting::TaskStation));
   if (const TreeNode* found = GetObjectFromIndex(tree, node))
     tvwStations->Select({found->Kind, found->Index});
   UpdateList();
-  SelectRow(LeadingInt16(GetDefinition(programFolder_, RowKey)) - 1);
+  SelectRow(settings_.Get(setting::TaskRow) - 1);
 }
 
 void frmTasks::LoadTasks() {
-  const std::vector<std::string> notes = staging_.Load(programFolder_, lists_.Stations);
+  const std::vector<std::string> notes = staging_.Load(settings_.Folder(), lists_.Stations);
   if (notes.empty()) return;
   Tell("The list of staged charts is not in order:\n\n" + FromQt(Joined(notes)) +
        "\n\nBefore it is written anew, a copy of " + std::string(TasksFileName) +
@@ -200,17 +195,16 @@ bool frmTasks::MayClose() {
 
 void frmTasks::Closing() {
   finder_.Stop();
-  const auto keep = [this](std::string_view key, const std::string& value) {
-    (void)SetDefinition(programFolder_, key, value);  // what cannot be kept is not worth a message
-  };
-  keep(TabletKey, ShortText(finder_.Type()));
-  keep(PortKey, ShortText(finder_.DetectedPort()));
+  // What cannot be kept is not worth a message.
+  const auto keep = [this](const auto& key, const auto& value) { (void)settings_.Set(key, value); };
+  keep(setting::DigitizerType, finder_.Type());
+  keep(setting::ComPort, finder_.DetectedPort());
   // A folder that is only away for now is not forgotten.
-  const std::string stored = GetDefinition(programFolder_, TargetKey);
-  if (targetChosen_ || stored.empty() || FolderExists(stored)) keep(TargetKey, targetFolder_);
-  keep(RowKey, ShortText(SelectedRow() + 1));
-  keep(ChartKey, ShortText(static_cast<int>(currentChart_)));
-  if (const TreeNode* station = SelectedStation()) keep(StationKey, StationSetting(station->Text));
+  const std::string stored = settings_.Get(setting::TargetFolder);
+  if (targetChosen_ || stored.empty() || FolderExists(stored)) keep(setting::TargetFolder, targetFolder_);
+  keep(setting::TaskRow, SelectedRow() + 1);
+  keep(setting::CurrentChart, currentChart_);
+  if (const TreeNode* station = SelectedStation()) keep(setting::TaskStation, StationSetting(station->Text));
 }
 
 }  // namespace hyetex

@@ -50,7 +50,7 @@ class frmTasks : public FormWindow {
  public:
   /// `currentChart` is the default chart type, `tablet` stands instead of the settings' tablet type. All
   /// references must outlive the window.
-  frmTasks(Desk& desk, Dialogs& dialogs, const std::string& programFolder, const ReferenceLists& lists,
+  frmTasks(Desk& desk, Dialogs& dialogs, Settings& settings, const ReferenceLists& lists,
            StagingArea& staging, std::int16_t& currentChart, PopupMenu& popup, TaskServices services,
            std::optional<int> tablet = {}, QWidget* parent = nullptr);
 

@@ -65,7 +65,7 @@ void frmTasks::ShowPopup(const QPoint& at) {
 void frmTasks::BrowseTarget() {
   const auto chosen = dialogs_.ChooseFolder("Target Folder For Ascii Files:", targetFolder_);
   if (!chosen) return;
-  targetFolder_ = CheckTargetFolder(*chosen, programFolder_);
+  targetFolder_ = CheckTargetFolder(*chosen, settings_.Folder());
   targetChosen_ = true;
   dirTarget->setText(ToQt(targetFolder_));
 }

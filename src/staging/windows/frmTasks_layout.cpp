@@ -128,8 +128,8 @@ QWidget* frmTasks::MakeTablet() {
   layout->setRowStretch(TabletTypeCount + 1, 1);
   auto* group = Group("Digitizer", layout);
   group->setToolTip(
-      tr("The digitizer is looked for on COM1 and COM2 in turn. The settings SerialPort1 and "
-         "SerialPort2 name their devices."));
+      tr("The digitizer is looked for on COM1 and COM2 in turn. The settings %1 and %2 name their devices.")
+          .arg(ToQt(SettingName(setting::SerialPort, "1")), ToQt(SettingName(setting::SerialPort, "2"))));
   return group;
 }
 

@@ -3,7 +3,6 @@
 
 #include <gmock/gmock.h>
 
-#include "core/definitions.h"
 #include "own_data_sources.h"
 #include "platform/odbc/connection_text.h"
 #include "scripted_dialogs.h"
@@ -63,31 +62,33 @@ TEST(DataSources, AreListedBehindNoneAndTheirDriversOnce) {
 
 class Choice : public testing::Test {
  protected:
-  std::string Kept() { return GetDefinition(folder_.Path(), DatabaseNameKey); }
+  std::string Kept() { return settings_.Get(setting::DatabaseName); }
 
   OwnDataSources own_;
   TempFolder folder_;
+  Settings settings_{folder_.Path()};
   ScriptedDialogs dialogs_;
-  HyetexPlotDB database_{folder_.Path(), dialogs_};
+  HyetexPlotDB database_{settings_, dialogs_};
 };
 
 TEST_F(Choice, KeepsTheDataSourceForThisSessionAndTheNext) {
-  ASSERT_TRUE(TakeDataSource(database_, folder_.Path(), "rain"));
+  ASSERT_TRUE(TakeDataSource(database_, settings_, "rain"));
   EXPECT_EQ(database_.ConnectionText, "DSN=rain");
   EXPECT_EQ(Kept(), "DSN=rain");
 
   std::filesystem::create_directory(folder_ / "no");
-  HyetexPlotDB other(folder_ / "no", dialogs_);
+  Settings none(folder_ / "no");
+  HyetexPlotDB other(none, dialogs_);
   std::filesystem::create_directory(folder_ / "no/Definitions.dat");  // cannot be written
   other.ConnectionText = "DSN=old";
-  EXPECT_FALSE(TakeDataSource(other, folder_ / "no", "rain"));
+  EXPECT_FALSE(TakeDataSource(other, none, "rain"));
   EXPECT_EQ(other.ConnectionText, "DSN=old");
 }
 
 // The flag tells the caller; the operator is told by whoever wanted the database.
 TEST_F(Choice, NoneAndAVanishedSourceAndNoChoiceFailWithTheFlagDown) {
   for (const char* text : {"", "DSN=(None)", "DSN=vanished"}) {
-    ASSERT_TRUE(SetDefinition(folder_.Path(), DatabaseNameKey, text));
+    ASSERT_TRUE(settings_.Set(setting::DatabaseName, text));
     database_.ConnectionText.clear();
     EXPECT_FALSE(database_.OpenDatabase()) << text;
     EXPECT_FALSE(database_.Reachable) << text;
@@ -98,7 +99,7 @@ TEST_F(Choice, NoneAndAVanishedSourceAndNoChoiceFailWithTheFlagDown) {
 }
 
 TEST_F(Choice, LogonThatFailsSaysWhyAndKeepsNothing) {
-  const auto done = Logon(database_, folder_.Path(), {.DataSource = "vanished", .Password = "secret"});
+  const auto done = Logon(database_, settings_, {.DataSource = "vanished", .Password = "secret"});
   ASSERT_FALSE(done);
   EXPECT_THAT(done.error(), AllOf(testing::HasSubstr("ata source"), Not(testing::HasSubstr("secret"))));
   EXPECT_EQ(Kept(), "");

@@ -84,7 +84,8 @@ class PopulationFixture : public EngineTest {
 
   Connection Db;  ///< beside the conversion's own
   ScriptedDialogs Boxes;
-  HyetexPlotDB Database{Folder.Path(), Boxes};
+  hyetex::Settings Settings{Folder.Path()};
+  HyetexPlotDB Database{Settings, Boxes};
   ReferenceLists Lists;
   bool Manual = false;
   ConversionOptions Options{.Variables = {.GmtShift = 2.0F / 24}, .LogFolder = Folder.Path()};

@@ -106,7 +106,8 @@ class LoadTest : public EngineTest {
   }
 
   ScriptedDialogs dialogs_;
-  HyetexPlotDB database_{Folder.Path(), dialogs_};
+  Settings settings_{Folder.Path()};
+  HyetexPlotDB database_{settings_, dialogs_};
   ReferenceLists lists_;
   UnwatchedProgress unwatched_;
 };

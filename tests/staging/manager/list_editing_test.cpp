@@ -6,7 +6,6 @@
 #include <map>
 #include <random>
 
-#include "core/definitions.h"
 #include "scripted_dialogs.h"
 #include "staging/manager/chart_type_editing.h"
 #include "staging/manager/list_editor.h"
@@ -104,7 +103,8 @@ TEST(ListEditing, KeepsEveryStationUnderItsAgencyAndCoreThroughRandomWork) {
     Anything operators;
     ReferenceLists lists = TwoCores();
     std::int16_t user = 1;
-    ListEditor editor(operators, folder.Path(), lists, user);
+    Settings settings(folder.Path());
+    ListEditor editor(operators, settings, lists, user);
     for (int round = 0; round < 3000; ++round) {
       const ListKind kind = kinds[operators.Random() % kinds.size()];
       const auto last = static_cast<unsigned>(LastIndex(lists, kind));
@@ -144,10 +144,11 @@ class Editing : public ::testing::Test {
   std::string Staged() { return ReadFile(folder_ / "Tasks.lst"); }
 
   TempFolder folder_;
+  Settings settings_{folder_.Path()};
   ScriptedDialogs dialogs_;
   ReferenceLists lists_ = TwoCores();
   std::int16_t user_ = 1;
-  ListEditor editor_{dialogs_, folder_.Path(), lists_, user_};
+  ListEditor editor_{dialogs_, settings_, lists_, user_};
 };
 
 TEST_F(Editing, AddsACoreWithAnAgencyAndAStationBehindTheCurrentOne) {
@@ -286,7 +287,7 @@ TEST_F(Editing, KeepsTheBytesOfATextThatIsShownInAnotherForm) {
 
 TEST_F(Editing, FollowsTheOperatorAndTheDefaultChartTypeWhenTheyMove) {
   ASSERT_TRUE(SaveLists(folder_.Path(), lists_));
-  ASSERT_TRUE(SetDefinition(folder_.Path(), "CurrentChart", "1"));
+  ASSERT_TRUE(settings_.Set(setting::CurrentChart, 1));
   Type({"Zoe", "z", "Arc"});
   At(ListKind::User, 0);
   editor_.Add();
@@ -298,12 +299,12 @@ TEST_F(Editing, FollowsTheOperatorAndTheDefaultChartTypeWhenTheyMove) {
 
   editor_.Discard();
   EXPECT_EQ(user_, 1);
-  EXPECT_EQ(GetDefinition(folder_.Path(), "CurrentChart"), "1");
+  EXPECT_EQ(settings_.Get(setting::CurrentChart), 1);
   Type({"Arc"});
   At(ListKind::ChartType, 0);
   editor_.Add();
   ASSERT_TRUE(editor_.Save());
-  EXPECT_EQ(GetDefinition(folder_.Path(), "CurrentChart"), "2");
+  EXPECT_EQ(settings_.Get(setting::CurrentChart), 2);
 }
 
 TEST_F(Editing, ChangesCommentsByCodeAndDescription) {

@@ -100,14 +100,15 @@ TEST(TaskDetails, RefuseWhatTheTaskListCannotHold) {
 
 TEST(TaskDetails, OfANewChartAreTheLastOnesElseToday) {
   TempFolder folder;
+  Settings settings(folder.Path());
   const Date now = MakeDate(2024, 2, 29, 17, 30);
   const auto begins = [&] {
-    const TaskDetails details = NewTaskDetails(folder.Path(), now);
+    const TaskDetails details = NewTaskDetails(settings, now);
     return GeneralDateText(details.BeginDate + details.BeginTime) + " - " +
            GeneralDateText(details.EndDate + details.EndTime) + " " + std::to_string(details.Reliability);
   };
   EXPECT_EQ(begins(), "29/02/2024 08:00:00 - 29/02/2024 08:00:00 0");
-  RememberTaskDetails(folder.Path(), Details("1", ""));
+  RememberTaskDetails(settings, Details("1", ""));
   EXPECT_EQ(GetDefinition(folder.Path(), "frmTaskDef-BeginDate"), "05/03/1998");
   EXPECT_EQ(begins(), "05/03/1998 08:00:00 - 06/03/1998 08:00:00 2");
   ASSERT_TRUE(SetDefinition(folder.Path(), "frmTaskDef-BeginDate", "99/99/1998"));
