@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cmath>
-#include <cstdint>
 #include <cstdio>
 #include <ctime>
 
@@ -12,25 +12,22 @@
 namespace hyetex {
 namespace {
 
-constexpr std::int64_t SecondsPerDay = 86400;
+using namespace std::chrono;
 
-// Days since 01/01/1970 of a date in the Gregorian calendar, and back (eras of 400 years from 1 March).
-constexpr std::int64_t DaysFromCivil(std::int64_t year, int month, int day) {
-  year -= month <= 2;
-  const std::int64_t era = (year >= 0 ? year : year - 399) / 400;
-  const std::int64_t yearOfEra = year - era * 400;
-  const std::int64_t dayOfYear = (153 * (month > 2 ? month - 3 : month + 9) + 2) / 5 + day - 1;
-  const std::int64_t dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
-  return era * 146097 + dayOfEra - 719468;
+constexpr auto SecondsPerDay = seconds(days(1)).count();
+
+// A month or a day past the end runs on into the next year or month.
+constexpr sys_days DayOf(int y, int m, int d) {
+  return sys_days{year{y} / January / 1 + months{m - 1}} + days{d - 1};
 }
 
-constexpr std::int64_t Epoch = DaysFromCivil(1899, 12, 30);
-constexpr double FirstDate = static_cast<double>(DaysFromCivil(100, 1, 1) - Epoch);
-constexpr double LastDate = static_cast<double>(DaysFromCivil(10000, 1, 1) - Epoch) - 1.0 / SecondsPerDay;
+constexpr sys_days Epoch = DayOf(1899, 12, 30);
+constexpr double FirstDate = (DayOf(100, 1, 1) - Epoch).count();
+constexpr double LastDate = (DayOf(10000, 1, 1) - Epoch).count() - 1.0 / SecondsPerDay;
 
-std::int64_t WholeSeconds(Date date) {
-  if (std::isnan(date)) return 0;
-  return std::llround(std::clamp(date, FirstDate, LastDate) * SecondsPerDay);
+seconds WholeSeconds(Date date) {
+  if (std::isnan(date)) return {};
+  return seconds(std::llround(std::clamp(date, FirstDate, LastDate) * SecondsPerDay));
 }
 
 template <typename... Args>
@@ -106,33 +103,21 @@ std::optional<ParsedDate> ParseYearFirst(std::string_view text) {
 }  // namespace
 
 Date MakeDate(int year, int month, int day, int hour, int minute, int second) {
-  const auto days = static_cast<double>(DaysFromCivil(year, month, day) - Epoch);
-  return days + static_cast<double>(hour * 3600 + minute * 60 + second) / SecondsPerDay;
+  const auto wholeDays = static_cast<double>((DayOf(year, month, day) - Epoch).count());
+  return wholeDays + static_cast<double>(hour * 3600 + minute * 60 + second) / SecondsPerDay;
 }
 
 CalendarTime ToCalendar(Date date) {
-  const std::int64_t seconds = WholeSeconds(date);
-  std::int64_t days = seconds / SecondsPerDay;
-  std::int64_t ofDay = seconds % SecondsPerDay;
-  if (ofDay < 0) {
-    ofDay += SecondsPerDay;
-    --days;
-  }
-  const std::int64_t shifted = days + Epoch + 719468;
-  const std::int64_t era = (shifted >= 0 ? shifted : shifted - 146096) / 146097;
-  const std::int64_t dayOfEra = shifted - era * 146097;
-  const std::int64_t yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-  const std::int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-  const std::int64_t marchMonth = (5 * dayOfYear + 2) / 153;
-
-  CalendarTime time;
-  time.Day = static_cast<int>(dayOfYear - (153 * marchMonth + 2) / 5 + 1);
-  time.Month = static_cast<int>(marchMonth < 10 ? marchMonth + 3 : marchMonth - 9);
-  time.Year = static_cast<int>(yearOfEra + era * 400 + (time.Month <= 2 ? 1 : 0));
-  time.Hour = static_cast<int>(ofDay / 3600);
-  time.Minute = static_cast<int>(ofDay / 60 % 60);
-  time.Second = static_cast<int>(ofDay % 60);
-  return time;
+  const sys_seconds at = Epoch + WholeSeconds(date);
+  const sys_days midnight = floor<days>(at);
+  const year_month_day day = midnight;
+  const hh_mm_ss time(at - midnight);
+  return {.Year = static_cast<int>(day.year()),
+          .Month = static_cast<int>(static_cast<unsigned>(day.month())),
+          .Day = static_cast<int>(static_cast<unsigned>(day.day())),
+          .Hour = static_cast<int>(time.hours().count()),
+          .Minute = static_cast<int>(time.minutes().count()),
+          .Second = static_cast<int>(time.seconds().count())};
 }
 
 Date Now() {
