@@ -1,5 +1,5 @@
 # Sourced by ./run and ./test: installs the Debian packages that the build needs and this machine lacks.
-packages=(g++ cmake ninja-build ccache libexpected-dev libgtest-dev libgmock-dev libbenchmark-dev
+packages=(g++ cmake ninja-build ccache libexpected-dev libcli11-dev libgtest-dev libgmock-dev libbenchmark-dev
           qt6-base-dev qt6-svg-dev qt6-serialport-dev fonts-dejavu-core xvfb
           unixodbc-dev odbcinst libsqliteodbc odbc-postgresql postgresql)
 

@@ -16,7 +16,7 @@ file(GLOB app_sources CONFIGURE_DEPENDS app/*.cpp app/*.h)
 list(FILTER app_sources EXCLUDE REGEX "/main\\.cpp$")
 add_library(hyetex_app STATIC ${app_sources})
 set_target_properties(hyetex_app PROPERTIES AUTOMOC ON)
-target_link_libraries(hyetex_app PUBLIC hyetex_windows)
+target_link_libraries(hyetex_app PUBLIC hyetex_windows hyetex_commandline)
 target_precompile_headers(hyetex_app REUSE_FROM hyetex_windows)
 
 add_executable(hyetex app/main.cpp)

@@ -1,7 +1,7 @@
 // Writes the sample program folder: lists, staged charts and settings, as the demonstration starts with them.
-#include <cstdio>
 #include <string>
 
+#include "commandline/parser.h"
 #include "core/comments.h"
 #include "core/dates.h"
 #include "core/files.h"
@@ -68,13 +68,13 @@ Result<void> Write(const std::string& folder) {
 }  // namespace hyetex
 
 int main(int argc, char** argv) {
-  if (argc != 2) {
-    std::fputs("usage: hyetex-demo-folder DIR\n", stderr);
-    return 2;
-  }
-  if (const auto done = hyetex::Write(argv[1]); !done) {
-    std::fprintf(stderr, "hyetex-demo-folder: %s\n", done.error().c_str());
-    return 1;
-  }
-  return 0;
+  using namespace hyetex::commandline;
+  Description program("hyetex-demo-folder",
+                      "Writes the sample program folder, as the demonstration starts with it.");
+  std::string folder;
+  AddWord(program, "DIR", folder, "where to write it; made beforehand")->required();
+  if (const auto answer = Parse(program, std::vector<std::string>(argv + 1, argv + argc)))
+    return Give(program.get_name(), *answer);
+  const auto done = hyetex::Write(folder);
+  return done ? Done : Fail(program.get_name(), done.error());
 }

@@ -2,39 +2,20 @@
 // one.
 #include <unistd.h>
 
-#include <cmath>
 #include <cstdio>
 #include <filesystem>
 
+#include "commandline/parser.h"
 #include "core/files.h"
 #include "digitizing/tablets.h"
-#include "options.h"
 #include "tablet/pty_line.h"
 
 namespace hyetex {
 namespace {
 
+using namespace commandline;
 using namespace std::chrono_literals;
 
-constexpr const char* Help =
-    R"(usage: hyetex-tablet --tablet N [options] FILE
-
-Makes a pseudo-terminal, prints its path, waits until it has been opened as the serial port of tablet type N (0 to 4)
-and the tablet's initialisation has come, plays FILE, waits until all has been read, and hangs up.
-
-  --link PATH     make a symbolic link to the pseudo-terminal, and remove it at the end
-  --baud B        speed of the line, ten bits a byte (default 9600); 0: as fast as it is read
-  --chunk BYTES   bytes in one write (default: what 10 ms hold)
-  --wait SECONDS  how long to wait for the opening and the initialisation (default 30)
-  --no-wait-init  do not wait for the initialisation
-  --opening K     play to the K-th opening (default 1); those before it see a cursor at rest, as when a program first
-                  looks for the tablet and then opens it for the session
-  --stay          do not hang up: the cursor rests when FILE is played, and FILE is played anew to each later opening
-)";
-
-constexpr OptionRule Rules[] = {{"--help"},         {"--tablet", 1},  {"--link", 1},
-                                {"--baud", 1},      {"--chunk", 1},   {"--wait", 1},
-                                {"--no-wait-init"}, {"--opening", 1}, {"--stay"}};
 constexpr std::size_t MostBytes = 64 << 20;
 // A program sets up a line and clears it after opening; a tablet that waits for no word leaves it time for
 // that.
@@ -43,46 +24,53 @@ constexpr auto RestingReportEvery = 20ms;
 
 struct Order {
   std::string File;
-  std::optional<std::string> Link;
+  std::string Link;
   int Tablet = 0, Opening = 1;
-  double Baud = 9600, WaitSeconds = 30;
-  std::size_t Chunk = 0;
-  bool WaitInit = true, Stay = false;
+  int Baud = 9600;
+  double WaitSeconds = 30;
+  std::optional<int> Chunk;
+  bool NoWaitInit = false, Stay = false;
 
   const TabletType& Type() const { return TabletTypes()[static_cast<std::size_t>(Tablet)]; }
+  std::size_t ChunkBytes() const {
+    const int tenMs = Baud == 0 ? 1024 : std::max(1, Baud / 1000);
+    return static_cast<std::size_t>(Chunk.value_or(tenMs));
+  }
 };
 
-Result<Order> Understand(const Options& options) {
-  Order order;
-  std::string trouble;
-  const auto whole = [&](std::string_view name, double otherwise, double least, double most) {
-    const auto number = options.NumberOr(name, otherwise, least, most);
-    if (trouble.empty() && !number) trouble = number.error();
-    if (trouble.empty() && *number != std::floor(*number))
-      trouble = std::string(name) + " takes a whole number";
-    return number.value_or(otherwise);
-  };
-  order.Tablet = static_cast<int>(whole("--tablet", 0, 0, TabletTypeCount - 1));
-  order.Opening = static_cast<int>(whole("--opening", 1, 1, 1000));
-  order.Baud = whole("--baud", 9600, 0, 1e8);
-  const double tenMs = order.Baud == 0 ? 1024 : std::max(1.0, std::floor(order.Baud / 1000));
-  order.Chunk = static_cast<std::size_t>(whole("--chunk", tenMs, 1, 1e6));
-  if (const auto wait = options.NumberOr("--wait", 30, 0, 1e6); wait)
-    order.WaitSeconds = *wait;
-  else if (trouble.empty())
-    trouble = wait.error();
-  order.WaitInit = !options.Has("--no-wait-init");
-  order.Stay = options.Has("--stay");
-  order.Link = options.Text("--link");
-  if (!options.Has("--tablet"))
-    trouble = "--tablet is missing";
-  else if (options.Words().empty())
-    trouble = "the file to play is missing";
-  else
-    order.File = options.Words().front();
-  if (!trouble.empty()) return Failure(trouble);
-  return order;
-}
+class CommandLine : public Description {
+ public:
+  explicit CommandLine(Order& order)
+      : Description(
+            "hyetex-tablet",
+            "Makes a pseudo-terminal, prints its path, waits until it has been opened as the serial port "
+            "of the "
+            "tablet\nand the tablet's initialisation has come, plays FILE, waits until all has been "
+            "read, and "
+            "hangs up.") {
+    AddTablet(*this, order.Tablet)->required();
+    AddName(*this, "--link", order.Link, "PATH",
+            "make a symbolic link to the pseudo-terminal, and remove it at the end");
+    AddWhole(*this, "--baud", order.Baud, 0, 100'000'000, "B",
+             "speed of the line, ten bits a byte; 0: as fast as it is read")
+        ->capture_default_str();
+    AddWhole(*this, "--chunk", order.Chunk, 1, 1'000'000, "BYTES",
+             "bytes in one write (default: what 10 ms hold)");
+    AddNumber(*this, "--wait", order.WaitSeconds, 0, 1e6, "SECONDS",
+              "how long to wait for the opening and the initialisation")
+        ->capture_default_str();
+    add_flag("--no-wait-init", order.NoWaitInit, "do not wait for the initialisation");
+    AddWhole(*this, "--opening", order.Opening, 1, 1000, "K",
+             "play to the K-th opening; those before it see a cursor at rest, as when a\nprogram first looks "
+             "for the "
+             "tablet and then opens it for the session")
+        ->capture_default_str();
+    add_flag("--stay", order.Stay,
+             "do not hang up: the cursor rests when FILE is played, and FILE is played\nanew to each later "
+             "opening");
+    AddWord(*this, "FILE", order.File, "the tablet's bytes")->required();
+  }
+};
 
 // The symbolic link, for as long as it is needed.
 class Link {
@@ -163,7 +151,7 @@ class Tablet {
   Result<void> WaitUntilReady() {
     if (auto opened = WaitForReader(); !opened) return opened;
     const std::string_view word = order_.Type().Initialisation;
-    if (!order_.WaitInit || word.empty()) return Ended(line_.WaitUntil(PtyLine::Clock::now() + LineSettles));
+    if (order_.NoWaitInit || word.empty()) return Ended(line_.WaitUntil(PtyLine::Clock::now() + LineSettles));
     const PtyLine::End end = line_.WaitForText(word, until_);
     if (end == PtyLine::End::TimedOut) return Failure("the tablet's initialisation did not come in time");
     return Ended(end);
@@ -179,7 +167,7 @@ class Tablet {
                                      std::chrono::duration<double>(seconds));
         if (auto waited = Ended(line_.WaitUntil(due)); !waited) return waited;
       }
-      std::string_view chunk = stream.substr(0, order_.Chunk);
+      std::string_view chunk = stream.substr(0, order_.ChunkBytes());
       const std::size_t size = chunk.size();
       if (auto written = Ended(line_.Write(chunk)); !written) return written;
       stream.remove_prefix(size - chunk.size());
@@ -199,8 +187,8 @@ Result<void> Run(const Order& order) {
   auto line = PtyLine::Open();
   if (!line) return Failure(line.error());
   Link link;
-  if (order.Link) {
-    auto made = Link::Make(*order.Link, line->Path());
+  if (!order.Link.empty()) {
+    auto made = Link::Make(order.Link, line->Path());
     if (!made) return Failure(made.error());
     link = *std::move(made);
   }
@@ -209,21 +197,16 @@ Result<void> Run(const Order& order) {
   return Tablet(*line, order).Play(*stream);
 }
 
-int Main(int argc, char** argv) {
-  const auto complain = [](const std::string& why, int code) {
-    if (why != Quietly) std::fprintf(stderr, "hyetex-tablet: %s\n", why.c_str());
-    return code;
-  };
-  const auto options = Options::Parse(argc, argv, Rules, 1);
-  if (!options) return complain(options.error(), 2);
-  if (options->Has("--help")) return std::fputs(Help, stdout), 0;
-  const auto order = Understand(*options);
-  if (!order) return complain(order.error(), 2);
-  if (auto run = Run(*order); !run) return complain(run.error(), 1);
-  return 0;
+int Main(std::span<const std::string> words) {
+  Order order;
+  CommandLine line(order);
+  if (const auto answer = Parse(line, words)) return Give(line.get_name(), *answer);
+  const auto run = Run(order);
+  if (run) return Done;
+  return run.error() == Quietly ? Failed : Fail(line.get_name(), run.error());
 }
 
 }  // namespace
 }  // namespace hyetex
 
-int main(int argc, char** argv) { return hyetex::Main(argc, argv); }
+int main(int argc, char** argv) { return hyetex::Main(std::vector<std::string>(argv + 1, argv + argc)); }

@@ -2,7 +2,6 @@
 #include <QApplication>
 #include <QIcon>
 #include <QLockFile>
-#include <cstdio>
 #include <filesystem>
 
 #include "app/app_desk.h"
@@ -16,12 +15,12 @@ namespace {
 
 using namespace hyetex;
 
-enum Exit : int { Done = 0, Failed = 1, WordsOff = 2 };
+constexpr const char* Name = "hyetex";
 
-Exit Fail(Dialogs& dialogs, const std::string& why) {
-  std::fprintf(stderr, "hyetex: %s\n", why.c_str());
+commandline::Exit Fail(Dialogs& dialogs, const std::string& why) {
+  commandline::Say(Name, why);
   dialogs.MessageBox("Hyetex", why, BoxButtons::Ok, BoxIcon::Critical);
-  return Failed;
+  return commandline::Failed;
 }
 
 int Run(StartWords words) {
@@ -48,14 +47,7 @@ int Run(StartWords words) {
 int main(int argc, char** argv) {
   const std::vector<std::string> words(argv + 1, argv + argc);
   auto line = ReadCommandLine(words);
-  if (!line) {
-    std::fprintf(stderr, "hyetex: %s; hyetex --help tells more\n", line.error().c_str());
-    return WordsOff;
-  }
-  if (line->Help || line->Version) {
-    std::fputs(line->Help ? CommandLineHelp().c_str() : "hyetex " HYETEX_VERSION "\n", stdout);
-    return Done;
-  }
+  if (!line) return commandline::Give(Name, line.error());
   if (!line->Pictures.empty() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
     qputenv("QT_QPA_PLATFORM", "offscreen");
 
@@ -68,7 +60,5 @@ int main(int argc, char** argv) {
   if (line->Pictures.empty()) return Run(std::move(line->Words));
 
   const auto taken = TakePictures(line->Words, line->Pictures);
-  if (taken) return Done;
-  std::fprintf(stderr, "hyetex: %s\n", taken.error().c_str());
-  return Failed;
+  return taken ? commandline::Done : commandline::Fail(Name, taken.error());
 }

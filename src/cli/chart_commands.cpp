@@ -1,7 +1,4 @@
 // show and series: what a chart file says.
-#include <charconv>
-#include <cmath>
-
 #include "chartfiles/chart_reader.h"
 #include "cli/commands.h"
 #include "core/dates.h"
@@ -18,8 +15,7 @@ std::string PathOf(const std::string& name) {
   return !HasSeparator(name) && FileExists(name) ? JoinPath(".", name) : name;
 }
 
-bool Read(const Words& words, const std::string& name, ReadingOptions options, ChartReading& reading) {
-  const std::string folder = ProgramFolder(words);
+bool Read(const std::string& folder, const std::string& name, ReadingOptions options, ChartReading& reading) {
   ReferenceLists lists;
   if (FileExists(JoinPath(folder, ListsFileName))) {
     auto read = ReadLists(folder);
@@ -42,13 +38,22 @@ std::string AlphaTexts(const ChartRecord& chart) {
   return text;
 }
 
-Exit Show(const Words& words) {
-  if (words.Rest().empty()) return Off("the chart file is missing");
+// A field of a CSV line: in quotes where it holds what a line is made of.
+std::string CsvField(std::string text) {
+  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+  std::string quoted = "\"";
+  for (char c : text) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
+  return quoted + '"';
+}
+
+}  // namespace
+
+Exit RunShow(const ShowWords& words) {
   Exit exit = Done;
   ChartReading reading;
   bool first = true;
-  for (const std::string& name : words.Rest()) {
-    if (!Read(words, name, {}, reading)) {
+  for (const std::string& name : words.Files) {
+    if (!Read(words.Folder, name, {}, reading)) {
       exit = Failed;
       continue;
     }
@@ -82,57 +87,18 @@ Exit Show(const Words& words) {
   return exit;
 }
 
-// A field of a CSV line: in quotes where it holds what a line is made of.
-std::string CsvField(std::string text) {
-  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
-  std::string quoted = "\"";
-  for (char c : text) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
-  return quoted + '"';
-}
-
-Exit Series(const Words& words) {
-  if (words.Rest().size() != 1) return Off("one chart file is wanted");
-  ReadingOptions options{.UseAlpha = words.Has("--alpha")};
-  if (const auto lapse = words.Value("--lapse")) {
-    const auto [end, error] =
-        std::from_chars(lapse->data(), lapse->data() + lapse->size(), options.MinimalLapse);
-    if (error != std::errc{} || end != lapse->data() + lapse->size() ||
-        !std::isfinite(options.MinimalLapse) || options.MinimalLapse < 0)
-      return Off("--lapse wants a number of minutes, not \"" + *lapse + "\"");
-  }
+Exit RunSeries(const SeriesWords& words) {
+  const ReadingOptions options{.UseAlpha = words.Alpha, .MinimalLapse = static_cast<float>(words.Lapse)};
   ChartReading reading;
-  if (!Read(words, words.Rest()[0], options, reading)) return Failed;
+  if (!Read(words.Folder, words.File, options, reading)) return Failed;
   if (reading.Chart.SeriesCount == 0)
-    return Fail(words.Rest()[0] + ": the chart's points span no time, so it has no series");
-  const bool exact = words.Has("--exact");
+    return Fail(words.File + ": the chart's points span no time, so it has no series");
   Print("time,depth,comment\n");
   for (const SeriesPoint& point : reading.SeriesPoints)
-    Print((exact ? ExactText(point.Time) + "," + ExactText(point.Depth)
-                 : IsoText(point.Time) + "," + ShortText(point.Depth)) +
+    Print((words.Exact ? ExactText(point.Time) + "," + ExactText(point.Depth)
+                       : IsoText(point.Time) + "," + ShortText(point.Depth)) +
           "," + CsvField(ShownText(point.Comment)) + "\n");
   return Done;
 }
-
-constexpr Option ShowOptions[] = {FolderOption};
-constexpr Option SeriesOptions[] = {
-    FolderOption,
-    {"--alpha", "", "take the pen's skew out with the selected alpha"},
-    {"--lapse", "MINUTES", "join steps that are shorter"},
-    {"--exact", "", "days and depths in the shortest form that reads back the same"},
-};
-
-}  // namespace
-
-constinit const Command ShowCommand{
-    "show", "FILE...",
-    "Prints the chart record of chart files, one \"Field: value\" a line.\n"
-    "A bare name that is no file here is looked for in the folder Data of the program folder.",
-    ShowOptions, Show};
-
-constinit const Command SeriesCommand{
-    "series", "FILE",
-    "Prints a chart's time-depth series as CSV: time,depth,comment.\n"
-    "Depths are mm of water since the chart's start; times are ISO 8601, without a zone.",
-    SeriesOptions, Series};
 
 }  // namespace hyetex::cli

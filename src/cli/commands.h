@@ -1,39 +1,104 @@
-// The commands of hyetex-cli. Results go to standard output, messages to standard error.
+// The commands of hyetex-cli, each with what its words say. Results go to standard output, messages to
+// standard error.
 #pragma once
 
-#include <span>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
-#include "core/words.h"
+#include "commandline/answer.h"
 
 namespace hyetex::cli {
 
-/// What a command ended with; also the program's exit status.
-enum Exit : int { Done = 0, Failed = 1, WordsOff = 2 };
+using commandline::Exit;
+using enum Exit;
 
-struct Command {
-  std::string_view Name;
-  std::string_view Rest;  ///< what follows the options, for the help
-  std::string_view Help;
-  std::span<const Option> Options;
-  Exit (*Run)(const Words& words);
+struct FolderWords {
+  std::string Folder;  ///< the program folder
+};
+struct DatabaseWords : FolderWords {
+  std::string Database;  ///< a connection text; empty for the program folder's own
 };
 
-// The rooms that commands stand in.
-extern const Command DecodeCommand, TraceCommand;                 // tablet_commands.cpp
-extern const Command DigitizeCommand;                             // digitize_command.cpp
-extern const Command ShowCommand, SeriesCommand;                  // chart_commands.cpp
-extern const Command SettingCommand, ListsCommand, TasksCommand;  // folder_commands.cpp
-extern const Command StructureCommand, CreateTablesCommand;       // database_commands.cpp
-extern const Command LoadCommand, ExtractCommand;                 // load_commands.cpp
-extern const Command PopulateCommand;                             // populate_command.cpp
-extern const Command SynchroniseCommand;                          // synchronise_command.cpp
-extern const Command RowsCommand;                                 // rows_command.cpp
+struct DecodeWords {
+  int Tablet = 0;
+  std::string From = "-";
+};
+struct TraceWords : DecodeWords {
+  std::string Journal;  ///< empty for standard output
+};
+Exit RunDecode(const DecodeWords& words);  // tablet_commands.cpp
+Exit RunTrace(const TraceWords& words);
 
-/// The program folder: --folder, or the user's own.
-std::string ProgramFolder(const Words& words);
-inline constexpr Option FolderOption{"--folder", "DIR", "the program folder (default: the user's own)"};
+struct DigitizeWords : FolderWords {
+  int Task = 0;
+  std::optional<int> ChartType;
+  std::optional<std::string> User, Target;
+  std::string Comment;
+  bool Overwrite = false;
+  std::string Journal;  ///< empty for none
+};
+Exit RunDigitize(const DigitizeWords& words);  // digitize_command.cpp
+
+struct ShowWords : FolderWords {
+  std::vector<std::string> Files;
+};
+struct SeriesWords : FolderWords {
+  bool Alpha = false, Exact = false;
+  double Lapse = 0;  ///< minutes
+  std::string File;
+};
+Exit RunShow(const ShowWords& words);  // chart_commands.cpp
+Exit RunSeries(const SeriesWords& words);
+
+struct SettingWords : FolderWords {
+  std::string Key, Value;
+};
+Exit RunGetSetting(const SettingWords& words);  // folder_commands.cpp
+Exit RunSetSetting(const SettingWords& words);
+Exit RunLists(const FolderWords& words);
+Exit RunTasks(const FolderWords& words);
+
+struct StructureWords : DatabaseWords {
+  bool Keys = false;
+  std::string Script;  ///< empty for none
+};
+struct CreateTablesWords : DatabaseWords {
+  bool Complete = false, Print = false;
+  std::string NewFile;  ///< empty for a database that is there
+};
+Exit RunStructure(const StructureWords& words);  // database_commands.cpp
+Exit RunCreateTables(const CreateTablesWords& words);
+
+struct LoadWords : DatabaseWords {
+  std::vector<std::string> Files;
+};
+struct ExtractWords : DatabaseWords {
+  std::string To;
+  std::string Instrument;  ///< empty for all
+};
+Exit RunLoad(const LoadWords& words);  // load_commands.cpp
+Exit RunExtract(const ExtractWords& words);
+
+struct PopulateWords : DatabaseWords {
+  std::string Instrument;
+  bool All = false, Alpha = false, Manual = false, Overwrite = false, Log = false;
+  double Lapse = 0;  ///< minutes
+  double Gmt = 2;    ///< hours
+};
+Exit RunPopulate(const PopulateWords& words);  // populate_command.cpp
+
+struct RowsWords : DatabaseWords {
+  std::string Table;
+  std::string Instrument;  ///< empty for all
+};
+Exit RunRows(const RowsWords& words);  // rows_command.cpp
+
+struct SynchroniseWords : DatabaseWords {
+  std::optional<std::string> Start;
+};
+Exit RunSynchronise(const SynchroniseWords& words);  // synchronise_command.cpp
 
 /// Says on standard error why a command failed, or what is off with its words.
 Exit Fail(std::string_view why);

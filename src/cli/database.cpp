@@ -30,9 +30,9 @@ std::optional<std::string> SaidBoxes::ChooseFileToSave(const std::string&, const
   return std::nullopt;
 }
 
-CommandDatabase::CommandDatabase(const Words& words)
-    : settings_(ProgramFolder(words)), Database(settings_, Boxes) {
-  Database.ConnectionText = words.Value(DbOption.Name).value_or("");
+CommandDatabase::CommandDatabase(const DatabaseWords& words)
+    : settings_(words.Folder), Database(settings_, Boxes) {
+  Database.ConnectionText = words.Database;
 }
 
 Result<void> CommandDatabase::Open() {

@@ -5,13 +5,11 @@
 #include <string>
 
 #include "cli/commands.h"
+#include "core/result.h"
 #include "database/access/plot_db.h"
 #include "platform/dialogs.h"
 
 namespace hyetex::cli {
-
-inline constexpr Option DbOption{"--db", "TEXT",
-                                 "the database, as in \"DSN=rain\" (default: the program folder's)"};
 
 /// Boxes of a command, which nobody sees: what they tell goes to standard error. Questions get one answer.
 class SaidBoxes : public Dialogs {
@@ -26,7 +24,7 @@ class SaidBoxes : public Dialogs {
   std::optional<std::string> ChooseFileToSave(const std::string& title, const std::string& start) override;
 };
 
-/// A command has both --db and --folder among its options:
+/// As a command opens it:
 ///
 ///     CommandDatabase opened(words);
 ///     if (const auto done = opened.Open(); !done) return Fail(done.error());
@@ -35,7 +33,7 @@ class CommandDatabase {
   Settings settings_;
 
  public:
-  explicit CommandDatabase(const Words& words);
+  explicit CommandDatabase(const DatabaseWords& words);
 
   SaidBoxes Boxes;
   HyetexPlotDB Database;  ///< has its connection text; opened by Open()

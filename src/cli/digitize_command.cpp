@@ -28,19 +28,20 @@ struct Work {
   std::string TargetFolder;
 };
 
-Result<std::string> FindUserName(const Words& words, const Settings& settings, const ReferenceLists& lists) {
-  const std::string name = words.Value("--user").value_or(settings.Get(setting::UserName));
+Result<std::string> FindUserName(const DigitizeWords& words, const Settings& settings, const ReferenceLists& lists) {
+  const std::string name = words.User.value_or(settings.Get(setting::UserName));
   const int user = FindUser(lists.Users, name);
   if (user < 0) return Failure("There is no such user: \"" + ShownText(name) + "\"");
   return lists.Users[static_cast<std::size_t>(user)].Name;
 }
 
-Result<Work> Prepare(const Words& words, const Settings& settings, int task, std::optional<int> chartType) {
-  const std::string& folder = settings.Folder();
+Result<Work> Prepare(const DigitizeWords& words) {
+  const Settings settings(words.Folder);
+  const std::string& folder = words.Folder;
   if (!FolderExists(folder)) return Failure("There is no program folder " + folder);
   const auto lists = ReadLists(folder);
   if (!lists) return Failure(lists.error());
-  auto chart = ActivateChart(settings, *lists, task, chartType);
+  auto chart = ActivateChart(settings, *lists, words.Task, words.ChartType);
   if (!chart) return Failure(chart.error());
   for (const std::string& note : chart->Notes) Say(note);
   auto user = FindUserName(words, settings, *lists);
@@ -48,18 +49,17 @@ Result<Work> Prepare(const Words& words, const Settings& settings, int task, std
   auto origin = OriginOfChart(*lists, chart->Task, *std::move(user));
   if (!origin) return Failure(origin.error());
 
-  Work work{*std::move(chart), *std::move(origin),
-            words.Has("--target") ? *words.Value("--target") : TargetFolder(settings)};
+  Work work{*std::move(chart), *std::move(origin), words.Target ? *words.Target : TargetFolder(settings)};
   if (!FolderExists(work.TargetFolder)) return Failure("There is no target folder " + work.TargetFolder);
   return work;
 }
 
-Exit Save(const Words& words, const Work& work, const ChartText& file) {
+Exit Save(const DigitizeWords& words, const Work& work, const ChartText& file) {
   for (const std::string& note : file.Notes) Say(note);
   std::string refusal;
   const auto mayOverwrite = [&](const std::string& question) {
     refusal = question;
-    return words.Has("--overwrite");
+    return words.Overwrite;
   };
   const auto path =
       WriteChartFile(file.Text, work.TargetFolder,
@@ -75,8 +75,8 @@ void PrintReport(std::string_view report) {
   ForEachLine(report, [](std::string_view line) { Print(std::string(line) + "\n"); });
 }
 
-Exit DigitizeJournal(const Words& words, const Work& work) {
-  const auto text = ReadWholeFile(words.Rest()[0], MostJournalBytes);
+Exit DigitizeJournal(const DigitizeWords& words, const Work& work) {
+  const auto text = ReadWholeFile(words.Journal, MostJournalBytes);
   if (!text) return Fail(text.error());
   const Journal journal = ReadJournal(*text);
   if (journal.Tablet < 0) return Fail(*journal.Error);
@@ -93,7 +93,7 @@ Exit DigitizeJournal(const Words& words, const Work& work) {
     PrintReport(*error);
     return Fail("there is no chart to save");
   }
-  const auto file = MakeChartText(session, work.Origin, words.Value("--comment").value_or(""));
+  const auto file = MakeChartText(session, work.Origin, words.Comment);
   if (!file) return Fail(file.error());
   ChartReport report;
   WriteReport(session, report);
@@ -101,42 +101,19 @@ Exit DigitizeJournal(const Words& words, const Work& work) {
   return Save(words, work, *file);
 }
 
-Exit Digitize(const Words& words) {
-  const auto task = words.Number("--task", 0, MaxTask);
-  const auto chartType = words.Number("--chart-type", 0, MaxChartType);
-  if (!task) return Off(task.error());
-  if (!*task) return Off("--task is missing");
-  if (!chartType) return Off(chartType.error());
-  if (words.Rest().size() > 1) return Off("one journal at a time");
+}  // namespace
 
-  const auto work = Prepare(words, Settings(ProgramFolder(words)), **task, *chartType);
+Exit RunDigitize(const DigitizeWords& words) {
+  const auto work = Prepare(words);
   if (!work) return Fail(work.error());
   const ChartRecord& chart = work->Chart.Task;
   if (const auto refusal = CheckTraceable(chart)) {
-    if (!words.Rest().empty()) return Fail(*refusal + ", and gets an empty file without a journal");
+    if (!words.Journal.empty()) return Fail(*refusal + ", and gets an empty file without a journal");
     const auto file = MakeEmptyChartText(chart, chart.ChartMethod, work->Origin);
     return file ? Save(words, *work, *file) : Fail(file.error());
   }
-  if (words.Rest().empty()) return Off("the journal is missing");
+  if (words.Journal.empty()) return Off("the journal is missing");
   return DigitizeJournal(words, *work);
 }
-
-constexpr Option DigitizeOptions[] = {
-    FolderOption,
-    {"--task", "N", "the staged chart, from 0 in the order of the task list"},
-    {"--chart-type", "K", "the chart type (default: the current one of the settings)"},
-    {"--user", "NAME", "who digitized it (default: the last user)"},
-    {"--target", "DIR", "where the chart file goes (default: the target folder of the settings)"},
-    {"--comment", "TEXT", "the digitizer's comment"},
-    {"--overwrite", "", "take the place of a chart file that is there"},
-};
-
-}  // namespace
-
-constinit const Command DigitizeCommand{
-    "digitize", "JOURNAL",
-    "Replays a session's journal for a staged chart, writes its chart file and prints the chart report.\n"
-    "A chart marked as extremely defective gets its empty file, and no journal.",
-    DigitizeOptions, Digitize};
 
 }  // namespace hyetex::cli

@@ -16,20 +16,6 @@ namespace {
 
 Exit NoFolder(const std::string& folder) { return Fail("There is no program folder " + folder); }
 
-Exit Setting(const Words& words) {
-  const auto& rest = words.Rest();
-  const bool get = rest.size() == 2 && rest[0] == "get", set = rest.size() == 3 && rest[0] == "set";
-  if (!get && !set) return Off("get KEY or set KEY VALUE is wanted");
-  const std::string folder = ProgramFolder(words);
-  if (!FolderExists(folder)) return NoFolder(folder);
-  if (get) {
-    Print(GetDefinition(folder, rest[1]) + "\n");
-    return Done;
-  }
-  const auto done = SetDefinition(folder, rest[1], rest[2]);
-  return done ? Done : Fail(done.error());
-}
-
 std::string_view MethodName(int method) {
   static constexpr std::array<std::string_view, 3> names{"linear", "non-linear", "tipping-bucket"};
   return method >= 0 && method < 3 ? names[static_cast<std::size_t>(method)] : "unknown method";
@@ -43,9 +29,24 @@ void PrintList(std::string_view heading, const List& list, Describe&& describe) 
     Print("  " + ShortText(static_cast<int>(i)) + ": " + ShownText(describe(list[i])) + "\n");
 }
 
-Exit Lists(const Words& words) {
-  if (!words.Rest().empty()) return Off("no further words are wanted");
-  const std::string folder = ProgramFolder(words);
+std::string DepthText(float depth) { return depth == NoDepth ? "unknown" : ShortText(depth) + " mm"; }
+
+}  // namespace
+
+Exit RunGetSetting(const SettingWords& words) {
+  if (!FolderExists(words.Folder)) return NoFolder(words.Folder);
+  Print(GetDefinition(words.Folder, words.Key) + "\n");
+  return Done;
+}
+
+Exit RunSetSetting(const SettingWords& words) {
+  if (!FolderExists(words.Folder)) return NoFolder(words.Folder);
+  const auto done = SetDefinition(words.Folder, words.Key, words.Value);
+  return done ? Done : Fail(done.error());
+}
+
+Exit RunLists(const FolderWords& words) {
+  const std::string& folder = words.Folder;
   if (!FolderExists(folder)) return NoFolder(folder);
   const auto lists = ReadLists(folder);
   if (!lists) return Fail(lists.error());
@@ -70,11 +71,8 @@ Exit Lists(const Words& words) {
   return Done;
 }
 
-std::string DepthText(float depth) { return depth == NoDepth ? "unknown" : ShortText(depth) + " mm"; }
-
-Exit Tasks(const Words& words) {
-  if (!words.Rest().empty()) return Off("no further words are wanted");
-  const std::string folder = ProgramFolder(words);
+Exit RunTasks(const FolderWords& words) {
+  const std::string& folder = words.Folder;
   if (!FolderExists(folder)) return NoFolder(folder);
   const auto lists = ReadLists(folder);
   if (!lists) return Fail(lists.error());
@@ -90,18 +88,5 @@ Exit Tasks(const Words& words) {
   });
   return Done;
 }
-
-constexpr Option FolderOptions[] = {FolderOption};
-
-}  // namespace
-
-constinit const Command SettingCommand{
-    "setting", "get KEY | set KEY VALUE",
-    "Reads or writes one key of the program folder's settings. A missing key reads as empty.", FolderOptions,
-    Setting};
-constinit const Command ListsCommand{"lists", "", "Prints all reference lists. Passwords are left out.",
-                                     FolderOptions, Lists};
-constinit const Command TasksCommand{
-    "tasks", "", "Prints all staged charts, with the numbers that digitize takes.", FolderOptions, Tasks};
 
 }  // namespace hyetex::cli

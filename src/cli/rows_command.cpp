@@ -42,26 +42,17 @@ DbResult<void> PrintRows(Recordset& table) {
   return {};
 }
 
-Exit Rows(const Words& words) {
-  if (words.Rest().size() != 1) return Off("one table is wanted, such as CHART");
+}  // namespace
+
+Exit RunRows(const RowsWords& words) {
   CommandDatabase opened(words);
   if (const auto done = opened.Open(); !done) return Fail(done.error());
   Selection selection;
-  if (const auto code = words.Value("--instrument"))
-    selection.Where.push_back({"instrument_code_id", Compare::EqualIgnoringCase, *code});
-  auto done = opened.Database.OpenAnyTable(words.Rest()[0], std::move(selection));
+  if (!words.Instrument.empty())
+    selection.Where.push_back({"instrument_code_id", Compare::EqualIgnoringCase, words.Instrument});
+  auto done = opened.Database.OpenAnyTable(words.Table, std::move(selection));
   if (done) done = PrintRows(opened.Database.AnyTable);
   return done ? Done : Fail(done.error().Description);
 }
-
-constexpr Option RowsOptions[] = {
-    FolderOption, DbOption, {"--instrument", "CODE", "only the rows of this instrument"}};
-
-}  // namespace
-
-constinit const Command RowsCommand{
-    "rows", "TABLE",
-    "Prints the rows of a table as CSV, times in ISO 8601. Columns that hold whole files are left out.",
-    RowsOptions, Rows};
 
 }  // namespace hyetex::cli

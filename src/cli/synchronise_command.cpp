@@ -20,12 +20,13 @@ class OneStartDate : public SaidBoxes {
   std::optional<std::string> start_;
 };
 
-Exit RunSynchronise(const Words& words) {
-  if (!words.Rest().empty()) return Off("no further words are wanted");
-  const auto start = words.Value("--start");
+}  // namespace
+
+Exit RunSynchronise(const SynchroniseWords& words) {
+  const auto& start = words.Start;
   if (start && !ConvertStartDate(*start))
     return Off("--start wants a day as dd/mm/yyyy, not \"" + *start + "\"");
-  const std::string folder = ProgramFolder(words);
+  const std::string& folder = words.Folder;
   if (!FolderExists(folder)) return Fail("There is no program folder " + folder);
   auto lists = ReadLists(folder);
   if (!lists) return Fail(lists.error());
@@ -34,18 +35,5 @@ Exit RunSynchronise(const Words& words) {
   OneStartDate boxes(start);
   return Synchronise(opened.Database, *lists, folder, boxes) == Synchronised::Saved ? Done : Failed;
 }
-
-constexpr Option SynchroniseOptions[] = {
-    FolderOption,
-    DbOption,
-    {"--start", "DD/MM/YYYY", "the start date of every instrument that the database lacks"}};
-
-}  // namespace
-
-constinit const Command SynchroniseCommand{
-    "synchronise", "",
-    "Brings the station list and the database's instruments in line.\n"
-    "Instruments that the list lacks are taken into it; stations that the database lacks are added there.",
-    SynchroniseOptions, RunSynchronise};
 
 }  // namespace hyetex::cli

@@ -55,7 +55,7 @@ TEST_P(PopulateCommand, ConvertsSkipsAndReplaces) {
 }
 
 TEST_P(PopulateCommand, SaysWhatIsOff) {
-  EXPECT_THAT(RunCli({"populate"}).Error, HasSubstr("--instrument is missing"));
+  EXPECT_THAT(RunCli({"populate"}).Error, HasSubstr("--instrument is required"));
   for (const char* number : {"two", "2x", "", "inf", "1e9"})
     EXPECT_EQ(Populate({"--gmt", number}).Status, 2) << number;
   EXPECT_EQ(Populate({"--lapse", "-1"}).Status, 2);

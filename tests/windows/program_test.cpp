@@ -111,7 +111,7 @@ TEST(ProgramWords, AreAnsweredWithoutAScreen) {
     return std::pair(program.exitCode(), program.readAllStandardOutput().toStdString());
   };
   EXPECT_EQ(answer({"--version"}), std::pair(0, std::string("hyetex " HYETEX_VERSION "\n")));
-  EXPECT_EQ(answer({"--help"}).second.substr(0, 14), "usage: hyetex ");
+  EXPECT_THAT(answer({"--help"}).second, ::testing::HasSubstr("Usage: hyetex "));
   EXPECT_EQ(answer({"--tsk", "1"}).first, 2);
 }
 

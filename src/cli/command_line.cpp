@@ -1,0 +1,259 @@
+// All commands of hyetex-cli with their options: the one place that says what may be asked of it.
+#include "cli/command_line.h"
+
+#include <functional>
+#include <memory>
+
+#include "cli/commands.h"
+#include "commandline/parser.h"
+#include "core/files.h"
+#include "core/records.h"
+
+namespace hyetex::cli {
+namespace {
+
+using namespace commandline;
+
+constexpr double MostMinutes = 1e6, MostHours = 1e6;
+
+class CommandLine : public Description {
+ public:
+  CommandLine() : Description("hyetex-cli", "What a rain-gauge service wants to script, without a screen.") {
+    require_subcommand(1);
+    footer("hyetex-cli COMMAND --help tells more.");
+    AddTabletCommands();
+    AddChartCommands();
+    AddFolderCommands();
+    AddDatabaseCommands();
+    AddConversionCommands();
+  }
+
+  std::function<Exit()> Chosen;  ///< what the words ask for, after they are read
+
+ private:
+  // A command, and where its words go.
+  template <typename Words>
+  struct Command {
+    CLI::App& Line;
+    Words& Given;
+
+    void Flag(const std::string& option, bool Words::*value, const std::string& help) {
+      Line.add_flag(option, Given.*value, help);
+    }
+    CLI::Option* Name(const std::string& option, std::string Words::*value, const std::string& what,
+                      const std::string& help) {
+      return AddName(Line, option, Given.*value, what, help);
+    }
+  };
+
+  template <typename Words>
+  Command<Words> Add(const std::string& name, const std::string& does, Exit (*run)(const Words& words),
+                     const std::string& more = {}) {
+    CLI::App& line = *add_subcommand(name, does);
+    line.footer(more);
+    const auto given = std::make_shared<Words>();
+    Run(line, given, run);
+    return {line, *given};
+  }
+  template <typename Words>
+  void Run(CLI::App& line, const std::shared_ptr<Words>& given, Exit (*run)(const Words& words)) {
+    line.final_callback([this, given, run] { Chosen = [given, run] { return run(*given); }; });
+  }
+
+  void AddTabletCommands();
+  void AddChartCommands();
+  void AddFolderCommands();
+  void AddDatabaseCommands();
+  void AddConversionCommands();
+};
+
+void AddFolder(CLI::App& line, FolderWords& words) {
+  words.Folder = DefaultProgramFolder();
+  AddName(line, "--folder", words.Folder, "DIR", "the program folder (default: the user's own)");
+}
+
+CLI::Option* AddDatabase(CLI::App& line, DatabaseWords& words) {
+  CLI::Option* db = AddName(line, "--db", words.Database, "TEXT",
+                            "the database, as in \"DSN=rain\" (default: the program folder's)");
+  AddFolder(line, words);
+  return db;
+}
+
+void AddFiles(CLI::App& line, std::vector<std::string>& files) {
+  line.add_option("FILE", files, "chart files")->type_name("")->required();
+}
+
+void AddLapse(CLI::App& line, double& lapse) {
+  AddNumber(line, "--lapse", lapse, 0, MostMinutes, "MINUTES", "join steps that are shorter");
+}
+
+void AddDecodeWords(CLI::App& line, DecodeWords& words) {
+  AddTablet(line, words.Tablet)->required();
+  AddWord(line, "FILE|PORT", words.From, "a recorded stream or a serial line; - is standard input")
+      ->capture_default_str();
+}
+
+void CommandLine::AddTabletCommands() {
+  const auto decode = Add(
+      "decode", "Turns a tablet's bytes into one line a report: X Y BUTTON, the button -1 when none is down.",
+      RunDecode, "Bytes that belong to no report are passed over.");
+  AddDecodeWords(decode.Line, decode.Given);
+
+  auto trace =
+      Add("trace", "Runs a session at a tablet without a screen and writes its journal.", RunTrace,
+          "The first two presses calibrate the page, then presses trace the pen line; the tool board lies "
+          "in the top\nright corner of the tablet. A gap or a recovered segment gets its code without a "
+          "text. Ends with the stream.");
+  AddDecodeWords(trace.Line, trace.Given);
+  trace.Name("--journal", &TraceWords::Journal, "FILE", "where the journal goes (default: standard output)");
+
+  auto digitize = Add(
+      "digitize",
+      "Replays a session's journal for a staged chart, writes its chart file and prints the chart report.",
+      RunDigitize, "A chart marked as extremely defective gets its empty file, and no journal.");
+  AddFolder(digitize.Line, digitize.Given);
+  AddWhole(digitize.Line, "--task", digitize.Given.Task, 0, MaxTask, "N",
+           "the staged chart, from 0 in the order of the task list")
+      ->required();
+  AddWhole(digitize.Line, "--chart-type", digitize.Given.ChartType, 0, MaxChartType, "K",
+           "the chart type (default: the current one of the settings)");
+  digitize.Line.add_option("--user", digitize.Given.User, "who digitized it (default: the last user)")
+      ->type_name("NAME")
+      ->check(commandline::Name());
+  digitize.Line
+      .add_option("--target", digitize.Given.Target,
+                  "where the chart file goes (default: the target folder of the settings)")
+      ->type_name("DIR")
+      ->check(commandline::Name());
+  digitize.Line.add_option("--comment", digitize.Given.Comment, "the digitizer's comment")->type_name("TEXT");
+  digitize.Flag("--overwrite", &DigitizeWords::Overwrite, "take the place of a chart file that is there");
+  AddWord(digitize.Line, "JOURNAL", digitize.Given.Journal, "the session's journal");
+}
+
+void CommandLine::AddChartCommands() {
+  const auto show =
+      Add("show", "Prints the chart record of chart files, one \"Field: value\" a line.", RunShow,
+          "A bare name that is no file here is looked for in the folder Data of the program folder.");
+  AddFolder(show.Line, show.Given);
+  AddFiles(show.Line, show.Given.Files);
+
+  auto series = Add("series", "Prints a chart's time-depth series as CSV: time,depth,comment.", RunSeries,
+                    "Depths are mm of water since the chart's start; times are ISO 8601, without a zone.");
+  AddFolder(series.Line, series.Given);
+  series.Flag("--alpha", &SeriesWords::Alpha, "take the pen's skew out with the selected alpha");
+  AddLapse(series.Line, series.Given.Lapse);
+  series.Flag("--exact", &SeriesWords::Exact,
+              "days and depths in the shortest form that reads back the same");
+  AddWord(series.Line, "FILE", series.Given.File, "a chart file")->required();
+}
+
+void CommandLine::AddFolderCommands() {
+  CLI::App& setting = *add_subcommand("setting", "Reads or writes one key of the program folder's settings.");
+  setting.require_subcommand(1);
+  setting.footer("");
+  const auto given = std::make_shared<SettingWords>();
+  AddFolder(setting, *given);
+  const auto addUse = [&](const std::string& name, const std::string& does,
+                          Exit (*run)(const SettingWords& words)) -> CLI::App& {
+    CLI::App& line = *setting.add_subcommand(name, does);
+    line.fallthrough();  // --folder may stand behind, too
+    AddWord(line, "KEY", given->Key, "the setting's name")->required();
+    Run(line, given, run);
+    return line;
+  };
+  addUse("get", "Prints a key's value. A missing key reads as empty.", RunGetSetting);
+  CLI::App& set = addUse("set", "Writes a key's value.", RunSetSetting);
+  AddWord(set, "VALUE", given->Value, "the new value")->required();
+
+  const auto lists = Add("lists", "Prints all reference lists. Passwords are left out.", RunLists);
+  AddFolder(lists.Line, lists.Given);
+  const auto tasks =
+      Add("tasks", "Prints all staged charts, with the numbers that digitize takes.", RunTasks);
+  AddFolder(tasks.Line, tasks.Given);
+}
+
+void CommandLine::AddDatabaseCommands() {
+  auto structure = Add(
+      "structure", "Prints the tables and columns of a database, with the columns' type numbers and sizes.",
+      RunStructure);
+  AddDatabase(structure.Line, structure.Given);
+  structure.Flag("--keys", &StructureWords::Keys,
+                 "print the keys instead: type 1 is a primary key, 2 a foreign one");
+  structure.Name("--script", &StructureWords::Script, "FILE",
+                 "write the script for a database administrator too");
+
+  auto create =
+      Add("create-tables", "Makes the tables that a database lacks, and prints their names.", RunCreateTables,
+          "What is there stays as it is. With --new the database itself is made; a file that is there is "
+          "refused.");
+  CLI::Option* db = AddDatabase(create.Line, create.Given);
+  create.Flag("--complete", &CreateTablesWords::Complete,
+              "add the column loaded of CHART_ASCII and the indexes too");
+  create.Flag("--print", &CreateTablesWords::Print,
+              "print the statements for the database's administrator, and make nothing");
+  create
+      .Name("--new", &CreateTablesWords::NewFile, "FILE",
+            "make a complete SQLite database in a new file, and print what connects to it")
+      ->excludes(db);
+
+  auto rows = Add("rows", "Prints the rows of a table as CSV, times in ISO 8601.", RunRows,
+                  "Columns that hold whole files are left out.");
+  AddDatabase(rows.Line, rows.Given);
+  rows.Name("--instrument", &RowsWords::Instrument, "CODE", "only the rows of this instrument");
+  AddWord(rows.Line, "TABLE", rows.Given.Table, "such as CHART")->required();
+
+  const auto synchronise = Add(
+      "synchronise", "Brings the station list and the database's instruments in line.", RunSynchronise,
+      "Instruments that the list lacks are taken into it; stations that the database lacks are added there.");
+  AddDatabase(synchronise.Line, synchronise.Given);
+  synchronise.Line
+      .add_option("--start", synchronise.Given.Start,
+                  "the start date of every instrument that the database lacks")
+      ->type_name("DD/MM/YYYY");
+}
+
+void CommandLine::AddConversionCommands() {
+  const auto load =
+      Add("load", "Loads chart files into the database; a chart that is there is replaced.", RunLoad,
+          "The instruments must be in the program folder's list of stations and in the database.");
+  AddDatabase(load.Line, load.Given);
+  AddFiles(load.Line, load.Given.Files);
+
+  auto extract = Add("extract", "Writes the database's charts as files, as they were loaded.", RunExtract,
+                     "They stay in the database. Files of their names that are in the folder are replaced.");
+  AddDatabase(extract.Line, extract.Given);
+  extract.Name("--to", &ExtractWords::To, "DIR", "the folder to write to; made when it is missing")
+      ->required();
+  extract.Name("--instrument", &ExtractWords::Instrument, "CODE", "only the charts of this instrument");
+
+  auto populate =
+      Add("populate", "Converts an instrument's stored charts into rows of CHART, in GMT, one row a step.",
+          RunPopulate,
+          "Each chart is converted wholly or not at all. The status is 1 if a chart was skipped or\n"
+          "could not be converted; the others are converted all the same.");
+  AddDatabase(populate.Line, populate.Given);
+  populate
+      .Name("--instrument", &PopulateWords::Instrument, "CODE", "the instrument whose charts are converted")
+      ->required();
+  populate.Flag("--all", &PopulateWords::All, "charts that were converted before, too");
+  populate.Flag("--alpha", &PopulateWords::Alpha, "take the pen's skew out with each chart's selected alpha");
+  AddLapse(populate.Line, populate.Given.Lapse);
+  AddNumber(populate.Line, "--gmt", populate.Given.Gmt, -MostHours, MostHours, "HOURS",
+            "taken off local time to get GMT")
+      ->capture_default_str();
+  populate.Flag("--manual", &PopulateWords::Manual,
+                "scale to the manual gage's depth, not the digitized one");
+  populate.Flag("--overwrite", &PopulateWords::Overwrite,
+                "replace rows that are there; without it such charts are skipped");
+  populate.Flag("--log", &PopulateWords::Log, "write datalog.txt in the program folder");
+}
+
+}  // namespace
+
+Exit RunCommandLine(std::span<const std::string> words) {
+  CommandLine line;
+  if (const auto answer = Parse(line, words)) return Give(line.get_name(), *answer);
+  return line.Chosen();
+}
+
+}  // namespace hyetex::cli
