@@ -8,6 +8,7 @@
 #include "commandline/parser.h"
 #include "core/files.h"
 #include "core/records.h"
+#include "database/stations/synchronising.h"
 
 namespace hyetex::cli {
 namespace {
@@ -117,14 +118,9 @@ void CommandLine::AddTabletCommands() {
       ->required();
   AddWhole(digitize.Line, "--chart-type", digitize.Given.ChartType, 0, MaxChartType, "K",
            "the chart type (default: the current one of the settings)");
-  digitize.Line.add_option("--user", digitize.Given.User, "who digitized it (default: the last user)")
-      ->type_name("NAME")
-      ->check(commandline::Name());
-  digitize.Line
-      .add_option("--target", digitize.Given.Target,
-                  "where the chart file goes (default: the target folder of the settings)")
-      ->type_name("DIR")
-      ->check(commandline::Name());
+  digitize.Name("--user", &DigitizeWords::User, "NAME", "who digitized it (default: the last user)");
+  digitize.Name("--target", &DigitizeWords::Target, "DIR",
+                "where the chart file goes (default: the target folder of the settings)");
   digitize.Line.add_option("--comment", digitize.Given.Comment, "the digitizer's comment")->type_name("TEXT");
   digitize.Flag("--overwrite", &DigitizeWords::Overwrite, "take the place of a chart file that is there");
   AddWord(digitize.Line, "JOURNAL", digitize.Given.Journal, "the session's journal");
@@ -209,7 +205,10 @@ void CommandLine::AddDatabaseCommands() {
   synchronise.Line
       .add_option("--start", synchronise.Given.Start,
                   "the start date of every instrument that the database lacks")
-      ->type_name("DD/MM/YYYY");
+      ->type_name("DD/MM/YYYY")
+      ->check([](const std::string& text) {
+        return ConvertStartDate(text) ? std::string() : "a day as dd/mm/yyyy is wanted, not \"" + text + "\"";
+      });
 }
 
 void CommandLine::AddConversionCommands() {

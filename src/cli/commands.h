@@ -34,7 +34,7 @@ Exit RunTrace(const TraceWords& words);
 struct DigitizeWords : FolderWords {
   int Task = 0;
   std::optional<int> ChartType;
-  std::optional<std::string> User, Target;
+  std::string User, Target;  ///< empty for those of the settings
   std::string Comment;
   bool Overwrite = false;
   std::string Journal;  ///< empty for none

@@ -28,8 +28,9 @@ struct Work {
   std::string TargetFolder;
 };
 
-Result<std::string> FindUserName(const DigitizeWords& words, const Settings& settings, const ReferenceLists& lists) {
-  const std::string name = words.User.value_or(settings.Get(setting::UserName));
+Result<std::string> FindUserName(const DigitizeWords& words, const Settings& settings,
+                                 const ReferenceLists& lists) {
+  const std::string name = words.User.empty() ? settings.Get(setting::UserName) : words.User;
   const int user = FindUser(lists.Users, name);
   if (user < 0) return Failure("There is no such user: \"" + ShownText(name) + "\"");
   return lists.Users[static_cast<std::size_t>(user)].Name;
@@ -49,7 +50,8 @@ Result<Work> Prepare(const DigitizeWords& words) {
   auto origin = OriginOfChart(*lists, chart->Task, *std::move(user));
   if (!origin) return Failure(origin.error());
 
-  Work work{*std::move(chart), *std::move(origin), words.Target ? *words.Target : TargetFolder(settings)};
+  Work work{*std::move(chart), *std::move(origin),
+            words.Target.empty() ? TargetFolder(settings) : words.Target};
   if (!FolderExists(work.TargetFolder)) return Failure("There is no target folder " + work.TargetFolder);
   return work;
 }

@@ -23,16 +23,13 @@ class OneStartDate : public SaidBoxes {
 }  // namespace
 
 Exit RunSynchronise(const SynchroniseWords& words) {
-  const auto& start = words.Start;
-  if (start && !ConvertStartDate(*start))
-    return Off("--start wants a day as dd/mm/yyyy, not \"" + *start + "\"");
   const std::string& folder = words.Folder;
   if (!FolderExists(folder)) return Fail("There is no program folder " + folder);
   auto lists = ReadLists(folder);
   if (!lists) return Fail(lists.error());
   CommandDatabase opened(words);
   if (const auto done = opened.Open(); !done) return Fail(done.error());
-  OneStartDate boxes(start);
+  OneStartDate boxes(words.Start);
   return Synchronise(opened.Database, *lists, folder, boxes) == Synchronised::Saved ? Done : Failed;
 }
 

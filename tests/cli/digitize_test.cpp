@@ -47,13 +47,14 @@ TEST_F(Digitize, RefusesInOneLineAndWritesNothing) {
   struct {
     std::vector<std::string> Words;
     const char* Error;
+    int Status = 1;
   } const cases[] = {
       {{"--task", "2"}, "There is no chart 2"},
       {{"--task", "1", "--user", "Nobody"}, "There is no such user: \"Nobody\""},
-      {{"--task", "1", "--user", ""}, "There is no such user"},
+      {{"--task", "1", "--user", ""}, "--user: a name", 2},
       {{"--task", "1", "--chart-type", "6"}, "There is no chart type 6"},
       {{"--task", "1", "--target", Folder / "none"}, "There is no target folder /"},
-      {{"--task", "1", "--target", ""}, "There is no target folder"},
+      {{"--task", "1", "--target", ""}, "--target: a name", 2},
       {{"--task", "1", "--target", Folder / "file"}, "There is no target folder /"},
       {{"--task", "1", "--target", "/proc"}, "Cannot write /proc/"},  // where nobody can make a file
       {{"--task", "1", "--comment", "a\nb"}, "digitizer comment"}};
@@ -61,7 +62,7 @@ TEST_F(Digitize, RefusesInOneLineAndWritesNothing) {
   for (const auto& c : cases) {
     const Ran ran = Run(c.Words);
     SCOPED_TRACE(c.Error);
-    EXPECT_EQ(ran.Status, 1);
+    EXPECT_EQ(ran.Status, c.Status);
     EXPECT_THAT(ran.Error, HasSubstr(c.Error));
     EXPECT_EQ(ran.Out.find("Chart file"), std::string::npos);
     EXPECT_EQ(Files(Folder / "program"), files);
