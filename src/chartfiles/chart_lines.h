@@ -1,5 +1,7 @@
-// What kind of line a line of a chart file is. The kinds are told by words anywhere in the line, without
-// regard to case, in a fixed order, and the first that holds decides; so a word in a comment counts as well.
+// What kind of line a line of a chart file is, and the labels that say so. A line that begins with a label of
+// the writer's is what the label says, and one that begins "number,number," is a point, whatever words their
+// texts hold. Other lines, as other versions have written them, are told by words anywhere in them, without
+// regard to case, in a fixed order; the first that holds decides.
 #pragma once
 
 #include <string_view>
@@ -7,38 +9,44 @@
 namespace hyetex {
 
 enum class ChartLine {
+  Core,
+  Agency,
+  Station,
+  Instrument,
+  User,
+  Method,
   Start,
   End,
-  Instrument,
-  Alpha,
-  NoAlphaSelected,
-  AlphaSelected,
-  GeneralComment,
-  Method,
-  DigitizedDepth,
   DigitizedTime,
-  ManualDepth,
   EyedDepth,
+  DigitizedDepth,
   SelectedDepth,
+  ManualDepth,
   PointCount,
   Reliability,
-  Point,  ///< at least one comma and no colon
+  PointsHeading,
+  GeneralComment,
+  DigitizerComment,
+  Alpha,
+  AlphaSelected,
+  NoAlphaSelected,
+  Point,
   Other,
 };
 
+/// What a line of the kind begins with, its blank included ("Station Name: "); an alpha line has its number
+/// behind the label, then " : ". Empty for points and other lines.
+std::string_view LabelOf(ChartLine kind);
+
 struct ChartLineKind {
   ChartLine Kind = ChartLine::Other;
-  std::string_view Word;  ///< the word that told it; empty for Point and Other
+  std::string_view Word;  ///< the word that told it; empty for a line told by its beginning, Point and Other
 };
 
 ChartLineKind KindOfChartLine(std::string_view line);
 
-/// Whether a line begins as a point does: a number and a comma.
+/// Whether a line begins with a number and a comma; such a line never says anything of the chart's head.
 bool BeginsAsPoint(std::string_view line);
-
-/// For a line that begins as a point: what in it keeps it from being read as one (a word or ":"); empty if
-/// nothing does.
-std::string_view WhyNoPointLine(std::string_view line);
 
 /// A line's value: its text from the second character after its first ":" on.
 std::string_view ValueOfChartLine(std::string_view line);

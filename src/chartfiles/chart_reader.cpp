@@ -24,19 +24,14 @@ class LineReader {
   void Take(std::string_view line) {
     ++number_;
     const ChartLineKind kind = KindOfChartLine(line);
-    if (kind.Kind == ChartLine::Point) {
+    if (kind.Kind == ChartLine::Point)
       TakePoint(line);
-      return;
-    }
-    if (BeginsAsPoint(line)) {
-      // A word in a point's comment hides the point, but never passes for what the chart's head says.
-      Note("the point is left out, since its comment holds \"" +
+    else if (BeginsAsPoint(line))
+      // One number and words: half a point, which never passes for what the chart's head says.
+      Note("the point is left out, since it has no second number, but holds \"" +
            std::string(kind.Word.empty() ? ":" : kind.Word) + "\"");
-      return;
-    }
-    TakeValue(kind.Kind, ValueOfChartLine(line));
-    if (EqualIgnoringCase(line.substr(0, DigitizerCommentWord.size()), DigitizerCommentWord))
-      reading_.Chart.DigitizerComment = ValueOfChartLine(line);
+    else
+      TakeValue(kind.Kind, ValueOfChartLine(line));
   }
 
   void Finish(std::string_view fileName) {
@@ -50,8 +45,6 @@ class LineReader {
   }
 
  private:
-  static constexpr std::string_view DigitizerCommentWord = "DIGITIZER COMMENT:";
-
   void TakePoint(std::string_view line) {
     if (static_cast<int>(reading_.RawPoints.size()) > MaxPoint) {
       ++leftPoints_;
@@ -93,6 +86,9 @@ class LineReader {
       case ChartLine::GeneralComment:
         chart.GeneralComment = value;
         break;
+      case ChartLine::DigitizerComment:
+        chart.DigitizerComment = value;
+        break;
       case ChartLine::Method:
         chart.ChartMethod = LeadingInt16(value);
         break;
@@ -114,7 +110,12 @@ class LineReader {
       case ChartLine::Reliability:
         chart.Reliability = LeadingInt16(value);
         break;
+      case ChartLine::Core:
+      case ChartLine::Agency:
+      case ChartLine::Station:
+      case ChartLine::User:
       case ChartLine::PointCount:
+      case ChartLine::PointsHeading:
       case ChartLine::Point:
       case ChartLine::Other:
         break;
@@ -186,13 +187,10 @@ void ReadChartText(std::string_view text, std::string_view fileName, const Readi
 
 void ReadStoredChart(std::string_view text, const ReadingOptions& options, ChartReading& reading) {
   if (text.empty()) return;
-  std::string name;
-  bool first = true;
-  ForEachLine(text, [&](std::string_view line) {
-    if (first) name = line;
-    first = false;
-  });
-  ReadChartText(text, name, options, reading);
+  const std::size_t end = std::min(text.find('\n'), text.size());
+  std::string_view name = text.substr(0, end);
+  if (name.ends_with('\r')) name.remove_suffix(1);
+  ReadChartText(text.substr(std::min(end + 1, text.size())), name, options, reading);
   reading.Chart.FileName = ChartFileName(reading.Chart.InstrumentCode, reading.Chart.StartTime);
 }
 

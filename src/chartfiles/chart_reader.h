@@ -7,13 +7,11 @@
 #include <string_view>
 #include <vector>
 
+#include "chartfiles/chart_text.h"
 #include "core/records.h"
 #include "core/result.h"
 
 namespace hyetex {
-
-/// No chart file of legal size is longer: 5000 points with a long comment each.
-inline constexpr std::size_t MostChartBytes = 4U << 20;
 
 /// What one read gives. Slot 0 of the raw points is always zero and no point of the file; `Chart.RawCount`
 /// and `Chart.SeriesCount` are the highest indices in use.
@@ -35,8 +33,8 @@ struct ReadingOptions {
 Result<void> ReadChartFile(const std::string& path, const std::string& programFolder,
                            const ReadingOptions& options, ChartReading& reading);
 
-/// Reads a whole chart file as text from the database; its first line is the file's name. An empty text is no
-/// chart and leaves the reading as it was.
+/// Reads a whole chart file as text from the database; its first line is the file's name and no line of the
+/// chart, whatever words it holds. An empty text is no chart and leaves the reading as it was.
 void ReadStoredChart(std::string_view text, const ReadingOptions& options, ChartReading& reading);
 
 /// Reads a chart file's text; `fileName` gives the century of two-digit years where it has the form of a

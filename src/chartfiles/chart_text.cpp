@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cmath>
+#include <utility>
 
 #include "chartfiles/chart_lines.h"
 #include "core/comments.h"
@@ -14,18 +15,22 @@ namespace {
 
 constexpr std::string_view LineEnd = "\r\n";
 
-void AddLine(std::string& text, std::string_view literal, std::string_view value = {}) {
-  text.append(literal).append(value).append(LineEnd);
+// A line end in a typed text would make a line of its own.
+void AddLine(std::string& text, std::string_view line) { text.append(OneLine(line)).append(LineEnd); }
+
+void AddLine(std::string& text, ChartLine kind, std::string_view value = {}) {
+  text.append(LabelOf(kind));
+  AddLine(text, value);
 }
 
-std::string_view ChartMethodLine(int method) {
+std::string_view ChartMethodText(int method) {
   switch (method) {
     case 1:
-      return "Chart Method: 1 - Non-Linear";
+      return "1 - Non-Linear";
     case 2:
-      return "Chart Method: 2 - Tipping-Bucket";
+      return "2 - Tipping-Bucket";
     default:
-      return "Chart Method: 0 - Linear";
+      return "0 - Linear";
   }
 }
 
@@ -41,22 +46,22 @@ struct HeadValues {
 void AddHead(std::string& text, const ChartRecord& chart, int method, const ChartOrigin& origin,
              const HeadValues& values) {
   AddLine(text, "HYETEX88 ASCII FILE");
-  AddLine(text, "Core Party: ", origin.Core);
-  AddLine(text, "Agency: ", origin.Agency);
-  AddLine(text, "Station Name: ", origin.Station);
-  AddLine(text, "Instrument Code: ", origin.InstrumentCode);
-  AddLine(text, "Digitized By: ", origin.User);
-  AddLine(text, ChartMethodLine(method));
-  AddLine(text, "Start: ", values.Start);
-  AddLine(text, "End: ", values.End);
-  AddLine(text, "Digitized Time: ", RoundedText(values.Hours, 2));
-  AddLine(text, "Eyed Depth: ", ShortText(chart.EyedDepth));
-  AddLine(text, "Digitized Depth: ", values.DigitizedDepth);
-  AddLine(text, "Selected Depth: ", values.DigitizedDepth);
-  AddLine(text, "Manual Depth: ", ShortText(chart.ManualDepth));
-  AddLine(text, "Number of Points: ", ShortText(values.Points));
-  AddLine(text, "Chart Reliability: ", values.Reliability);
-  AddLine(text, "Digitation Points:");
+  AddLine(text, ChartLine::Core, origin.Core);
+  AddLine(text, ChartLine::Agency, origin.Agency);
+  AddLine(text, ChartLine::Station, origin.Station);
+  AddLine(text, ChartLine::Instrument, origin.InstrumentCode);
+  AddLine(text, ChartLine::User, origin.User);
+  AddLine(text, ChartLine::Method, ChartMethodText(method));
+  AddLine(text, ChartLine::Start, values.Start);
+  AddLine(text, ChartLine::End, values.End);
+  AddLine(text, ChartLine::DigitizedTime, RoundedText(values.Hours, 2));
+  AddLine(text, ChartLine::EyedDepth, ShortText(chart.EyedDepth));
+  AddLine(text, ChartLine::DigitizedDepth, values.DigitizedDepth);
+  AddLine(text, ChartLine::SelectedDepth, values.DigitizedDepth);
+  AddLine(text, ChartLine::ManualDepth, ShortText(chart.ManualDepth));
+  AddLine(text, ChartLine::PointCount, ShortText(values.Points));
+  AddLine(text, ChartLine::Reliability, values.Reliability);
+  AddLine(text, ChartLine::PointsHeading);
 }
 
 // The hours between two dates, as the 32-bit float that the file's number is made from.
@@ -79,12 +84,8 @@ void AddPointLine(ChartText& file, const Trace& line, int i) {
   const TabletExtents& tablet = line.Scales().Tablet;
   const double mmPerUnit = static_cast<double>(tablet.TabletWidthMm) / tablet.TabletWidthUnits;
   const int paper = line.PaperOfPoint(i);
-  const std::string pointLine = RoundedText(line.TimeAlong(i, paper) * mmPerUnit, 2) + "," +
-                                RoundedText(line.HeightOf(i, paper) * mmPerUnit, 2) + "," + comment;
-  AddLine(file.Text, pointLine);
-  if (const std::string_view why = WhyNoPointLine(pointLine); !why.empty())
-    file.Notes.push_back("Point " + ShortText(i) + " has \"" + std::string(why) + "\" in its comment (" +
-                         ShownText(comment) + "): readers of the file pass over it.");
+  AddLine(file.Text, RoundedText(line.TimeAlong(i, paper) * mmPerUnit, 2) + "," +
+                         RoundedText(line.HeightOf(i, paper) * mmPerUnit, 2) + "," + comment);
 }
 
 void AddAlphaLines(ChartText& file, const Trace& line) {
@@ -99,7 +100,7 @@ void AddAlphaLines(ChartText& file, const Trace& line) {
       file.Notes.push_back("Alpha " + ShortText(count) + " (point " + ShortText(i) +
                            ") has no value: the pen did not drop there.");
     } else {
-      AddLine(file.Text, "Alpha " + ShortText(count) + " : ", RoundedText(std::abs(along / rise), 6));
+      AddLine(file.Text, ChartLine::Alpha, ShortText(count) + " : " + RoundedText(std::abs(along / rise), 6));
     }
   }
   if (count > MaxAlpha)
@@ -109,17 +110,29 @@ void AddAlphaLines(ChartText& file, const Trace& line) {
 
 Result<void> CheckTexts(const ChartOrigin& origin, std::string_view generalComment,
                         std::string_view digitizerComment) {
-  const std::array<std::pair<std::string_view, std::string_view>, 7> texts{
+  if (const auto refusal = CheckOneLine(origin.InstrumentCode))
+    return Failure("The instrument code: " + *refusal);
+  const std::array<std::pair<std::string_view, std::string_view>, 6> texts{
       {{"core party's name", origin.Core},
        {"agency's name", origin.Agency},
        {"station's name", origin.Station},
-       {"instrument code", origin.InstrumentCode},
        {"user's name", origin.User},
        {"general comment", generalComment},
        {"digitizer comment", digitizerComment}}};
   for (const auto& [what, text] : texts)
-    if (const auto refusal = CheckOneLine(text)) return Failure("The " + std::string(what) + ": " + *refusal);
+    if (const auto refusal = CheckOneLine(OneLine(text)))
+      return Failure("The " + std::string(what) + ": " + *refusal);
   return {};
+}
+
+// The database keeps a file behind a line with its name, and its readers take no more either.
+Result<ChartText> CheckedLength(ChartText file, const ChartOrigin& origin, Date start) {
+  if (ChartFileName(origin.InstrumentCode, start).size() + LineEnd.size() + file.Text.size() <=
+      MostChartBytes)
+    return file;
+  return Failure("The chart's file would be longer than " +
+                 ShortText(static_cast<int>(MostChartBytes >> 20)) +
+                 " MB, and nothing could read it: shorten its comments.");
 }
 
 }  // namespace
@@ -146,11 +159,11 @@ Result<ChartText> MakeChartText(const Session& session, const ChartOrigin& origi
   if (last + 1 > MaxPoint)
     file.Notes.push_back("The chart has " + ShortText(last + 1) +
                          " points: readers of the file keep the first " + ShortText(MaxPoint) + ".");
-  AddLine(file.Text, "General Comment: ", chart.GeneralComment);
-  AddLine(file.Text, "Digitizer Comment: ", digitizerComment);
+  AddLine(file.Text, ChartLine::GeneralComment, chart.GeneralComment);
+  AddLine(file.Text, ChartLine::DigitizerComment, digitizerComment);
   AddAlphaLines(file, line);
-  AddLine(file.Text, "Alpha Value Selected: None");
-  return file;
+  AddLine(file.Text, ChartLine::AlphaSelected, "None");
+  return CheckedLength(std::move(file), origin, chart.StartTime);
 }
 
 Result<ChartText> MakeEmptyChartText(const ChartRecord& task, int chartMethod, const ChartOrigin& origin) {
@@ -160,10 +173,10 @@ Result<ChartText> MakeEmptyChartText(const ChartRecord& task, int chartMethod, c
           {GeneralDateText(task.StartTime), GeneralDateText(task.EndTime),
            HoursBetween(task.StartTime, task.EndTime), ShortText(task.EyedDepth), 0, "3 - Unreliable"});
   AddLine(file.Text, "0,0,");
-  AddLine(file.Text, "General Comment: ", task.GeneralComment);
-  AddLine(file.Text, "Digitizer Comment: NOT DIGITIZED");
-  AddLine(file.Text, "Alpha Value Selected: None");
-  return file;
+  AddLine(file.Text, ChartLine::GeneralComment, task.GeneralComment);
+  AddLine(file.Text, ChartLine::DigitizerComment, "NOT DIGITIZED");
+  AddLine(file.Text, ChartLine::AlphaSelected, "None");
+  return CheckedLength(std::move(file), origin, task.StartTime);
 }
 
 std::string ChartFileName(std::string_view instrumentCode, Date start) {

@@ -2,6 +2,7 @@
 // alpha values; 8-bit text, lines ended by carriage return and line feed.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,6 +12,10 @@
 #include "core/session.h"
 
 namespace hyetex {
+
+/// No reader takes a longer chart, with or without the line of its name that a database puts before it; 5000
+/// points with a long comment each are shorter.
+inline constexpr std::size_t MostChartBytes = 4U << 20;
 
 /// Who and what a chart file's head names.
 struct ChartOrigin {
@@ -29,10 +34,11 @@ struct ChartText {
 /// "Unknown", "Acceptable", "Marginal", "Unreliable"; an unknown number reads as "Unknown".
 std::string_view ReliabilityText(int reliability);
 
-/// The file of a digitized chart. Fails on a text that cannot stand on its line.
+/// The file of a digitized chart. Line ends in its texts become blanks. Fails, in one line, on a text that
+/// cannot stand on its line for another reason, and on a file that would be longer than MostChartBytes.
 Result<ChartText> MakeChartText(const Session& session, const ChartOrigin& origin,
                                 std::string_view digitizerComment);
-/// The file of a chart too defective to trace, from its staged details alone.
+/// The file of a chart too defective to trace, from its staged details alone; fails alike.
 Result<ChartText> MakeEmptyChartText(const ChartRecord& task, int chartMethod, const ChartOrigin& origin);
 
 /// "<instrument code>-YYYYMMDD-HHMM.dat".

@@ -29,7 +29,17 @@ std::span<const FixedComment> FixedComments() { return Fixed; }
 std::string CodeText(int code) { return "CODE" + std::to_string(code); }
 
 bool HasCode(std::string_view comment, int code) {
-  return !comment.empty() && comment.find(CodeText(code)) != std::string_view::npos;
+  if (comment.empty()) return false;
+  const auto isDigit = [&](std::size_t at) {
+    return at < comment.size() && comment[at] >= '0' && comment[at] <= '9';
+  };
+  const std::string text = CodeText(code);
+  for (std::size_t at = 0; (at = comment.find(text, at)) != std::string_view::npos;) {
+    at += text.size();
+    // CODE2050 and CODE205.5 are codes of their own.
+    if (!isDigit(at) && !(comment.substr(at, 1) == "." && isDigit(at + 1))) return true;
+  }
+  return false;
 }
 
 void AddCode(std::string& comment, std::string_view text) {

@@ -32,7 +32,7 @@ std::span<const FixedComment> FixedComments();
 
 /// "CODE" and the number.
 std::string CodeText(int code);
-/// Whether "CODE" followed by the decimal number occurs anywhere in the comment.
+/// Whether "CODE" followed by just this number occurs anywhere in the comment.
 bool HasCode(std::string_view comment, int code);
 /// Sets an empty comment to `text`, else joins it on with "::".
 void AddCode(std::string& comment, std::string_view text);

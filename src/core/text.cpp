@@ -87,6 +87,16 @@ std::string ShownText(std::string_view text) {
   return shown;
 }
 
+std::string OneLine(std::string_view text) {
+  std::string line;
+  line.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;  // one end, one blank
+    line += text[i] == '\r' || text[i] == '\n' ? ' ' : text[i];
+  }
+  return line;
+}
+
 std::optional<std::string> CheckOneLine(std::string_view text) {
   if (text.find_first_of("\r\n") != std::string_view::npos) return "The text must stand on one line.";
   if (text.find('\0') != std::string_view::npos) return "The text holds a character that cannot be stored.";

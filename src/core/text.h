@@ -15,6 +15,8 @@ std::string_view Trim(std::string_view text);
 /// `text` as UTF-8 for showing: as it stands where it is valid UTF-8, else read as Windows-1252.
 std::string ShownText(std::string_view text);
 
+/// A typed text as files keep it: each line end becomes a blank.
+std::string OneLine(std::string_view text);
 /// Why `text` cannot stand on one line of a file (it holds a line break or a NUL byte); nothing if it can.
 std::optional<std::string> CheckOneLine(std::string_view text);
 /// A chart file's or stored text's lines: split on carriage return and line feed if the text holds that

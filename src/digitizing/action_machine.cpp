@@ -282,7 +282,16 @@ void ActionMachine::ShowInstruction(std::string_view text) {
 
 // ---- Comments
 
+// The first point of a chart takes no comment.
+bool ActionMachine::PointsTakeComment() const {
+  const Trace& line = session_.Line;
+  for (int i = 1; i <= line.LastPoint(); ++i)
+    if (line.Point(i).Selected) return true;
+  return false;
+}
+
 void ActionMachine::OpenCommentWindow(CommentRequest request) {
+  if (!request.General && !PointsTakeComment()) return;
   view_.EnableDesk(false);
   comment_ = std::move(request);
   decoder_.Clear();
@@ -290,21 +299,22 @@ void ActionMachine::OpenCommentWindow(CommentRequest request) {
 }
 
 std::optional<std::string> ActionMachine::AddComment(std::string_view code, std::string_view text) {
-  if (auto refusal = CheckOneLine(text)) return refusal;
-  const std::string entry = MakeComment(code, text);
+  const std::string line = OneLine(text);
+  if (auto refusal = CheckOneLine(line)) return refusal;
+  const std::string entry = MakeComment(code, line);
   if (entry.empty() || !comment_) return std::nullopt;
   const std::string plainCode = code.empty() ? std::string() : ShortText(LeadingFloat(code));
   Record({.What = comment_->General ? JournalEvent::Kind::General : JournalEvent::Kind::Comment,
           .Code = plainCode,
-          .Text = std::string(text)});
+          .Text = line});
   session_.Saved = false;
   if (comment_->General) {
     AddCode(session_.Chart.GeneralComment, entry);
     return std::nullopt;
   }
-  Trace& line = session_.Line;
-  for (int i = 1; i <= line.LastPoint(); ++i)
-    if (line.Point(i).Selected) line.AddComment(i, entry);
+  Trace& trace = session_.Line;
+  for (int i = 1; i <= trace.LastPoint(); ++i)
+    if (trace.Point(i).Selected) trace.AddComment(i, entry);
   view_.DrawGraph();
   return std::nullopt;
 }

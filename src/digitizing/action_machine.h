@@ -67,7 +67,7 @@ class ActionMachine {
 
   /// A lasso is being dragged, whatever tool the mouse or a menu has started since.
   bool LassoIsOpen() const { return selection_.has_value(); }
-  /// Ends a lasso over these points: opens the comment window for them, if there are any.
+  /// Ends a lasso over these points: opens the comment window for them, if one of them takes a comment.
   void EndLasso(const std::vector<int>& points);
 
   std::string_view Instruction() const { return instruction_; }
@@ -101,6 +101,7 @@ class ActionMachine {
   void ToggleAlpha();
   void BackToDrawing();
   void LassoReleased();
+  bool PointsTakeComment() const;
   void OpenCommentWindow(CommentRequest request);
   void LoadZoom();
   void FinishZoom();

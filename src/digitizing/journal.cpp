@@ -104,6 +104,12 @@ std::optional<int> ReadTablet(std::string_view line) {
   return type;
 }
 
+// Journals of earlier versions hold comments for the first point, which takes none.
+bool OnlyFirstPointIsSelected(const ActionMachine& machine) {
+  const Trace& line = machine.State().Line;
+  return !machine.CommentIsOpen() && line.LastPoint() >= 0 && line.Point(0).Selected;
+}
+
 // What an event asks for that the machine's state has no answer to.
 std::optional<std::string> Apply(const JournalEvent& event, ActionMachine& machine) {
   const auto closeComment = [&] {
@@ -129,6 +135,7 @@ std::optional<std::string> Apply(const JournalEvent& event, ActionMachine& machi
     case JournalEvent::Kind::General: {
       const bool general = event.What == JournalEvent::Kind::General;
       if (general && !machine.CommentIsOpen()) machine.RunTool(tool::GeneralComment);
+      if (!general && OnlyFirstPointIsSelected(machine)) break;
       if (!machine.CommentIsOpen() || machine.OpenCommentRequest()->General != general)
         return "there are no points selected for the comment";
       if (auto refusal = machine.AddComment(event.Code, event.Text)) return refusal;
@@ -136,6 +143,7 @@ std::optional<std::string> Apply(const JournalEvent& event, ActionMachine& machi
       break;
     }
     case JournalEvent::Kind::Clear:
+      if (OnlyFirstPointIsSelected(machine)) break;
       if (!machine.CommentIsOpen()) return "there are no comments to clear";
       machine.ClearComments();
       break;

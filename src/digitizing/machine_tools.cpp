@@ -125,7 +125,7 @@ void ActionMachine::EndLasso(const std::vector<int>& points) {
   selection_.reset();
   view_.HideDragShape(DragShape::Selection);
   BackToDrawing();
-  if (!points.empty()) OpenCommentWindow({false, "Add a Comment for a segment...", "", {}});
+  OpenCommentWindow({false, "Add a Comment for a segment...", "", {}});
 }
 
 // ---- Zoom

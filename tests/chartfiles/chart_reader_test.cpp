@@ -78,12 +78,16 @@ TEST(ChartReader, ReadsBackWhatWasWrittenWhateverItsLineEnds) {
   EXPECT_EQ(stored.Chart.FileName, "RG1-19980501-0800.dat");
 }
 
-TEST(ChartReader, FirstTestThatHoldsDecidesAndValuesCountToo) {
+TEST(ChartReader, WordsTellTheLinesOfOtherVersions) {
   const auto chart = [](const char* line) { return Read(line).Chart; };
-  EXPECT_EQ(chart("Digitizer Comment: 02/01/98 the END").EndTime, 0) << "no date: the end stays";
-  EXPECT_EQ(chart("Station Name: Start: 02/01/98").StartTime, 0) << "the value begins at the first colon";
-  EXPECT_EQ(chart("General Comment: by instrument 7").GeneralComment, "");
-  EXPECT_EQ(chart("General Comment: by instrument 7").InstrumentCode, "by instrument 7");
+  EXPECT_EQ(chart("Chart start: 02/01/98 the END").StartTime, MakeDate(1998, 1, 2))
+      << "the first test decides";
+  EXPECT_EQ(chart("ENDED: 02/01/98 08:00").EndTime, MakeDate(1998, 1, 2, 8));
+  EXPECT_EQ(chart("Instrument: RG7").InstrumentCode, "RG7");
+  EXPECT_EQ(chart("A general comment: by instrument 7").InstrumentCode, "by instrument 7");
+  EXPECT_EQ(chart("the general comment: wet").GeneralComment, "wet");
+  EXPECT_EQ(chart("Alpha value 1: 0.25").AlphaValues[1], 0.25F);
+  EXPECT_EQ(chart("alpha 12:  0.25").AlphaValues[1], 0.25F);
   EXPECT_EQ(chart("alpha value selected: 0.25 (none better)").SelectedAlpha, NoAlpha);
   EXPECT_EQ(chart("Alpha Value Selected: 0.25").SelectedAlpha, 0.25F);
   EXPECT_EQ(chart("Chart Method: 1 - Non-Linear").ChartMethod, 1);
@@ -99,10 +103,11 @@ TEST(ChartReader, FirstTestThatHoldsDecidesAndValuesCountToo) {
   EXPECT_EQ(point.Comment, "a,b");
 }
 
-TEST(ChartReader, TellsOfPointsThatTheirCommentsHide) {
-  const ChartReading reading = Read("1,2,\n3,4,CODE205::Clock malfunction\n5,6,ALPHA point\n7,8,fine\n");
-  EXPECT_EQ(reading.Chart.RawCount, 2);
-  EXPECT_EQ(reading.RawPoints[2].X, 7);
+TEST(ChartReader, HalfAPointIsLeftOutAndSaysNothingOfTheChart) {
+  const ChartReading reading = Read("1,2,\n3,x,END: 02/01/98\n5,Instrument: RG7\n 7, 8,a:b\n9,\n");
+  EXPECT_EQ(reading.Chart.RawCount, 3);
+  EXPECT_EQ(reading.RawPoints[2].Comment, "a:b");
+  EXPECT_TRUE(reading.Chart.EndTime == 0 && reading.Chart.InstrumentCode.empty());
   EXPECT_THAT(reading.Notes, ElementsAre(HasSubstr("line 2:"), HasSubstr("line 3:")));
   EXPECT_THAT(Read("Start: soon").Notes, ElementsAre(HasSubstr("is no date")));
 }
@@ -154,7 +159,7 @@ TEST(ChartReader, TakesDamagedFilesAsFarAsTheyGo) {
 }
 
 TEST(ChartReader, LeavesNothingOfTheChartBefore) {
-  ChartReading reading = Read(SampleText() + "1,2,a:b\n");
+  ChartReading reading = Read(SampleText() + "1,a:b\n");
   ReadStoredChart("", {}, reading);
   EXPECT_EQ(reading.Chart.RawCount, 5) << "no text is no chart";
   ReadChartText("", "", {}, reading);

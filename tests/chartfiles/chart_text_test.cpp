@@ -5,12 +5,14 @@
 #include "chartfiles/chart_reader.h"
 #include "core/comments.h"
 #include "core/text.h"
+#include "database/store/light_reader.h"
 #include "plain_session.h"
 #include "support.h"
 
 namespace hyetex::test {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
@@ -82,15 +84,43 @@ TEST(ChartText, TellsWhatReadersWillNotSee) {
   EXPECT_THAT(reading.Notes, ElementsAre(HasSubstr("1 point line "), HasSubstr("1 alpha line ")));
 }
 
-TEST(ChartText, RefusesATextThatWouldMakeFurtherLines) {
+TEST(ChartText, KeepsEachTypedTextOnItsLine) {
   ChartOrigin origin = Origin;
   origin.Station = "A\nDigitized Depth: 99";
-  EXPECT_FALSE(MakeChartText(PlainSession(May()), origin, ""));
-  EXPECT_FALSE(MakeEmptyChartText(May(), 0, origin));
-  EXPECT_FALSE(MakeChartText(PlainSession(May()), Origin, "A\r\nB"));
   ChartRecord chart = May();
+  chart.GeneralComment = "wet\r\n1,2,\r";
+  Session session = PlainSession(chart);
+  session.Line.Add(0, 1);
+  session.Line.Add(1, 2, false, "torn\nEnd: 01/01/99");
+  const auto traced = MakeChartText(session, origin, "A\nB"), empty = MakeEmptyChartText(chart, 0, origin);
+  ASSERT_TRUE(traced && empty);
+  for (const std::string& text : {traced->Text, empty->Text})
+    EXPECT_THAT(text, AllOf(HasSubstr("\r\nStation Name: A Digitized Depth: 99\r\n"),
+                            HasSubstr("\r\nGeneral Comment: wet 1,2, \r\n")));
+  EXPECT_THAT(traced->Text,
+              AllOf(HasSubstr(",torn End: 01/01/99\r\n"), HasSubstr("\r\nDigitizer Comment: A B\r\n")));
+  origin.InstrumentCode += "\n";
+  EXPECT_FALSE(MakeEmptyChartText(May(), 0, origin));
   chart.GeneralComment = std::string("A\0B", 3);
   EXPECT_FALSE(MakeEmptyChartText(chart, 0, Origin));
+}
+
+TEST(ChartText, IsNoLongerThanItsReadersTake) {
+  ChartRecord chart = May();
+  const std::string name = ChartFileName(Origin.InstrumentCode, chart.StartTime) + "\r\n";
+  const std::size_t room = MostChartBytes - name.size() - MakeEmptyChartText(chart, 0, Origin)->Text.size();
+  chart.GeneralComment.assign(room, 'x');
+  const auto longest = MakeEmptyChartText(chart, 0, Origin);
+  ASSERT_TRUE(longest);
+  LightReader light({});
+  EXPECT_TRUE(light.Take(name + longest->Text));
+  EXPECT_EQ(light.Finish().GeneralComment.size(), room);
+
+  chart.GeneralComment += 'x';
+  const auto empty = MakeEmptyChartText(chart, 0, Origin),
+             traced = MakeChartText(PlainSession(chart), Origin, "");
+  ASSERT_FALSE(empty || traced);
+  for (const std::string& error : {empty.error(), traced.error()}) EXPECT_THAT(error, HasSubstr("4 MB"));
 }
 
 TEST(ChartFileName, IsReadBackAndNothingElseIs) {

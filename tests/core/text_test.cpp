@@ -39,6 +39,7 @@ TEST(Text, ComparesAsciiOnlyAndKnowsWhatFitsALine) {
   EXPECT_FALSE(EqualIgnoringCase("\xC9", "\xE9") || EqualIgnoringCase("RG1", "RG12"));
   EXPECT_TRUE(CheckOneLine("a\nb") && CheckOneLine("a\r") && CheckOneLine(std::string_view("a\0b", 3)));
   EXPECT_FALSE(CheckOneLine("a, b::c|d"));
+  EXPECT_EQ(OneLine("a\r\nb\nc\rd\n\r\r\n"), "a b c d   ");
 }
 
 TEST(Comments, KeepTheirEntriesInOrder) {
@@ -47,7 +48,8 @@ TEST(Comments, KeepTheirEntriesInOrder) {
   AddCode(comment, "Clock malfunction");
   EXPECT_EQ(comment, "CODE205::Clock malfunction");
   EXPECT_EQ(CommentEntries(comment), (std::vector<std::string>{"CODE205", "Clock malfunction"}));
-  EXPECT_TRUE(CommentEntries("").empty() && HasCode(comment, 205) && HasCode("late CODE2031", 203));
+  EXPECT_TRUE(CommentEntries("").empty() && HasCode(comment, 205) && HasCode("CODE2031 and CODE203.", 203));
+  EXPECT_FALSE(HasCode("CODE2050", 205) || HasCode("CODE205.5", 205) || HasCode("CODE2031", 203));
   EXPECT_FALSE(HasCode(comment, 202) || HasCode("", 202) || HasCode("203", 203) || HasCode("code203", 203));
   EXPECT_EQ(MakeComment("", "") + MakeComment("205", "") + MakeComment("", " Wet"), "CODE205 Wet");
   EXPECT_EQ(MakeComment("205 or so", "Wet"), "CODE205 + Wet");

@@ -131,12 +131,12 @@ TEST(ActionMachine, LevelsAndEndsOfGapsCarryTheirCodes) {
     const std::string_view thrownAway = "0900,0900,1\r\n0900,0900,1\r\n0900";
     desk.Machine.Receive({reinterpret_cast<const std::uint8_t*>(thrownAway.data()), thrownAway.size()});
     EXPECT_EQ(desk.State.CursorX, 800);
-    EXPECT_TRUE(desk.Machine.AddComment(request.Code, "two\nlines"));  // refused
-    EXPECT_EQ(desk.Comment(request.Code, "Torn").LastOne().Comment, "CODE" + request.Code + " + Torn");
+    EXPECT_EQ(desk.Comment(request.Code, "To\nrn").LastOne().Comment, "CODE" + request.Code + " + To rn");
     EXPECT_TRUE(desk.View.Enabled && desk.IsDrawing() && desk.Line().Point(1).Comment == "CODE203");
   }
-  EXPECT_EQ(Desk().Calibrated().Tool(17).Click(600, 600).Comment("205", "").LastOne().Comment,
-            "");  // point 0
+  Desk first;  // the first point takes no comment, so none is asked for
+  EXPECT_FALSE(first.Calibrated().Tool(17).Click(600, 600).Machine.CommentIsOpen());
+  EXPECT_TRUE(first.View.Enabled && first.Last() == 0);
 }
 
 TEST(ActionMachine, ErasingAndRedigitizingKeepThePage) {
@@ -184,6 +184,8 @@ TEST(ActionMachine, ALassoCommentsThePointsUnderIt) {
     if (zoomed) desk.Machine.AutoZoom();
     desk.Tool(12).Drag(1000, 700, 1100, 800);
     EXPECT_TRUE(!desk.Machine.CommentIsOpen() && desk.IsDrawing() && !desk.View.Shape);
+    desk.Tool(12).Drag(550, 500, 650, 700);  // only the first point, which takes none
+    EXPECT_FALSE(desk.Machine.CommentIsOpen());
     desk.Tool(12).Drag(850, 700, 550, 500);  // from any corner
     ASSERT_TRUE(desk.Machine.CommentIsOpen()) << zoomed;
     EXPECT_EQ(desk.Machine.OpenCommentRequest()->Title, "Add a Comment for a segment...");

@@ -50,7 +50,7 @@ std::optional<std::string> ListEditor::Ask(const Prompt& prompt, const std::stri
     const auto typed = prompt.IsSecret ? dialogs_.PasswordBox(title, text, initial)
                                        : dialogs_.InputBox(title, text, initial);
     if (!typed) return std::nullopt;
-    const std::string& answer = *typed == shown ? old : *typed;
+    const std::string answer = OneLine(*typed == shown ? old : *typed);
     const std::optional<std::string> refusal = answer.empty() ? std::nullopt : check(answer);
     if (!refusal) return answer;
     Tell(title, *refusal);

@@ -79,7 +79,7 @@ tl::expected<CheckedTask, TaskFault> CheckTaskDetails(const TaskDetails& details
   if (!IsDepth(details.EyedDepth) && !(IsDefectiveByEntry(details.Comments) && IsDepth(details.ManualDepth)))
     return fault("you must enter a value for the Eyed depth", TaskField::EyedDepth);
 
-  task.GeneralComment = details.Comments;
+  task.GeneralComment = OneLine(details.Comments);
   task.EyedDepth = LeadingFloat(details.EyedDepth);
   task.ManualDepth = IsDepth(details.ManualDepth) ? LeadingFloat(details.ManualDepth) : NoDepth;
   task.Reliability = static_cast<std::int16_t>(details.Reliability);

@@ -155,21 +155,21 @@ Result<void> SaveTasks(const std::string& programFolder, const std::vector<Chart
   if (tasks.size() > MaxTask + 1)
     return Failure("The staged charts cannot be saved: there are more than " + std::to_string(MaxTask + 1) +
                    ".");
-  std::list<std::string> firstLines;
+  std::list<std::string> texts;
   std::vector<std::string_view> lines;
   for (const ChartRecord& task : tasks) {
     if (const auto why = CheckTask(task))
       return Failure("The staged charts cannot be saved: the chart of " + Quoted(task.InstrumentCode) +
                      " from " + GeneralDateText(task.StartTime) + ": " + *why);
-    lines.push_back(firstLines.emplace_back(FirstLineText(task)));
-    lines.push_back(task.GeneralComment);
+    lines.push_back(texts.emplace_back(FirstLineText(task)));
+    lines.push_back(texts.emplace_back(OneLine(task.GeneralComment)));
   }
   return WriteLines(JoinPath(programFolder, TasksFileName), lines);
 }
 
 std::optional<std::string> CheckTask(const ChartRecord& task) {
   if (const auto why = CheckCode(task.InstrumentCode)) return why;
-  return CheckOneLine(task.GeneralComment);
+  return CheckOneLine(OneLine(task.GeneralComment));
 }
 
 std::optional<std::string> CheckTaskRoom(const std::vector<ChartRecord>& tasks) {

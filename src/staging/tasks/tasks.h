@@ -30,11 +30,12 @@ struct TaskTable {
 /// long or is no text.
 Result<TaskTable> LoadTasks(const std::string& programFolder, const std::vector<StationRecord>& stations);
 
-/// Rewrites the file in full. Fails, naming the chart, on whatever CheckTask refuses, and on too many.
+/// Rewrites the file in full; line ends in comments become blanks. Fails, naming the chart, on whatever
+/// CheckTask refuses, and on too many.
 Result<void> SaveTasks(const std::string& programFolder, const std::vector<ChartRecord>& tasks);
 
-/// Why a chart cannot stand in the file: its code holds a comma or a line break, or its comments hold a line
-/// break. Nothing if it can.
+/// Why a chart cannot stand in the file: its code holds a comma or a line break, or a text of it holds a
+/// NUL. Nothing if it can.
 std::optional<std::string> CheckTask(const ChartRecord& task);
 /// Why no further chart can be staged; nothing if there is room.
 std::optional<std::string> CheckTaskRoom(const std::vector<ChartRecord>& tasks);

@@ -89,8 +89,9 @@ bool frmTaskDef::eventFilter(QObject* watched, QEvent* event) {
 // ---- Comments
 
 std::optional<std::string> frmTaskDef::AddComment(std::string_view code, std::string_view text) {
-  if (auto refusal = CheckOneLine(text)) return refusal;
-  AddCode(comments_, MakeComment(code, text));
+  const std::string line = OneLine(text);
+  if (auto refusal = CheckOneLine(line)) return refusal;
+  AddCode(comments_, MakeComment(code, line));
   UpdateCommentsList();
   return std::nullopt;
 }
