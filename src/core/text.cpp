@@ -88,8 +88,9 @@ std::string ShownText(std::string_view text) {
 }
 
 std::string OneLine(std::string_view text) {
+  if (text.find('\n') == std::string_view::npos && text.find('\r') == std::string_view::npos)
+    return std::string(text);
   std::string line;
-  line.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
     if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;  // one end, one blank
     line += text[i] == '\r' || text[i] == '\n' ? ' ' : text[i];

@@ -80,8 +80,7 @@ TEST(ChartReader, ReadsBackWhatWasWrittenWhateverItsLineEnds) {
 
 TEST(ChartReader, WordsTellTheLinesOfOtherVersions) {
   const auto chart = [](const char* line) { return Read(line).Chart; };
-  EXPECT_EQ(chart("Chart start: 02/01/98 the END").StartTime, MakeDate(1998, 1, 2))
-      << "the first test decides";
+  EXPECT_EQ(chart("The END's start: 02/01/98").StartTime, MakeDate(1998, 1, 2)) << "the first test decides";
   EXPECT_EQ(chart("ENDED: 02/01/98 08:00").EndTime, MakeDate(1998, 1, 2, 8));
   EXPECT_EQ(chart("Instrument: RG7").InstrumentCode, "RG7");
   EXPECT_EQ(chart("A general comment: by instrument 7").InstrumentCode, "by instrument 7");

@@ -71,7 +71,7 @@ TEST_F(Saving, RefusesWhatIsNoChartAndWhatItCannotWrite) {
   EXPECT_EQ(Row(), "4");
   std::filesystem::remove(path_);
 
-  session_.Chart.GeneralComment = "two\nlines";
+  session_.Chart.GeneralComment.assign(MostChartBytes, 'x');
   EXPECT_FALSE(Save());
   session_.Chart.GeneralComment.clear();
   session_.Line.RemoveLast();

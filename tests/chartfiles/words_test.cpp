@@ -6,6 +6,7 @@
 #include "chartfiles/chart_lines.h"
 #include "chartfiles/chart_reader.h"
 #include "core/comments.h"
+#include "core/numbers.h"
 #include "core/text.h"
 #include "database/store/light_reader.h"
 #include "plain_session.h"
@@ -92,7 +93,7 @@ ChartRecord LightlyRead(std::string_view stored, Texts& texts, const ReadingOpti
 
 TEST(Words, ComeBackAsTheyWereWrittenAndChangeNothingElse) {
   Texts texts;
-  for (int round = 0; round < 2000; ++round) {
+  for (int round = 0; round < 1000; ++round) {
     ChartRecord chart;
     chart.InstrumentCode = texts.NextCode();
     chart.InstrumentIndex = 1;

@@ -104,7 +104,7 @@ TEST(Tasks, RefusesTextsThatWouldBreakTheFile) {
   ASSERT_TRUE(SaveTasks(folder.Path(), {Task("A", 1, 2, 3, 4, 0, "")}));
   const std::string before = ReadFile(folder / "Tasks.lst");
   for (const auto& bad : {Task("A ,B", 1, 2, 3, 4, 0, ""), Task("A\nB", 1, 2, 3, 4, 0, ""),
-                          Task("A", 1, 2, 3, 4, 0, "a\rb"), Task("A", 1, 2, 3, 4, 0, std::string(1, '\0')),
+                          Task("A", 1, 2, 3, 4, 0, std::string(1, '\0')),
                           Task("A", 1, 2, 3, 4, 0, std::string(5 << 20, 'x'))}) {
     const auto saved = SaveTasks(folder.Path(), {Task("A", 1, 2, 3, 4, 0, ""), bad});
     ASSERT_FALSE(saved);
@@ -112,6 +112,10 @@ TEST(Tasks, RefusesTextsThatWouldBreakTheFile) {
   }
   EXPECT_FALSE(RenameInstrument(folder.Path(), "A", "A,B"));
   EXPECT_EQ(ReadFile(folder / "Tasks.lst"), before);
+  ASSERT_TRUE(SaveTasks(folder.Path(), {Task("A", 1, 2, 3, 4, 0, "a\r\nB , 1")}));
+  const auto kept = LoadTasks(folder.Path(), {});
+  ASSERT_EQ(kept->Tasks.size(), 1U);
+  EXPECT_EQ(kept->Tasks[0].GeneralComment, "a B , 1");
 }
 
 TEST(Tasks, EndsInOneLineOnAFileThatIsNoTaskList) {
