@@ -90,14 +90,14 @@ TEST_F(SaveWindow, StaysOpenWhenTheFolderTakesNoFile) {
 }
 
 TEST_F(SaveWindow, AsksBeforeItWritesWhatReadersWillNotSee) {
-  session_.Line.AddComment(1, "at 12:30");
+  session_.Line.Add(7.5, 12, false, "CODE202");  // no drop, so the alpha has no value
   dialogs_.Answers = {BoxAnswer::Cancel, BoxAnswer::Ok};
   Click(Open(), "cmdSave");
   EXPECT_TRUE(window_->isVisible());
   EXPECT_FALSE(FileExists(path_));
   Click(*window_, "cmdSave");
   EXPECT_TRUE(session_.Saved);
-  EXPECT_THAT(dialogs_.Boxes[0].Text, testing::HasSubstr("at 12:30"));
+  EXPECT_THAT(dialogs_.Boxes[0].Text, testing::HasSubstr("Alpha 1 (point 2) has no value"));
   EXPECT_THAT(dialogs_.Boxes[0].Text, testing::EndsWith("\n\nSave the chart all the same ?"));
 }
 
