@@ -22,7 +22,7 @@ Session FullSession(int points) {
   ChartRecord chart;
   chart.StartTime = MakeDate(1998, 3, 5, 7);
   chart.EndTime = chart.StartTime + 1;
-  Session session(TabletTypes()[0].Extents, type, chart, chart.StartTime);
+  Session session(TabletTypes()[0].Extents, type, chart);
   session.Line.SetPage(300, 400, 8000, 470);
   for (int i = 0; i < points; ++i) session.Line.Add(300 + 1.5 * i, 420 + i * 7 % 1500);
   return session;

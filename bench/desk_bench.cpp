@@ -27,11 +27,11 @@ void NeedApplication() {
 
 // A line that rises and falls over the whole band, with all that has a colour of its own.
 struct FullGraph {
-  FullGraph() : State({16000, 10000, 400, 250}, {"Daily", 100, 0.125F, 1 / 16.1F, 0, 0}, {}, 0) {
+  FullGraph() : Chart({16000, 10000, 400, 250}, {"Daily", 100, 0.125F, 1 / 16.1F, 0, 0}, {}) {
     Layout.ScaleWidth = Width * UnitsPerPixel;
     Layout.ScaleHeight = Height * UnitsPerPixel;
-    State.ScaleX = State.ScaleY = 1.5F;
-    Trace& line = State.Line;
+    Layout.ScaleX = Layout.ScaleY = 1.5F;
+    Trace& line = Chart.Line;
     line.SetPage(500, 500, 15500, 520);
     for (int i = 0; i <= MaxPoint; ++i)
       line.Add(500 + 3 * i, 600 + 1500 * (1 + std::sin(i * 0.02)), i % 900 == 899,
@@ -39,7 +39,7 @@ struct FullGraph {
                : i % 31 == 30 ? "CODE202"
                               : "");
   }
-  Session State;
+  Session Chart;
   DeskLayout Layout;
 };
 
@@ -55,7 +55,7 @@ void DrawFullGraph(benchmark::State& state) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.scale(1.0 / UnitsPerPixel, 1.0 / UnitsPerPixel);
     QtSurface surface(painter, ToUnits(QRectF(picture.rect())), Qt::white);
-    DrawGraph(graph.State, graph.Layout, state.range(0) != 0, surface);
+    DrawGraph(graph.Chart.Line, graph.Layout, state.range(0) != 0, surface);
     painter.end();
     drawn += Clock::now() - start;
   }
@@ -67,7 +67,7 @@ BENCHMARK(DrawFullGraph)->ArgName("points")->Arg(0)->Arg(1)->UseRealTime()->Unit
 void MoveCursor(benchmark::State& state) {
   NeedApplication();
   const FullGraph full;
-  picGraph graph([&](Surface& surface) { DrawGraph(full.State, full.Layout, true, surface); }, nullptr);
+  picGraph graph([&](Surface& surface) { DrawGraph(full.Chart.Line, full.Layout, true, surface); }, nullptr);
   graph.resize(Width, Height);
   Shape horizontal("linHor", Shape::Kind::Filled, Qt::black, &graph);
   Shape vertical("linVer", Shape::Kind::Filled, Qt::black, &graph);

@@ -25,7 +25,7 @@ Session NewSession(const TabletType& tablet, int method) {
   ChartRecord chart;
   chart.StartTime = 30000;
   chart.EndTime = 30001;
-  return Session(tablet.Extents, type, chart, 30000);
+  return Session(tablet.Extents, type, chart);
 }
 
 void CheckTexts(const Session& session) {
@@ -49,7 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   journal.Text = JournalHead(index);
   Session session = NewSession(tablet, method);
   ActionMachine machine(session, tablet, view, &journal);
-  machine.Start();
+  machine.Start(30000);
   for (std::size_t at = 0; at < bytes.size(); at += 64) {
     machine.Receive(bytes.subspan(at, std::min<std::size_t>(64, bytes.size() - at)));
     if (machine.CommentIsOpen()) {
@@ -61,13 +61,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   Session again = NewSession(tablet, method);
   ActionMachine replayed(again, tablet, view);
-  replayed.Start();
+  replayed.Start(30000);
   if (!Replay(ReadJournal(journal.Text), replayed) || again.Line.LastPoint() != session.Line.LastPoint())
     std::abort();
 
   Session third = NewSession(tablet, method);
   ActionMachine asJournal(third, tablet, view);
-  asJournal.Start();
+  asJournal.Start(30000);
   const std::string text =
       JournalHead(index) + std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size());
   (void)Replay(ReadJournal(text), asJournal);

@@ -197,8 +197,7 @@ bool AppDesk::BeginChart(ActivatedChart chart, std::string device) {
   auto origin = OriginOfChart(program_.Lists, chart.Task, program_.User().Name);
   if (!origin) return Tell(origin.error()), false;
 
-  Session session(TabletTypes()[static_cast<std::size_t>(chart.Tablet)].Extents, chart.ChartType, chart.Task,
-                  Now());
+  Session session(TabletTypes()[static_cast<std::size_t>(chart.Tablet)].Extents, chart.ChartType, chart.Task);
   if (const auto refusal = CheckChartScales(session.Line.Scales())) return Tell(*refusal), false;
   program_.Active = std::make_shared<ActiveChart>(
       ActiveChart{std::move(session), *std::move(origin), chart.Tablet, std::move(device)});

@@ -127,7 +127,7 @@ void TakeSession(AppDesk& desk, Camera& camera) {
 
   // The end of a data gap, a little behind the last point, asks for its reason.
   ActionMachine& machine = digitizing->Machine();
-  const Trace& line = machine.State().Line;
+  const Trace& line = machine.CurrentSession().Line;
   if (line.LastPoint() < 0) return;
   const DigitizedPoint& last = line.Points().back();
   machine.RunTool(tool::Gap);

@@ -84,11 +84,11 @@ Exit DigitizeJournal(const DigitizeWords& words, const Work& work) {
   if (journal.Tablet < 0) return Fail(*journal.Error);
 
   const TabletType& tablet = TabletTypes()[static_cast<std::size_t>(journal.Tablet)];
-  Session session(tablet.Extents, work.Chart.ChartType, work.Chart.Task, Now());
+  Session session(tablet.Extents, work.Chart.ChartType, work.Chart.Task);
   if (const auto refusal = CheckChartScales(session.Line.Scales())) return Fail(*refusal);
   ReplayView view;
   ActionMachine machine(session, tablet, view);
-  machine.Start();
+  machine.Start(Now());
   if (const auto replayed = Replay(journal, machine); !replayed) return Fail(replayed.error());
 
   if (const auto error = SessionError(session)) {

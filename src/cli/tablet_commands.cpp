@@ -69,9 +69,9 @@ Exit RunTrace(const TraceWords& words) {
   HeadlessView view;
   // The kind of chart plays no part in what is journaled but for presses off an arc, and those digitize
   // tells.
-  Session session(tablet.Extents, ChartTypeRecord{}, ChartRecord{}, Now());
+  Session session(tablet.Extents, ChartTypeRecord{}, ChartRecord{});
   ActionMachine machine(session, tablet, view, file ? static_cast<JournalSink*>(&*file) : &printed);
-  machine.Start();
+  machine.Start(Now());
   const Exit exit = ReadToEnd(*port, [&](std::span<const std::uint8_t> bytes) {
     machine.Receive(bytes);
     if (!machine.CommentIsOpen()) return;

@@ -14,6 +14,9 @@ namespace hyetex {
 struct TabletExtents {
   float TabletWidthUnits = 1, TabletHeightUnits = 1;
   float TabletWidthMm = 1, TabletHeightMm = 1;
+
+  float UnitsPerHourAtOneHourPerMm() const { return TabletWidthUnits / TabletWidthMm * 24; }
+  float UnitsPerMmVertical() const { return TabletHeightUnits / TabletHeightMm; }
 };
 
 /// What turns units into chart coordinates for a session: the tablet and the kind of paper.

@@ -9,28 +9,15 @@
 #include "core/text.h"
 
 namespace hyetex {
-namespace {
-
-constexpr std::string_view DrawingTitle = "HYETEX 88";
-
-std::vector<std::string> GapReasons() {
-  return {"Pen did not record", "Clock malfunction", "Instrument did not cycle",
-          "Instrument stopped after cycle", "Pen recorded on the metal strip"};
-}
-std::vector<std::string> RecoveredReasons() {
-  return {"Pen did not record", "Pen recorded on the metal strip"};
-}
-
-}  // namespace
 
 ActionMachine::ActionMachine(Session& session, const TabletType& tablet, DeskView& view, JournalSink* journal)
     : session_(session), tablet_(tablet), view_(view), journal_(journal), decoder_(tablet) {
   Layout = DefaultDeskLayout(tablet.Extents);
-  ViewResized(Layout.ScaleWidth, Layout.ScaleHeight);
 }
 
-void ActionMachine::Start() {
-  session_.Action = action::PageLeftCorner;
+void ActionMachine::Start(Date now) {
+  state_.SessionStamp = std::nearbyint(now * 24) / 24;
+  state_.Action = action::PageLeftCorner;
   view_.SetTitle("Setting the page angle");
   ShowInstruction("Click the bottom left point of the page");
   view_.SetBackground(LightBlue);
@@ -39,18 +26,17 @@ void ActionMachine::Start() {
 // ---- Presses
 
 void ActionMachine::PressAt(double x, double y) {
-  session_.CursorX = x;
-  session_.CursorY = y;
+  state_.CursorX = x;
+  state_.CursorY = y;
   PlaceCursor();
   PerformAction();
 }
 
 bool ActionMachine::StoresPoint() const {
-  const float a = session_.Action;
-  return a == action::NewSegment || a == action::PaperFirstPoint || a == action::Leveling ||
-         a == action::GapEnd || a == action::RecoveredEnd ||
-         (a == action::Drawing && InsideBox(session_.Line.Scales(), session_.CursorX, session_.CursorY,
-                                            session_.Line.Paper(session_.Line.CurrentPaper())));
+  const Trace& line = session_.Line;
+  return CurrentState().StoresPoint &&
+         (state_.Action != action::Drawing ||
+          InsideBox(line.Scales(), state_.CursorX, state_.CursorY, line.Paper(line.CurrentPaper())));
 }
 
 // A press that cannot be kept is refused before anything has changed.
@@ -58,18 +44,25 @@ bool ActionMachine::RefusePress() {
   const Trace& line = session_.Line;
   if (!StoresPoint()) return false;
   if (line.IsFull()) {
-    view_.ShowMessage(DrawingTitle,
+    view_.ShowMessage(ProgramTitle,
                       "The chart has " + ShortText(MaxPoint + 1) +
                           " points and can hold no more. Save it, or delete points, before you go on.");
     return true;
   }
-  if (!IsOnArc(line.Scales(), session_.CursorX, session_.CursorY, line.Paper(line.CurrentPaper()))) {
+  if (!IsOnArc(line.Scales(), state_.CursorX, state_.CursorY, line.Paper(line.CurrentPaper()))) {
     view_.ShowMessage(
-        DrawingTitle,
+        ProgramTitle,
         "This point lies too far from the chart for the arc of its pen. Click on the pen line.");
     return true;
   }
   return false;
+}
+
+bool ActionMachine::RefusePaper() {
+  if (!session_.Line.PapersAreFull()) return false;
+  view_.ShowMessage(ProgramTitle,
+                    "No more than " + ShortText(MaxPaper) + " strips can be attached to a chart.");
+  return true;
 }
 
 void ActionMachine::PerformAction() {
@@ -77,50 +70,29 @@ void ActionMachine::PerformAction() {
   RecordPress();
   view_.ShowMarker(false);
   session_.Saved = false;
-  const float state = session_.Action;
-  if (state == action::Drawing) {
-    DrawPoint();
+  const auto press = CurrentState().Press;
+  if (state_.Action == action::Drawing) {
+    (this->*press)();
     return;
   }
-  session_.AlphaNext = false;
-  if (state == action::NewSegment)
-    StartSegment();
-  else if (state == action::PaperLeftCorner)
-    FirstPaperCorner();
-  else if (state == action::PaperRightCorner)
-    SecondPaperCorner();
-  else if (state == action::PaperFirstPoint)
-    FirstPointOfPaper();
-  else if (state == action::PageLeftCorner)
-    FirstPageCorner();
-  else if (state == action::PageRightCorner)
-    SecondPageCorner();
-  else if (state == action::LassoStart)
-    StartDrag(DragShape::Selection, action::LassoDrag);
-  else if (state == action::ZoomStart)
-    StartDrag(DragShape::Zoom, action::ZoomDrag);
-  else if (state == action::Leveling)
-    LevelPoint();
-  else if (state == action::GapEnd)
-    StoreMarkedEnd(CodeGapEnd, GapReasons());
-  else if (state == action::RecoveredEnd)
-    StoreMarkedEnd(CodeRecoveredEnd, RecoveredReasons());
-  session_.WaitForRelease = true;
+  state_.AlphaNext = false;
+  (this->*press)();
+  state_.WaitForRelease = true;
   view_.UpdateMenus();
 }
 
 void ActionMachine::DrawPoint() {
   Trace& line = session_.Line;
   const int paper = line.CurrentPaper(), last = line.LastPoint();
-  const double x = session_.CursorX, y = session_.CursorY;
-  if (!InsideBox(line.Scales(), x, y, line.Paper(paper))) return;
+  const double x = state_.CursorX, y = state_.CursorY;
+  if (!StoresPoint()) return;
 
   if (last > 0) {
     const float step = TimeAlongPaper(line.Scales(), x, y, line.Paper(paper)) - line.TimeAlong(last, paper);
     // A pen does not go back in time: this is where the operator goes on with another part of the line.
     if (step < 0 && step <= -0.05 * BottomLength(line.Paper(paper))) {
       StartSegment();
-      session_.WaitForRelease = true;
+      state_.WaitForRelease = true;
       view_.UpdateMenus();
       return;
     }
@@ -128,69 +100,69 @@ void ActionMachine::DrawPoint() {
   if (last >= 0 && !line.Point(last).StartsSegment()) {
     const float rise = HeightOnPaper(x, y, line.Paper(paper)) - line.HeightOf(last, paper);
     const double fullDrop = line.Scales().Is(ChartMethod::NonLinear) ? -0.8 : -0.6;
-    if (rise < fullDrop * line.Scales().HeightUnits()) session_.AlphaNext = true;
+    if (rise < fullDrop * line.Scales().HeightUnits()) state_.AlphaNext = true;
   }
-  line.Add(x, y, false, session_.AlphaNext ? CodeText(CodeAlpha) : std::string());
-  session_.AlphaNext = false;
+  line.Add(x, y, false, state_.AlphaNext ? CodeText(CodeAlpha) : std::string());
+  state_.AlphaNext = false;
   view_.DrawGraph();
-  if (last < 0) SetReference(session_.SessionStamp, 0);
-  session_.WaitForRelease = false;
+  if (last < 0) SetReference(state_.SessionStamp, 0);
+  state_.WaitForRelease = false;
 }
 
 void ActionMachine::StartSegment() {
-  session_.Line.Add(session_.CursorX, session_.CursorY, true);
-  SetReference(session_.CursorTime, session_.CursorDepth);
+  session_.Line.Add(state_.CursorX, state_.CursorY, true);
+  SetReference(state_.CursorTime, state_.CursorDepth);
   BackToDrawing();
   view_.DrawGraph();
 }
 
+void ActionMachine::TakeCorner() {
+  state_.CornerX = static_cast<float>(state_.CursorX);
+  state_.CornerY = static_cast<float>(state_.CursorY);
+}
+
 void ActionMachine::FirstPaperCorner() {
-  session_.CornerX = static_cast<float>(session_.CursorX);
-  session_.CornerY = static_cast<float>(session_.CursorY);
-  session_.Action = action::PaperRightCorner;
+  TakeCorner();
+  state_.Action = action::PaperRightCorner;
   ShowInstruction("Click the bottom-right corner of the new paper");
   view_.ShowMarker(true);
 }
 
 void ActionMachine::SecondPaperCorner() {
   Trace& line = session_.Line;
-  if (static_cast<float>(session_.CursorX) == session_.CornerX) return;  // no line stands upright
-  if (line.PapersAreFull()) {
-    view_.ShowMessage(DrawingTitle,
-                      "No more than " + ShortText(MaxPaper) + " strips can be attached to a chart.");
+  if (static_cast<float>(state_.CursorX) == state_.CornerX) return;  // no line stands upright
+  if (RefusePaper()) {
     BackToDrawing();
     return;
   }
-  line.AttachPaper(session_.CornerX, session_.CornerY, session_.CursorX, session_.CursorY);
-  session_.PageAngle = line.Paper(line.CurrentPaper()).Angle;
-  session_.RefX = static_cast<float>(session_.CursorX);
-  session_.RefY = static_cast<float>(session_.CursorY);
+  line.AttachPaper(state_.CornerX, state_.CornerY, state_.CursorX, state_.CursorY);
+  state_.PageAngle = line.Paper(line.CurrentPaper()).Angle;
+  MoveReference();
   view_.DrawGraph();
   ShowInstruction("Click the first point of the new paper and continue drawing normally");
-  session_.Action = action::PaperFirstPoint;
+  state_.Action = action::PaperFirstPoint;
   view_.ShowMarker(false);
 }
 
 // The paper's FirstPoint has been this point since its corners were set; a point erased in between moves it.
 void ActionMachine::FirstPointOfPaper() {
-  session_.Line.AddFirstOfPaper(session_.CursorX, session_.CursorY);
-  SetReference(session_.CursorTime, session_.CursorDepth);
+  session_.Line.AddFirstOfPaper(state_.CursorX, state_.CursorY);
+  SetReference(state_.CursorTime, state_.CursorDepth);
   BackToDrawing();
   view_.DrawGraph();
 }
 
 void ActionMachine::FirstPageCorner() {
-  session_.CornerX = static_cast<float>(session_.CursorX);
-  session_.CornerY = static_cast<float>(session_.CursorY);
-  session_.Action = action::PageRightCorner;
+  TakeCorner();
+  state_.Action = action::PageRightCorner;
   ShowInstruction("Click the bottom-right Corner of the Page");
   view_.SetBackground(LightOrange);
 }
 
 void ActionMachine::SecondPageCorner() {
-  if (static_cast<float>(session_.CursorX) == session_.CornerX) return;
-  session_.Line.SetPage(session_.CornerX, session_.CornerY, session_.CursorX, session_.CursorY);
-  session_.PageAngle = session_.Line.Paper(0).Angle;
+  if (static_cast<float>(state_.CursorX) == state_.CornerX) return;
+  session_.Line.SetPage(state_.CornerX, state_.CornerY, state_.CursorX, state_.CursorY);
+  state_.PageAngle = session_.Line.Paper(0).Angle;
   BackToDrawing();
   view_.SetBackground(LightGreen);
   view_.DrawGraph();
@@ -199,34 +171,47 @@ void ActionMachine::SecondPageCorner() {
 }
 
 void ActionMachine::StartDrag(DragShape shape, float next) {
-  session_.SelectX = static_cast<float>(ScreenX(session_.CursorX));
-  session_.SelectY = static_cast<float>(ScreenY(session_.CursorY));
+  state_.SelectX = static_cast<float>(Layout.ScreenX(state_.CursorX));
+  state_.SelectY = static_cast<float>(Layout.ScreenY(state_.CursorY));
   std::optional<Rect>& rect = shape == DragShape::Selection ? selection_ : zoom_;
-  rect = Rect{session_.SelectX, session_.SelectY, 0, 0};
+  rect = Rect{state_.SelectX, state_.SelectY, 0, 0};
   view_.ShowDragShape(shape, *rect);
-  session_.Action = next;
+  state_.Action = next;
 }
 
 void ActionMachine::LevelPoint() {
-  session_.Line.Add(session_.CursorX, session_.CursorY, false, CodeText(CodeLeveled));
+  session_.Line.Add(state_.CursorX, state_.CursorY, false, CodeText(CodeLeveled));
   view_.DrawGraph();
   BackToDrawing();
 }
 
+void ActionMachine::EndGap() {
+  StoreMarkedEnd(CodeGapEnd, {"Pen did not record", "Clock malfunction", "Instrument did not cycle",
+                              "Instrument stopped after cycle", "Pen recorded on the metal strip"});
+}
+
+void ActionMachine::EndRecovered() {
+  StoreMarkedEnd(CodeRecoveredEnd, {"Pen did not record", "Pen recorded on the metal strip"});
+}
+
 void ActionMachine::StoreMarkedEnd(int code, std::vector<std::string> choices) {
   Trace& line = session_.Line;
-  line.Add(session_.CursorX, session_.CursorY);
+  line.Add(state_.CursorX, state_.CursorY);
   BackToDrawing();
   for (int i = 0; i <= line.LastPoint(); ++i) line.Select(i, i == line.LastPoint());
   view_.DrawGraph();
   OpenCommentWindow({false, "", ShortText(code), std::move(choices)});
 }
 
+void ActionMachine::MoveReference() {
+  state_.RefX = static_cast<float>(state_.CursorX);
+  state_.RefY = static_cast<float>(state_.CursorY);
+}
+
 void ActionMachine::SetReference(Date time, float depth) {
-  session_.RefX = static_cast<float>(session_.CursorX);
-  session_.RefY = static_cast<float>(session_.CursorY);
-  session_.RefTime = time;
-  session_.RefDepth = depth;
+  MoveReference();
+  state_.RefTime = time;
+  state_.RefDepth = depth;
 }
 
 void ActionMachine::RemoveLastPoint() {
@@ -234,12 +219,12 @@ void ActionMachine::RemoveLastPoint() {
   const int last = line.LastPoint();
   if (last < 0) return;
   if (last == 0) {
-    session_.RefX = session_.RefY = 0;
+    state_.RefX = state_.RefY = 0;
   } else if (line.Point(last).StartsSegment()) {
     int start = last - 1;
     while (start > 0 && !line.Point(start).StartsSegment()) --start;
-    session_.RefX = static_cast<float>(line.Point(start).TrueX());
-    session_.RefY = static_cast<float>(line.Point(start).Y);
+    state_.RefX = static_cast<float>(line.Point(start).TrueX());
+    state_.RefY = static_cast<float>(line.Point(start).Y);
   }
   line.RemoveLast();
   view_.DrawGraph();
@@ -247,7 +232,7 @@ void ActionMachine::RemoveLastPoint() {
 
 void ActionMachine::Redigitize() {
   session_.Line.Clear();
-  session_.RefX = session_.RefY = 0;
+  state_.RefX = state_.RefY = 0;
   view_.DrawGraph();
   session_.Saved = false;
 }
@@ -263,15 +248,15 @@ void ActionMachine::Escape() {
   zoom_.reset();
   view_.HideDragShape(DragShape::Selection);
   view_.HideDragShape(DragShape::Zoom);
-  session_.AlphaNext = false;
+  state_.AlphaNext = false;
   BackToDrawing();
   view_.DrawGraph();
 }
 
 void ActionMachine::BackToDrawing() {
-  session_.Action = action::Drawing;
+  state_.Action = action::Drawing;
   ShowInstruction("");
-  view_.SetTitle(DrawingTitle);
+  view_.SetTitle(ProgramTitle);
   view_.ShowMarker(false);
 }
 
@@ -347,18 +332,16 @@ void ActionMachine::Record(const JournalEvent& event) const {
 // What only changes the view is not replayed. Where it has taken a waiting tool out of its wait, the journal
 // says so in words that do the same to the trace.
 void ActionMachine::RecordDrawingState() const {
-  if (session_.Action == action::Drawing || LassoIsOpen()) return;  // an open lasso ends in drawing by itself
+  if (state_.Action == action::Drawing || LassoIsOpen()) return;  // an open lasso ends in drawing by itself
   Record({.What = JournalEvent::Kind::Escape});
-  if (session_.AlphaNext) Record({.What = JournalEvent::Kind::Tool, .Tool = tool::Alpha});
+  if (state_.AlphaNext) Record({.What = JournalEvent::Kind::Tool, .Tool = tool::Alpha});
 }
 
 void ActionMachine::RecordPress() const {
-  const float state = session_.Action;
-  if (state == action::ZoomStart || state == action::ZoomDrag || state == action::MovingBoard) {
-    if (session_.AlphaNext) Record({.What = JournalEvent::Kind::Escape});
-    return;
-  }
-  Record({.What = JournalEvent::Kind::Press, .X = session_.CursorX, .Y = session_.CursorY});
+  if (CurrentState().Journaled)
+    Record({.What = JournalEvent::Kind::Press, .X = state_.CursorX, .Y = state_.CursorY});
+  else if (state_.AlphaNext)
+    Record({.What = JournalEvent::Kind::Escape});
 }
 
 }  // namespace hyetex

@@ -11,6 +11,7 @@
 
 #include "core/session.h"
 #include "digitizing/desk_layout.h"
+#include "digitizing/desk_state.h"
 #include "digitizing/desk_view.h"
 #include "digitizing/journal.h"
 #include "digitizing/report_decoder.h"
@@ -24,15 +25,16 @@ class ActionMachine {
   /// `journal` may be null. All references are kept.
   ActionMachine(Session& session, const TabletType& tablet, DeskView& view, JournalSink* journal = nullptr);
 
-  Session& State() { return session_; }
-  const Session& State() const { return session_; }
+  const Session& CurrentSession() const { return session_; }
+  DeskState& State() { return state_; }
+  const DeskState& State() const { return state_; }
 
   DeskLayout Layout;
   /// Fits the scales to the chart view's present size; the part in view stays when zoomed.
   void ViewResized(double scaleWidth, double scaleHeight);
 
   /// Opens the session: waits for the page's first corner.
-  void Start();
+  void Start(Date now);
   /// Bytes from the tablet.
   void Receive(std::span<const std::uint8_t> bytes);
   /// Forgets a report of which only a part has come: the next bytes do not follow on it.
@@ -78,12 +80,23 @@ class ActionMachine {
   void FindOverToolBox();
   void PlaceCursor();
   void PlaceToolCursor();
+  void ReadCursor(double fromX, double fromY, Date time);
   void GiveToolTip();
   void StretchDragShape();
   void DragBoard();
 
   // Presses
+  struct ActionState {
+    float Number;  // DeskState::Action
+    void (ActionMachine::*Press)();
+    bool StoresPoint;  // when drawing only near the paper
+    bool LaysPaper;    // the press may be meant for what lies under the tool board
+    bool Journaled;    // the press changes more than the view
+  };
+  static const ActionState& StateOf(float action);
+  const ActionState& CurrentState() const { return StateOf(state_.Action); }
   bool RefusePress();
+  bool RefusePaper();
   bool StoresPoint() const;
   void DrawPoint();
   void StartSegment();
@@ -92,9 +105,14 @@ class ActionMachine {
   void FirstPointOfPaper();
   void FirstPageCorner();
   void SecondPageCorner();
+  void StartLasso() { StartDrag(DragShape::Selection, action::LassoDrag); }
+  void StartZoom() { StartDrag(DragShape::Zoom, action::ZoomDrag); }
   void StartDrag(DragShape shape, float next);
-  void StoreMarkedEnd(int code, std::vector<std::string> choices);
   void LevelPoint();
+  void EndGap();
+  void EndRecovered();
+  void StoreMarkedEnd(int code, std::vector<std::string> choices);
+  void DoNothing() {}
 
   // Tools
   void ToggleWaiting(const Tool& tool);
@@ -112,12 +130,13 @@ class ActionMachine {
   void RecordPress() const;
 
   void ShowInstruction(std::string_view text);
+  void MoveReference();
   void SetReference(Date time, float depth);
-  double ScreenX(double x) const { return hyetex::ScreenX(session_, x); }
-  double ScreenY(double y) const { return hyetex::ScreenY(session_, Layout, y); }
-  Rect* VisibleShape(DragShape shape);
+  void TakeCorner();
+  const TabletExtents& Extents() const { return session_.Line.Scales().Tablet; }
 
   Session& session_;
+  DeskState state_;
   const TabletType& tablet_;
   DeskView& view_;
   JournalSink* journal_;

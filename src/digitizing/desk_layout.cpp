@@ -11,10 +11,18 @@ constexpr double BoardHeight = 2 * Margin + Rows * (Square + Gap) + ReadOutHeigh
 
 }  // namespace
 
+void ShowWhole(DeskLayout& layout, const TabletExtents& tablet) {
+  layout.Zoomed = false;
+  layout.ViewX0 = layout.ViewY0 = 0;
+  layout.ScaleX = static_cast<float>(layout.ScaleWidth / tablet.TabletWidthUnits);
+  layout.ScaleY = static_cast<float>(layout.ScaleHeight / tablet.TabletHeightUnits);
+}
+
 DeskLayout DefaultDeskLayout(const TabletExtents& tablet, double height) {
   DeskLayout layout;
   layout.ScaleHeight = height;
   layout.ScaleWidth = height * tablet.TabletWidthUnits / tablet.TabletHeightUnits;
+  ShowWhole(layout, tablet);
   layout.Board = {layout.ScaleWidth - BoardWidth - Margin, Margin, BoardWidth, BoardHeight};
   for (int i = 0; i < ToolCount; ++i) {
     const int column = i % Columns, row = i / Columns;

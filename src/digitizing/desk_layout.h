@@ -1,6 +1,6 @@
 // Where the chart view and the tool board lie on the screen, and so on the tablet: the view shows the
-// tablet's whole area, and a press on what is under the board runs a tool. In screen units: 15 to a pixel at
-// 96 dpi, from the left and top of the chart view.
+// tablet's whole area, or the part that is zoomed on, and a press on what is under the board runs a tool. In
+// screen units, from the left and top of the chart view.
 #pragma once
 
 #include <array>
@@ -24,11 +24,22 @@ inline constexpr double ToolCursorPoint = 120;
 /// The window keeps this true when it is resized or the board is dragged.
 struct DeskLayout {
   double ScaleWidth = 1, ScaleHeight = 1;  ///< size of the chart view
-  Rect Board;                              ///< in the chart view
-  std::array<Rect, ToolCount> Squares{};   ///< on the board
-  Rect ReadOut;                            ///< on the board: time and depth under the cursor
+  float ViewX0 = 0, ViewY0 = 0;  ///< tablet position of the view's left and bottom edges; 0 when not zoomed
+  float ScaleX = 1, ScaleY = 1;  ///< screen units for each report unit
+  bool Zoomed = false;
+
+  Rect Board;                             ///< in the chart view
+  std::array<Rect, ToolCount> Squares{};  ///< on the board
+  Rect ReadOut;                           ///< on the board: time and depth under the cursor
   bool BoardVisible = false;
+
+  /// Where a tablet position (report units) lies in the chart view.
+  double ScreenX(double x) const { return (x - ViewX0) * ScaleX; }
+  double ScreenY(double y) const { return ScaleHeight - (y - ViewY0) * ScaleY; }
 };
+
+/// Shows the tablet's whole area in the view.
+void ShowWhole(DeskLayout& layout, const TabletExtents& tablet);
 
 /// A view of `height` with the tablet's proportions, and the board in its top right corner: what a new
 /// installation starts with, and what a session without a screen has.

@@ -1,7 +1,6 @@
 #include "digitizing/drawing.h"
 
 #include "core/comments.h"
-#include "digitizing/view.h"
 
 namespace hyetex {
 namespace {
@@ -38,15 +37,15 @@ Rgb ColourOfCircle(const DigitizedPoint& point) {
 
 class Drawing {
  public:
-  Drawing(const Session& session, const DeskLayout& layout, Surface& surface)
-      : session_(session), layout_(layout), surface_(surface) {}
+  Drawing(const ChartScales& scales, const DeskLayout& layout, Surface& surface)
+      : scales_(scales), layout_(layout), surface_(surface) {}
 
   void Paper(const ChartPaper& paper) {
     const double x1 = paper.BottomLeftX, y1 = paper.BottomLeftY;
     const double x2 = paper.BottomRightX, y2 = paper.BottomRightY;
     if (x1 == 0 && y1 == 0 && x2 == 0 && y2 == 0) return;
     Line(x1, y1, x2, y2, Grey, Thin);
-    const double length = BottomLength(paper), height = session_.Line.Scales().HeightUnits();
+    const double length = BottomLength(paper), height = scales_.HeightUnits();
     if (length == 0) return;
     const double nx = (x2 - x1) * height / length, ny = (y2 - y1) * height / length;
     Line(x1, y1, x1 - ny, y1 + nx, Grey, Thin);
@@ -64,23 +63,22 @@ class Drawing {
   }
 
  private:
-  double X(double x) const { return ScreenX(session_, x); }
-  double Y(double y) const { return ScreenY(session_, layout_, y); }
+  double X(double x) const { return layout_.ScreenX(x); }
+  double Y(double y) const { return layout_.ScreenY(y); }
   void Line(double x1, double y1, double x2, double y2, Rgb colour, int width) {
     surface_.Line(X(x1), Y(y1), X(x2), Y(y2), colour, width);
   }
 
-  const Session& session_;
+  const ChartScales& scales_;
   const DeskLayout& layout_;
   Surface& surface_;
 };
 
 }  // namespace
 
-void DrawGraph(const Session& session, const DeskLayout& layout, bool showPoints, Surface& surface) {
+void DrawGraph(const Trace& line, const DeskLayout& layout, bool showPoints, Surface& surface) {
   surface.Clear();
-  Drawing drawing(session, layout, surface);
-  const Trace& line = session.Line;
+  Drawing drawing(line.Scales(), layout, surface);
   for (int i = 0; i <= MaxPaper; ++i) drawing.Paper(line.Paper(i));
   for (int i = 0; i <= line.LastPoint(); ++i) {
     if (i < line.LastPoint() && !line.Point(i + 1).StartsSegment())

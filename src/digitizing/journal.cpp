@@ -128,7 +128,7 @@ std::optional<std::string> Apply(const JournalEvent& event, ActionMachine& machi
       closeComment();
       if (!machine.LassoIsOpen()) return "there is no lasso to end";
       for (int point : event.Points)
-        if (point > machine.State().Line.LastPoint()) return "there is no point " + ShortText(point);
+        if (point > machine.CurrentSession().Line.LastPoint()) return "there is no point " + ShortText(point);
       machine.EndLasso(event.Points);
       break;
     case JournalEvent::Kind::Comment:

@@ -18,11 +18,11 @@ void ActionMachine::Receive(std::span<const std::uint8_t> bytes) {
 
 void ActionMachine::HandleReport(const TabletReport& report) {
   if (comment_) return;  // opened by an earlier report of the same chunk
-  session_.CursorX = report.X;
-  session_.CursorY = report.Y;
-  session_.CursorButton = static_cast<std::int16_t>(report.Button);
+  state_.CursorX = report.X;
+  state_.CursorY = report.Y;
+  state_.CursorButton = static_cast<std::int16_t>(report.Button);
   FindOverToolBox();
-  if (session_.OverToolBox)
+  if (state_.OverToolBox)
     PlaceToolCursor();
   else
     PlaceCursor();
@@ -31,87 +31,85 @@ void ActionMachine::HandleReport(const TabletReport& report) {
 
 void ActionMachine::FindOverToolBox() {
   const bool dragging = selection_ || zoom_;
-  const bool takingCorners = session_.Action >= 1 && session_.Action < 6;
-  session_.OverToolBox = Layout.BoardVisible && !dragging && !takingCorners &&
-                         Layout.Board.Holds(ScreenX(session_.CursorX), ScreenY(session_.CursorY));
+  state_.OverToolBox = Layout.BoardVisible && !dragging && !CurrentState().LaysPaper &&
+                       Layout.Board.Holds(Layout.ScreenX(state_.CursorX), Layout.ScreenY(state_.CursorY));
 }
 
 void ActionMachine::ActOnButton() {
-  const bool down = session_.CursorButton >= 0;
+  const bool down = state_.CursorButton >= 0;
   if (!down) {
-    session_.ButtonHeld = false;
-    if (session_.Action == action::MovingBoard) session_.Action = action::Drawing;
+    state_.ButtonHeld = false;
+    if (state_.Action == action::MovingBoard) state_.Action = action::Drawing;
     if (selection_) LassoReleased();
     if (zoom_) LoadZoom();
-    session_.WaitForRelease = false;
+    state_.WaitForRelease = false;
     return;
   }
-  const bool boardButton = session_.CursorButton == tablet_.ToolBoxButton;
-  if (!session_.ButtonHeld && !session_.WaitForRelease) {
-    session_.ButtonHeld = true;
-    if (session_.OverToolBox) {
+  const bool boardButton = state_.CursorButton == tablet_.ToolBoxButton;
+  if (!state_.ButtonHeld && !state_.WaitForRelease) {
+    state_.ButtonHeld = true;
+    if (state_.OverToolBox) {
       PerformToolAction();
     } else if (!boardButton) {
       PerformAction();
-    } else if (session_.Action == action::Drawing) {
+    } else if (state_.Action == action::Drawing) {
       Layout.BoardVisible = !Layout.BoardVisible;
       view_.ShowBoard(Layout.BoardVisible);
       view_.HighlightTool(tool::None);
     }
     return;
   }
-  if (!session_.ButtonHeld) return;
+  if (!state_.ButtonHeld) return;
   if (!boardButton) StretchDragShape();
-  if (session_.Action == action::MovingBoard && session_.OverToolBox) DragBoard();
+  if (state_.Action == action::MovingBoard && state_.OverToolBox) DragBoard();
 }
 
 void ActionMachine::StretchDragShape() {
-  const DragShape shape = session_.Action == action::LassoDrag ? DragShape::Selection : DragShape::Zoom;
+  const DragShape shape = state_.Action == action::LassoDrag ? DragShape::Selection : DragShape::Zoom;
   std::optional<Rect>& rect = shape == DragShape::Selection ? selection_ : zoom_;
   if (!rect) return;
-  const double x = ScreenX(session_.CursorX), y = ScreenY(session_.CursorY);
-  rect = Rect{std::min<double>(x, session_.SelectX), std::min<double>(y, session_.SelectY),
-              std::abs(x - session_.SelectX), std::abs(y - session_.SelectY)};
+  const double x = Layout.ScreenX(state_.CursorX), y = Layout.ScreenY(state_.CursorY);
+  rect = Rect{std::min<double>(x, state_.SelectX), std::min<double>(y, state_.SelectY),
+              std::abs(x - state_.SelectX), std::abs(y - state_.SelectY)};
   view_.ShowDragShape(shape, *rect);
 }
 
 void ActionMachine::DragBoard() {
-  Layout.Board.Left += toolCursorLeft_ - session_.SelectX;
-  Layout.Board.Top += toolCursorTop_ - session_.SelectY;
+  Layout.Board.Left += toolCursorLeft_ - state_.SelectX;
+  Layout.Board.Top += toolCursorTop_ - state_.SelectY;
   view_.MoveBoard(Layout.Board.Left, Layout.Board.Top);
-  toolCursorLeft_ = session_.SelectX;
-  toolCursorTop_ = session_.SelectY;
+  toolCursorLeft_ = state_.SelectX;
+  toolCursorTop_ = state_.SelectY;
   view_.PlaceToolCursor(toolCursorLeft_, toolCursorTop_);
+}
+
+// Time and depth under the cursor, by how far it lies from a position of this time and of the depth RefDepth.
+void ActionMachine::ReadCursor(double fromX, double fromY, Date time) {
+  const double dx = state_.CursorX - fromX, dy = state_.CursorY - fromY;
+  const double sine = std::sin(state_.PageAngle), cosine = std::cos(state_.PageAngle);
+  state_.CursorTime = time + (dy * sine + dx * cosine) / Extents().UnitsPerHourAtOneHourPerMm();
+  state_.CursorDepth =
+      static_cast<float>(state_.RefDepth + (dy * cosine - dx * sine) / Extents().UnitsPerMmVertical());
 }
 
 void ActionMachine::PlaceCursor() {
   const int last = session_.Line.LastPoint();
   if (last < 0) {
-    session_.CursorTime = session_.ChartStart();
-    session_.CursorDepth = 0;
+    state_.CursorTime = session_.ChartStart();
+    state_.CursorDepth = 0;
   } else {
     const DigitizedPoint& point = session_.Line.Point(last);
-    const double dx = session_.CursorX - point.TrueX(), dy = session_.CursorY - point.Y;
-    const double sine = std::sin(session_.PageAngle), cosine = std::cos(session_.PageAngle);
-    session_.CursorTime =
-        session_.PointTime(last) + (dy * sine + dx * cosine) / session_.UnitsPerHourAtOneHourPerMm();
-    session_.CursorDepth =
-        static_cast<float>((dy * cosine - dx * sine) / session_.UnitsPerMmVertical() + session_.RefDepth);
+    ReadCursor(point.TrueX(), point.Y, session_.PointTime(last));
   }
-  view_.PlaceCrosshair(ScreenX(session_.CursorX), ScreenY(session_.CursorY), session_.CursorButton >= 0);
+  view_.PlaceCrosshair(Layout.ScreenX(state_.CursorX), Layout.ScreenY(state_.CursorY),
+                       state_.CursorButton >= 0);
 }
 
 void ActionMachine::PlaceToolCursor() {
   const auto toTen = [](double t) { return std::nearbyint(t / 10) * 10; };
-  const double left = toTen(ScreenX(session_.CursorX) - Layout.Board.Left);
-  const double top = toTen(ScreenY(session_.CursorY) - Layout.Board.Top);
-
-  const double dx = session_.CursorX - session_.RefX, dy = session_.CursorY - session_.RefY;
-  const double sine = std::sin(session_.PageAngle), cosine = std::cos(session_.PageAngle);
-  session_.CursorTime = session_.RefTime + (dy * sine + dx * cosine) / session_.UnitsPerHourAtOneHourPerMm();
-  session_.CursorDepth =
-      static_cast<float>(session_.RefDepth + (dy * cosine - dx * sine) / session_.UnitsPerMmVertical());
-
+  const double left = toTen(Layout.ScreenX(state_.CursorX) - Layout.Board.Left);
+  const double top = toTen(Layout.ScreenY(state_.CursorY) - Layout.Board.Top);
+  ReadCursor(state_.RefX, state_.RefY, state_.RefTime);
   toolCursorLeft_ = left;
   toolCursorTop_ = top;
   view_.PlaceToolCursor(left, top);
@@ -119,14 +117,14 @@ void ActionMachine::PlaceToolCursor() {
 }
 
 void ActionMachine::GiveToolTip() {
-  session_.CurrentTool = tool::None;
+  state_.CurrentTool = tool::None;
   for (int i = 0; i < ToolCount; ++i)
     if (Layout.Squares[static_cast<std::size_t>(i)].Holds(toolCursorLeft_ + ToolCursorPoint,
                                                           toolCursorTop_ + ToolCursorPoint))
-      session_.CurrentTool = static_cast<std::int16_t>(i);
-  view_.HighlightTool(session_.CurrentTool);
-  const std::string_view text = GetToolText(session_.CurrentTool, session_.Zoomed);
-  if (text.empty()) session_.CurrentTool = tool::None;
+      state_.CurrentTool = static_cast<std::int16_t>(i);
+  view_.HighlightTool(state_.CurrentTool);
+  const std::string_view text = GetToolText(state_.CurrentTool, Layout.Zoomed);
+  if (text.empty()) state_.CurrentTool = tool::None;
   if (text != instruction_) ShowInstruction(text);
 }
 

@@ -19,10 +19,10 @@ std::string Hexadecimal(int number) {
 
 }  // namespace
 
-const StatusPanels::Texts* StatusPanels::Update(const Session& session) {
+const StatusPanels::Texts* StatusPanels::Update(const Session& session, const DeskState& state) {
   const int last = session.Line.LastPoint();
   if (last < 0) return nullptr;
-  const std::tuple now(session.TotalDepth(last), session.PointTime(last), session.CursorButton);
+  const std::tuple now(session.TotalDepth(last), session.PointTime(last), state.CursorButton);
   if (isShown_ && now == shown_) return nullptr;
   shown_ = now;
   isShown_ = true;
@@ -33,16 +33,15 @@ const StatusPanels::Texts* StatusPanels::Update(const Session& session) {
   return &texts_;
 }
 
-ScaleCaptions CaptionsOf(const Session& session) {
-  const ChartTypeRecord& paper = session.Line.Scales().ChartType;
-  return {"Page Angle  " + RoundedText(session.PageAngle * 180 / 3.14159, 1),
+ScaleCaptions CaptionsOf(const ChartTypeRecord& paper, const DeskState& state) {
+  return {"Page Angle  " + RoundedText(state.PageAngle * 180 / 3.14159, 1),
           "Horizontal Scale : 1 Hour = " + ShortText(1 / paper.TimeScale) + " " + "mm ",
           "Vertical Scale : 1mm of water = " + ShortText(1 / paper.DepthScale) + " " + "mm "};
 }
 
-std::string CursorText(const Session& session) {
-  const Date time = session.CursorTime;
-  std::string depth = ShortText(Round(session.CursorDepth, 1));
+std::string CursorText(const DeskState& state) {
+  const Date time = state.CursorTime;
+  std::string depth = ShortText(Round(state.CursorDepth, 1));
   if (depth.find('.') == std::string::npos) depth += ".0";
   return GeneralDateText(std::floor(time)) + " " + TimeText(time).substr(0, 5) + "   " + depth + " mm";
 }

@@ -6,6 +6,7 @@
 #include <tuple>
 
 #include "core/session.h"
+#include "digitizing/desk_state.h"
 #include "digitizing/shell_commands.h"
 
 namespace hyetex {
@@ -22,7 +23,7 @@ class StatusPanels {
 
   /// The texts, if any of them has changed since they were last handed out. Before the first point there are
   /// none, and after the last has been erased the old ones stay.
-  const Texts* Update(const Session& session);
+  const Texts* Update(const Session& session, const DeskState& state);
 
  private:
   std::tuple<float, Date, std::int16_t> shown_;
@@ -30,9 +31,9 @@ class StatusPanels {
   Texts texts_;
 };
 
-ScaleCaptions CaptionsOf(const Session& session);
+ScaleCaptions CaptionsOf(const ChartTypeRecord& paper, const DeskState& state);
 
 /// Time and depth under the cursor, always of about the same width.
-std::string CursorText(const Session& session);
+std::string CursorText(const DeskState& state);
 
 }  // namespace hyetex

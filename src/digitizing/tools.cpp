@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "core/session.h"
+#include "digitizing/desk_state.h"
 
 namespace hyetex {
 namespace {
@@ -21,15 +21,15 @@ constexpr std::array<Tool, ToolCount> Board{{
     {"Delete last point"},
     {"New segment (join two segments)", action::NewSegment, "Starting a new segment",
      "Click the point that overlaps the last point drawn"},
-    {"Move tool box"},
-    {"Close toolbox (reopen with bottom button of the cursor)"},
+    {.Text = "Move tool box", .ViewOnly = true},
+    {.Text = "Close toolbox (reopen with bottom button of the cursor)", .ViewOnly = true},
     {"Add a general Comment"},
     {"Add a Comment for a selected segment (lasso points using the cursor)", action::LassoStart,
      "Add a Comment for a segment", "Select the segement to which you would like to add a Comment"},
     {"Zoom on a selected area", action::ZoomStart, "Zooming",
-     "Select the area which you would like to zoom on"},
-    {"Decrease the size of board by 10%"},
-    {"Increase the size of board by 10%"},
+     "Select the area which you would like to zoom on", true},
+    {.Text = "Decrease the size of board by 10%", .ViewOnly = true},
+    {.Text = "Increase the size of board by 10%", .ViewOnly = true},
     {"Level next point to the depth of the previous point", action::Leveling, "Leveling a segment",
      "The follwing point would be considered in the same height as the first one"},
     {"Skip data gap", action::GapEnd, "Data Gap", "Choose the point where the data gap ends"},
@@ -46,16 +46,7 @@ std::string_view GetToolText(int index, bool zoomed) {
 }
 
 bool IsViewTool(int index) {
-  switch (index) {
-    case tool::MoveBoard:
-    case tool::CloseBoard:
-    case tool::Zoom:
-    case tool::Shrink:
-    case tool::Grow:
-      return true;
-    default:
-      return false;
-  }
+  return index >= 0 && index < ToolCount && Board[static_cast<std::size_t>(index)].ViewOnly;
 }
 
 }  // namespace hyetex

@@ -38,6 +38,7 @@ struct Tool {
   std::optional<float> WaitsIn = {};  ///< the action in which it waits for its press
   std::string_view Title = {};        ///< the window's title while it waits
   std::string_view Prompt = {};
+  bool ViewOnly = false;  ///< changes what is seen, and nothing of the chart
 };
 
 std::span<const Tool, ToolCount> Tools();
@@ -46,7 +47,7 @@ std::span<const Tool, ToolCount> Tools();
 /// back.
 std::string_view GetToolText(int index, bool zoomed);
 
-/// Whether a tool only changes what is seen, and nothing of the chart.
+/// Whether a tool only changes what is seen; not so for an index without one.
 bool IsViewTool(int index);
 
 }  // namespace hyetex

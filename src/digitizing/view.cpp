@@ -24,28 +24,57 @@ void KeepBoardInside(DeskLayout& layout) {
   board.Top = std::max(0.0, std::min(board.Top, layout.ScaleHeight - board.Height));
 }
 
-bool ZoomAround(Session& session, const DeskLayout& layout, double factor, double x, double y) {
-  const TabletExtents& tablet = session.Line.Scales().Tablet;
+void ShowArea(DeskLayout& layout, const TabletExtents& tablet, const Rect& area) {
+  layout.Zoomed = true;
+  layout.ViewX0 = static_cast<float>(area.Left / layout.ScaleX);
+  layout.ViewY0 = static_cast<float>((layout.ScaleHeight - area.Top - area.Height) / layout.ScaleY);
+  layout.ScaleX =
+      static_cast<float>(layout.ScaleWidth / (tablet.TabletWidthUnits * area.Width / layout.ScaleWidth));
+  layout.ScaleY =
+      static_cast<float>(layout.ScaleHeight / (tablet.TabletHeightUnits * area.Height / layout.ScaleHeight));
+}
+
+void ShowPaper(DeskLayout& layout, const ChartScales& scales, const ChartPaper& paper) {
+  const double width = paper.BottomRightX - paper.BottomLeftX;
+  layout.Zoomed = true;
+  layout.ViewX0 = static_cast<float>(paper.BottomLeftX - width * 0.05);
+  layout.ViewY0 = static_cast<float>(paper.BottomLeftY - scales.HeightUnits());
+  layout.ScaleX = layout.ScaleY = static_cast<float>(layout.ScaleWidth / (width * 1.2));
+}
+
+void ResizeView(DeskLayout& layout, const TabletExtents& tablet, double scaleWidth, double scaleHeight) {
+  const double wider = scaleWidth / layout.ScaleWidth, higher = scaleHeight / layout.ScaleHeight;
+  layout.ScaleWidth = scaleWidth;
+  layout.ScaleHeight = scaleHeight;
+  if (!layout.Zoomed) {
+    ShowWhole(layout, tablet);
+    return;
+  }
+  layout.ScaleX *= static_cast<float>(wider);
+  layout.ScaleY *= static_cast<float>(higher);
+}
+
+bool ZoomAround(DeskLayout& layout, const TabletExtents& tablet, double factor, double x, double y) {
   const double wholeX = layout.ScaleWidth / tablet.TabletWidthUnits;
   const double wholeY = layout.ScaleHeight / tablet.TabletHeightUnits;
   // Scales that a drag rectangle has made unequal grow alike, and neither passes its limit.
-  factor = std::min({factor, MostZoom * wholeX / session.ScaleX, MostZoom * wholeY / session.ScaleY});
-  const double scaleX = std::max(session.ScaleX * factor, wholeX);
-  const double scaleY = std::max(session.ScaleY * factor, wholeY);
+  factor = std::min({factor, MostZoom * wholeX / layout.ScaleX, MostZoom * wholeY / layout.ScaleY});
+  const double scaleX = std::max(layout.ScaleX * factor, wholeX);
+  const double scaleY = std::max(layout.ScaleY * factor, wholeY);
   constexpr double justAbove = 1 + 1e-6;
   if (scaleX < wholeX * justAbove && scaleY < wholeY * justAbove) return false;
 
   const auto keep = [](double at, double viewed, double scale, double whole, double size) {
     return static_cast<float>(std::clamp(at - viewed / scale, 0.0, std::max(0.0, whole - size / scale)));
   };
-  const double atX = session.ViewX0 + x / session.ScaleX;
+  const double atX = layout.ViewX0 + x / layout.ScaleX;
   const double fromBottom = layout.ScaleHeight - y;
-  const double atY = session.ViewY0 + fromBottom / session.ScaleY;
-  session.ViewX0 = keep(atX, x, scaleX, tablet.TabletWidthUnits, layout.ScaleWidth);
-  session.ViewY0 = keep(atY, fromBottom, scaleY, tablet.TabletHeightUnits, layout.ScaleHeight);
-  session.ScaleX = static_cast<float>(scaleX);
-  session.ScaleY = static_cast<float>(scaleY);
-  session.Zoomed = true;
+  const double atY = layout.ViewY0 + fromBottom / layout.ScaleY;
+  layout.ViewX0 = keep(atX, x, scaleX, tablet.TabletWidthUnits, layout.ScaleWidth);
+  layout.ViewY0 = keep(atY, fromBottom, scaleY, tablet.TabletHeightUnits, layout.ScaleHeight);
+  layout.ScaleX = static_cast<float>(scaleX);
+  layout.ScaleY = static_cast<float>(scaleY);
+  layout.Zoomed = true;
   return true;
 }
 

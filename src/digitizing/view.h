@@ -2,16 +2,10 @@
 // screen units (desk_layout.h) unless a name says pixels.
 #pragma once
 
-#include "core/session.h"
+#include "core/geometry.h"
 #include "digitizing/desk_layout.h"
 
 namespace hyetex {
-
-/// Where a tablet position (report units) lies in the chart view.
-inline double ScreenX(const Session& session, double x) { return (x - session.ViewX0) * session.ScaleX; }
-inline double ScreenY(const Session& session, const DeskLayout& layout, double y) {
-  return layout.ScaleHeight - (y - session.ViewY0) * session.ScaleY;
-}
 
 struct ViewSize {
   int Width = 0, Height = 0;
@@ -26,9 +20,16 @@ ViewSize KeepProportions(ViewSize before, ViewSize now, const TabletExtents& tab
 /// Moves a board that lies outside the view back into it.
 void KeepBoardInside(DeskLayout& layout);
 
+/// Shows what lies in `area`, a rectangle of the view that shows the whole tablet.
+void ShowArea(DeskLayout& layout, const TabletExtents& tablet, const Rect& area);
+/// Shows a paper, which must have a width, as large as the view allows; the same scale in X and Y.
+void ShowPaper(DeskLayout& layout, const ChartScales& scales, const ChartPaper& paper);
+/// Fits the scales to the view's new size; the part in view stays when zoomed.
+void ResizeView(DeskLayout& layout, const TabletExtents& tablet, double scaleWidth, double scaleHeight);
+
 /// Shows the tablet `factor` times as large as now, what lies at (x, y) of the view staying there as far as
 /// the tablet's edges allow. Returns false, and changes nothing, where the whole tablet would be in view:
 /// then the way is to zoom out. A waiting tool goes on waiting.
-bool ZoomAround(Session& session, const DeskLayout& layout, double factor, double x, double y);
+bool ZoomAround(DeskLayout& layout, const TabletExtents& tablet, double factor, double x, double y);
 
 }  // namespace hyetex

@@ -9,7 +9,7 @@ namespace hyetex::test {
 /// One mm of paper is a day and a mm of water, unless `type` says otherwise.
 inline Session PlainSession(ChartRecord chart,
                             ChartTypeRecord type = {.Name = "Plain", .DepthScale = 1, .TimeScale = 24}) {
-  Session session({1000, 1000, 1000, 1000}, std::move(type), std::move(chart), 0);
+  Session session({1000, 1000, 1000, 1000}, std::move(type), std::move(chart));
   session.Line.SetPage(0, 0, 500, 0);
   return session;
 }

@@ -8,57 +8,64 @@ namespace hyetex {
 namespace {
 
 using test::Desk;
+using test::Shown;
+
+constexpr int EmptySquare = 5;
 
 TEST(ActionMachine, TwoPressesCalibrateThePage) {
   Desk desk;
   desk.Click(400, 500, 2);  // the board's button is no press
-  EXPECT_EQ(desk.Shown(), "3 / Setting the page angle / Click the bottom left point of the page");
+  EXPECT_EQ(desk.IsShown(), (Shown{action::PageLeftCorner, "Setting the page angle",
+                                   "Click the bottom left point of the page"}));
   EXPECT_EQ(desk.View.Background, LightBlue);
   desk.Click(500, 500).Click(500, 900);  // no line stands upright
-  EXPECT_EQ(desk.Shown(), "3.5 / Setting the page angle / Click the bottom-right Corner of the Page");
+  EXPECT_EQ(desk.IsShown(), (Shown{action::PageRightCorner, "Setting the page angle",
+                                   "Click the bottom-right Corner of the Page"}));
   EXPECT_TRUE(desk.View.Background == LightOrange && !desk.View.Board);
   desk.Click(3500, 800);
   EXPECT_TRUE(desk.IsDrawing() && desk.View.Background == LightGreen && desk.View.Board);
-  EXPECT_FLOAT_EQ(desk.State.PageAngle, std::atan(0.1F));
+  EXPECT_FLOAT_EQ(desk.State().PageAngle, std::atan(0.1F));
   EXPECT_FLOAT_EQ(desk.Line().Paper(0).Angle, std::atan(0.1F));
 }
 
 TEST(ActionMachine, WaitingToolsSayWhatTheyWaitForAndAreTakenBack) {
-  using Case = std::pair<int, const char*>;
+  using Case = std::pair<int, Shown>;
   for (const auto& [tool, shown] :
-       {Case(3, "11 / Marking a recovered segment / Click at the point where the recovered segment ends"),
-        Case(4, "1 / Append a new paper / Click the bottom-left corner of the new paper"),
-        Case(8, "0.5 / Starting a new segment / Click the point that overlaps the last point drawn"),
-        Case(12,
-             "7.1 / Add a Comment for a segment / Select the segement to which you would like to add a "
-             "Comment"),
-        Case(16,
-             "9 / Leveling a segment / The follwing point would be considered in the same height as the "
-             "first one"),
-        Case(17, "10 / Data Gap / Choose the point where the data gap ends"),
-        Case(13, "8 / Zooming / Select the area which you would like to zoom on")}) {
+       {Case(tool::Recovered, {action::RecoveredEnd, "Marking a recovered segment",
+                               "Click at the point where the recovered segment ends"}),
+        Case(tool::AttachPaper, {action::PaperLeftCorner, "Append a new paper",
+                                 "Click the bottom-left corner of the new paper"}),
+        Case(tool::NewSegment, {action::NewSegment, "Starting a new segment",
+                                "Click the point that overlaps the last point drawn"}),
+        Case(tool::SegmentComment, {action::LassoStart, "Add a Comment for a segment",
+                                    "Select the segement to which you would like to add a Comment"}),
+        Case(tool::Level, {action::Leveling, "Leveling a segment",
+                           "The follwing point would be considered in the same height as the first one"}),
+        Case(tool::Gap, {action::GapEnd, "Data Gap", "Choose the point where the data gap ends"}),
+        Case(tool::Zoom,
+             {action::ZoomStart, "Zooming", "Select the area which you would like to zoom on"})}) {
     Desk desk;
     desk.Calibrated().Click(600, 600).OnSquare(tool, 0);
-    EXPECT_EQ(desk.Shown(), shown);
-    EXPECT_TRUE(desk.View.MarkedTool == tool && desk.View.Marker && desk.State.WaitForRelease);
+    EXPECT_EQ(desk.IsShown(), shown);
+    EXPECT_TRUE(desk.View.MarkedTool == tool && desk.View.Marker && desk.State().WaitForRelease);
     desk.Report(700, 700, 0);  // the press that chose the tool does nothing more
     desk.Click(700, 700, 2);   // nor does the board's button
-    EXPECT_EQ(desk.Shown(), shown);
+    EXPECT_EQ(desk.IsShown(), shown);
     EXPECT_EQ(desk.Last(), 0);
-    EXPECT_EQ(desk.Tool(tool).IsDrawing(), tool != 13) << tool;
+    EXPECT_EQ(desk.Tool(tool).IsDrawing(), tool != tool::Zoom) << tool;
     desk.Tool(tool).Machine.Escape();
     EXPECT_TRUE(desk.IsDrawing()) << tool;
   }
-  EXPECT_TRUE(Desk().Calibrated().Tool(4).IsDrawing());  // nothing to continue
+  EXPECT_TRUE(Desk().Calibrated().Tool(tool::AttachPaper).IsDrawing());  // nothing to continue
 }
 
 TEST(ActionMachine, APressInsideTheBoxStoresOnePoint) {
   Desk desk;
-  desk.Calibrated().State.Saved = true;
+  desk.Calibrated().Traced.Saved = true;
   desk.Report(600, 700, 0).Report(601, 701, 0).Report(900, 900, 1).Report(600, 700);  // held
   ASSERT_EQ(desk.Last(), 0);
-  EXPECT_TRUE(desk.LastOne().X == 600 && desk.State.RefX == 600 && !desk.State.Saved);
-  EXPECT_NEAR(desk.State.RefTime, MakeDate(2024, 1, 1, 10), 1e-9);  // the nearest whole hour
+  EXPECT_TRUE(desk.LastOne().X == 600 && desk.State().RefX == 600 && !desk.Traced.Saved);
+  EXPECT_NEAR(desk.State().RefTime, MakeDate(2024, 1, 1, 10), 1e-9);  // the nearest whole hour
   desk.Click(600, 2000).Click(600, 250, 1);
   EXPECT_TRUE(desk.Last() == 0 && desk.View.Message.empty());
 }
@@ -82,33 +89,37 @@ TEST(ActionMachine, ADeepFallIsAnAlphaPoint) {
         Case(ChartMethod::TippingBucket, 601, "CODE202")}) {
     Desk desk(method, 12.5F);
     EXPECT_EQ(desk.Calibrated().Click(600, 1400).Click(610, 1400 - fall).LastOne().Comment, comment) << fall;
-    desk.Click(620, 1400).Tool(8).Click(620, 1400).Click(630, 500);  // never measured from a segment's start
+    desk.Click(620, 1400)
+        .Tool(tool::NewSegment)
+        .Click(620, 1400)
+        .Click(630, 500);  // never measured from a segment's start
     EXPECT_EQ(desk.LastOne().Comment, "");
   }
 }
 
 TEST(ActionMachine, TheAlphaToolMarksTheNextPointDrawnAndNoOther) {
   Desk desk;
-  desk.Calibrated().Tool(6);
-  EXPECT_EQ(desk.Shown(),
-            "0 / Toggling an alpha sign / Click at the point where the instrument has finished cycling");
+  desk.Calibrated().Tool(tool::Alpha);
+  EXPECT_EQ(desk.IsShown(), (Shown{action::Drawing, "Toggling an alpha sign",
+                                   "Click at the point where the instrument has finished cycling"}));
   EXPECT_EQ(desk.Click(600, 2000).Click(600, 600).LastOne().Comment, "CODE202");  // the first lies outside
   EXPECT_EQ(desk.Click(650, 600).LastOne().Comment, "");
-  EXPECT_TRUE(desk.Tool(6).Tool(6).IsDrawing() && !desk.State.AlphaNext);
-  EXPECT_EQ(desk.Tool(6).Tool(8).Click(660, 600).Click(670, 600).LastOne().Comment, "");
+  EXPECT_TRUE(desk.Tool(tool::Alpha).Tool(tool::Alpha).IsDrawing() && !desk.State().AlphaNext);
+  EXPECT_EQ(desk.Tool(tool::Alpha).Tool(tool::NewSegment).Click(660, 600).Click(670, 600).LastOne().Comment,
+            "");
 }
 
 TEST(ActionMachine, AStripIsAttachedByTwoCornersAndItsFirstPoint) {
   Desk desk;
-  desk.Calibrated().Click(600, 600).Click(800, 700).Tool(4);
+  desk.Calibrated().Click(600, 600).Click(800, 700).Tool(tool::AttachPaper);
   desk.Click(2900, 3400).Click(2900, 3600);  // a corner may lie under the board; none above the other
-  EXPECT_EQ(desk.Shown(), "1.5 / Append a new paper / Click the bottom-right corner of the new paper");
+  EXPECT_EQ(desk.IsShown(), (Shown{action::PaperRightCorner, "Append a new paper",
+                                   "Click the bottom-right corner of the new paper"}));
   EXPECT_EQ(desk.Line().CurrentPaper(), 0);
   desk.Click(3900, 3500);
-  EXPECT_EQ(
-      desk.Shown(),
-      "1.7 / Append a new paper / Click the first point of the new paper and continue drawing normally");
-  EXPECT_FLOAT_EQ(desk.State.PageAngle, std::atan(0.1F));
+  EXPECT_EQ(desk.IsShown(), (Shown{action::PaperFirstPoint, "Append a new paper",
+                                   "Click the first point of the new paper and continue drawing normally"}));
+  EXPECT_FLOAT_EQ(desk.State().PageAngle, std::atan(0.1F));
   EXPECT_TRUE(desk.Click(2600, 3600).IsDrawing() && desk.LastOne().StartsSegment());
   EXPECT_TRUE(desk.Line().PaperOfPoint(1) == 0 && desk.Line().PaperOfPoint(2) == 1);
   EXPECT_EQ(desk.Line().Paper(1).FirstPoint, 2);
@@ -116,49 +127,49 @@ TEST(ActionMachine, AStripIsAttachedByTwoCornersAndItsFirstPoint) {
 
 TEST(ActionMachine, LevelsAndEndsOfGapsCarryTheirCodes) {
   Desk desk;
-  desk.Calibrated().Click(600, 600).Tool(16).Click(700, 900);
-  EXPECT_TRUE(desk.LastOne().Comment == "CODE203" && desk.IsDrawing() && desk.State.TotalDepth(1) == 0);
+  desk.Calibrated().Click(600, 600).Tool(tool::Level).Click(700, 900);
+  EXPECT_TRUE(desk.LastOne().Comment == "CODE203" && desk.IsDrawing() && desk.Traced.TotalDepth(1) == 0);
   const std::vector<std::string> reasons[] = {
       {"Pen did not record", "Clock malfunction", "Instrument did not cycle",
        "Instrument stopped after cycle", "Pen recorded on the metal strip"},
       {"Pen did not record", "Pen recorded on the metal strip"}};
   for (const bool gap : {true, false}) {
-    desk.Tool(gap ? 17 : 3).Click(800, 900);
+    desk.Tool(gap ? tool::Gap : tool::Recovered).Click(800, 900);
     ASSERT_TRUE(desk.Machine.CommentIsOpen() && !desk.View.Enabled);
     const CommentRequest request = *desk.Machine.OpenCommentRequest();
     EXPECT_EQ(request.Code, gap ? "205" : "206");
     EXPECT_EQ(request.Choices, reasons[gap ? 0 : 1]);
     const std::string_view thrownAway = "0900,0900,1\r\n0900,0900,1\r\n0900";
     desk.Machine.Receive({reinterpret_cast<const std::uint8_t*>(thrownAway.data()), thrownAway.size()});
-    EXPECT_EQ(desk.State.CursorX, 800);
+    EXPECT_EQ(desk.State().CursorX, 800);
     EXPECT_EQ(desk.Comment(request.Code, "To\nrn").LastOne().Comment, "CODE" + request.Code + " + To rn");
     EXPECT_TRUE(desk.View.Enabled && desk.IsDrawing() && desk.Line().Point(1).Comment == "CODE203");
   }
   Desk first;  // the first point takes no comment, so none is asked for
-  EXPECT_FALSE(first.Calibrated().Tool(17).Click(600, 600).Machine.CommentIsOpen());
+  EXPECT_FALSE(first.Calibrated().Tool(tool::Gap).Click(600, 600).Machine.CommentIsOpen());
   EXPECT_TRUE(first.View.Enabled && first.Last() == 0);
 }
 
 TEST(ActionMachine, ErasingAndRedigitizingKeepThePage) {
   Desk desk;
-  EXPECT_EQ(desk.Calibrated().Tool(7).Last(), -1);
-  desk.Click(600, 600).Click(700, 600).Click(800, 600).Tool(8).Click(900, 600);
-  EXPECT_EQ(desk.State.RefX, 900);
-  EXPECT_EQ(desk.Tool(7).Last(), 2);
-  EXPECT_EQ(desk.State.RefX, 600);  // no earlier segment: point 0
-  desk.State.Saved = true;
-  EXPECT_TRUE(desk.Tool(2).Last() == -1 && desk.State.RefX == 0 && !desk.State.Saved);
+  EXPECT_EQ(desk.Calibrated().Tool(tool::Erase).Last(), -1);
+  desk.Click(600, 600).Click(700, 600).Click(800, 600).Tool(tool::NewSegment).Click(900, 600);
+  EXPECT_EQ(desk.State().RefX, 900);
+  EXPECT_EQ(desk.Tool(tool::Erase).Last(), 2);
+  EXPECT_EQ(desk.State().RefX, 600);  // no earlier segment: point 0
+  desk.Traced.Saved = true;
+  EXPECT_TRUE(desk.Tool(tool::Redigitize).Last() == -1 && desk.State().RefX == 0 && !desk.Traced.Saved);
   EXPECT_EQ(desk.Click(600, 600).Last(), 0);
 }
 
 TEST(ActionMachine, WhatCannotBeKeptIsToldAndChangesNothing) {
   Desk full;
   full.Calibrated();
-  while (!full.Line().IsFull()) full.State.Line.Add(1000, 600);
-  for (const int tool : {7, 3, 8, 16, 17}) {
-    if (tool == 7) full.Tool(7).Click(1000, 600);
+  while (!full.Line().IsFull()) full.Traced.Line.Add(1000, 600);
+  for (const int tool : {tool::Erase, tool::Recovered, tool::NewSegment, tool::Level, tool::Gap}) {
+    if (tool == tool::Erase) full.Tool(tool::Erase).Click(1000, 600);
     full.View.Message.clear();
-    if (tool != 7) full.Tool(tool);
+    if (tool != tool::Erase) full.Tool(tool);
     full.Click(1100, 600);
     EXPECT_EQ(full.View.Message,
               "The chart has 5001 points and can hold no more. Save it, or delete points, before you go on.");
@@ -166,14 +177,15 @@ TEST(ActionMachine, WhatCannotBeKeptIsToldAndChangesNothing) {
   }
   Desk strips;
   strips.Calibrated().Click(600, 600);
-  for (int i = 1; i <= 11; ++i) strips.Tool(4).Click(1000, 600).Click(2000, 600).Click(1000, 700);
+  for (int i = 1; i <= 11; ++i)
+    strips.Tool(tool::AttachPaper).Click(1000, 600).Click(2000, 600).Click(1000, 700);
   EXPECT_EQ(strips.View.Message, "No more than 10 strips can be attached to a chart.");
   EXPECT_EQ(strips.Line().CurrentPaper(), 10);
 
   Desk arc(ChartMethod::NonLinear, 40);  // its circle ends at 101.25 mm
   arc.Calibrated().Click(600, 600).Click(700, 1650);
   EXPECT_TRUE(arc.Last() == 0 && arc.View.Message.find("arc") != std::string::npos);
-  EXPECT_TRUE(arc.Tool(16).Click(700, 3300).Last() == 0 && arc.State.Action == action::Leveling);
+  EXPECT_TRUE(arc.Tool(tool::Level).Click(700, 3300).Last() == 0 && arc.State().Action == action::Leveling);
   EXPECT_EQ(arc.Click(700, 1500).Last(), 1);
 }
 
@@ -182,17 +194,17 @@ TEST(ActionMachine, ALassoCommentsThePointsUnderIt) {
     Desk desk;
     desk.Calibrated().Click(600, 600).Click(700, 600).Click(800, 600).Click(900, 600);
     if (zoomed) desk.Machine.AutoZoom();
-    desk.Tool(12).Drag(1000, 700, 1100, 800);
+    desk.Tool(tool::SegmentComment).Drag(1000, 700, 1100, 800);
     EXPECT_TRUE(!desk.Machine.CommentIsOpen() && desk.IsDrawing() && !desk.View.Shape);
-    desk.Tool(12).Drag(550, 500, 650, 700);  // only the first point, which takes none
+    desk.Tool(tool::SegmentComment).Drag(550, 500, 650, 700);  // only the first point, which takes none
     EXPECT_FALSE(desk.Machine.CommentIsOpen());
-    desk.Tool(12).Drag(850, 700, 550, 500);  // from any corner
+    desk.Tool(tool::SegmentComment).Drag(850, 700, 550, 500);  // from any corner
     ASSERT_TRUE(desk.Machine.CommentIsOpen()) << zoomed;
     EXPECT_EQ(desk.Machine.OpenCommentRequest()->Title, "Add a Comment for a segment...");
     EXPECT_TRUE(desk.Machine.OpenCommentRequest()->Choices.empty());
     EXPECT_TRUE(desk.Comment("", "Wet").IsDrawing() && desk.Last() == 3);
     for (int i = 0; i <= 3; ++i) EXPECT_EQ(desk.Line().Point(i).Comment, i == 1 || i == 2 ? "Wet" : "");
-    desk.Tool(12).Drag(650, 500, 750, 700).Machine.ClearComments();
+    desk.Tool(tool::SegmentComment).Drag(650, 500, 750, 700).Machine.ClearComments();
     EXPECT_EQ(desk.Comment("7", "").Line().Point(1).Comment, "CODE7");
     EXPECT_EQ(desk.Line().Point(2).Comment, "Wet");
   }
@@ -201,58 +213,59 @@ TEST(ActionMachine, ALassoCommentsThePointsUnderIt) {
 TEST(ActionMachine, ZoomsToTheDraggedAreaAndBack) {
   Desk desk;
   const auto view = [&] {
-    const Session& s = desk.State;
+    const DeskLayout& s = desk.Machine.Layout;
     return std::vector<double>{s.ViewX0, s.ViewY0, s.ScaleX, s.ScaleY};
   };
   const std::vector<double> whole{0, 0, 3, 3};
-  desk.Calibrated().Tool(13).Report(1000, 2000).Report(1000, 2000, 0).Report(2000, 1500, 0);
+  desk.Calibrated().Tool(tool::Zoom).Report(1000, 2000).Report(1000, 2000, 0).Report(2000, 1500, 0);
   ASSERT_TRUE(desk.View.Shape);
   const Rect& shape = *desk.View.Shape;
   EXPECT_EQ(std::tuple(shape.Left, shape.Top, shape.Width, shape.Height), std::tuple(3000, 6000, 3000, 1500));
-  EXPECT_EQ(desk.Tool(13).State.Action, 8.1F);  // ignored during the drag
+  EXPECT_EQ(desk.Tool(tool::Zoom).State().Action, action::ZoomDrag);  // ignored during the drag
   EXPECT_TRUE(desk.Report(2000, 1500).IsDrawing() && desk.View.ZoomOutPicture && desk.Last() == -1);
   EXPECT_EQ(view(), (std::vector<double>{1000, 1500, 12, 24}));
   desk.Machine.ViewResized(6000, 6000);
   EXPECT_EQ(view(), (std::vector<double>{1000, 1500, 6, 12}));
   desk.Machine.ViewResized(12000, 12000);
-  EXPECT_EQ(GetToolText(13, true), "Zoom Out - return to normal display");
-  EXPECT_TRUE(!desk.Tool(13).View.ZoomOutPicture && view() == whole);
-  EXPECT_TRUE(desk.Tool(13).Click(1000, 1000).IsDrawing() && view() == whole);  // no area
+  EXPECT_EQ(GetToolText(tool::Zoom, true), "Zoom Out - return to normal display");
+  EXPECT_TRUE(!desk.Tool(tool::Zoom).View.ZoomOutPicture && view() == whole);
+  EXPECT_TRUE(desk.Tool(tool::Zoom).Click(1000, 1000).IsDrawing() && view() == whole);  // no area
   desk.Machine.AutoZoom();
   EXPECT_EQ(view(), (std::vector<double>{350, -500, 12000 / 3600.0F, 12000 / 3600.0F}));
 }
 
 TEST(ActionMachine, TheBoardOpensClosesMovesAndTellsItsTools) {
   Desk desk;
-  EXPECT_FALSE(desk.Calibrated().OnSquare(10, 0).View.Board);
+  EXPECT_FALSE(desk.Calibrated().OnSquare(tool::CloseBoard, 0).View.Board);
   EXPECT_TRUE(desk.Click(600, 600, 2).View.Board && desk.Last() == -1);
   EXPECT_FALSE(desk.Click(600, 600, 2).View.Board);
-  EXPECT_EQ(desk.Click(600, 600, 2).OnSquare(7).View.Instruction, "Delete last point");
-  EXPECT_EQ(desk.View.Highlight, 7);
-  EXPECT_TRUE(desk.OnSquare(5, 0).IsDrawing() && desk.State.CurrentTool == -1);  // an empty square
+  EXPECT_EQ(desk.Click(600, 600, 2).OnSquare(tool::Erase).View.Instruction, "Delete last point");
+  EXPECT_EQ(desk.View.Highlight, tool::Erase);
+  EXPECT_TRUE(desk.OnSquare(EmptySquare, 0).IsDrawing() &&
+              desk.State().CurrentTool == tool::None);  // an empty square
 
-  const Rect before = desk.OnSquare(5).Machine.Layout.Board;
-  desk.OnSquare(9, 0);
-  const int x = static_cast<int>(desk.State.CursorX), y = static_cast<int>(desk.State.CursorY);
+  const Rect before = desk.OnSquare(EmptySquare).Machine.Layout.Board;
+  desk.OnSquare(tool::MoveBoard, 0);
+  const int x = static_cast<int>(desk.State().CursorX), y = static_cast<int>(desk.State().CursorY);
   for (int i = 1; i <= 10; ++i) desk.Report(x - 100 * i, y - 50 * i, 0);
   EXPECT_NEAR(desk.Machine.Layout.Board.Left, before.Left - 3000, 10);
   EXPECT_NEAR(desk.Machine.Layout.Board.Top, before.Top + 1500, 10);
   EXPECT_TRUE(desk.Report(600, 600).IsDrawing());
 
-  EXPECT_TRUE(desk.OnSquare(1, 0).View.Saves == 1 && !desk.View.Enabled);
-  EXPECT_DOUBLE_EQ(desk.Tool(14).Tool(15).View.Factor, 0.9 * 1.1);
-  EXPECT_EQ(desk.Tool(0).View.Closes, 1);
-  ASSERT_TRUE(desk.Tool(11).Machine.CommentIsOpen());
+  EXPECT_TRUE(desk.OnSquare(tool::SaveFile, 0).View.Saves == 1 && !desk.View.Enabled);
+  EXPECT_DOUBLE_EQ(desk.Tool(tool::Shrink).Tool(tool::Grow).View.Factor, 0.9 * 1.1);
+  EXPECT_EQ(desk.Tool(tool::NewFile).View.Closes, 1);
+  ASSERT_TRUE(desk.Tool(tool::GeneralComment).Machine.CommentIsOpen());
   EXPECT_EQ(desk.Machine.OpenCommentRequest()->Title, "Add a general Comment...");
   desk.Machine.AddComment("213", "");
-  EXPECT_EQ(desk.Comment("", "Torn").State.Chart.GeneralComment, "CODE213::Torn");
+  EXPECT_EQ(desk.Comment("", "Torn").Traced.Chart.GeneralComment, "CODE213::Torn");
 }
 
 TEST(ActionMachine, ReadsTimeAndDepthUnderTheCursor) {
   Desk desk;
   const auto reads = [&](Date time, double depth) {
-    EXPECT_NEAR(desk.State.CursorTime, time, 1e-6);
-    EXPECT_NEAR(desk.State.CursorDepth, depth, 1e-3);
+    EXPECT_NEAR(desk.State().CursorTime, time, 1e-6);
+    EXPECT_NEAR(desk.State().CursorDepth, depth, 1e-3);
   };
   const Date start = MakeDate(1998, 3, 5);
   desk.Calibrated().Report(900, 900);
@@ -260,13 +273,14 @@ TEST(ActionMachine, ReadsTimeAndDepthUnderTheCursor) {
   desk.Click(500, 500).Report(740, 600);
   reads(start + 1, 10);  // ten units to the millimetre, times 24
   EXPECT_FALSE(desk.View.Pressed);
-  desk.State.PageAngle = std::atan(0.75F);
+  desk.Machine.State().PageAngle = std::atan(0.75F);
   desk.Report(500 + 80 - 60, 500 + 60 + 80, 1);  // 100 along and 100 up
   reads(start + 100.0 / 240, 10);
   EXPECT_TRUE(desk.View.Pressed);
-  desk.State.PageAngle = 0;
-  desk.OnSquare(5);  // on the board it is measured from the first point, and from the session's hour
-  reads(MakeDate(2024, 1, 1, 10) + (desk.State.CursorX - 500) / 240, (desk.State.CursorY - 500) / 10);
+  desk.Machine.State().PageAngle = 0;
+  desk.OnSquare(
+      EmptySquare);  // on the board it is measured from the first point, and from the session's hour
+  reads(MakeDate(2024, 1, 1, 10) + (desk.State().CursorX - 500) / 240, (desk.State().CursorY - 500) / 10);
 }
 
 }  // namespace

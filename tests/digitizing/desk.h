@@ -3,10 +3,10 @@
 #pragma once
 
 #include <optional>
+#include <ostream>
 #include <string>
 #include <vector>
 
-#include "core/numbers.h"
 #include "digitizing/action_machine.h"
 
 namespace hyetex::test {
@@ -37,6 +37,17 @@ struct RecordingView : SilentView {
   void ShowMessage(std::string_view, std::string_view text) override { Message = text; }
 };
 
+/// What the next press means, and how the desk says so.
+struct Shown {
+  float Action;
+  std::string Title, Instruction = {};
+
+  bool operator==(const Shown&) const = default;
+};
+inline std::ostream& operator<<(std::ostream& out, const Shown& shown) {
+  return out << shown.Action << " / " << shown.Title << " / " << shown.Instruction;
+}
+
 inline const TabletType DeskTablet{"Desk", WireFormat::Ascii, "", "", 13, 13, 0, 2, {4000, 4000, 400, 400}};
 
 inline ChartRecord ChartOf1998() {
@@ -48,11 +59,10 @@ inline ChartRecord ChartOf1998() {
 struct Desk {
   explicit Desk(ChartMethod method = ChartMethod::Linear, float middleToBottomMm = 0,
                 JournalSink* journal = nullptr)
-      : State(DeskTablet.Extents,
-              {"Weekly", 100, 0.1F, 2, static_cast<std::int16_t>(method), middleToBottomMm}, ChartOf1998(),
-              MakeDate(2024, 1, 1, 9, 40)),
-        Machine(State, DeskTablet, View, journal) {
-    Machine.Start();
+      : Traced(DeskTablet.Extents,
+               {"Weekly", 100, 0.1F, 2, static_cast<std::int16_t>(method), middleToBottomMm}, ChartOf1998()),
+        Machine(Traced, DeskTablet, View, journal) {
+    Machine.Start(MakeDate(2024, 1, 1, 9, 40));
   }
   /// The page from (500, 500) to (3500, 500): 5% of its length are 150 units.
   Desk& Calibrated() { return Click(500, 500).Click(3500, 500); }
@@ -79,17 +89,16 @@ struct Desk {
     Machine.CommentClosed();
     return *this;
   }
-  const Trace& Line() const { return State.Line; }
-  int Last() const { return State.Line.LastPoint(); }
-  const DigitizedPoint& LastOne() const { return State.Line.Point(Last()); }
-  /// "action / title / instruction", as they stand.
-  std::string Shown() const {
-    return ShortText(State.Action) + " / " + View.Title + " / " + View.Instruction;
-  }
-  bool IsDrawing() const { return Shown() == "0 / HYETEX 88 / " && !View.Marker; }
+  const Trace& Line() const { return Traced.Line; }
+  int Last() const { return Line().LastPoint(); }
+  const DigitizedPoint& LastOne() const { return Line().Point(Last()); }
+  const DeskState& State() const { return Machine.State(); }
+  /// As they stand.
+  Shown IsShown() const { return {State().Action, View.Title, View.Instruction}; }
+  bool IsDrawing() const { return IsShown() == Shown{action::Drawing, "HYETEX 88"} && !View.Marker; }
 
   RecordingView View;
-  Session State;
+  Session Traced;
   ActionMachine Machine;
 };
 

@@ -43,13 +43,13 @@ struct Canvas : Surface {
 struct Graph {
   Graph() {
     Table.Machine.Layout.ScaleWidth = Table.Machine.Layout.ScaleHeight = 3600;
-    Table.State.ScaleX = Table.State.ScaleY = 1;
+    Table.Machine.Layout.ScaleX = Table.Machine.Layout.ScaleY = 1;
   }
   std::vector<std::string> Draw(bool points = false) {
-    DrawGraph(Table.State, Table.Machine.Layout, points, Screen);
+    DrawGraph(Table.Line(), Table.Machine.Layout, points, Screen);
     return Screen.Drawn;
   }
-  Trace& Line() { return Table.State.Line; }
+  Trace& Line() { return Table.Traced.Line; }
   Desk Table;
   Canvas Screen;
 };
@@ -103,9 +103,9 @@ TEST(Drawing, ZoomMovesThePictureAndNoPoint) {
   Graph graph;
   graph.Line().Add(1000, 1000);
   graph.Line().Add(2000, 2000);
-  graph.Table.State.ViewX0 = 500;
-  graph.Table.State.ViewY0 = 1000;
-  graph.Table.State.ScaleX = 2;
+  graph.Table.Machine.Layout.ViewX0 = 500;
+  graph.Table.Machine.Layout.ViewY0 = 1000;
+  graph.Table.Machine.Layout.ScaleX = 2;
   EXPECT_THAT(graph.Draw(), ElementsAre("clear", "line 1000,3600 3000,2600 black"));
   EXPECT_EQ(graph.Line().Point(0).X, 1000);
 }
@@ -143,30 +143,30 @@ TEST(View, BoardComesBackInside) {
 
 TEST(View, WheelZoomKeepsWhatIsUnderTheCursorAndComesBackToTheWhole) {
   Graph graph;
-  Session& state = graph.Table.State;
-  graph.Table.Machine.Layout.ScaleWidth = graph.Table.Machine.Layout.ScaleHeight = 4000;
-  state.Action = action::GapEnd;
+  DeskLayout& layout = graph.Table.Machine.Layout;
+  layout.ScaleWidth = layout.ScaleHeight = 4000;
+  graph.Table.Calibrated().Tool(tool::Gap);
   const auto under = [&](double x, double y) {
-    return std::pair(state.ViewX0 + x / state.ScaleX, state.ViewY0 + (4000 - y) / state.ScaleY);
+    return std::pair(layout.ViewX0 + x / layout.ScaleX, layout.ViewY0 + (4000 - y) / layout.ScaleY);
   };
   const auto zoom = [&](double factor) {
-    return ZoomAround(state, graph.Table.Machine.Layout, factor, 3000, 1500);
+    return ZoomAround(layout, test::DeskTablet.Extents, factor, 3000, 1500);
   };
   EXPECT_FALSE(zoom(0.5));
-  EXPECT_FALSE(state.Zoomed);
+  EXPECT_FALSE(layout.Zoomed);
   const auto before = under(3000, 1500);
   for (int i = 0; i < 3; ++i) EXPECT_TRUE(zoom(1.5));
-  EXPECT_TRUE(state.Zoomed);
+  EXPECT_TRUE(layout.Zoomed);
   EXPECT_NEAR(under(3000, 1500).first, before.first, 0.1);
   EXPECT_NEAR(under(3000, 1500).second, before.second, 0.1);
-  EXPECT_EQ(state.Action, action::GapEnd);
+  EXPECT_EQ(graph.Table.State().Action, action::GapEnd);
   for (int i = 0; i < 50; ++i) EXPECT_TRUE(zoom(1.5));
-  EXPECT_LE(state.ScaleX, 51);
+  EXPECT_LE(layout.ScaleX, 51);
   int out = 0;
   while (zoom(0.5)) {
     ASSERT_LT(++out, 20);
-    EXPECT_GE(state.ViewX0, 0);
-    EXPECT_LE(state.ViewX0 + 4000 / state.ScaleX, 4000.01);
+    EXPECT_GE(layout.ViewX0, 0);
+    EXPECT_LE(layout.ViewX0 + 4000 / layout.ScaleX, 4000.01);
   }
 }
 

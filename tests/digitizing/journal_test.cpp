@@ -2,8 +2,8 @@
 
 #include <random>
 
-#include "digitizing/desk.h"
 #include "child.h"
+#include "digitizing/desk.h"
 #include "support.h"
 
 namespace hyetex {
@@ -20,7 +20,7 @@ struct Recorder : JournalSink {
 TEST(Journal, LinesReadBackTheSame) {
   for (const JournalEvent& event :
        {JournalEvent{.X = 1200, .Y = 850}, JournalEvent{.X = 100000, .Y = 0.1},
-        JournalEvent{.What = Kind::Tool, .Tool = 17}, JournalEvent{.What = Kind::Select},
+        JournalEvent{.What = Kind::Tool, .Tool = tool::Gap}, JournalEvent{.What = Kind::Select},
         JournalEvent{.What = Kind::Select, .Points = {0, 12, 5000}},
         JournalEvent{.What = Kind::Comment, .Code = "205", .Text = " a|b # caf\xE9 "},
         JournalEvent{.What = Kind::General, .Text = "Rain"},
@@ -128,10 +128,10 @@ void DoAnything(Desk& desk, std::mt19937& random) {
   const int x = next(400, 3700), y = next(450, 1600);
   switch (next(0, 11)) {
     case 0:
-      machine.RunTool(next(3, ToolCount - 1));
+      machine.RunTool(next(tool::Recovered, ToolCount - 1));
       break;
     case 1:
-      desk.OnSquare(next(3, ToolCount - 1), 0, next(-60, 60), next(-60, 60));
+      desk.OnSquare(next(tool::Recovered, ToolCount - 1), 0, next(-60, 60), next(-60, 60));
       break;
     case 2:
       desk.Report(x, y);
@@ -183,10 +183,10 @@ TEST(Journal, ALiveSessionIsReplayedToTheSameChart) {
       ASSERT_EQ(std::tie(a.Paper(i).BottomLeftX, a.Paper(i).BottomRightY, a.Paper(i).FirstPoint),
                 std::tie(b.Paper(i).BottomLeftX, b.Paper(i).BottomRightY, b.Paper(i).FirstPoint));
     // And the next press means the same: only a waiting zoom, which stores nothing, is not replayed.
-    const float waits = live.State.Action == action::ZoomStart ? action::Drawing : live.State.Action;
-    ASSERT_EQ(std::tie(waits, live.State.AlphaNext),
-              std::tie(replayed.State.Action, replayed.State.AlphaNext));
-    ASSERT_EQ(live.State.Chart.GeneralComment, replayed.State.Chart.GeneralComment);
+    const float waits = live.State().Action == action::ZoomStart ? action::Drawing : live.State().Action;
+    ASSERT_EQ(std::tie(waits, live.State().AlphaNext),
+              std::tie(replayed.State().Action, replayed.State().AlphaNext));
+    ASSERT_EQ(live.Traced.Chart.GeneralComment, replayed.Traced.Chart.GeneralComment);
     ASSERT_EQ(a.TotalDepth(a.LastPoint()), b.TotalDepth(b.LastPoint()));
     points += a.LastPoint();
     papers += a.CurrentPaper();

@@ -122,10 +122,10 @@ TEST(ReportDecoder, AChunkWithoutAReportActsOnceMoreOnTheLast) {
   desk.Calibrated();
   desk.Machine.Receive(BytesOf("0600,0700,1\r\n"));
   EXPECT_EQ(desk.Last(), 0);
-  EXPECT_TRUE(desk.State.ButtonHeld);
-  desk.State.CursorButton = -1;  // as when the window gets the focus
+  EXPECT_TRUE(desk.State().ButtonHeld);
+  desk.Machine.State().CursorButton = -1;  // as when the window gets the focus
   desk.Machine.Receive(BytesOf("0600"));
-  EXPECT_FALSE(desk.State.ButtonHeld);
+  EXPECT_FALSE(desk.State().ButtonHeld);
   EXPECT_EQ(desk.Last(), 0);
 }
 

@@ -1,9 +1,9 @@
 #include "digitizing/resume.h"
 
 #include "chartfiles/chart_text.h"
+#include "child.h"
 #include "core/files.h"
 #include "digitizing/desk.h"
-#include "child.h"
 #include "support.h"
 
 namespace hyetex {
@@ -66,7 +66,7 @@ TEST(Resume, NoPointIsLostWhereverTheProgramIsKilled) {
     ASSERT_TRUE(Replay(FindUnfinishedChart(folder.Path())->Steps, again.Machine));
     Trace(whole, killed);
     whole.Click(3400, 700);
-    EXPECT_EQ(FileOf(again.State), FileOf(whole.State)) << killed;
+    EXPECT_EQ(FileOf(again.Traced), FileOf(whole.Traced)) << killed;
     EXPECT_EQ(again.Last(), whole.Last());
   }
 }

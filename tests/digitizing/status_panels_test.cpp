@@ -11,22 +11,22 @@ TEST(StatusPanels, ShowDepthQuarterHourAndButton) {
   Desk desk;
   StatusPanels panels;
   desk.Calibrated();
-  EXPECT_EQ(panels.Update(desk.State), nullptr) << "there is no point yet";
+  EXPECT_EQ(panels.Update(desk.Traced, desk.State()), nullptr) << "there is no point yet";
   desk.Click(600, 700);
-  const auto* texts = panels.Update(desk.State);
+  const auto* texts = panels.Update(desk.Traced, desk.State());
   ASSERT_NE(texts, nullptr);
   EXPECT_EQ(texts->Depth, "0 cm");
   EXPECT_EQ(texts->Time, "05/03/1998");
   EXPECT_EQ(texts->Button, "");
 
   desk.Click(636, 823);  // 3.6 mm at 2 hours each, 12.3 mm up at 0.1 each
-  texts = panels.Update(desk.State);
+  texts = panels.Update(desk.Traced, desk.State());
   ASSERT_NE(texts, nullptr);
   EXPECT_EQ(texts->Depth, "1.23 cm");
   EXPECT_EQ(texts->Time, "05/03/1998 07:15:00");
 
   desk.Report(640, 830, 15);
-  texts = panels.Update(desk.State);
+  texts = panels.Update(desk.Traced, desk.State());
   ASSERT_NE(texts, nullptr);
   EXPECT_EQ(texts->Button, "F");
 }
@@ -36,36 +36,37 @@ TEST(StatusPanels, AreSilentWhileNothingOfTheirsChanges) {
   StatusPanels panels;
   desk.Calibrated();
   desk.Click(600, 700);
-  EXPECT_NE(panels.Update(desk.State), nullptr);
+  EXPECT_NE(panels.Update(desk.Traced, desk.State()), nullptr);
   for (int x = 600; x < 900; ++x) {
     desk.Report(x, 700);
-    EXPECT_EQ(panels.Update(desk.State), nullptr);
+    EXPECT_EQ(panels.Update(desk.Traced, desk.State()), nullptr);
   }
-  desk.State.Line.AddComment(0, "CODE203");  // adds nothing to the sums
-  EXPECT_EQ(panels.Update(desk.State), nullptr);
+  desk.Traced.Line.AddComment(0, "CODE203");  // adds nothing to the sums
+  EXPECT_EQ(panels.Update(desk.Traced, desk.State()), nullptr);
   desk.Machine.RemoveLastPoint();
-  EXPECT_EQ(panels.Update(desk.State), nullptr) << "the old texts stay when the last point is gone";
+  EXPECT_EQ(panels.Update(desk.Traced, desk.State()), nullptr)
+      << "the old texts stay when the last point is gone";
 }
 
 TEST(StatusPanels, CaptionsFollowThePaper) {
   Desk desk;
   desk.Calibrated();
-  const auto level = CaptionsOf(desk.State);
+  const auto level = CaptionsOf(desk.Line().Scales().ChartType, desk.State());
   EXPECT_EQ(level.Angle, "Page Angle  0");
   EXPECT_EQ(level.Horizontal, "Horizontal Scale : 1 Hour = 0.5 mm ");
   EXPECT_EQ(level.Vertical, "Vertical Scale : 1mm of water = 10 mm ");
-  desk.State.PageAngle = std::atan(0.1F);
-  EXPECT_EQ(CaptionsOf(desk.State).Angle, "Page Angle  5.7");
+  desk.Machine.State().PageAngle = std::atan(0.1F);
+  EXPECT_EQ(CaptionsOf(desk.Line().Scales().ChartType, desk.State()).Angle, "Page Angle  5.7");
 }
 
 TEST(StatusPanels, ReadOutKeepsItsWidth) {
-  Desk desk;
-  desk.State.CursorTime = MakeDate(1998, 3, 5);
-  desk.State.CursorDepth = 3;
-  EXPECT_EQ(CursorText(desk.State), "05/03/1998 00:00   3.0 mm");
-  desk.State.CursorTime = MakeDate(1998, 3, 5, 23, 59, 59);
-  desk.State.CursorDepth = -12.34F;
-  EXPECT_EQ(CursorText(desk.State), "05/03/1998 23:59   -12.3 mm");
+  DeskState state;
+  state.CursorTime = MakeDate(1998, 3, 5);
+  state.CursorDepth = 3;
+  EXPECT_EQ(CursorText(state), "05/03/1998 00:00   3.0 mm");
+  state.CursorTime = MakeDate(1998, 3, 5, 23, 59, 59);
+  state.CursorDepth = -12.34F;
+  EXPECT_EQ(CursorText(state), "05/03/1998 23:59   -12.3 mm");
 }
 
 }  // namespace

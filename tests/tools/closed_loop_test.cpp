@@ -128,10 +128,10 @@ TEST_P(RealChartLoop, JournalMakesTheSameChartAsTheStream) {
   const PenLine line = RealChart();
   const auto steps = TracePage(line, TabletOf(GetParam()), {}).value();
   const Session streamed = PlayStream(line, TabletOf(GetParam()), EncodeSteps(TabletOf(GetParam()), steps));
-  Session replayed(TabletOf(GetParam()).Extents, line.Paper, ChartFor(line), MakeDate(2024, 1, 1));
+  Session replayed(TabletOf(GetParam()).Extents, line.Paper, ChartFor(line));
   SilentView view;
   ActionMachine machine(replayed, TabletOf(GetParam()), view);
-  machine.Start();
+  machine.Start(MakeDate(2024, 1, 1));
   const Journal journal = ReadJournal(JournalText(GetParam(), steps));
   ASSERT_FALSE(journal.Error) << *journal.Error;
   ASSERT_TRUE(Replay(journal, machine));

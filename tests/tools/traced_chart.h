@@ -43,10 +43,10 @@ inline ChartRecord ChartFor(const PenLine& line) {
 
 /// Plays `stream` to a session, in the small pieces in which a serial port hands bytes on.
 inline Session PlayStream(const PenLine& line, const TabletType& tablet, std::string_view stream) {
-  Session session(tablet.Extents, line.Paper, ChartFor(line), MakeDate(2024, 1, 1));
+  Session session(tablet.Extents, line.Paper, ChartFor(line));
   SilentView view;
   ActionMachine machine(session, tablet, view);
-  machine.Start();
+  machine.Start(MakeDate(2024, 1, 1));
   for (; !stream.empty(); stream.remove_prefix(std::min<std::size_t>(stream.size(), 37))) {
     const std::string_view piece = stream.substr(0, 37);
     machine.Receive({reinterpret_cast<const std::uint8_t*>(piece.data()), piece.size()});

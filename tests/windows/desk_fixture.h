@@ -49,16 +49,18 @@ class DeskTest : public FolderTest {
   frmHyetex& Window() { return *qobject_cast<frmHyetex*>(desk_->Window(WindowId::Digitizing)); }
   bool IsOpen() { return desk_->Window(WindowId::Digitizing) != nullptr; }
   ActionMachine& Machine() { return Window().Machine(); }
-  const Session& State() { return Machine().State(); }
-  int LastPoint() { return State().Line.LastPoint(); }
+  const DeskState& State() { return Machine().State(); }
+  const Session& Digitized() { return Machine().CurrentSession(); }
+  int LastPoint() { return Digitized().Line.LastPoint(); }
   template <typename Widget = QWidget>
   Widget& Part(const char* name) {
     return Find<Widget>(*desk_->ShellWindow(), name);
   }
+  ToolSquare& Square(int tool) { return Part<ToolSquare>(("picButton" + std::to_string(tool)).c_str()); }
   std::string Panel(int panel) { return desk_->ShellWindow()->PanelText(panel); }
   std::string Title() { return Window().windowTitle().toStdString(); }
   std::string ChartText() {
-    const auto text = MakeChartText(State(), {"Core", "Agency", "Station", "Code", "User"}, "");
+    const auto text = MakeChartText(Digitized(), {"Core", "Agency", "Station", "Code", "User"}, "");
     return text ? text->Text : text.error();
   }
 
@@ -91,7 +93,7 @@ class DeskTest : public FolderTest {
     const Rect& square = layout.Squares[static_cast<std::size_t>(tool)];
     const double x = layout.Board.Left + square.Left + square.Width / 2 - ToolCursorPoint;
     const double y = layout.Board.Top + square.Top + square.Height / 2 - ToolCursorPoint;
-    return {State().ViewX0 + x / State().ScaleX, State().ViewY0 + (layout.ScaleHeight - y) / State().ScaleY};
+    return {layout.ViewX0 + x / layout.ScaleX, layout.ViewY0 + (layout.ScaleHeight - y) / layout.ScaleY};
   }
   void PressSquare(int tool) {
     const auto [x, y] = OnSquare(tool);

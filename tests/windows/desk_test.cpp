@@ -47,10 +47,10 @@ class WholeSession : public DeskTest {
     Press(600, 3100);
     run(tool::Zoom);
     Drag(300, 500, 4000, 4500);
-    EXPECT_TRUE(State().Zoomed);
+    EXPECT_TRUE(Machine().Layout.Zoomed);
     Press(1200, 3350);
     run(tool::Zoom);
-    EXPECT_FALSE(State().Zoomed);
+    EXPECT_FALSE(Machine().Layout.Zoomed);
     Press(1500, 3400);
     run(tool::GeneralComment);
     AddComment("Rain began early");
@@ -95,7 +95,7 @@ TEST_F(WholeSession, RecordedStreamsOfAllTabletsMakeTheirCharts) {
     const std::string traced = ChartText();
     EXPECT_GT(LastPoint(), 50);
 
-    Session again(type_->Extents, State().Line.Scales().ChartType, State().Chart, 0);
+    Session again(type_->Extents, Digitized().Line.Scales().ChartType, Digitized().Chart);
     SilentView nothing;
     ActionMachine machine(again, *type_, nothing);
     ASSERT_TRUE(Replay(ReadJournal(ReadFile(test::Demo("journals/siphon-" + number + ".txt"))), machine));
@@ -153,7 +153,7 @@ TEST_F(DeskTest, CursorMovesNeverDrawTheTrace) {
 TEST_F(DeskTest, BoardAnswersTabletAndMouse) {
   OpenAndCalibrate();
   auto& cursor = Part("picCur");
-  auto& gap = Part<ToolSquare>("picButton17");
+  auto& gap = Square(tool::Gap);
   const auto [x, y] = OnSquare(tool::Gap);
   Report(x, y);
   EXPECT_TRUE(cursor.isVisible());
@@ -175,7 +175,7 @@ TEST_F(DeskTest, BoardAnswersTabletAndMouse) {
   EXPECT_EQ(State().Action, action::Drawing);
 
   // The mouse tells a square's text too, and leaves no trace of it.
-  auto& level = Part("picButton16");
+  auto& level = Square(tool::Level);
   QEnterEvent enter(QPointF(5, 5), QPointF(5, 5), QPointF(5, 5));
   QCoreApplication::sendEvent(&level, &enter);
   EXPECT_EQ(Panel(panel::Instruction), "Level next point to the depth of the previous point");
@@ -198,7 +198,7 @@ TEST_F(DeskTest, BoardIsDraggedAndFoundAgain) {
   EXPECT_NEAR(board.x(), first.x() - 26, 2);
   EXPECT_NEAR(board.y(), first.y() + 26, 2);
 
-  auto& square = Part("picButton9");
+  auto& square = Square(tool::MoveBoard);
   QTest::mousePress(&square, Qt::LeftButton, {}, {10, 10});
   const QPoint before = board.pos(), grip = square.mapToGlobal(QPoint(10, 10));
   QMouseEvent move(QEvent::MouseMove, QPointF(10, 10), grip - QPointF(300, -50), Qt::NoButton, Qt::LeftButton,
@@ -218,7 +218,7 @@ TEST_F(DeskTest, BoardIsDraggedAndFoundAgain) {
 TEST_F(DeskTest, ZoomsByWheelKeysAndMenu) {
   OpenAndCalibrate();
   Press(2000, 1200);
-  auto& zoom = Part<ToolSquare>("picButton13");
+  auto& zoom = Square(tool::Zoom);
   const auto wheel = [&](int angle) {
     auto& graph = Part("picGraph");
     const QPointF at(300, 500);
@@ -226,25 +226,25 @@ TEST_F(DeskTest, ZoomsByWheelKeysAndMenu) {
     QCoreApplication::sendEvent(&graph, &event);
   };
   wheel(240);
-  EXPECT_TRUE(State().Zoomed);
+  EXPECT_TRUE(Machine().Layout.Zoomed);
   EXPECT_EQ(zoom.toolTip().toStdString(), "Zoom Out - return to normal display");
   Press(2100, 1300);
-  EXPECT_EQ(State().Line.Point(1).X, 2100) << "a point is where the tablet says";
+  EXPECT_EQ(Digitized().Line.Point(1).X, 2100) << "a point is where the tablet says";
   wheel(-600);
-  EXPECT_FALSE(State().Zoomed);
+  EXPECT_FALSE(Machine().Layout.Zoomed);
   EXPECT_EQ(zoom.toolTip().toStdString(), "Zoom on a selected area");
 
   QTest::keyClick(&Window(), Qt::Key_Plus, Qt::ControlModifier);
-  EXPECT_TRUE(State().Zoomed);
+  EXPECT_TRUE(Machine().Layout.Zoomed);
   QTest::keyClick(&Window(), Qt::Key_Minus, Qt::ControlModifier);
-  EXPECT_FALSE(State().Zoomed);
+  EXPECT_FALSE(Machine().Layout.Zoomed);
   Choose("mnuAutoZoom");
-  EXPECT_EQ(State().ScaleX, State().ScaleY);
-  const float scale = State().ScaleX;
+  EXPECT_EQ(Machine().Layout.ScaleX, Machine().Layout.ScaleY);
+  const float scale = Machine().Layout.ScaleX;
   ClickSquare(tool::Shrink);
-  EXPECT_NEAR(State().ScaleX, 0.9 * scale, 0.01 * scale) << "the same part stays in view";
+  EXPECT_NEAR(Machine().Layout.ScaleX, 0.9 * scale, 0.01 * scale) << "the same part stays in view";
   ClickSquare(tool::Zoom);
-  EXPECT_FALSE(State().Zoomed);
+  EXPECT_FALSE(Machine().Layout.Zoomed);
 }
 
 TEST_F(DeskTest, KeepsTheTabletsProportions) {
@@ -332,7 +332,7 @@ TEST_F(DeskTest, PressesBeforeAnotherWindowAreThrownAway) {
   EXPECT_EQ(State().CursorX, 950);
   Press(1000, 1200);
   EXPECT_EQ(LastPoint(), 1);
-  EXPECT_EQ(State().Line.Point(1).X, 1000);
+  EXPECT_EQ(Digitized().Line.Point(1).X, 1000);
 
   // A tool's window takes the rest of what the tablet has sent already.
   ClickSquare(tool::Gap);

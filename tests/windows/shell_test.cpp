@@ -16,6 +16,8 @@ namespace {
 
 using namespace hyetex::test;
 
+std::string Asking(int tool) { return "tool " + std::to_string(tool) + " "; }
+
 class Commands : public SessionCommands {
  public:
   std::string Asked;
@@ -23,7 +25,7 @@ class Commands : public SessionCommands {
 
   void NewFile() override { Asked += "new "; }
   void SaveFile() override { Asked += "save "; }
-  void RunTool(int tool) override { Asked += "tool " + std::to_string(tool) + " "; }
+  void RunTool(int tool) override { Asked += Asking(tool); }
   void AutoZoom() override { Asked += "autozoom "; }
   void ShowBoard() override { Asked += "board "; }
   void PointsToggled() override { Asked += "points "; }
@@ -84,8 +86,11 @@ TEST(Shell, RunsTheToolOfEachEntry) {
   };
   EXPECT_EQ(choose({"mnuSegment", "mnuAppend", "mnuAngle"}), "") << "there is no point yet";
   commands.Points = true;
-  EXPECT_EQ(choose({"mnuSegment", "mnuAppend", "mnuAlpha", "mnuComment"}), "tool 8 tool 4 tool 6 tool 12 ");
-  EXPECT_EQ(choose({"mnuErase", "mnuGap", "mnuLevel", "mnuRecovered"}), "tool 7 tool 17 tool 16 tool 3 ");
+  EXPECT_EQ(choose({"mnuSegment", "mnuAppend", "mnuAlpha", "mnuComment"}),
+            Asking(tool::NewSegment) + Asking(tool::AttachPaper) + Asking(tool::Alpha) +
+                Asking(tool::SegmentComment));
+  EXPECT_EQ(choose({"mnuErase", "mnuGap", "mnuLevel", "mnuRecovered"}),
+            Asking(tool::Erase) + Asking(tool::Gap) + Asking(tool::Level) + Asking(tool::Recovered));
   EXPECT_EQ(choose({"mnuSave", "mnuNew", "mnuAutoZoom", "mnuToolBox"}), "save new autozoom board ");
   EXPECT_FALSE(shell.PointsAreShown());
   EXPECT_EQ(choose({"mnuPoints"}), "points ");
@@ -104,7 +109,7 @@ TEST(Shell, TakesTheKeysOfThePlatform) {
   QTest::keyClick(&shell, Qt::Key_Delete);
   QTest::keyClick(&shell, Qt::Key_S, Qt::ControlModifier);
   QTest::keyClick(&shell, Qt::Key_N, Qt::ControlModifier);
-  EXPECT_EQ(commands.Asked, "tool 7 save new ");
+  EXPECT_EQ(commands.Asked, Asking(tool::Erase) + "save new ");
   QTest::keyClick(&shell, Qt::Key_F1);
   EXPECT_EQ(help.count(), 1);
   QTest::keyClick(&shell, Qt::Key_Q, Qt::ControlModifier);

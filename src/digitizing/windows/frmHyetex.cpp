@@ -14,7 +14,6 @@
 namespace hyetex {
 namespace {
 
-constexpr std::string_view ProgramTitle = "HYETEX 88";
 constexpr double PartOfFrame = 0.85;  // of the shell's height, when no size is remembered
 const QColor ZoomColour(21, 101, 192), SelectionColour(198, 40, 40);
 
@@ -32,7 +31,7 @@ frmHyetex::frmHyetex(Desk& desk, Shell& shell, Dialogs& dialogs, Settings& setti
       mscDig(new SerialPort(this)),
       picGraph_(new picGraph(
           [this](Surface& surface) {
-            hyetex::DrawGraph(session_, machine_.Layout, shell_.PointsAreShown(), surface);
+            hyetex::DrawGraph(session_.Line, machine_.Layout, shell_.PointsAreShown(), surface);
           },
           this)),
       linHor(new Shape("linHor", Shape::Kind::Filled, Qt::black, picGraph_)),
@@ -51,7 +50,7 @@ frmHyetex::frmHyetex(Desk& desk, Shell& shell, Dialogs& dialogs, Settings& setti
     TellOfLostTablet(why);
   });
   connect(frmToolBox_, &frmToolBox::Clicked, this, [this](int tool) {
-    session_.CurrentTool = static_cast<std::int16_t>(tool);
+    machine_.State().CurrentTool = static_cast<std::int16_t>(tool);
     if (tool != tool::MoveBoard) machine_.PerformToolAction();
   });
   connect(frmToolBox_, &frmToolBox::Hovered, this, &frmHyetex::ShowToolText);
@@ -74,7 +73,7 @@ void frmHyetex::StartSession() {
   FitView(size());
   ClearPanels();
   started_ = true;
-  machine_.Start();
+  machine_.Start(Now());
   if (!OfferUnfinishedChart()) {
     givenUp_ = true;
     CloseDesk();
@@ -90,7 +89,6 @@ void frmHyetex::StartSession() {
 void frmHyetex::RestoreLayout() {
   const TabletExtents& tablet = session_.Line.Scales().Tablet;
   machine_.Layout = DefaultDeskLayout(tablet, sizeHint().height() * UnitsPerPixel);
-  machine_.ViewResized(machine_.Layout.ScaleWidth, machine_.Layout.ScaleHeight);
   const std::string place = settings_.Get(setting::BoardPlace);
   if (const double left = LeadingNumber(place); left != 0) {
     const std::size_t comma = place.find(',');

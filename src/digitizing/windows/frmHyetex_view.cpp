@@ -38,7 +38,7 @@ void frmHyetex::FocusChanged(bool focused) {
     return;
   }
   shell_.Digitizing(*this);
-  session_.CursorButton = -1;
+  machine_.State().CursorButton = -1;
   UpdateMenus();
   ShowInstruction(machine_.Instruction());
 }
@@ -98,13 +98,13 @@ void frmHyetex::DrawGraph() {
 
 void frmHyetex::UpdateMenus() {
   if (replaying_) return;
-  shell_.ShowScales(CaptionsOf(session_));
+  shell_.ShowScales(CaptionsOf(session_.Line.Scales().ChartType, machine_.State()));
   TellOfJournalTrouble();
 }
 
 void frmHyetex::UpdatePanels() {
   if (replaying_) return;
-  if (const auto* texts = panels_.Update(session_)) {
+  if (const auto* texts = panels_.Update(session_, machine_.State())) {
     shell_.ShowPanel(panel::Depth, texts->Depth);
     shell_.ShowPanel(panel::Time, texts->Time);
     shell_.ShowPanel(panel::Button, texts->Button);
@@ -127,7 +127,7 @@ void frmHyetex::PlaceCrosshair(double x, double y, bool pressed) {
   linVer->show();
   frmToolBox_->HideCursor();
   frmToolBox_->Highlight(tool::None);
-  frmToolBox_->ShowReadOut(ToQt(CursorText(session_)));
+  frmToolBox_->ShowReadOut(ToQt(CursorText(machine_.State())));
   UpdatePanels();
 }
 
@@ -135,7 +135,7 @@ void frmHyetex::PlaceToolCursor(double left, double top) {
   linHor->hide();
   linVer->hide();
   frmToolBox_->PlaceCursor({ToPixels(left), ToPixels(top)});
-  frmToolBox_->ShowReadOut(ToQt(CursorText(session_)));
+  frmToolBox_->ShowReadOut(ToQt(CursorText(machine_.State())));
   UpdatePanels();
 }
 
@@ -165,8 +165,8 @@ void frmHyetex::DragBoard(QPoint by) {
 }
 
 void frmHyetex::ShowToolText(int tool) {
-  if (session_.Action != action::Drawing) return;
-  ShowInstruction(tool == tool::None ? machine_.Instruction() : GetToolText(tool, session_.Zoomed));
+  if (machine_.State().Action != action::Drawing) return;
+  ShowInstruction(tool == tool::None ? machine_.Instruction() : GetToolText(tool, machine_.Layout.Zoomed));
 }
 
 // ---- Keys and wheel
@@ -191,9 +191,9 @@ void frmHyetex::ZoomByKey(double steps) {
 
 void frmHyetex::Zoom(double steps, QPointF at) {
   if (shpSelect->isVisible() || shpZoom->isVisible()) return;  // their first corner stands on the screen
-  if (!ZoomAround(session_, machine_.Layout, std::pow(ZoomStep, steps), at.x() * UnitsPerPixel,
-                  at.y() * UnitsPerPixel)) {
-    if (session_.Zoomed) machine_.ZoomOut();
+  if (!ZoomAround(machine_.Layout, session_.Line.Scales().Tablet, std::pow(ZoomStep, steps),
+                  at.x() * UnitsPerPixel, at.y() * UnitsPerPixel)) {
+    if (machine_.Layout.Zoomed) machine_.ZoomOut();
     return;
   }
   ShowZoomOutPicture(true);
