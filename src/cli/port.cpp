@@ -17,24 +17,21 @@ tl::unexpected<std::string> FailureOf(const std::string& path) {
   return Failure("Cannot read " + path + ": " + std::strerror(errno));
 }
 
-// "9600,e,7,1": every parameter is set, since a line keeps what the last program left.
-bool SetLine(int fd, std::string_view settings) {
+// Every parameter is set, since a line keeps what the last program left.
+bool SetLine(int fd, const LineSettings& settings) {
   termios line{};
   if (::tcgetattr(fd, &line) != 0) return false;
   ::cfmakeraw(&line);
-  const auto field = [&settings](int index) {
-    std::string_view rest = settings;
-    for (int i = 0; i < index; ++i) rest.remove_prefix(rest.find(',') + 1);
-    return rest.front();
-  };
   line.c_cflag &= ~static_cast<tcflag_t>(CSIZE | PARENB | PARODD | CSTOPB | CRTSCTS);
   line.c_cflag |= CREAD | CLOCAL;
-  line.c_cflag |= field(2) == '7' ? CS7 : CS8;
-  if (field(1) != 'n') line.c_cflag |= PARENB;
-  if (field(1) == 'o') line.c_cflag |= PARODD;
+  line.c_cflag |= settings.DataBits == 7 ? CS7 : CS8;
+  if (settings.Parity != LineParity::None) line.c_cflag |= PARENB;
+  if (settings.Parity == LineParity::Odd) line.c_cflag |= PARODD;
+  if (settings.StopBits == 2) line.c_cflag |= CSTOPB;
   line.c_cc[VMIN] = 1;
   line.c_cc[VTIME] = 0;
-  ::cfsetspeed(&line, B9600);
+  // It takes the number itself as well as the constant that stands for it.
+  if (::cfsetspeed(&line, static_cast<speed_t>(settings.Baud)) != 0) return false;
   return ::tcsetattr(fd, TCSANOW, &line) == 0 && ::tcflush(fd, TCIFLUSH) == 0;
 }
 
@@ -50,7 +47,7 @@ Result<Port> Port::Open(const std::string& path, const TabletType& tablet) {
   Port port(fd, ::isatty(fd) != 0);
   if (::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK) != 0) return FailureOf(path);
   if (!port.line_) return port;
-  if (!SetLine(fd, tablet.Settings)) return FailureOf(path);
+  if (!SetLine(fd, tablet.Line)) return FailureOf(path);
   const std::string_view hello = tablet.Initialisation;
   if (::write(fd, hello.data(), hello.size()) != static_cast<ssize_t>(hello.size())) return FailureOf(path);
   return port;

@@ -44,14 +44,14 @@ bool ActionMachine::RefusePress() {
   const Trace& line = session_.Line;
   if (!StoresPoint()) return false;
   if (line.IsFull()) {
-    view_.ShowMessage(ProgramTitle,
+    view_.ShowMessage(DrawingTitle,
                       "The chart has " + ShortText(MaxPoint + 1) +
                           " points and can hold no more. Save it, or delete points, before you go on.");
     return true;
   }
   if (!IsOnArc(line.Scales(), state_.CursorX, state_.CursorY, line.Paper(line.CurrentPaper()))) {
     view_.ShowMessage(
-        ProgramTitle,
+        DrawingTitle,
         "This point lies too far from the chart for the arc of its pen. Click on the pen line.");
     return true;
   }
@@ -60,7 +60,7 @@ bool ActionMachine::RefusePress() {
 
 bool ActionMachine::RefusePaper() {
   if (!session_.Line.PapersAreFull()) return false;
-  view_.ShowMessage(ProgramTitle,
+  view_.ShowMessage(DrawingTitle,
                     "No more than " + ShortText(MaxPaper) + " strips can be attached to a chart.");
   return true;
 }
@@ -256,7 +256,7 @@ void ActionMachine::Escape() {
 void ActionMachine::BackToDrawing() {
   state_.Action = action::Drawing;
   ShowInstruction("");
-  view_.SetTitle(ProgramTitle);
+  view_.SetTitle(DrawingTitle);
   view_.ShowMarker(false);
 }
 

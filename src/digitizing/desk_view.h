@@ -12,7 +12,7 @@
 namespace hyetex {
 
 /// The window's title while the chart is drawn, and that of its messages.
-inline constexpr std::string_view ProgramTitle = "HYETEX 88";
+inline constexpr std::string_view DrawingTitle = "HYETEX 88";
 
 inline constexpr Rgb LightBlue{192, 192, 255};    ///< waiting for the page's first corner
 inline constexpr Rgb LightOrange{255, 192, 128};  ///< waiting for its second

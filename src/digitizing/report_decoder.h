@@ -22,7 +22,7 @@ extern const std::array<std::uint8_t, 256> ParityDigits;
 
 inline int Digit(std::uint8_t byte) { return byte >= '0' && byte <= '9' ? byte - '0' : 0; }
 
-/// One wire format: whether a report stands at `p`, and what it says. `p` has at least FrameLength bytes.
+/// One wire format: whether a report stands at `p`, and what it says. `p` has at least its frame's bytes.
 template <WireFormat Format>
 bool IsReport(const std::uint8_t* p);
 template <WireFormat Format>
@@ -94,20 +94,19 @@ class ReportDecoder {
   bool Receive(std::span<const std::uint8_t> chunk, Take&& take) {
     switch (type_->Format) {
       case WireFormat::ParityAscii:
-        return Run<WireFormat::ParityAscii, 15, 15>(chunk, take);
+        return Run<WireFormat::ParityAscii>(chunk, take);
       case WireFormat::Ascii:
-        return Run<WireFormat::Ascii, 13, 13>(chunk, take);
+        return Run<WireFormat::Ascii>(chunk, take);
       case WireFormat::AsciiMapped:
-        return Run<WireFormat::AsciiMapped, 13, 13>(chunk, take);
+        return Run<WireFormat::AsciiMapped>(chunk, take);
       case WireFormat::BinaryPacked:
-        return Run<WireFormat::BinaryPacked, 5, 6>(chunk, take);
+        return Run<WireFormat::BinaryPacked>(chunk, take);
     }
     return false;
   }
 
  private:
-  // `Packet` bytes are taken out for a report that `Frame` bytes tell.
-  template <WireFormat Format, std::size_t Packet, std::size_t Frame, typename Take>
+  template <WireFormat Format, typename Take>
   bool Run(std::span<const std::uint8_t> chunk, Take& take);
 
   static constexpr std::size_t MostWaiting = 16;  // more than any frame
@@ -117,8 +116,9 @@ class ReportDecoder {
   std::array<std::uint8_t, 2 * MostWaiting> waiting_{};
 };
 
-template <WireFormat Format, std::size_t Packet, std::size_t Frame, typename Take>
+template <WireFormat Format, typename Take>
 bool ReportDecoder::Run(std::span<const std::uint8_t> chunk, Take& take) {
+  constexpr std::size_t Packet = LengthsOf(Format).Packet, Frame = LengthsOf(Format).Frame;
   static_assert(Frame <= MostWaiting && Packet <= Frame);
   if (chunk.empty() || chunk.size() + count_ >= RxBufferSize) return false;
 

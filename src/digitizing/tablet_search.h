@@ -1,4 +1,4 @@
-// Finds out on which serial port the tablet is: the ports 1 and 2 are opened in turn, each for a tick of the
+// Finds out on which serial port the tablet is: the searched ports are opened in turn, each for a tick of the
 // caller's timer, until one of them brings a report of the tablet's type. A tablet that falls silent for two
 // ticks counts as lost, and the search goes on behind its port.
 #pragma once
@@ -7,10 +7,10 @@
 #include <span>
 
 #include "digitizing/report_decoder.h"
+#include "platform/serial_line.h"
 
 namespace hyetex {
 
-inline constexpr int FirstSearchedPort = 1, LastSearchedPort = 2;
 inline constexpr int NoPort = -1;
 
 /// The one port that is open at a time.

@@ -8,30 +8,20 @@
 namespace hyetex {
 namespace {
 
+using enum LineParity;
+
 constexpr std::array<TabletType, TabletTypeCount> Types{{
-    {"HIPAD-Plus", WireFormat::ParityAscii, "9600,n,8,1", "", 15, 15, 0, 15, {18285, 12190, 915, 610}},
-    {"DrawingBoard III+",
-     WireFormat::Ascii,
-     "9600,o,8,1",
-     "\x69\x40\x46",
-     13,
-     13,
-     0,
-     2,
-     {9145, 6100, 458, 350}},
-    // Five bytes go out for a report, so that its status byte is passed over as the next report is looked
-    // for. A report is told by its sixth byte and so waits for it.
-    {"GT-1812", WireFormat::BinaryPacked, "9600,n,8,1", "", 5, 6, 4, 12, {16511, 12000, 414, 305}},
+    {"HIPAD-Plus", WireFormat::ParityAscii, {9600, None, 8, 1}, "", 0, 15, {18285, 12190, 915, 610}},
+    {"DrawingBoard III+", WireFormat::Ascii, {9600, Odd, 8, 1}, "\x69\x40\x46", 0, 2, {9145, 6100, 458, 350}},
+    {"GT-1812", WireFormat::BinaryPacked, {9600, None, 8, 1}, "", 4, 12, {16511, 12000, 414, 305}},
     {"DrawingBoard III",
      WireFormat::AsciiMapped,
-     "9600,e,7,1",
+     {9600, Even, 7, 1},
      "\x37\x32\x48\x1B\x14hW025",
-     13,
-     13,
      1,
      2,
      {3100, 3100, 310, 307}},
-    {"SummaSketch (31)", WireFormat::Ascii, "9600,o,8,1", "Fc@iza", 13, 13, 0, 2, {9145, 6100, 458, 307}},
+    {"SummaSketch (31)", WireFormat::Ascii, {9600, Odd, 8, 1}, "Fc@iza", 0, 2, {9145, 6100, 458, 307}},
 }};
 
 constexpr std::uint8_t WithEvenParity(int character) {

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "core/geometry.h"
+#include "platform/serial_line.h"
 
 namespace hyetex {
 
@@ -20,13 +21,23 @@ enum class WireFormat {
   BinaryPacked,  ///< D: six bytes: X high, X low, one not used, Y high, Y low, status
 };
 
+/// Of a report, in bytes.
+struct ReportLengths {
+  std::size_t Packet;  ///< what it takes out of the buffer
+  std::size_t Frame;   ///< what must have come before it can be told and read
+};
+constexpr ReportLengths LengthsOf(WireFormat format) {
+  // Format D takes out five, so that its status byte is passed over as the next report is looked for. A
+  // report is told by its sixth byte and so waits for it.
+  constexpr std::array<ReportLengths, 4> lengths{{{15, 15}, {13, 13}, {13, 13}, {5, 6}}};
+  return lengths[static_cast<std::size_t>(format)];
+}
+
 struct TabletType {
   std::string_view Name;
   WireFormat Format;
-  std::string_view Settings;        ///< baud, parity, data bits, stop bits
+  LineSettings Line;
   std::string_view Initialisation;  ///< sent once after opening; may be empty
-  std::int16_t PacketLength;        ///< bytes that one report takes out of the buffer
-  std::int16_t FrameLength;         ///< bytes that must have come before a report can be told and read
   std::int16_t DrawingButton;       ///< the button under the operator's finger
   std::int16_t ToolBoxButton;       ///< the button that opens and closes the tool board
   TabletExtents Extents;

@@ -5,6 +5,7 @@
 #include <QScreen>
 
 #include "platform/qt_text.h"
+#include "platform/units.h"
 
 namespace hyetex {
 namespace {
@@ -21,8 +22,7 @@ QRect AreaFor(const QWidget& frame, QPoint place) {
   return (screen ? screen : QGuiApplication::primaryScreen())->availableGeometry();
 }
 
-int ToPixels(float units) { return qRound(units / PlaceUnitsPerPixel); }
-float ToUnits(int pixels) { return static_cast<float>(pixels * PlaceUnitsPerPixel); }
+float ToUnits(int pixels) { return static_cast<float>(pixels * UnitsPerPixel); }
 
 }  // namespace
 

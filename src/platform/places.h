@@ -1,5 +1,5 @@
-// Windows remember where they stood. Each has a key by its name (its objectName);
-// the values count 15 to a pixel at 96 dpi, and inside the shell from the top left of its area.
+// Windows remember where they stood. Each has a key by its name (its objectName); the values are screen units
+// (units.h), and inside the shell from the top left of its area.
 #pragma once
 
 #include <QRect>
@@ -8,8 +8,6 @@
 #include "core/settings.h"
 
 namespace hyetex {
-
-inline constexpr int PlaceUnitsPerPixel = 15;
 
 /// Moves the window to its remembered place, 0 and 0 when there is none; brought inside the area, or onto a
 /// screen that is present, where that place lies outside. A window of the shell must stand in its area

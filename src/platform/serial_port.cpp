@@ -3,43 +3,23 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <array>
-#include <utility>
 
 #include "platform/qt_text.h"
 
 namespace hyetex {
-
-Result<LineSettings> ReadLineSettings(std::string_view text) {
-  const QStringList parts = ToQt(text).toLower().split(',');
-  const auto wrong = [&] { return Failure("These are no line settings: " + std::string(text)); };
-  if (parts.size() != 4) return wrong();
-
-  LineSettings settings;
-  bool isNumber = false;
-  settings.Baud = parts[0].toInt(&isNumber);
-  if (!isNumber || settings.Baud <= 0) return wrong();
-
-  static constexpr std::array<std::pair<char, QSerialPort::Parity>, 5> Parities{
-      {{'n', QSerialPort::NoParity},
-       {'e', QSerialPort::EvenParity},
-       {'o', QSerialPort::OddParity},
-       {'m', QSerialPort::MarkParity},
-       {'s', QSerialPort::SpaceParity}}};
-  const auto parity = std::find_if(Parities.begin(), Parities.end(),
-                                   [&](const auto& row) { return parts[1] == QLatin1Char(row.first); });
-  if (parity == Parities.end()) return wrong();
-  settings.Parity = parity->second;
-
-  const int dataBits = parts[2].toInt();
-  if (dataBits < 5 || dataBits > 8) return wrong();
-  settings.DataBits = static_cast<QSerialPort::DataBits>(dataBits);
-
-  if (parts[3] != "1" && parts[3] != "2") return wrong();
-  settings.StopBits = parts[3] == "1" ? QSerialPort::OneStop : QSerialPort::TwoStop;
-  return settings;
-}
-
 namespace {
+
+QSerialPort::Parity ParityOf(const LineSettings& settings) {
+  switch (settings.Parity) {
+    case LineParity::Even:
+      return QSerialPort::EvenParity;
+    case LineParity::Odd:
+      return QSerialPort::OddParity;
+    case LineParity::None:
+      break;
+  }
+  return QSerialPort::NoParity;
+}
 
 // It carries whole bytes whatever it is set to, and says so by refusing parity and seven data bits.
 bool IsPseudoTerminal(const QString& device) {
@@ -61,12 +41,10 @@ SerialPort::~SerialPort() {
   port_.disconnect(this);
 }
 
-Result<void> SerialPort::Open(const std::string& device, std::string_view settings,
+Result<void> SerialPort::Open(const std::string& device, const LineSettings& settings,
                               std::string_view initialisation) {
   Close();
-  const auto line = ReadLineSettings(settings);
-  if (!line) return Failure(line.error());
-  settings_ = *line;
+  settings_ = settings;
   initialisation_ = QByteArray(initialisation.data(), static_cast<qsizetype>(initialisation.size()));
   port_.setPortName(ToQt(device));
   auto opened = TryOpen();
@@ -89,8 +67,9 @@ Result<void> SerialPort::TryOpen() {
   if (port_.portName().isEmpty()) return Failure("There is no serial port for the tablet");
   if (!port_.open(QIODevice::ReadWrite)) return failed();
   // A port keeps what the last program set, so each parameter is set whatever its default.
-  const std::array set{port_.setBaudRate(settings_.Baud), port_.setParity(settings_.Parity),
-                       port_.setDataBits(settings_.DataBits), port_.setStopBits(settings_.StopBits),
+  const std::array set{port_.setBaudRate(settings_.Baud), port_.setParity(ParityOf(settings_)),
+                       port_.setDataBits(static_cast<QSerialPort::DataBits>(settings_.DataBits)),
+                       port_.setStopBits(static_cast<QSerialPort::StopBits>(settings_.StopBits)),
                        port_.setFlowControl(QSerialPort::NoFlowControl)};
   const bool isSet = std::find(set.begin(), set.end(), false) == set.end();
   if ((!isSet && !IsPseudoTerminal(port_.portName())) || !port_.clear()) return failed();

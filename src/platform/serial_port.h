@@ -11,19 +11,9 @@
 #include <string_view>
 
 #include "core/result.h"
+#include "platform/serial_line.h"
 
 namespace hyetex {
-
-/// How a line is set: "9600,e,7,1" is baud, parity (n, e, o, m, s), data bits, stop bits.
-struct LineSettings {
-  qint32 Baud = 9600;
-  QSerialPort::Parity Parity = QSerialPort::NoParity;
-  QSerialPort::DataBits DataBits = QSerialPort::Data8;
-  QSerialPort::StopBits StopBits = QSerialPort::OneStop;
-
-  bool operator==(const LineSettings&) const = default;
-};
-Result<LineSettings> ReadLineSettings(std::string_view text);
 
 class SerialPort : public QObject {
   Q_OBJECT
@@ -34,7 +24,7 @@ class SerialPort : public QObject {
 
   /// Opens a device, named or by its path, and sends `initialisation`. When that fails, and whenever the line
   /// is lost later, it is tried again every RetryMs until Close().
-  Result<void> Open(const std::string& device, std::string_view settings, std::string_view initialisation);
+  Result<void> Open(const std::string& device, const LineSettings& settings, std::string_view initialisation);
   void Close();
   bool IsOpen() const { return port_.isOpen(); }
 

@@ -48,7 +48,7 @@ inline std::ostream& operator<<(std::ostream& out, const Shown& shown) {
   return out << shown.Action << " / " << shown.Title << " / " << shown.Instruction;
 }
 
-inline const TabletType DeskTablet{"Desk", WireFormat::Ascii, "", "", 13, 13, 0, 2, {4000, 4000, 400, 400}};
+inline const TabletType DeskTablet{"Desk", WireFormat::Ascii, {}, "", 0, 2, {4000, 4000, 400, 400}};
 
 inline ChartRecord ChartOf1998() {
   ChartRecord chart;

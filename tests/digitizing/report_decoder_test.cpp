@@ -58,10 +58,13 @@ TEST(ReportDecoder, WorkedReports) {
 // Bytes in one flat buffer, the first one dropped until a report stands at the front.
 Reports PlainDecode(int type, Bytes b) {
   Reports reports;
-  for (const auto frame = static_cast<std::ptrdiff_t>(TypeOf(type).FrameLength); std::ssize(b) >= frame;) {
+  const ReportLengths lengths = LengthsOf(TypeOf(type).Format);
+  const auto frame = static_cast<std::ptrdiff_t>(lengths.Frame),
+             packet = static_cast<std::ptrdiff_t>(lengths.Packet);
+  while (std::ssize(b) >= frame) {
     const Reports here = DecodeAll(type, Bytes(b.begin(), b.begin() + frame));
     reports.insert(reports.end(), here.begin(), here.end());
-    b.erase(b.begin(), b.begin() + (here.empty() ? 1 : TypeOf(type).PacketLength));
+    b.erase(b.begin(), b.begin() + (here.empty() ? 1 : packet));
   }
   return reports;
 }

@@ -118,9 +118,9 @@ class Port {
 };
 
 tcflag_t LineFlags(const TabletType& tablet) {
-  const bool odd = tablet.Settings.find(",o,") != std::string_view::npos;
-  const bool even = tablet.Settings.find(",e,") != std::string_view::npos;
-  const bool seven = tablet.Settings.find(",7,") != std::string_view::npos;
+  const bool odd = tablet.Line.Parity == LineParity::Odd;
+  const bool even = tablet.Line.Parity == LineParity::Even;
+  const bool seven = tablet.Line.DataBits == 7;
   return (seven ? CS7 : CS8) | (odd ? PARENB | PARODD : 0U) | (even ? PARENB : 0U);
 }
 

@@ -31,7 +31,7 @@ TEST_F(SerialLine, CarriesEveryByteOfEveryTabletUnchanged) {
   QByteArray all;
   for (int byte = 0; byte < 256; ++byte) all.append(static_cast<char>(byte));
   for (const TabletType& type : TabletTypes()) {
-    const auto opened = port_.Open(folder_ / "tablet", type.Settings, type.Initialisation);
+    const auto opened = port_.Open(folder_ / "tablet", type.Line, type.Initialisation);
     ASSERT_TRUE(opened) << type.Name << ": " << opened.error();
     const QByteArray start(type.Initialisation.data(), static_cast<qsizetype>(type.Initialisation.size()));
     EXPECT_EQ(tablet_.Heard(start.size()), start) << type.Name;
@@ -43,7 +43,7 @@ TEST_F(SerialLine, CarriesEveryByteOfEveryTabletUnchanged) {
 
 TEST_F(SerialLine, GoesOnWhenTheTabletIsPluggedInAgain) {
   QSignalSpy lost(&port_, &SerialPort::Lost), regained(&port_, &SerialPort::Regained);
-  ASSERT_TRUE(port_.Open(folder_ / "tablet", "9600,o,8,1", "wake"));
+  ASSERT_TRUE(port_.Open(folder_ / "tablet", {.Parity = LineParity::Odd}, "wake"));
   EXPECT_EQ(tablet_.Heard(4), "wake");
   for (int time = 1; time <= 2; ++time) {
     received_.clear();
@@ -59,22 +59,13 @@ TEST_F(SerialLine, GoesOnWhenTheTabletIsPluggedInAgain) {
   }
 }
 
-TEST(SerialSettings, AreReadWholeOrRefused) {
-  for (const TabletType& type : TabletTypes()) EXPECT_TRUE(ReadLineSettings(type.Settings)) << type.Name;
-  EXPECT_EQ(*ReadLineSettings("9600,e,7,1"),
-            (LineSettings{9600, QSerialPort::EvenParity, QSerialPort::Data7, QSerialPort::OneStop}));
-  EXPECT_EQ(*ReadLineSettings("1200,O,8,2"),
-            (LineSettings{1200, QSerialPort::OddParity, QSerialPort::Data8, QSerialPort::TwoStop}));
-  for (const char* wrong : {"", "9600", "9600,x,8,1", "9600,n,9,1", "9600,n,8,3", "-1,n,8,1", "9600,n,8,1,1"})
-    EXPECT_FALSE(ReadLineSettings(wrong)) << wrong;
-}
-
 using SerialDevices = FolderTest;
 
 TEST_F(SerialDevices, AreWhatTheSettingsName) {
   Remember("SerialPort2", "/dev/ttyUSB7");
   EXPECT_EQ(SerialDevice(settings_, 2), "/dev/ttyUSB7");
-  for (const int none : {0, 5}) EXPECT_EQ(SerialDevice(settings_, none), "");
+  for (const int none : {FirstSerialPort - 1, LastSerialPort + 1})
+    EXPECT_EQ(SerialDevice(settings_, none), "");
 }
 
 }  // namespace

@@ -10,9 +10,9 @@
 #include "database/access/report_error.h"
 #include "platform/controls.h"
 #include "platform/odbc/connection_text.h"
-#include "platform/places.h"
 #include "platform/qt_text.h"
 #include "platform/shown_progress.h"
+#include "platform/units.h"
 
 namespace hyetex {
 namespace {
@@ -62,7 +62,7 @@ void frmCreateTable::MakeLayout() {
     title->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     fg->setHorizontalHeaderItem(i, title);
     // The design's own font has letters of 6 pixels.
-    const int wide = column.Width / PlaceUnitsPerPixel * fontMetrics().averageCharWidth() / 6;
+    const int wide = column.Width / UnitsPerPixel * fontMetrics().averageCharWidth() / 6;
     fg->setColumnWidth(i, wide);
     width += wide;
   }

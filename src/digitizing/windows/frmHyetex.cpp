@@ -42,7 +42,7 @@ frmHyetex::frmHyetex(Desk& desk, Shell& shell, Dialogs& dialogs, Settings& setti
       frmToolBox_(new frmToolBox(picGraph_)) {
   setFocusPolicy(Qt::StrongFocus);
   setMinimumSize(ViewSizeFor(ToPixels(machine_.Layout.Board.Height) * 2));
-  setWindowTitle(ToQt(ProgramTitle));
+  setWindowTitle(ToQt(DrawingTitle));
   mscDig->setObjectName(QStringLiteral("mscDig"));
   connect(mscDig, &SerialPort::Received, this, &frmHyetex::OnTabletBytes);
   connect(mscDig, &SerialPort::Lost, this, [this](const QString& why) {
@@ -129,7 +129,7 @@ void frmHyetex::Resume(const UnfinishedChart& unfinished) {
 void frmHyetex::OpenPort() {
   if (device_.empty()) return;
   const TabletType& type = TabletTypes()[static_cast<std::size_t>(tablet_)];
-  if (const auto opened = mscDig->Open(device_, type.Settings, type.Initialisation); !opened)
+  if (const auto opened = mscDig->Open(device_, type.Line, type.Initialisation); !opened)
     TellOfLostTablet(ToQt(opened.error()));
 }
 
@@ -141,7 +141,7 @@ void frmHyetex::OnTabletBytes(const QByteArray& bytes) {
     return;
   }
   if (std::exchange(missedBytes_, false)) machine_.ForgetReceived();
-  const auto packet = static_cast<std::size_t>(TabletTypes()[static_cast<std::size_t>(tablet_)].PacketLength);
+  const std::size_t packet = LengthsOf(TabletTypes()[static_cast<std::size_t>(tablet_)].Format).Packet;
   std::span rest(reinterpret_cast<const std::uint8_t*>(bytes.constData()),
                  static_cast<std::size_t>(bytes.size()));
   while (!rest.empty()) {
@@ -159,7 +159,7 @@ void frmHyetex::TellOfLostTablet(const QString& why) {
   if (std::exchange(tellingOfTablet_, true)) return;
   // Not from within the port's own signal, which must return first.
   QTimer::singleShot(0, this, [this, why] {
-    ShowMessage(ProgramTitle,
+    ShowMessage(DrawingTitle,
                 FromQt(why) + "\n\nThe session stays open, and goes on when the tablet is back.");
     tellingOfTablet_ = false;
   });
@@ -170,7 +170,7 @@ void frmHyetex::TellOfJournalTrouble() {
   if (!trouble) toldOfJournal_ = false;
   if (!trouble || std::exchange(toldOfJournal_, true)) return;
   QTimer::singleShot(0, this, [this, why = *trouble] {
-    ShowMessage(ProgramTitle, "What you digitize is not being kept against a breakdown: " + why +
+    ShowMessage(DrawingTitle, "What you digitize is not being kept against a breakdown: " + why +
                                   ".\n\nThe session goes on. Make room on the disk, or save the chart soon.");
   });
 }

@@ -25,9 +25,8 @@ class mdiHyetex : public QMainWindow, public Shell, public PopupMenu {
   ~mdiHyetex() override;
 
   QMdiArea& Area() { return *area_; }
-  QMenu& Popup() { return *mnuPop; }           ///< of the lists, with its three commands
-  QProgressBar& Think() { return *prbThink; }  ///< hidden while nothing takes long
-  QAction& Fix() { return *mnuFix; }           ///< disabled until there are stations to synchronise
+  QMenu& Popup() { return *mnuPop; }  ///< of the lists, with its three commands
+  QAction& Fix() { return *mnuFix; }  ///< disabled until there are stations to synchronise
 
   void Digitizing(SessionCommands& commands) override;
   void NotDigitizing() override;

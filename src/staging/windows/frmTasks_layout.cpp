@@ -13,8 +13,6 @@
 namespace hyetex {
 namespace {
 
-constexpr int LastComPort = 4;
-
 QGroupBox* Group(const char* title, QLayout* layout) {
   auto* group = new QGroupBox(QObject::tr(title));
   group->setLayout(layout);
@@ -109,15 +107,15 @@ QWidget* frmTasks::MakeTablet() {
     layout->addWidget(option, i, 0);
   }
   optCom = new QButtonGroup(this);
-  for (int port = 1; port <= LastComPort; ++port) {
+  for (int port = FirstSerialPort; port <= LastSerialPort; ++port) {
     auto* option = new QRadioButton(tr("COM%1").arg(port));
-    option->setObjectName("optCom" + QString::number(port - 1));
+    option->setObjectName("optCom" + QString::number(port - FirstSerialPort));
     // They show which port is being listened to; the search goes through its ports by itself.
     option->setFocusPolicy(Qt::NoFocus);
     option->setAttribute(Qt::WA_TransparentForMouseEvents);
     option->setEnabled(port >= FirstSearchedPort && port <= LastSearchedPort);
     optCom->addButton(option, port);
-    layout->addWidget(option, port - 1, 1);
+    layout->addWidget(option, port - FirstSerialPort, 1);
   }
   labDetect = Named(new QLabel, "labDetect");
   QFont bold = labDetect->font();

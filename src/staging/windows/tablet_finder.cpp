@@ -47,7 +47,7 @@ void TabletFinder::Tick() {
 void TabletFinder::Open(int port, const TabletType& type) {
   device_ = deviceOf_(port);
   // The line would go on trying a port that cannot be opened; here another one has its turn.
-  if (!mscTry->Open(device_, type.Settings, type.Initialisation)) mscTry->Close();
+  if (!mscTry->Open(device_, type.Line, type.Initialisation)) mscTry->Close();
 }
 
 void TabletFinder::OnBytes(const QByteArray& bytes) {
