@@ -106,7 +106,7 @@ std::optional<int> ReadTablet(std::string_view line) {
 
 // Journals of earlier versions hold comments for the first point, which takes none.
 bool OnlyFirstPointIsSelected(const ActionMachine& machine) {
-  const Trace& line = machine.State().Line;
+  const Trace& line = machine.CurrentSession().Line;
   return !machine.CommentIsOpen() && line.LastPoint() >= 0 && line.Point(0).Selected;
 }
 
