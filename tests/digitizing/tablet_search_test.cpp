@@ -93,9 +93,13 @@ TEST_F(TabletSearching, StartsAgainWithAnotherType) {
   EXPECT_EQ(search_.DetectedPort(), NoPort);
   Tick();
   EXPECT_EQ(ports_.Story, "1 x 2! ");
+  Tick();
+  EXPECT_TRUE(search_.SetType(2));
+  Tick();
+  EXPECT_EQ(ports_.Story, "1 x 2! x 1! x 1 ") << "none was found: it begins at the first port";
   search_.Stop();
   search_.Stop();
-  EXPECT_EQ(ports_.Story, "1 x 2! x ");
+  EXPECT_EQ(ports_.Story, "1 x 2! x 1! x 1 x ");
 }
 
 }  // namespace

@@ -116,6 +116,16 @@ std::optional<std::string> ConnectionText::Find(std::string_view key) const {
   return std::nullopt;
 }
 
+std::vector<std::string> ConnectionText::Passwords() const {
+  std::vector<std::string> passwords;
+  for (const auto& [name, value] : pairs_) {
+    if (!IsPassword(name)) continue;
+    passwords.push_back(value);
+    passwords.push_back(WithoutBraces(value));
+  }
+  return passwords;
+}
+
 void ConnectionText::AddDriverOptions() {
   const std::string driver = Find("Driver").value_or(Profile(Find("DSN").value_or(""), "Driver", "odbc.ini"));
   // A driver goes by its library, directly or through its entry in the list of drivers.

@@ -15,6 +15,8 @@ class ConnectionText {
   explicit ConnectionText(std::string_view text);
   /// The value of a key, without its braces.
   std::optional<std::string> Find(std::string_view key) const;
+  /// All passwords in it, each as it is written and without its braces.
+  std::vector<std::string> Passwords() const;
   void Add(std::string key, std::string value) { pairs_.emplace_back(std::move(key), std::move(value)); }
   /// Adds what the driver needs and the text does not set, whatever the data source says: to stream results,
   /// to wait five seconds for a lock, not to make missing files, to keep long binary columns.

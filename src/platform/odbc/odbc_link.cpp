@@ -32,7 +32,7 @@ DbResult<void> OdbcLink::Open(std::string_view connectionText) {
   Close();
   ConnectionText text(connectionText);
   text.AddDriverOptions();
-  password_ = text.Find("PWD").value_or(text.Find("Password").value_or(""));
+  passwords_ = text.Passwords();
 
   if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &environment_)) ||
       !SQL_SUCCEEDED(SQLSetEnvAttr(environment_, SQL_ATTR_ODBC_VERSION, SqlNumber(SQL_OV_ODBC3), 0)) ||
@@ -117,7 +117,8 @@ DbError OdbcLink::ErrorOf(SQLSMALLINT type, SQLHANDLE handle) const {
   for (char& c : error.Description)
     if (static_cast<unsigned char>(c) < ' ') c = ' ';
   // Some drivers repeat the whole connection text.
-  if (!password_.empty()) ReplaceAll(error.Description, password_, "***");
+  for (const std::string& password : passwords_)
+    if (!password.empty()) ReplaceAll(error.Description, password, "***");
   return error;
 }
 

@@ -72,7 +72,8 @@ class OdbcLink {
   SQLHDBC connection_ = SQL_NULL_HDBC;
   bool open_ = false;
   DatabaseMaker maker_ = DatabaseMaker::Other;
-  std::string makerName_, quote_, password_;
+  std::string makerName_, quote_;
+  std::vector<std::string> passwords_;
   bool inTransaction_ = false;
   std::shared_ptr<bool> undone_ = std::make_shared<bool>(false);
   std::optional<DbError> lost_;    ///< why the server is gone

@@ -129,22 +129,16 @@ DbResult<void> Recordset::State::ChangeRow(const std::string& sql, std::vector<P
   if (ownTransaction)
     if (const auto begun = Link->Begin(); !begun) return begun;
   auto changed = Run(sql + " WHERE " + row->Sql + (moves ? " RETURNING ctid" : ""), parameters);
-  std::int64_t rows = 0;
-  if (changed && moves) {
-    const auto fetched = Prepared.Fetch();
+  const std::int64_t rows = changed ? Prepared.RowCount() : 0;
+  if (moves && rows == 1) {  // where there is none, the driver has nothing that could be fetched
     std::string identity;
-    if (fetched && *fetched) {
-      const auto read = Prepared.ReadLong(1, false, [&](std::string_view piece) {
-        identity += piece;
-        return true;
-      });
-      if (!read) changed = tl::unexpected(read.error());
-      Rows->SetIdentity({std::move(identity)});
-      rows = 1;
-    }
-    if (!fetched) changed = tl::unexpected(fetched.error());
-  } else if (changed) {
-    rows = Prepared.RowCount();
+    const auto fetched = Prepared.Fetch();
+    const auto read = !fetched ? fetched : Prepared.ReadLong(1, false, [&](std::string_view piece) {
+      identity += piece;
+      return true;
+    });
+    if (!read) changed = tl::unexpected(read.error());
+    Rows->SetIdentity({std::move(identity)});
   }
   Prepared.CloseCursor();
   if (changed && rows != 1)

@@ -66,6 +66,21 @@ TEST_P(Population, AsksBeforeItReplaces) {
   EXPECT_THAT(Boxes.Boxes, SizeIs(2));
 }
 
+TEST_P(Population, TakesOldRowsThatLieASecondOutside) {
+  Store({});
+  for (const char* times :
+       {"'1998-03-05 07:59:58', '1998-03-05 08:20:00'", "'1998-03-05 07:59:59', '1998-03-05 08:20:00'",
+        "'1998-03-05 09:50:00', '1998-03-05 10:00:01'", "'1998-03-05 09:50:00', '1998-03-05 10:00:02'"})
+    Run("INSERT INTO chart (instrument_code_id, start_time, end_time) VALUES ('RG12', " + std::string(times) +
+        ")");
+  EXPECT_EQ(Convert({Ten}).RowsWritten, 4);
+  EXPECT_THAT(Boxes.Boxes, IsEmpty()) << "none lies between the chart's own start and end";
+  std::vector<std::string> rows = RowsOfTen;
+  rows.insert(rows.begin(), "1998-03-05T07:59:58 | 1998-03-05T08:20:00 | null | null");
+  rows.push_back("1998-03-05T09:50:00 | 1998-03-05T10:00:02 | null | null");
+  EXPECT_THAT(Rows(), ::testing::UnorderedElementsAreArray(rows));
+}
+
 // The start lies 3.6 seconds behind the rounded one, and the last moment did not ascend. The next chart's
 // first row is so short that it lies within the minute by which this one overhangs.
 TEST_P(Population, RunTwiceLeavesOneSetAndNeighboursAlone) {

@@ -172,6 +172,16 @@ TEST_P(LoadTest, LeavesOneRecordOfAChartThatCountsAsNotConverted) {
   for (const FileSummary& file : List()) EXPECT_EQ(file.Loaded, 0);
 }
 
+TEST_P(LoadTest, LeavesOneRecordOfAChartThatComesTwiceInARun) {
+  StoredChart chart{.Comment = "first"};
+  const std::string path = Put(chart);
+  chart.Comment = "second";
+  const std::string copy = Put("copy.dat", std::string(SplitStoredText(chart.Text()).Bytes));
+  const std::string other = Put(StoredChart{.Instrument = "RG7"});
+  EXPECT_EQ(Load({path, other, copy, path, copy}).Loaded.size(), 5U);
+  EXPECT_THAT(GeneralComments(), UnorderedElementsAre("", "second"));
+}
+
 TEST_P(LoadTest, LoadsTheGoodFilesAndNamesTheOthers) {
   StoredChart good;
   const std::string text(SplitStoredText(good.Text()).Bytes);

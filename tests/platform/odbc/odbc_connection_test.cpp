@@ -5,6 +5,7 @@
 #include "core/text.h"
 #include "database/engines.h"
 #include "own_data_sources.h"
+#include "platform/odbc/connection_text.h"
 #include "platform/odbc/recordset.h"
 
 // PostgreSQL's driver forgets a statement's memory when its server is gone.
@@ -15,6 +16,7 @@ namespace hyetex {
 namespace {
 
 using test::Must;
+using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
@@ -97,6 +99,17 @@ TEST_P(OdbcConnectionTest, TellsErrorsApartByTheirNumbers) {
   Db.Close();
   EXPECT_EQ(left.MoveFirst().error().Number, db_error::RecordsetClosed);
   EXPECT_EQ(Db.Execute("SELECT 1").error().Number, db_error::RecordsetClosed);
+}
+
+// Both engines repeat the word that they stumble over.
+TEST_P(OdbcConnectionTest, ShowsNoPasswordThatADriverRepeats) {
+  const std::string own = ConnectionText(Text()).Find("PWD").value_or("");
+  for (const std::string key : {"PWD", "Password", "passwd"}) {
+    const std::string password = own.empty() ? "se}cret" : own;
+    Db = Must(Connection::Open(own.empty() ? Text() + ";" + key + "={se}}cret}" : Text()));
+    const std::string said = Db.Execute("SELECT 1 FROM \"" + password + "\"").error().Description;
+    EXPECT_THAT(said, AllOf(HasSubstr("***"), Not(HasSubstr(password)))) << key;
+  }
 }
 
 TEST_P(OdbcConnectionTest, TransactionIsAllOrNothing) {

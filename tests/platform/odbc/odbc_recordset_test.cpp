@@ -119,6 +119,22 @@ TEST_P(OdbcTest, ChangesAndDeletesTheRowThatItStandsOn) {
   EXPECT_THAT(Steps(), ::testing::UnorderedElementsAre(0, 1, 30, 4));
 }
 
+TEST_P(OdbcTest, SaysThatARowIsGoneRatherThanChangeNothing) {
+  Fill(3);
+  Recordset rain = Rain();
+  const DbValue code = Must(rain.Value("code"));
+  Must(Db.Execute("DELETE FROM Rain WHERE code = ?", {&code, 1}));
+  Must(rain.SetValue("zone", std::int64_t{1}));
+  const auto updated = rain.Update();
+  ASSERT_FALSE(updated);
+  EXPECT_THAT(updated.error().Description, HasSubstr("changed or deleted by somebody else"));
+  EXPECT_TRUE(rain.IsPending());
+  rain.CancelUpdate();
+  EXPECT_FALSE(rain.Delete());
+  rain.Close();
+  EXPECT_THAT(Steps(), ::testing::SizeIs(2));
+}
+
 // The rows stand as they were when the table was opened, whatever is written and committed on the way.
 TEST_P(OdbcTest, WalksOnThroughItsOwnChangesAndTransactions) {
   constexpr int rows = 3500;  // more than one array, more than the driver fetches at once

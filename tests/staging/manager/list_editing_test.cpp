@@ -275,6 +275,26 @@ TEST_F(Editing, CarriesANewInstrumentCodeIntoTheStagedCharts) {
   EXPECT_EQ(Places(lists_).count("NW-7"), 1U);
 }
 
+TEST_F(Editing, TakesBackEveryNewInstrumentCode) {
+  const std::string line = " , 01/02/1998 , 08/02/1998 , 3 , -1 , 1\r\n\r\n";
+  const std::string before = "NW-1" + line + "NW-2" + line;
+  Stage(before);
+  std::string held = "NW-1";  // of a chart in memory
+  ListEditor editor(dialogs_, folder_.Path(), lists_, user_, [&](const auto& oldCode, const auto& newCode) {
+    if (held == oldCode) held = newCode;
+  });
+  Type({"Hill", "NW-7", "Hill", "NW-8", "Dam", "NW-9"});
+  for (const int station : {0, 0, 1}) {
+    editor.Place = {ListKind::Station, static_cast<std::int16_t>(station)};
+    editor.Change();
+  }
+  EXPECT_EQ(Staged(), "NW-8" + line + "NW-9" + line);
+  EXPECT_EQ(held, "NW-8");
+  editor.Discard();
+  EXPECT_EQ(Staged(), before);
+  EXPECT_EQ(held, "NW-1");
+}
+
 TEST_F(Editing, KeepsTheBytesOfATextThatIsShownInAnotherForm) {
   lists_.Stations[0].InstrumentCode = "N\xE9";
   Stage("");

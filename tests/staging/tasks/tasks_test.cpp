@@ -63,6 +63,7 @@ TEST(Tasks, NotesWhatIsOddAndReadsTheRest) {
             "B , 99/99/1998 , 06/03/1998 , 1 , 2 , 9\rsecond\r\n"
             "nothing\r\n"
             "C , 05/03/1998 , 06/03/1998 , 3\n\n"
+            "E , 05/03/1998 , 06/03/1998 , 1 , 2 , -1\n\n"
             "D , 05/03/1998 , 06/03/1998 , 1 , 2 , 3");  // its comments line was lost
   const auto table = LoadTasks(folder.Path(), {});
   ASSERT_TRUE(table) << table.error();
@@ -72,12 +73,12 @@ TEST(Tasks, NotesWhatIsOddAndReadsTheRest) {
                    std::to_string(task.EyedDepth).substr(0, 3) + " " + std::to_string(task.Reliability) +
                    " " + task.GeneralComment);
   EXPECT_THAT(read, ElementsAre("A 05/03/1998 08:30:00 0.0 1 first", "B 30/12/1899 1.0 0 second",
-                                "C 05/03/1998 3.0 0 ", "D 05/03/1998 1.0 3 "));
+                                "C 05/03/1998 3.0 0 ", "E 05/03/1998 1.0 0 ", "D 05/03/1998 1.0 3 "));
   EXPECT_THAT(
       table->Notes,
       ElementsAre("Line 4: \"99/99/1998\" is no date", "Line 4: there is no reliability 9",
                   "Line 6: left out, it holds no chart", "Line 7: 2 of the chart's 6 fields are missing",
-                  "Line 9: the chart's comments line is missing"));
+                  "Line 9: there is no reliability -1", "Line 11: the chart's comments line is missing"));
 }
 
 TEST(Tasks, HoldsNoMoreThanItsTable) {
