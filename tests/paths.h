@@ -8,6 +8,8 @@ namespace hyetex::test {
 std::string CommandLineProgram();
 std::string TabletProgram();
 std::string DesktopProgram();
+/// The folder that the project stands in.
+std::string Sources();
 /// A file of the demo folder, such as "charts/siphon-chart.csv".
 /// The folder of the whole source tree.
 std::string Sources();
