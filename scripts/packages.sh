@@ -1,11 +1,12 @@
-# Sourced by ./run and ./test: installs the Debian packages that the build needs and this machine lacks.
+# Sourced by ./run, ./test and ./check: installs the Debian packages that the build needs and this machine lacks.
 packages=(g++ cmake ninja-build ccache libexpected-dev libcli11-dev libgtest-dev libgmock-dev libbenchmark-dev
           qt6-base-dev qt6-svg-dev qt6-serialport-dev fonts-dejavu-core xvfb
           unixodbc-dev odbcinst libsqliteodbc odbc-postgresql postgresql)
+check_packages=(clang-format clang-tidy git)
 
-install_packages() {
+install_packages() { # install_packages [MORE...]
   local missing=()
-  for package in "${packages[@]}"; do
+  for package in "${packages[@]}" "$@"; do
     dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' || missing+=("$package")
   done
   [ ${#missing[@]} -eq 0 ] && return

@@ -62,9 +62,10 @@ template <>
 inline TabletReport Decode<WireFormat::AsciiMapped>(const std::uint8_t* p) {
   // Button by digit: "0" to "2" are no button here, "3" is the drawing button, "9" the one that opens the
   // board.
-  static constexpr std::array<std::int8_t, 10> buttons{-1, -1, -1, 1, 3, 4, 5, 6, 7, 2};
+  static constexpr std::array<int, 10> buttons{-1, -1, -1, 1, 3, 4, 5, 6, 7, 2};
   TabletReport report = Decode<WireFormat::Ascii>(p);
-  report.Button = buttons[static_cast<std::size_t>(report.Button + 1)];
+  const int digit = report.Button + 1;
+  report.Button = buttons[static_cast<std::size_t>(digit)];
   return report;
 }
 

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <QKeyEvent>
+#include <QMdiSubWindow>
 #include <string>
 
 #include "digitizing/action_machine.h"

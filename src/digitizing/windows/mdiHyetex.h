@@ -17,7 +17,7 @@
 
 namespace hyetex {
 
-class mdiHyetex : public QMainWindow, public Shell, public PopupMenu {
+class mdiHyetex final : public QMainWindow, public Shell, public PopupMenu {
   Q_OBJECT
 
  public:

@@ -18,6 +18,7 @@ class Environment {
     if (!SQL_SUCCEEDED(::SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &handle_))) handle_ = SQL_NULL_HENV;
     if (handle_ == SQL_NULL_HENV) return;
     // The interface wants a number in the place of a pointer.
+    // NOLINTNEXTLINE(performance-no-int-to-ptr)
     ::SQLSetEnvAttr(handle_, SQL_ATTR_ODBC_VERSION,
                     reinterpret_cast<SQLPOINTER>(std::uintptr_t{SQL_OV_ODBC3}), 0);
   }

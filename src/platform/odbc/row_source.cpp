@@ -179,7 +179,8 @@ DbResult<DbValue> RowSource::LastRowNumber() {
   SQLLEN length = 0;
   const auto got = statement->Check(SQLGetData(statement->Handle(), 1, SQL_C_SBIGINT, &number, 0, &length));
   if (!got) return tl::unexpected(got.error());
-  return length == SQL_NULL_DATA ? DbValue() : DbValue(number);
+  if (length == SQL_NULL_DATA) return {};
+  return DbValue(number);
 }
 
 DbResult<void> RowSource::FetchChunk(std::int64_t behind) {
