@@ -27,7 +27,7 @@ struct ListsServices {
   std::function<void()> Synchronise = {};
 };
 
-class frmLists : public FormWindow, public FocusListener {
+class frmLists final : public FormWindow, public FocusListener {
   Q_OBJECT
 
  public:
