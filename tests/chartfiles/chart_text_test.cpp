@@ -132,8 +132,9 @@ TEST(ChartFileName, IsReadBackAndNothingElseIs) {
     EXPECT_EQ(parsed->InstrumentCode, "RG-12");
     EXPECT_EQ(parsed->Start, MakeDate(1925, 3, 5, 9, 7));
   }
-  for (const char* other : {"", ".dat", "RG1.dat", "RG1-19980305-1230.txt", "RG1-19981305-1230.dat",
-                            "RG1-19980305-2460.dat", "RG1-1998030-12300.dat", "RG1-19980305_1230.dat"})
+  for (const char* other :
+       {"", ".dat", "RG1.dat", "RG1-19980305-1230.txt", "RG1-19981305-1230.dat", "RG1-19980305-2400.dat",
+        "RG1-19980305-2360.dat", "RG1-1998030-12300.dat", "RG1-19980305_1230.dat"})
     EXPECT_FALSE(ParseChartFileName(other)) << other;
 }
 

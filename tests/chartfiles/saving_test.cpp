@@ -37,7 +37,9 @@ class Saving : public ::testing::Test {
 TEST_F(Saving, RaisesTheRowAndLeavesRowsThatAreNoneAlone) {
   for (const auto& [row, raised] : {std::pair("4", "5"), {"0", "0"}, {"", ""}, {"first", "first"}}) {
     SetRow(row);
+    session_.Saved = false;
     EXPECT_EQ(Save(), SaveOutcome::Written);
+    EXPECT_TRUE(session_.Saved);
     EXPECT_EQ(Row(), raised);
   }
 }

@@ -22,6 +22,9 @@ TEST(Geometry, MeasuresAlongAndAboveTheBottomLine) {
   const ChartPaper none;
   EXPECT_EQ(HeightOnPaper(5, 6, none), 0);
   EXPECT_EQ(AlongBottom(5, 6, none), 0);
+  EXPECT_FALSE(IsCalibrated(none));
+  for (const ChartPaper& paper : {level, ChartPaper{-9, 0, 0, 4, 0, 0}, ChartPaper{-9, 0, 4, 0, 0, 0}})
+    EXPECT_TRUE(IsCalibrated(paper));
 }
 
 TEST(Geometry, CorrectsForTheArcAtEveryHeight) {

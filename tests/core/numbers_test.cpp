@@ -25,6 +25,7 @@ TEST(Numbers, NarrowReadingsRefuseWhatDoesNotFit) {
   for (const char* large : {"3.5e38", "-1e300"}) EXPECT_EQ(LeadingFloat(large), 0);
   EXPECT_EQ(LeadingInt16("32767.4"), 32767);
   EXPECT_EQ(LeadingInt16("-32768"), -32768);
+  EXPECT_EQ(LeadingInt16("2.5"), 2);
   for (const char* large : {"32768", "70000", "-1e9"}) EXPECT_EQ(LeadingInt16(large), 0);
   const double values[] = {1e9, -1e9, NAN, 2.5, -3.5};
   const int rounded[] = {32767, -32768, 0, 2, -4};

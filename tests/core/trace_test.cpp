@@ -103,6 +103,18 @@ TEST(Trace, RunningSumsEqualSummingFromTheStart) {
   }
 }
 
+TEST(Trace, AStripHoldsNoPointBeforeItsFirst) {
+  Trace line(Scales(0));
+  line.SetPage(1000, 1500, 8000, 1500);
+  line.Add(2000, 1600, false);
+  line.Add(3000, 1700, false);
+  line.AttachPaper(1000, 5000, 8000, 5000);
+  EXPECT_EQ(line.PaperOfPoint(1), 0);
+  line.AddFirstOfPaper(1100, 5100);
+  EXPECT_EQ(line.PaperOfPoint(1), 0);
+  EXPECT_EQ(line.PaperOfPoint(2), 1);
+}
+
 TEST(Trace, TurningOrMovingThePageChangesNothing) {
   std::mt19937 random(3);
   std::uniform_real_distribution<double> x(1000, 8000), y(1500, 3200);

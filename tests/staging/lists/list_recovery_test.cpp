@@ -132,6 +132,17 @@ TEST_F(Recovery, MakesNobodyAnAdministratorByDamage) {
   }
 }
 
+TEST_F(Recovery, MayBeSavedWithAllItsUsersThoughNoneIsAnAdministrator) {
+  ReferenceLists lists = Recover().Lists;
+  lists.Users[0].Level = DigitizerLevel;
+  ASSERT_TRUE(SaveLists(folder_.Path(), lists));
+  whole_ = ReadFile(folder_ / "lists.dat");
+  Damage(10, TooLong);
+  const RecoveredLists recovered = Recover();
+  EXPECT_FALSE(recovered.NobodyIsKnown);
+  EXPECT_TRUE(SaveLists(folder_.Path(), recovered.Lists));
+}
+
 TEST_F(Recovery, LeavesListsInMemoryWhenTheFileIsDamagedOrTheOperatorIsNoLongerInIt) {
   ReferenceLists lists = Recover().Lists;
   lists.Cores[0] = "Changed";

@@ -293,6 +293,15 @@ TEST_F(Editing, TakesBackEveryNewInstrumentCode) {
   editor.Discard();
   EXPECT_EQ(Staged(), before);
   EXPECT_EQ(held, "NW-1");
+
+  Type({"Hill", "NW-7"});
+  editor.Place = {ListKind::Station, 0};
+  editor.Change();
+  const std::string others = "NW-7" + line;  // another program has taken a chart away
+  Stage(others);
+  editor.Discard();
+  EXPECT_EQ(Staged(), others);
+  EXPECT_EQ(held, "NW-7");
 }
 
 TEST_F(Editing, KeepsTheBytesOfATextThatIsShownInAnotherForm) {

@@ -112,6 +112,8 @@ TEST(TaskDetails, OfANewChartAreTheLastOnesElseToday) {
   EXPECT_EQ(GetDefinition(folder.Path(), "frmTaskDef-BeginDate"), "05/03/1998");
   EXPECT_EQ(begins(), "05/03/1998 08:00:00 - 06/03/1998 08:00:00 2");
   ASSERT_TRUE(SetDefinition(folder.Path(), "frmTaskDef-BeginDate", "99/99/1998"));
+  ASSERT_TRUE(SetDefinition(folder.Path(), "frmTaskDef-Reliability", "3"));
+  EXPECT_EQ(begins(), "29/02/2024 08:00:00 - 06/03/1998 08:00:00 3");
   ASSERT_TRUE(SetDefinition(folder.Path(), "frmTaskDef-Reliability", "7"));
   EXPECT_EQ(begins(), "29/02/2024 08:00:00 - 06/03/1998 08:00:00 0");
 }
