@@ -68,7 +68,9 @@ TEST_P(OdbcTest, GivesValuesBackAsTheyWentIn) {
       if (i == 1)
         EXPECT_FLOAT_EQ(static_cast<float>(NumberOf(value)), static_cast<float>(NumberOf(rows[n % 4][i])));
       else if (i == 2)
-        EXPECT_NEAR(NumberOf(value), NumberOf(rows[n % 4][i]), std::abs(NumberOf(value)) * 1e-14);
+        // SQLite's driver hands 15 digits over; the others give back what they got.
+        EXPECT_NEAR(NumberOf(value), NumberOf(rows[n % 4][i]),
+                    GetParam() == test::Engine::SQLite ? std::abs(NumberOf(value)) * 1e-14 : 0);
       else
         EXPECT_TRUE(value == rows[n % 4][i]) << n << names[i] << TextOf(value).substr(0, 40);
     }
