@@ -280,7 +280,7 @@ TEST_F(Editing, TakesBackEveryNewInstrumentCode) {
   const std::string before = "NW-1" + line + "NW-2" + line;
   Stage(before);
   std::string held = "NW-1";  // of a chart in memory
-  ListEditor editor(dialogs_, folder_.Path(), lists_, user_, [&](const auto& oldCode, const auto& newCode) {
+  ListEditor editor(dialogs_, settings_, lists_, user_, [&](const auto& oldCode, const auto& newCode) {
     if (held == oldCode) held = newCode;
   });
   Type({"Hill", "NW-7", "Hill", "NW-8", "Dam", "NW-9"});
