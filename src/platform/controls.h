@@ -2,8 +2,10 @@
 #pragma once
 
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QList>
 #include <QWidget>
 #include <functional>
 #include <string>
@@ -25,6 +27,18 @@ inline QLabel* LabelOf(const char* caption, QWidget* control) {
   auto* label = new QLabel(QObject::tr(caption));
   label->setBuddy(control);
   return label;
+}
+
+/// The Tab key goes through the controls in this order.
+inline void LinkTabs(const QList<QWidget*>& order) {
+  for (qsizetype i = 1; i < order.size(); ++i) QWidget::setTabOrder(order[i - 1], order[i]);
+}
+
+/// All of the box's text is selected when it gets the focus, by whatever way.
+void SelectAllOnFocus(QLineEdit* box);
+
+inline bool IsReturn(const QKeyEvent& event) {
+  return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
 }
 
 /// A box with the arrows that step its number beside it. The arrows' name is `udnName`.

@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <utility>
 
+#include "platform/controls.h"
 #include "platform/places.h"
 
 namespace hyetex {
@@ -37,7 +38,7 @@ void FormWindow::closeEvent(QCloseEvent* event) {
 
 void FormWindow::keyPressEvent(QKeyEvent* event) {
   QPushButton* button = nullptr;
-  if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) button = accept_;
+  if (IsReturn(*event)) button = accept_;
   if (event->key() == Qt::Key_Escape) button = cancel_;
   if (button == nullptr) return QWidget::keyPressEvent(event);
   button->click();

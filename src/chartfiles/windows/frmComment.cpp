@@ -8,6 +8,7 @@
 
 #include "chartfiles/comment_list.h"
 #include "chartfiles/saving.h"
+#include "platform/controls.h"
 #include "platform/qt_text.h"
 #include "platform/up_down.h"
 
@@ -16,10 +17,6 @@ namespace {
 
 constexpr const char* OwnTitle = "Add a comment";
 constexpr const char* ListTitle = "Comments List";
-
-bool IsReturn(const QKeyEvent& event) {
-  return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
-}
 
 }  // namespace
 
@@ -62,6 +59,7 @@ frmComment::frmComment(Desk& desk, Dialogs& dialogs, Settings& settings,
   for (QWidget* control :
        {static_cast<QWidget*>(txtCode), static_cast<QWidget*>(txtComment), static_cast<QWidget*>(lstChoices)})
     control->installEventFilter(this);
+  for (QLineEdit* box : {txtCode, txtComment}) SelectAllOnFocus(box);
   // Not with the current item: the list makes its first one current when it merely gets the focus.
   connect(lstChoices, &QListWidget::itemSelectionChanged, this, [this] {
     for (const QListWidgetItem* item : lstChoices->selectedItems()) txtComment->setText(item->text());
@@ -100,8 +98,7 @@ void frmComment::MakeLayout(QWidget* udnCode) {
   buttons->addWidget(cmdCancel);
   layout->addLayout(buttons, 4, 0, 1, 3);
 
-  const QList<QWidget*> order{txtCode, txtComment, lstChoices, cmdAdd, cmdCancel, cmdList, cmdClear};
-  for (qsizetype i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
+  LinkTabs({txtCode, txtComment, lstChoices, cmdAdd, cmdCancel, cmdList, cmdClear});
 }
 
 void frmComment::showEvent(QShowEvent* event) {
@@ -110,10 +107,6 @@ void frmComment::showEvent(QShowEvent* event) {
 }
 
 bool frmComment::eventFilter(QObject* watched, QEvent* event) {
-  auto* box = qobject_cast<QLineEdit*>(watched);
-  // After the event, since the click that brings the focus also sets the cursor.
-  if (event->type() == QEvent::FocusIn && box != nullptr)
-    QMetaObject::invokeMethod(box, &QLineEdit::selectAll, Qt::QueuedConnection);
   if (event->type() == QEvent::KeyPress && IsReturn(*static_cast<QKeyEvent*>(event))) {
     if (watched == txtCode)
       txtComment->setFocus();

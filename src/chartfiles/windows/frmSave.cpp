@@ -6,6 +6,7 @@
 #include "core/dates.h"
 #include "core/numbers.h"
 #include "core/text.h"
+#include "platform/controls.h"
 #include "platform/qt_dates.h"
 #include "platform/qt_surface.h"
 #include "platform/qt_text.h"
@@ -57,18 +58,10 @@ void frmSave::showEvent(QShowEvent* event) {
 
 // In a box whose change has not been taken yet, Return takes it: saving would pass it over.
 void frmSave::keyPressEvent(QKeyEvent* event) {
-  const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-  if (isReturn && !labPending->text().isEmpty())
+  if (IsReturn(*event) && !labPending->text().isEmpty())
     cmdDefiine->click();
   else
     FormWindow::keyPressEvent(event);
-}
-
-bool frmSave::eventFilter(QObject* watched, QEvent* event) {
-  // After the event, since the click that brings the focus also sets the cursor.
-  if (watched == txtComment && event->type() == QEvent::FocusIn)
-    QMetaObject::invokeMethod(txtComment, &QLineEdit::selectAll, Qt::QueuedConnection);
-  return FormWindow::eventFilter(watched, event);
 }
 
 void frmSave::WriteReport() {

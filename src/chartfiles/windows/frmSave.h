@@ -44,7 +44,6 @@ class frmSave : public FormWindow, public FocusListener {
   void Closing() override;
   void showEvent(QShowEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
-  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void MakeLayout();

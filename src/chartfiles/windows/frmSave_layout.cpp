@@ -37,7 +37,7 @@ void frmSave::MakeLayout() {
   both->addLayout(details);
 
   txtComment = Named(new QLineEdit, "txtComment");
-  txtComment->installEventFilter(this);
+  SelectAllOnFocus(txtComment);
   auto* comment = new QHBoxLayout;
   comment->addWidget(LabelOf("Digiti&zer Comment:", txtComment));
   comment->addWidget(txtComment);
@@ -148,10 +148,8 @@ QWidget* frmSave::MakeButtons() {
 }
 
 void frmSave::SetTabOrder() {
-  const QList<QWidget*> order{cmdSave,    cmdCancel,  cmdRedigitize, txtPrompt, dtpBeginDate, dtpBeginTime,
-                              dtpEndDate, dtpEndTime, txtEyed,       txtManual, cmdDefiine,   comRain,
-                              txtRain,    comChart,   txtAlpha,      txtComment};
-  for (qsizetype i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
+  LinkTabs({cmdSave, cmdCancel, cmdRedigitize, txtPrompt, dtpBeginDate, dtpBeginTime, dtpEndDate, dtpEndTime,
+            txtEyed, txtManual, cmdDefiine, comRain, txtRain, comChart, txtAlpha, txtComment});
 }
 
 }  // namespace hyetex

@@ -16,6 +16,7 @@
 #include "database/store/extracting.h"
 #include "database/store/instruments.h"
 #include "database/store/loading.h"
+#include "platform/controls.h"
 #include "platform/qt_dates.h"
 #include "platform/qt_text.h"
 
@@ -118,8 +119,7 @@ void frmLoad::showEvent(QShowEvent* event) {
 
 // In the folder's controls Return means the folder.
 void frmLoad::keyPressEvent(QKeyEvent* event) {
-  const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-  if (isReturn && (drvSource->hasFocus() || dirSource->hasFocus())) return;
+  if (IsReturn(*event) && (drvSource->hasFocus() || dirSource->hasFocus())) return;
   FormWindow::keyPressEvent(event);
 }
 

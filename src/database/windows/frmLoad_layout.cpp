@@ -86,10 +86,8 @@ void frmLoad::MakeLayout() {
                           static_cast<QWidget*>(prgFiles), static_cast<QWidget*>(cmdStop)})
     hidden->hide();
 
-  const QList<QWidget*> order{tspLR,        drvSource,   cmdBrowse, dirSource, chkTarget,
-                              cmdSetTarget, tvwStations, lstFile,   cmdAll,    chkDate,
-                              dtpBegin,     dtpEnd,      cmdLoad,   cmdClose,  cmdStop};
-  for (qsizetype i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
+  LinkTabs({tspLR, drvSource, cmdBrowse, dirSource, chkTarget, cmdSetTarget, tvwStations, lstFile, cmdAll,
+            chkDate, dtpBegin, dtpEnd, cmdLoad, cmdClose, cmdStop});
 }
 
 QWidget* frmLoad::MakeFolder() {

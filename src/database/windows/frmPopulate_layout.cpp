@@ -122,9 +122,7 @@ void frmPopulate::MakeLayout() {
   layout->addWidget(StatusBar1);
   SetKeyButtons(cmdWrite, cmdExit);
 
-  const QList<QWidget*> order{cboSelection, chkShowAll, spFiles, chkDataLog,
-                              chkOverwrite, cmdWrite,   cmdBack, cmdExit};
-  for (qsizetype i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
+  LinkTabs({cboSelection, chkShowAll, spFiles, chkDataLog, chkOverwrite, cmdWrite, cmdBack, cmdExit});
 }
 
 // All columns, and about a dozen and a half of charts.

@@ -40,7 +40,7 @@ void frmPrePop::MakeLayout() {
                              const QString& toolTip) {
     box = Named(new QLineEdit, txtName);
     box->setToolTip(toolTip);
-    box->installEventFilter(this);
+    SelectAllOnFocus(box);
     const int row = numbers->rowCount();
     numbers->addWidget(LabelOf(caption, box), row, 0);
     numbers->addWidget(
@@ -76,14 +76,6 @@ void frmPrePop::MakeLayout() {
   layout->addSpacing(fontMetrics().lineSpacing());
   layout->addLayout(buttons);
   SetKeyButtons(cmdContinue, cmdExit);
-}
-
-bool frmPrePop::eventFilter(QObject* watched, QEvent* event) {
-  // After the event, since the click that brings the focus also sets the cursor.
-  if (event->type() == QEvent::FocusIn)
-    if (auto* box = qobject_cast<QLineEdit*>(watched))
-      QMetaObject::invokeMethod(box, &QLineEdit::selectAll, Qt::QueuedConnection);
-  return FormWindow::eventFilter(watched, event);
 }
 
 void frmPrePop::Continue() {

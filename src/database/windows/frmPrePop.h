@@ -22,7 +22,6 @@ class frmPrePop : public FormWindow {
 
  protected:
   void Closing() override;
-  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void MakeLayout();

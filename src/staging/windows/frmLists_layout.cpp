@@ -110,13 +110,8 @@ void frmLists::MakeLayout() {
   all->addLayout(buttons);
   // Return in a list or a box must not save and close, so there is no default button.
   for (QPushButton* button : findChildren<QPushButton*>()) button->setAutoDefault(true);
-  QWidget* before = nullptr;
-  for (QWidget* each : std::initializer_list<QWidget*>{tvwStations, lstUsers, comLevel, lstChart, comMethod,
-                                                       txtHeight, cmdScale[0], cmdScale[1], lstComment,
-                                                       cmdReadTable, cmdSave, cmdCancel}) {
-    if (before) setTabOrder(before, each);
-    before = each;
-  }
+  LinkTabs({tvwStations, lstUsers, comLevel, lstChart, comMethod, txtHeight, cmdScale[0], cmdScale[1],
+            lstComment, cmdReadTable, cmdSave, cmdCancel});
 }
 
 }  // namespace hyetex

@@ -6,6 +6,7 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 
+#include "platform/controls.h"
 #include "platform/qt_text.h"
 #include "staging/lists/list_recovery.h"
 #include "staging/lists/login.h"
@@ -39,7 +40,7 @@ frmLogin::frmLogin(Desk& desk, Dialogs& dialogs, Settings& settings, ReferenceLi
   txtUserName->setCompleter(nullptr);
   txtUserName->setInsertPolicy(QComboBox::NoInsert);
   txtPassword->setEchoMode(QLineEdit::Password);
-  txtPassword->installEventFilter(this);
+  SelectAllOnFocus(txtPassword);
 
   connect(txtUserName->lineEdit(), &QLineEdit::returnPressed, txtPassword,
           [this] { txtPassword->setFocus(); });
@@ -132,13 +133,6 @@ void frmLogin::closeEvent(QCloseEvent* event) {
     dialogs_.MessageBox(Title, kept.error(), BoxButtons::Ok, BoxIcon::Warning);
   event->accept();
   if (!loggedIn_) desk_.EndProgram();
-}
-
-bool frmLogin::eventFilter(QObject* watched, QEvent* event) {
-  // After the click that gave the focus, which would take the selection away again.
-  if (watched == txtPassword && event->type() == QEvent::FocusIn)
-    QMetaObject::invokeMethod(txtPassword, &QLineEdit::selectAll, Qt::QueuedConnection);
-  return QWidget::eventFilter(watched, event);
 }
 
 }  // namespace hyetex

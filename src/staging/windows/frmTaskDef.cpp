@@ -7,6 +7,7 @@
 #include "core/comments.h"
 #include "core/dates.h"
 #include "core/text.h"
+#include "platform/controls.h"
 #include "platform/qt_dates.h"
 #include "platform/qt_text.h"
 
@@ -70,15 +71,10 @@ QList<QWidget*> frmTaskDef::EnterOrder() const {
 }
 
 bool frmTaskDef::eventFilter(QObject* watched, QEvent* event) {
-  auto* box = qobject_cast<QLineEdit*>(watched);
-  // After the event, since the click that brings the focus also sets the cursor.
-  if (event->type() == QEvent::FocusIn && box != nullptr)
-    QMetaObject::invokeMethod(box, &QLineEdit::selectAll, Qt::QueuedConnection);
-  if (event->type() == QEvent::KeyPress) {
-    const int key = static_cast<QKeyEvent*>(event)->key();
+  if (event->type() == QEvent::KeyPress && IsReturn(*static_cast<QKeyEvent*>(event))) {
     const QList<QWidget*> order = EnterOrder();
     const qsizetype at = order.indexOf(qobject_cast<QWidget*>(watched));
-    if ((key == Qt::Key_Return || key == Qt::Key_Enter) && at >= 0 && at + 1 < order.size()) {
+    if (at >= 0 && at + 1 < order.size()) {
       order[at + 1]->setFocus(Qt::TabFocusReason);
       return true;
     }

@@ -58,6 +58,7 @@ void frmTaskDef::AddDepths(QGridLayout& layout) {
   const auto add = [&](QLineEdit*& box, const char* name, const char* udnName, const char* caption) {
     box = Named(new QLineEdit, name);
     box->installEventFilter(this);
+    SelectAllOnFocus(box);
     const int row = layout.rowCount();
     layout.addWidget(LabelOf(caption, box), row, 0);
     layout.addWidget(WithArrows(box, udnName, step), row, 1);
@@ -113,10 +114,8 @@ QWidget* frmTaskDef::MakeButtons() {
 }
 
 void frmTaskDef::SetTabOrder() {
-  const QList<QWidget*> order{dtpBeginDate, dtpBeginTime, dtpEndDate, dtpEndTime, txtEyed,
-                              txtManual,    comChart,     chkNot,     lstComment, cmdAdd,
-                              cmdDelete,    cmdOK,        cmdCancel};
-  for (qsizetype i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
+  LinkTabs({dtpBeginDate, dtpBeginTime, dtpEndDate, dtpEndTime, txtEyed, txtManual, comChart, chkNot,
+            lstComment, cmdAdd, cmdDelete, cmdOK, cmdCancel});
 }
 
 }  // namespace hyetex

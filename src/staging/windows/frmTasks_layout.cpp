@@ -161,7 +161,7 @@ void frmTasks::SetTabOrder() {
   QList<QWidget*> order{tvwStations, fgdTasks, cmdAdd, cmdChange, cmdDelete, cmdActivate};
   for (QAbstractButton* option : optDig->buttons()) order << option;
   order << lstChartType << dirTarget << drvTarget << cmdSave << cmdExit;
-  for (qsizetype i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
+  LinkTabs(order);
 }
 
 }  // namespace hyetex
