@@ -41,7 +41,7 @@ class LineReader {
     Left(leftPoints_, "point line", MaxPoint);
     Left(leftAlphas_, "alpha line", MaxAlpha);
     if (notes_ > MostNotes)
-      reading_.Notes.push_back("and " + ShortText(static_cast<int>(notes_ - MostNotes)) + " more such lines");
+      reading_.Notes.push_back(AndMore(notes_ - MostNotes) + " such lines");
   }
 
  private:

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "commandline/answer.h"
+#include "digitizing/desk_view.h"
 
 namespace hyetex::cli {
 
@@ -104,6 +105,12 @@ Exit RunSynchronise(const SynchroniseWords& words);  // synchronise_command.cpp
 Exit Fail(std::string_view why);
 Exit Off(std::string_view why);
 void Say(std::string_view line);
+
+/// The desk of a session without a screen: says what the operator would be told.
+class SaidView : public SilentView {
+ public:
+  void ShowMessage(std::string_view, std::string_view text) override { Say(text); }
+};
 
 /// Writes to standard output; a command whose output could not be written has failed.
 void Print(std::string_view text);

@@ -6,28 +6,10 @@
 
 namespace hyetex::cli {
 
-BoxAnswer SaidBoxes::MessageBox(const std::string&, const std::string& text, BoxButtons buttons, BoxIcon) {
+BoxAnswer SaidBoxes::MessageBox(const std::string& title, const std::string& text, BoxButtons buttons,
+                                BoxIcon icon) {
   Say(text);
-  switch (buttons) {
-    case BoxButtons::Ok:
-      return BoxAnswer::Ok;
-    case BoxButtons::OkCancel:
-      return Yes ? BoxAnswer::Ok : BoxAnswer::Cancel;
-    case BoxButtons::YesNo:
-      return Yes ? BoxAnswer::Yes : BoxAnswer::No;
-    case BoxButtons::YesNoCancel:
-      return Yes ? BoxAnswer::Yes : BoxAnswer::Cancel;
-  }
-  return BoxAnswer::Cancel;
-}
-std::optional<std::string> SaidBoxes::InputBox(const std::string&, const std::string&, const std::string&) {
-  return std::nullopt;
-}
-std::optional<std::string> SaidBoxes::ChooseFolder(const std::string&, const std::string&) {
-  return std::nullopt;
-}
-std::optional<std::string> SaidBoxes::ChooseFileToSave(const std::string&, const std::string&) {
-  return std::nullopt;
+  return UnattendedDialogs::MessageBox(title, text, buttons, icon);
 }
 
 CommandDatabase::CommandDatabase(const DatabaseWords& words)

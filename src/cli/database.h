@@ -1,7 +1,6 @@
 // The database that a command works on: the one that --db names, or the program folder's own.
 #pragma once
 
-#include <optional>
 #include <string>
 
 #include "cli/commands.h"
@@ -11,17 +10,11 @@
 
 namespace hyetex::cli {
 
-/// Boxes of a command, which nobody sees: what they tell goes to standard error. Questions get one answer.
-class SaidBoxes : public Dialogs {
+/// Boxes of a command, which nobody sees: what they tell goes to standard error.
+class SaidBoxes : public UnattendedDialogs {
  public:
-  bool Yes = false;  ///< OK and Yes, instead of Cancel and No
-
   BoxAnswer MessageBox(const std::string& title, const std::string& text, BoxButtons buttons,
                        BoxIcon icon) override;
-  std::optional<std::string> InputBox(const std::string& title, const std::string& prompt,
-                                      const std::string& initial) override;
-  std::optional<std::string> ChooseFolder(const std::string& title, const std::string& start) override;
-  std::optional<std::string> ChooseFileToSave(const std::string& title, const std::string& start) override;
 };
 
 /// As a command opens it:

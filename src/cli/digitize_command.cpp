@@ -15,12 +15,6 @@ namespace {
 
 constexpr std::size_t MostJournalBytes = 4U << 20;
 
-// A view with nobody before it: a refused press is told.
-class ReplayView : public SilentView {
- public:
-  void ShowMessage(std::string_view, std::string_view text) override { Say(text); }
-};
-
 // What the words and the program folder say of the chart to digitize.
 struct Work {
   ActivatedChart Chart;
@@ -86,7 +80,7 @@ Exit DigitizeJournal(const DigitizeWords& words, const Work& work) {
   const TabletType& tablet = TabletTypes()[static_cast<std::size_t>(journal.Tablet)];
   Session session(tablet.Extents, work.Chart.ChartType, work.Chart.Task);
   if (const auto refusal = CheckChartScales(session.Line.Scales())) return Fail(*refusal);
-  ReplayView view;
+  SaidView view;
   ActionMachine machine(session, tablet, view);
   machine.Start(Now());
   if (const auto replayed = Replay(journal, machine); !replayed) return Fail(replayed.error());

@@ -7,13 +7,6 @@
 namespace hyetex::cli {
 namespace {
 
-std::string CsvField(std::string text) {
-  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
-  std::string quoted = "\"";
-  for (const char c : text) quoted += c == '"' ? "\"\"" : std::string(1, c);
-  return quoted + '"';
-}
-
 std::string FieldText(const DbValue& value) {
   if (const auto* date = std::get_if<DbDate>(&value)) return IsoText(date->Value);
   if (const auto* number = std::get_if<double>(&value)) return ShortText(*number);

@@ -32,12 +32,6 @@ class PrintedJournal : public JournalSink {
   void Record(const JournalEvent& event) override { Print(JournalLine(event) + "\n"); }
 };
 
-// A view with nobody before it: says what the operator would be told.
-class HeadlessView : public SilentView {
- public:
-  void ShowMessage(std::string_view, std::string_view text) override { Say(text); }
-};
-
 }  // namespace
 
 Exit RunDecode(const DecodeWords& words) {
@@ -66,7 +60,7 @@ Exit RunTrace(const TraceWords& words) {
   } else {
     Print(JournalHead(words.Tablet));
   }
-  HeadlessView view;
+  SaidView view;
   // The kind of chart plays no part in what is journaled but for presses off an arc, and those digitize
   // tells.
   Session session(tablet.Extents, ChartTypeRecord{}, ChartRecord{});

@@ -98,16 +98,27 @@ std::string OneLine(std::string_view text) {
   return line;
 }
 
+std::string CsvField(std::string_view text) {
+  if (text.find_first_of(",\"\r\n") == std::string_view::npos) return std::string(text);
+  std::string quoted = "\"";
+  for (const char c : text) quoted += c == '"' ? "\"\"" : std::string(1, c);
+  return quoted + '"';
+}
+
+std::string AndMore(std::size_t count) { return "and " + std::to_string(count) + " more"; }
+
+std::string FirstLines(const std::vector<std::string>& lines, std::size_t most, std::string_view lead,
+                       std::string_view end) {
+  std::string text;
+  for (std::size_t i = 0; i < std::min(lines.size(), most); ++i) text.append(lead).append(lines[i]);
+  if (lines.size() > most) text.append(lead).append(AndMore(lines.size() - most)).append(end);
+  return text;
+}
+
 std::optional<std::string> CheckOneLine(std::string_view text) {
   if (text.find_first_of("\r\n") != std::string_view::npos) return "The text must stand on one line.";
   if (text.find('\0') != std::string_view::npos) return "The text holds a character that cannot be stored.";
   return std::nullopt;
-}
-
-std::vector<std::string_view> SplitLines(std::string_view text) {
-  std::vector<std::string_view> lines;
-  ForEachLine(text, [&](std::string_view line) { lines.push_back(line); });
-  return lines;
 }
 
 }  // namespace hyetex

@@ -30,4 +30,34 @@ class Dialogs {
   virtual std::optional<std::string> ChooseFileToSave(const std::string& title, const std::string& start) = 0;
 };
 
+/// With nobody at the desk: messages are passed over, questions all get one answer, nothing is typed or
+/// chosen.
+class UnattendedDialogs : public Dialogs {
+ public:
+  bool Agrees = false;  ///< OK and Yes, instead of Cancel and No
+
+  BoxAnswer MessageBox(const std::string&, const std::string&, BoxButtons buttons, BoxIcon) override {
+    switch (buttons) {
+      case BoxButtons::Ok:
+        return BoxAnswer::Ok;
+      case BoxButtons::OkCancel:
+        return Agrees ? BoxAnswer::Ok : BoxAnswer::Cancel;
+      case BoxButtons::YesNo:
+        return Agrees ? BoxAnswer::Yes : BoxAnswer::No;
+      case BoxButtons::YesNoCancel:
+        return Agrees ? BoxAnswer::Yes : BoxAnswer::Cancel;
+    }
+    return BoxAnswer::Cancel;
+  }
+  std::optional<std::string> InputBox(const std::string&, const std::string&, const std::string&) override {
+    return std::nullopt;
+  }
+  std::optional<std::string> ChooseFolder(const std::string&, const std::string&) override {
+    return std::nullopt;
+  }
+  std::optional<std::string> ChooseFileToSave(const std::string&, const std::string&) override {
+    return std::nullopt;
+  }
+};
+
 }  // namespace hyetex

@@ -7,17 +7,30 @@ namespace {
 
 using Lines = std::vector<std::string_view>;
 
+Lines LinesOf(std::string_view text) {
+  Lines lines;
+  ForEachLine(text, [&](std::string_view line) { lines.push_back(line); });
+  return lines;
+}
+
 TEST(Text, SplitsOnPairsIfThereIsOneElseOnLineFeeds) {
-  EXPECT_EQ(SplitLines(""), Lines{});
-  EXPECT_EQ(SplitLines("a"), (Lines{"a"}));
-  EXPECT_EQ(SplitLines("a\nb\n"), (Lines{"a", "b"}));
-  EXPECT_EQ(SplitLines("a\n\nb"), (Lines{"a", "", "b"}));
-  EXPECT_EQ(SplitLines("a\r\nb\r\n"), (Lines{"a", "b"}));
-  EXPECT_EQ(SplitLines("a\nb\r\nc"), (Lines{"a\nb", "c"}));
-  EXPECT_EQ(SplitLines("\na\r\n\n"), (Lines{"\na", "\n"}));
-  EXPECT_EQ(SplitLines("a\rb\n"), (Lines{"a\rb"}));
-  EXPECT_EQ(SplitLines("\r\n\r\n"), (Lines{"", ""}));
-  EXPECT_EQ(SplitLines("a\r\r\nb"), (Lines{"a\r", "b"}));
+  EXPECT_EQ(LinesOf(""), Lines{});
+  EXPECT_EQ(LinesOf("a"), (Lines{"a"}));
+  EXPECT_EQ(LinesOf("a\nb\n"), (Lines{"a", "b"}));
+  EXPECT_EQ(LinesOf("a\n\nb"), (Lines{"a", "", "b"}));
+  EXPECT_EQ(LinesOf("a\r\nb\r\n"), (Lines{"a", "b"}));
+  EXPECT_EQ(LinesOf("a\nb\r\nc"), (Lines{"a\nb", "c"}));
+  EXPECT_EQ(LinesOf("\na\r\n\n"), (Lines{"\na", "\n"}));
+  EXPECT_EQ(LinesOf("a\rb\n"), (Lines{"a\rb"}));
+  EXPECT_EQ(LinesOf("\r\n\r\n"), (Lines{"", ""}));
+  EXPECT_EQ(LinesOf("a\r\r\nb"), (Lines{"a\r", "b"}));
+}
+
+TEST(Text, ListsTellHowManyLinesTheyLeaveOut) {
+  EXPECT_EQ(FirstLines({}, 2), "");
+  EXPECT_EQ(FirstLines({"a", "b"}, 2), "\na\nb");
+  EXPECT_EQ(FirstLines({"a", "b", "c", "d"}, 2), "\na\nb\nand 2 more.");
+  EXPECT_EQ(FirstLines({"a", "b"}, 1, "\n- ", ""), "\n- a\n- and 1 more");
 }
 
 TEST(Text, ShowsUtf8AsItStandsAndAllElseAsWindows1252) {

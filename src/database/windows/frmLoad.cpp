@@ -214,12 +214,9 @@ void frmLoad::ReadFiles() {
     dtpBegin->setDate(ToQDate(first->Chart.StartTime));
     dtpEnd->setDate(ToQDate(last->Chart.StartTime));
   }
-  std::string notes;
-  for (std::size_t i = 0; i < std::min(files_.Notes.size(), MostNotesShown); ++i)
-    notes += (i > 0 ? "\n" : "") + ShownText(files_.Notes[i]);
-  if (files_.Notes.size() > MostNotesShown)
-    notes += "\nand " + std::to_string(files_.Notes.size() - MostNotesShown) + " more.";
-  labNotes->setText(ToQt(notes));
+  std::vector<std::string> notes = files_.Notes;
+  for (std::string& note : notes) note = ShownText(note);
+  labNotes->setText(ToQt(Trim(FirstLines(notes, MostNotesShown))));
   labNotes->setVisible(!notes.empty());
   UpdateList();
 }

@@ -6,6 +6,7 @@
 
 #include "core/files.h"
 #include "core/program_files.h"
+#include "core/text.h"
 #include "staging/lists/list_reading.h"
 #include "staging/lists/login.h"
 
@@ -13,14 +14,6 @@ namespace hyetex {
 namespace {
 
 constexpr std::size_t MostToldLines = 4;
-
-std::string InLines(const std::vector<std::string>& damage) {
-  std::string text;
-  for (std::size_t i = 0; i < std::min(damage.size(), MostToldLines); ++i) text += "\n- " + damage[i];
-  if (damage.size() > MostToldLines)
-    text += "\n- and " + std::to_string(damage.size() - MostToldLines) + " more";
-  return text;
-}
 
 }  // namespace
 
@@ -38,7 +31,8 @@ Result<RecoveredLists> RecoverLists(const std::string& programFolder) {
   if (salvaged.Damage.empty()) return recovered;
 
   recovered.Notice = "The file " + std::string(ListsFileName) +
-                     " is damaged. What can be read of it is used." + InLines(salvaged.Damage);
+                     " is damaged. What can be read of it is used." +
+                     FirstLines(salvaged.Damage, MostToldLines, "\n- ", "");
   if (isDamaged) {
     const auto kept = KeepCopy(path);
     recovered.Notice += kept

@@ -24,7 +24,7 @@ class NoteTaker {
   NoteTaker(const NoteTaker&) = delete;
   NoteTaker& operator=(const NoteTaker&) = delete;
   ~NoteTaker() {
-    if (more_ > 0) notes_.push_back("and " + std::to_string(more_) + " more");
+    if (more_ > 0) notes_.push_back(AndMore(more_));
   }
   void Add(std::size_t line, const std::string& what) {
     if (notes_.size() < MostNotes)
