@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QScreen>
+#include <algorithm>
 #include <filesystem>
 
 #include "app/session_comments.h"
@@ -23,41 +24,35 @@ namespace {
 
 constexpr const char* ProgramTitle = "Hyetex";
 
-/// A main window is one that takes the Main Menu's place; the others stand beside it.
-bool IsMainWindow(WindowId id) {
-  switch (id) {
-    case WindowId::MainMenu:
-    case WindowId::Comment:
-    case WindowId::Save:
-    case WindowId::LargeView:
-    case WindowId::TaskDef:
-    case WindowId::ProgramDefaults:
-    case WindowId::Connection:
-    case WindowId::Logon:
-    case WindowId::CreateTable:
-      return false;
-    default:
-      return true;
-  }
-}
-
 }  // namespace
 
-AppDesk::AppDesk(StartWords words, Dialogs& dialogs)
-    : words_(std::move(words)), dialogs_(dialogs), program_(words_.Folder, dialogs) {
-  factories_ = {
-      {WindowId::MainMenu, [this] { return MakeMainMenu(); }},
-      {WindowId::Digitizing, [this] { return MakeDigitizing(); }},
-      {WindowId::Save, [this] { return MakeSave(); }},
-      {WindowId::Comment, [this] { return MakeComment(); }},
-      {WindowId::LargeView, [this] { return MakeLargeView(); }},
-  };
-  AddTaskWindows();
-  AddListWindows();
-  AddConnectionWindows();
-  AddLoadWindows();
-  AddPopulateWindows();
+// In the order in which those that may ask are closed with the shell.
+const AppDesk::WindowKind AppDesk::Windows[] = {
+    // id, is main, may ask, how it is made
+    {WindowId::Digitizing, true, true, &AppDesk::MakeDigitizing},
+    {WindowId::Tasks, true, true, &AppDesk::MakeTasks},
+    {WindowId::Lists, true, true, &AppDesk::MakeLists},
+    {WindowId::Load, true, false, &AppDesk::MakeLoad},
+    {WindowId::PrePop, true, false, &AppDesk::MakePrePop},
+    {WindowId::Populate, true, false, &AppDesk::MakePopulate},
+    {WindowId::MainMenu, false, false, &AppDesk::MakeMainMenu},
+    {WindowId::Comment, false, false, &AppDesk::MakeComment},
+    {WindowId::Save, false, false, &AppDesk::MakeSave},
+    {WindowId::LargeView, false, false, &AppDesk::MakeLargeView},
+    {WindowId::TaskDef, false, false, &AppDesk::MakeTaskDef},
+    {WindowId::ProgramDefaults, false, false, &AppDesk::MakeProgramDefaults},
+    {WindowId::Connection, false, false, &AppDesk::MakeConnection},
+    {WindowId::Logon, false, false, &AppDesk::MakeLogon},
+    {WindowId::CreateTable, false, false, &AppDesk::MakeCreateTable},
+};
+
+const AppDesk::WindowKind* AppDesk::Find(WindowId id) {
+  const auto* found = std::ranges::find(Windows, id, &WindowKind::Id);
+  return found == std::end(Windows) ? nullptr : found;
 }
+
+AppDesk::AppDesk(StartWords words, Dialogs& dialogs)
+    : words_(std::move(words)), dialogs_(dialogs), program_(words_.Folder, dialogs) {}
 
 AppDesk::~AppDesk() {
   ending_ = true;
@@ -115,8 +110,8 @@ void AppDesk::Open(WindowId id) {
     shell_->Area().setActiveSubWindow(frames_[id]);
     return;
   }
-  const auto factory = factories_.find(id);
-  QWidget* window = factory == factories_.end() ? nullptr : factory->second();
+  const WindowKind* kind = Find(id);
+  QWidget* window = kind == nullptr ? nullptr : (this->*kind->Make)();
   if (window == nullptr) return;
   QMdiSubWindow* frame = shell_->Area().addSubWindow(window);
   frame->setWindowIcon(QApplication::windowIcon());
@@ -137,7 +132,7 @@ void AppDesk::Closed(WindowId id) {
   frames_.erase(id);
   if (ending_) return;
 
-  const auto isMain = [](const auto& entry) { return entry.second && IsMainWindow(entry.first); };
+  const auto isMain = [](const auto& entry) { return entry.second && Find(entry.first)->IsMain; };
   const bool mainIsOpen = std::any_of(frames_.begin(), frames_.end(), isMain);
   if (id == WindowId::Digitizing && std::exchange(backToTasks_, false))
     Open(WindowId::Tasks);
@@ -176,10 +171,10 @@ void AppDesk::EndProgram() {
 // A session that the operator would rather not lose keeps the program open.
 void AppDesk::CloseShell() {
   ending_ = true;
-  for (const WindowId asking : {WindowId::Digitizing, WindowId::Tasks, WindowId::Lists})
-    if (ending_ && Window(asking)) {
-      frames_[asking]->close();
-      ending_ = Window(asking) == nullptr;
+  for (const WindowKind& kind : Windows)
+    if (ending_ && kind.MayAsk && Window(kind.Id)) {
+      frames_[kind.Id]->close();
+      ending_ = Window(kind.Id) == nullptr;
     }
   if (ending_) EndProgram();
 }

@@ -4,7 +4,6 @@
 
 #include <QMdiSubWindow>
 #include <QPointer>
-#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -21,6 +20,8 @@
 
 namespace hyetex {
 
+class LogonForm;
+
 class AppDesk : public Desk {
  public:
   AppDesk(StartWords words, Dialogs& dialogs);
@@ -32,7 +33,7 @@ class AppDesk : public Desk {
   /// Opens the login.
   void Start();
 
-  bool Has(WindowId id) const override { return factories_.contains(id); }
+  bool Has(WindowId id) const override { return Find(id) != nullptr; }
   void Open(WindowId id) override;
   void Closed(WindowId id) override;
   void OpenLargeView(const std::string& caption, const std::string& text) override;
@@ -40,36 +41,45 @@ class AppDesk : public Desk {
   void LoggedIn() override;
   void EndProgram() override;
 
-  // What the tests and the pictures look at; null while it is not open.
+  // What the tests and the picture maker look at; null while it is not open.
   frmLogin* Login() { return login_; }
   mdiHyetex* ShellWindow() { return shell_.get(); }
   QWidget* Window(WindowId id);
 
  private:
-  using Factory = std::function<QWidget*()>;
+  /// What the desk knows of one window.
+  struct WindowKind {
+    WindowId Id;
+    bool IsMain;                  ///< takes the Main Menu's place; the others stand beside it
+    bool MayAsk;                  ///< before it closes, and stay open
+    QWidget* (AppDesk::*Make)();  ///< null if it cannot open now
+  };
+  static const WindowKind Windows[];
+  static const WindowKind* Find(WindowId id);
 
-  // One room's windows each; what they need of one another is wired there.
-  void AddTaskWindows();        // task_windows.cpp
-  void AddListWindows();        // list_windows.cpp
-  void AddConnectionWindows();  // connection_windows.cpp
-  void AddLoadWindows();        // load_windows.cpp
-  void AddSynchronising();      // synchronising.cpp
-  void AddPopulateWindows();    // populate_windows.cpp
-
-  void SynchroniseStations();
-  /// Why that cannot be done now; empty if it can.
-  std::string WhyNotSynchronise();
-
-  QWidget* MakeTasks();
-  QWidget* MakeTaskDef();
-  QWidget* MakeLists();
-  QWidget* MakeProgramDefaults();
-
+  // How each room's windows are made; what they need of one another is wired there.
   QWidget* MakeMainMenu();
   QWidget* MakeDigitizing();
   QWidget* MakeSave();
   QWidget* MakeComment();
   QWidget* MakeLargeView();
+  QWidget* MakeTasks();  // task_windows.cpp
+  QWidget* MakeTaskDef();
+  QWidget* MakeLists();  // list_windows.cpp
+  QWidget* MakeProgramDefaults();
+  QWidget* MakeConnection();  // connection_windows.cpp
+  QWidget* MakeLogon();
+  QWidget* Announced(LogonForm* window, const char* before);
+  QWidget* MakeCreateTable();
+  QWidget* MakeLoad();    // load_windows.cpp
+  QWidget* MakePrePop();  // populate_windows.cpp
+  QWidget* MakePopulate();
+
+  // The menu entry that does without a window: synchronising.cpp.
+  void AddSynchronising();
+  void SynchroniseStations();
+  /// Why that cannot be done now; empty if it can.
+  std::string WhyNotSynchronise();
 
   /// The one that comes to the front when a window closes.
   QMdiSubWindow* FrameBefore(const QMdiSubWindow* closing) const;
@@ -88,7 +98,6 @@ class AppDesk : public Desk {
   const StartWords words_;
   Dialogs& dialogs_;
   Program program_;
-  std::map<WindowId, Factory> factories_;
   std::string largeCaption_, largeText_;          // of the large view that is about to open
   std::unique_ptr<CommentTarget> commentTarget_;  // of the comment window that is about to open
   TaskJob taskJob_;                               // of the task definition that is about to open

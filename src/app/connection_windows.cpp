@@ -8,31 +8,33 @@
 
 namespace hyetex {
 
-void AppDesk::AddConnectionWindows() {
-  const auto showIn = [this](LogonForm* window, const char* before) {
-    QObject::connect(window, &LogonForm::Chosen, [this, before] {
-      if (auto* menu = qobject_cast<frmInit*>(Window(WindowId::MainMenu))) menu->ShowConnection(before);
-    });
-    return window;
-  };
-  factories_[WindowId::Connection] = [this, showIn] {
-    return showIn(new frmODBCLogon(*this, dialogs_, program_.Settings, program_.Database), "");
-  };
-  factories_[WindowId::Logon] = [this, showIn] {
-    return showIn(new frmODBCLogon1(*this, dialogs_, program_.Settings, program_.Database), "ODBC;");
-  };
-  factories_[WindowId::CreateTable] = [this] {
-    auto* window = new frmCreateTable(*this, dialogs_, program_.Settings, program_.Database,
-                                      {.Help = [this] { ShowHelp(); }, .OpenText = OpenTextFile});
-    // The window is modal: what it shows must not be changed beneath it.
-    for (const auto& [id, frame] : frames_) {
-      QWidget* other = frame ? frame->widget() : nullptr;
-      if (other == nullptr) continue;
-      other->setEnabled(false);
-      QObject::connect(window, &QObject::destroyed, other, [other] { other->setEnabled(true); });
-    }
-    return window;
-  };
+QWidget* AppDesk::MakeConnection() {
+  return Announced(new frmODBCLogon(*this, dialogs_, program_.Settings, program_.Database), "");
+}
+
+QWidget* AppDesk::MakeLogon() {
+  return Announced(new frmODBCLogon1(*this, dialogs_, program_.Settings, program_.Database), "ODBC;");
+}
+
+// The Main Menu shows what was chosen in the window.
+QWidget* AppDesk::Announced(LogonForm* window, const char* before) {
+  QObject::connect(window, &LogonForm::Chosen, [this, before] {
+    if (auto* menu = qobject_cast<frmInit*>(Window(WindowId::MainMenu))) menu->ShowConnection(before);
+  });
+  return window;
+}
+
+QWidget* AppDesk::MakeCreateTable() {
+  auto* window = new frmCreateTable(*this, dialogs_, program_.Settings, program_.Database,
+                                    {.Help = [this] { ShowHelp(); }, .OpenText = OpenTextFile});
+  // The window is modal: what it shows must not be changed beneath it.
+  for (const auto& [id, frame] : frames_) {
+    QWidget* other = frame ? frame->widget() : nullptr;
+    if (other == nullptr) continue;
+    other->setEnabled(false);
+    QObject::connect(window, &QObject::destroyed, other, [other] { other->setEnabled(true); });
+  }
+  return window;
 }
 
 }  // namespace hyetex

@@ -1,17 +1,11 @@
 // The lists manager and the program's defaults.
-#include <QListWidget>
-
 #include "app/app_desk.h"
 #include "staging/lists/list_recovery.h"
 #include "staging/windows/frmLists.h"
 #include "staging/windows/frmProgramDefaults.h"
+#include "staging/windows/frmTasks.h"
 
 namespace hyetex {
-
-void AppDesk::AddListWindows() {
-  factories_[WindowId::Lists] = [this] { return MakeLists(); };
-  factories_[WindowId::ProgramDefaults] = [this] { return MakeProgramDefaults(); };
-}
 
 QWidget* AppDesk::MakeLists() {
   if (const auto read = RereadLists(program_.Settings.Folder(), program_.Lists, program_.CurrentUser); !read)
@@ -28,9 +22,8 @@ QWidget* AppDesk::MakeProgramDefaults() {
     program_.CurrentChart = program_.Settings.Get(setting::CurrentChart);
   return new frmProgramDefaults(*this, dialogs_, program_.Settings, program_.Lists, program_.CurrentChart,
                                 [this] {
-                                  if (QWidget* tasks = Window(WindowId::Tasks))
-                                    if (auto* types = tasks->findChild<QListWidget*>("lstChartType"))
-                                      types->setCurrentRow(program_.CurrentChart);
+                                  if (auto* tasks = qobject_cast<frmTasks*>(Window(WindowId::Tasks)))
+                                    tasks->ShowChartType();
                                 });
 }
 

@@ -4,10 +4,8 @@
 
 namespace hyetex {
 
-void AppDesk::AddLoadWindows() {
-  factories_[WindowId::Load] = [this] {
-    return new frmLoad(*this, dialogs_, program_.Settings, program_.Lists, program_.Database);
-  };
+QWidget* AppDesk::MakeLoad() {
+  return new frmLoad(*this, dialogs_, program_.Settings, program_.Lists, program_.Database);
 }
 
 }  // namespace hyetex

@@ -5,14 +5,13 @@
 
 namespace hyetex {
 
-void AppDesk::AddPopulateWindows() {
-  factories_[WindowId::PrePop] = [this] {
-    return new frmPrePop(*this, program_.Settings, program_.Computation, [this] { ShowHelp(); });
-  };
-  factories_[WindowId::Populate] = [this] {
-    return new frmPopulate(*this, dialogs_, program_.Settings, program_.Database, program_.Lists,
-                           program_.Computation);
-  };
+QWidget* AppDesk::MakePrePop() {
+  return new frmPrePop(*this, program_.Settings, program_.Computation, [this] { ShowHelp(); });
+}
+
+QWidget* AppDesk::MakePopulate() {
+  return new frmPopulate(*this, dialogs_, program_.Settings, program_.Database, program_.Lists,
+                         program_.Computation);
 }
 
 }  // namespace hyetex

@@ -9,11 +9,6 @@
 
 namespace hyetex {
 
-void AppDesk::AddTaskWindows() {
-  factories_[WindowId::Tasks] = [this] { return MakeTasks(); };
-  factories_[WindowId::TaskDef] = [this] { return MakeTaskDef(); };
-}
-
 QWidget* AppDesk::MakeTasks() {
   if (const auto read = RereadLists(program_.Settings.Folder(), program_.Lists, program_.CurrentUser); !read)
     Tell(read.error());

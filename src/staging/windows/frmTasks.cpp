@@ -73,8 +73,10 @@ frmTasks::frmTasks(Desk& desk, Dialogs& dialogs, Settings& settings, const Refer
 void frmTasks::FillChartTypes() {
   for (const ChartTypeRecord& type : lists_.ChartTypes) lstChartType->addItem(ToQt(type.Name));
   if (currentChart_ < 0 || currentChart_ >= lstChartType->count()) currentChart_ = 0;
-  lstChartType->setCurrentRow(currentChart_);
+  ShowChartType();
 }
+
+void frmTasks::ShowChartType() { lstChartType->setCurrentRow(currentChart_); }
 
 void frmTasks::RestoreSelection() {
   const std::vector<TreeNode> tree = StationTree(lists_);

@@ -65,6 +65,9 @@ class frmTasks : public FormWindow {
   /// Whether a node of the tree is selected.
   bool TreeSelected() const { return tvwStations->Current() != nullptr; }
 
+  /// Selects the default chart type, which has changed elsewhere.
+  void ShowChartType();
+
   /// While a chart's details are open, this window waits behind them.
   void EnableStaging(bool enabled);
 
