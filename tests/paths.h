@@ -10,6 +10,7 @@ std::string TabletProgram();
 std::string DesktopProgram();
 /// The folder that the project stands in.
 std::string Sources();
+std::string PictureProgram();
 /// A file of the demo folder, such as "charts/siphon-chart.csv".
 /// The folder of the whole source tree.
 std::string Sources();

@@ -5,7 +5,6 @@
 #include <filesystem>
 
 #include "app/app_desk.h"
-#include "app/pictures.h"
 #include "app/start_words.h"
 #include "core/files.h"
 #include "platform/qt_dialogs.h"
@@ -46,10 +45,8 @@ int Run(StartWords words) {
 
 int main(int argc, char** argv) {
   const std::vector<std::string> words(argv + 1, argv + argc);
-  auto line = ReadCommandLine(words);
+  auto line = ReadStartWords(words);
   if (!line) return commandline::Give(Name, line.error());
-  if (!line->Pictures.empty() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-    qputenv("QT_QPA_PLATFORM", "offscreen");
 
   int one = 1;
   QApplication app(one, argv);
@@ -57,8 +54,5 @@ int main(int argc, char** argv) {
   QApplication::setApplicationVersion(HYETEX_VERSION);
   QApplication::setWindowIcon(QIcon(":/icons/hyetex.svg"));
   QApplication::setQuitOnLastWindowClosed(false);
-  if (line->Pictures.empty()) return Run(std::move(line->Words));
-
-  const auto taken = TakePictures(line->Words, line->Pictures);
-  return taken ? commandline::Done : commandline::Fail(Name, taken.error());
+  return Run(*std::move(line));
 }

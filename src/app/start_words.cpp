@@ -10,9 +10,8 @@ namespace hyetex {
 
 using namespace commandline;
 
-tl::expected<CommandLine, Answer> ReadCommandLine(std::span<const std::string> words) {
-  CommandLine line;
-  StartWords& start = line.Words;
+tl::expected<StartWords, Answer> ReadStartWords(std::span<const std::string> words) {
+  StartWords start;
   start.Folder = DefaultProgramFolder();
 
   Description program("hyetex", "Digitizes rainfall strip charts.");
@@ -21,12 +20,11 @@ tl::expected<CommandLine, Answer> ReadCommandLine(std::span<const std::string> w
            "digitize this chart of the staging area, from 0, right after the login");
   AddTablet(program, start.Tablet)->description("type of the tablet (default: the one of the settings)");
   AddName(program, "--port", start.Port, "DEVICE", "serial device of the tablet (default: serial port 1)");
-  AddName(program, "--pictures", line.Pictures, "DIR", "write a picture of every window into DIR, and end");
   if (auto answer = Parse(program, words)) return tl::unexpected(*std::move(answer));
 
   // A serial device by its whole path: a relative one would be looked for among the system's devices.
   if (HasSeparator(start.Port)) start.Port = std::filesystem::absolute(start.Port).string();
-  return line;
+  return start;
 }
 
 }  // namespace hyetex

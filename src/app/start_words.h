@@ -10,12 +10,7 @@
 
 namespace hyetex {
 
-struct CommandLine {
-  StartWords Words;
-  std::string Pictures;  ///< folder for a picture of every window; empty to run as usual
-};
-
 /// The folder is `--folder`, else the user's own. Else what the words alone are answered with.
-tl::expected<CommandLine, commandline::Answer> ReadCommandLine(std::span<const std::string> words);
+tl::expected<StartWords, commandline::Answer> ReadStartWords(std::span<const std::string> words);
 
 }  // namespace hyetex

@@ -6,7 +6,7 @@
 #include <QTabBar>
 #include <map>
 
-#include "app/picture_database.h"
+#include "tools/pictures/picture_database.h"
 #include "windows/desk_fixture.h"
 
 namespace hyetex::test {

@@ -88,7 +88,8 @@ TEST_F(Program, ShowsItsLoginAndRunsOnceAFolder) {
 TEST_F(Program, TakesAPictureOfEveryWindow) {
   QProcess program;
   const std::string pictures = folder_ / "pictures";
-  Start(program, {"--task", "0", "--pictures", QString::fromStdString(pictures)});
+  program.setProcessEnvironment(environment_);
+  program.start(ToQt(test::PictureProgram()), {ToQt(folder_ / "program"), ToQt(pictures)});
   ASSERT_TRUE(program.waitForFinished(60000));
   EXPECT_EQ(program.exitCode(), 0) << program.readAllStandardError().toStdString();
   for (const char* window : {"frmLogin", "frmInit", "frmMessageBox", "mdiHyetex", "frmHyetex", "frmSave"})

@@ -1,4 +1,4 @@
-#include "app/picture_database.h"
+#include "pictures/picture_database.h"
 
 #include <filesystem>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "app/pictures.h"
+#include "pictures/pictures.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -13,8 +13,9 @@
 #include <filesystem>
 
 #include "app/app_desk.h"
-#include "app/picture_database.h"
+#include "core/files.h"
 #include "core/settings.h"
+#include "pictures/picture_database.h"
 #include "platform/qt_text.h"
 #include "staging/windows/frmMessageBox.h"
 
@@ -24,23 +25,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr QSize ShellSize(1280, 900);
-
-/// Nobody is there to answer: an unfinished chart is resumed, messages are passed over.
-class NobodyThere : public Dialogs {
- public:
-  BoxAnswer MessageBox(const std::string&, const std::string&, BoxButtons buttons, BoxIcon) override {
-    return buttons == BoxButtons::Ok || buttons == BoxButtons::OkCancel ? BoxAnswer::Ok : BoxAnswer::Yes;
-  }
-  std::optional<std::string> InputBox(const std::string&, const std::string&, const std::string&) override {
-    return std::nullopt;
-  }
-  std::optional<std::string> ChooseFolder(const std::string&, const std::string&) override {
-    return std::nullopt;
-  }
-  std::optional<std::string> ChooseFileToSave(const std::string&, const std::string&) override {
-    return std::nullopt;
-  }
-};
 
 QPalette DarkPalette() {
   QPalette dark(QColor(45, 48, 52), QColor(45, 48, 52));
@@ -73,6 +57,13 @@ class Camera {
     QApplication::setPalette(light_);
     QApplication::processEvents();
   }
+  /// A control of a window, by its name.
+  template <typename Control>
+  Control* Find(QWidget* window, const char* name) {
+    auto* found = window == nullptr ? nullptr : window->findChild<Control*>(name);
+    if (found == nullptr) Miss(std::string("There is no control ") + name);
+    return found;
+  }
   Result<void> Outcome() const { return trouble_.empty() ? Result<void>{} : Failure(trouble_); }
 
  private:
@@ -88,12 +79,12 @@ class Camera {
 void TakeStaging(AppDesk& desk, Camera& camera) {
   desk.Open(WindowId::Tasks);
   QWidget* tasks = desk.Window(WindowId::Tasks);
-  if (auto* tree = tasks ? tasks->findChild<QTreeWidget*>("tvwStations") : nullptr)
+  if (auto* tree = camera.Find<QTreeWidget>(tasks, "tvwStations"))
     for (QTreeWidgetItemIterator item(tree); *item != nullptr; ++item)
       if ((*item)->text(0).contains(" - NM-Hill Farm")) tree->setCurrentItem(*item);
-  if (auto* grid = tasks ? tasks->findChild<QTableWidget*>("fgdTasks") : nullptr) grid->selectRow(0);
+  if (auto* grid = camera.Find<QTableWidget>(tasks, "fgdTasks")) grid->selectRow(0);
   camera.Take(tasks, "frmTasks");
-  if (auto* change = tasks ? tasks->findChild<QPushButton*>("cmdChange") : nullptr) change->click();
+  if (auto* change = camera.Find<QPushButton>(tasks, "cmdChange")) change->click();
   camera.Take(desk.Window(WindowId::TaskDef), "frmTaskDef");
   for (const WindowId id : {WindowId::TaskDef, WindowId::Tasks})
     if (QWidget* window = desk.Window(id)) window->close();
@@ -102,7 +93,7 @@ void TakeStaging(AppDesk& desk, Camera& camera) {
 void TakeLists(AppDesk& desk, Camera& camera) {
   desk.Open(WindowId::Lists);
   QWidget* lists = desk.Window(WindowId::Lists);
-  if (auto* tree = lists ? lists->findChild<QTreeWidget*>("tvwStations") : nullptr) {
+  if (auto* tree = camera.Find<QTreeWidget>(lists, "tvwStations")) {
     tree->expandAll();
     camera.Take(lists, "frmLists");
     emit tree->customContextMenuRequested(tree->visualItemRect(tree->currentItem()).center());
@@ -134,7 +125,7 @@ void TakeSession(AppDesk& desk, Camera& camera) {
   machine.PressAt(last.TrueX() + 20, last.Y);
   camera.Take(desk.Window(WindowId::Comment), "frmComment");
   if (QWidget* comment = desk.Window(WindowId::Comment)) {
-    if (auto* list = comment->findChild<QPushButton*>("cmdList")) list->click();
+    if (auto* list = camera.Find<QPushButton>(comment, "cmdList")) list->click();
     camera.Take(desk.Window(WindowId::LargeView), "frmLargeView");
     comment->close();
   }
@@ -154,15 +145,15 @@ void TakeConnections(AppDesk& desk, Camera& camera) {
 void TakeLoading(AppDesk& desk, Camera& camera) {
   desk.Open(WindowId::Load);
   QWidget* load = desk.Window(WindowId::Load);
-  auto* tabs = load ? load->findChild<QTabBar*>("tspLR") : nullptr;
+  auto* tabs = camera.Find<QTabBar>(load, "tspLR");
   // Folders are read in the background, until the chosen one comes into sight.
-  auto* folders = load ? load->findChild<QTreeView*>("dirSource") : nullptr;
+  auto* folders = camera.Find<QTreeView>(load, "dirSource");
   for (int i = 0; folders && i < 300; ++i) {
     QThread::msleep(10);
     QApplication::processEvents();
     if (i > 10 && folders->viewport()->rect().intersects(folders->visualRect(folders->currentIndex()))) break;
   }
-  if (auto* all = load ? load->findChild<QPushButton*>("cmdAll") : nullptr) all->click();
+  if (auto* all = camera.Find<QPushButton>(load, "cmdAll")) all->click();
   camera.Take(load, "frmLoad");
   if (tabs) tabs->setCurrentIndex(1);
   camera.Take(load, "frmLoad-extract");
@@ -174,8 +165,7 @@ void TakePopulating(AppDesk& desk, Camera& camera) {
   camera.Take(desk.Window(WindowId::PrePop), "frmPrePop");
   desk.Open(WindowId::Populate);
   QWidget* populate = desk.Window(WindowId::Populate);
-  if (auto* instruments = populate ? populate->findChild<QComboBox*>("cboSelection") : nullptr)
-    instruments->setCurrentIndex(0);
+  if (auto* instruments = camera.Find<QComboBox>(populate, "cboSelection")) instruments->setCurrentIndex(0);
   camera.Take(populate, "frmPopulate");
   for (const WindowId id : {WindowId::Populate, WindowId::PrePop})
     if (QWidget* window = desk.Window(id)) window->close();
@@ -183,29 +173,29 @@ void TakePopulating(AppDesk& desk, Camera& camera) {
 
 }  // namespace
 
-Result<void> TakePictures(const StartWords& words, const std::string& folder) {
+Result<void> TakePictures(const std::string& programFolder, const std::string& pictures) {
   std::error_code error;
-  fs::create_directories(folder, error);
+  fs::create_directories(pictures, error);
   const QTemporaryDir place;
-  if (error || !place.isValid()) return Failure("There is no room for pictures in " + folder);
+  if (error || !place.isValid()) return Failure("There is no room for pictures in " + pictures);
   const std::string copy = FromQt(place.path());
-  if (fs::is_directory(words.Folder)) fs::copy(words.Folder, copy, fs::copy_options::recursive, error);
-  if (error) return Failure("The program folder " + words.Folder + " cannot be copied: " + error.message());
+  fs::copy(programFolder, copy, fs::copy_options::recursive, error);
+  if (error) return Failure("The program folder " + programFolder + " cannot be copied: " + error.message());
 
   QApplication::setStyle(QStyleFactory::create("Fusion"));
   QApplication::setFont(QFont("DejaVu Sans", 10));
-  NobodyThere dialogs;
+  UnattendedDialogs dialogs;
+  dialogs.Agrees = true;  // an unfinished chart is resumed
   Settings settings(copy);
   if (auto made = MakePictureDatabase(settings, dialogs); !made) return made;
   // The search for the tablet leaves the machine's own ports alone.
   for (const char* port : {"1", "2"}) (void)settings.Set(setting::SerialPort, port, "none");
-  (void)settings.Set(setting::LoadSource, copy + "/Data");
-  Camera camera(folder);
-  StartWords onCopy = words;
-  onCopy.Folder = copy;
+  (void)settings.Set(setting::LoadSource, JoinPath(copy, "Data"));
+  Camera camera(pictures);
+  StartWords words;
+  words.Folder = copy;
   {
-    onCopy.Task.reset();
-    AppDesk desk(onCopy, dialogs);
+    AppDesk desk(words, dialogs);
     desk.ShellSize = ShellSize;
     desk.Start();
     camera.Take(desk.Login(), "frmLogin");
@@ -222,14 +212,12 @@ Result<void> TakePictures(const StartWords& words, const std::string& folder) {
     TakeLoading(desk, camera);
     TakePopulating(desk, camera);
   }
-  if (words.Task) {
-    onCopy.Task = words.Task;
-    AppDesk desk(onCopy, dialogs);
-    desk.ShellSize = ShellSize;
-    desk.Start();
-    desk.LoggedIn();
-    TakeSession(desk, camera);
-  }
+  words.Task = 0;
+  AppDesk desk(words, dialogs);
+  desk.ShellSize = ShellSize;
+  desk.Start();
+  desk.LoggedIn();
+  TakeSession(desk, camera);
   return camera.Outcome();
 }
 
