@@ -4,10 +4,10 @@
 
 #include <stdlib.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <optional>
 #include <string>
 
 #include "core/files.h"
@@ -15,24 +15,9 @@
 #include "database/access/create_tables.h"
 #include "database/access/new_database.h"
 #include "database/access/plot_db.h"
+#include "platform/dialogs.h"
 
 namespace hyetex::bench {
-
-class SilentBoxes : public Dialogs {
- public:
-  BoxAnswer MessageBox(const std::string&, const std::string&, BoxButtons, BoxIcon) override {
-    return BoxAnswer::Cancel;
-  }
-  std::optional<std::string> InputBox(const std::string&, const std::string&, const std::string&) override {
-    return std::nullopt;
-  }
-  std::optional<std::string> ChooseFolder(const std::string&, const std::string&) override {
-    return std::nullopt;
-  }
-  std::optional<std::string> ChooseFileToSave(const std::string&, const std::string&) override {
-    return std::nullopt;
-  }
-};
 
 class BenchDatabase {
  public:
@@ -65,6 +50,15 @@ class BenchDatabase {
   bool IsThere() const { return !Database.ConnectionText.empty(); }
   /// Leaves nothing behind that would slow the next run down.
   void Empty(const std::string& table) { Run((postgres_ ? "TRUNCATE " : "DELETE FROM ") + table); }
+  /// How long the work takes on a table without rows. What it takes to make room for it does not count.
+  template <typename Work>
+  double SecondsOnEmpty(const std::string& table, Work&& work) {
+    using Clock = std::chrono::steady_clock;
+    Empty(table);
+    const auto start = Clock::now();
+    work();
+    return std::chrono::duration<double>(Clock::now() - start).count();
+  }
   /// Its connection, opened where it is closed.
   Connection& Open() {
     if (!Database.DatabaseConnection.IsOpen()) (void)Database.OpenDatabase();
@@ -73,7 +67,7 @@ class BenchDatabase {
   void Run(const std::string& sql) { (void)Open().Execute(sql); }
 
   std::string Folder;
-  SilentBoxes Boxes;
+  UnattendedDialogs Boxes;
   hyetex::Settings Settings{""};
   HyetexPlotDB Database{Settings, Boxes};
 

@@ -1,5 +1,5 @@
-// Reading a full chart file with its series against a newline scan of the same bytes (at most 10 times is
-// meant), and asking for the last point's time and depth after every press.
+// Reading a full chart file with its series against a newline scan of the same bytes, and asking for the last
+// point's time and depth after every press.
 #include <cmath>
 #include <cstring>
 #include <filesystem>
@@ -34,7 +34,7 @@ void ReadChart(benchmark::State& state, bool fromDisk) {
   std::ofstream(path, std::ios::binary) << file.Text;
   ChartReading reading;
   CompareWithBaseline(
-      state,
+      state, 10,
       [&] {
         const std::string bytes = fromDisk ? *ReadWholeFile(path, MostChartBytes) : std::string();
         const std::string& text = fromDisk ? bytes : file.Text;
@@ -71,7 +71,7 @@ void LastPointAfterEachPress(benchmark::State& state) {
     benchmark::DoNotOptimize(sum);
   };
   CompareWithBaseline(
-      state,
+      state, 2,
       [&] {
         for (int i = 0; i < 10; ++i) trace(500);
       },

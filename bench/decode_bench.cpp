@@ -1,5 +1,4 @@
-// Decoding a tablet's stream against a plain copy of the same bytes in the same chunks. At most 4 times is
-// meant.
+// Decoding a tablet's stream against a plain copy of the same bytes in the same chunks.
 #include <cstring>
 #include <vector>
 
@@ -32,7 +31,7 @@ void Decode(benchmark::State& state) {
       take(std::span(stream).subspan(at, std::min(chunk, stream.size() - at)), at);
   };
   CompareWithBaseline(
-      state,
+      state, 4,
       [&] {
         inChunks([&](std::span<const std::uint8_t> bytes, std::size_t at) {
           std::memcpy(copy.data() + at, bytes.data(), bytes.size());
