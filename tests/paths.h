@@ -12,8 +12,6 @@ std::string DesktopProgram();
 std::string Sources();
 std::string PictureProgram();
 /// A file of the demo folder, such as "charts/siphon-chart.csv".
-/// The folder of the whole source tree.
-std::string Sources();
 std::string Demo(const std::string& file);
 /// The folder of whole sessions, one folder each.
 std::string Cases();

@@ -201,8 +201,8 @@ TEST_F(ProgramDesk, OffersHelpOnlyWithASite) {
 }
 
 TEST(CommandLine, SaysWhichWordIsOff) {
-  const auto read = [](std::vector<std::string> words) { return ReadCommandLine(words); };
-  EXPECT_EQ(read({"--task", "2000", "--tablet", "4", "--port", "COM3"})->Words.Task, 2000);
+  const auto read = [](std::vector<std::string> words) { return ReadStartWords(words); };
+  EXPECT_EQ(read({"--task", "2000", "--tablet", "4", "--port", "COM3"})->Task, 2000);
   using Words = std::vector<std::string>;
   for (const Words& wrong : std::vector<Words>{
            {"--tsk", "1"}, {"--task"}, {"--task", "-1"}, {"--task", "1x"}, {"--tablet", "5"}, {"extra"}})
