@@ -40,8 +40,7 @@ class LineReader {
     GiveCentury(fileName);
     Left(leftPoints_, "point line", MaxPoint);
     Left(leftAlphas_, "alpha line", MaxAlpha);
-    if (notes_ > MostNotes)
-      reading_.Notes.push_back(AndMore(notes_ - MostNotes) + " such lines");
+    if (notes_ > MostNotes) reading_.Notes.push_back(AndMore(notes_ - MostNotes) + " such lines");
   }
 
  private:
