@@ -187,7 +187,7 @@ bool AppDesk::Activate(int task) {
                     words_.Port.empty() ? SerialDevice(program_.Settings, FirstSerialPort) : words_.Port);
 }
 
-bool AppDesk::BeginChart(ActivatedChart chart, std::string device) {
+bool AppDesk::BeginChart(const ActivatedChart& chart, std::string device) {
   if (const auto refusal = CheckTraceable(chart.Task)) return Tell(*refusal), false;
   auto origin = OriginOfChart(program_.Lists, chart.Task, program_.User().Name);
   if (!origin) return Tell(origin.error()), false;

@@ -87,7 +87,7 @@ class AppDesk : public Desk {
   void EnsureDataFolder();
   /// Makes a staged chart the one to digitize; tells the operator why it cannot be.
   bool Activate(int task);
-  bool BeginChart(ActivatedChart chart, std::string device);
+  bool BeginChart(const ActivatedChart& chart, std::string device);
   /// Opens the comment window for something other than a digitizing session.
   void OpenComment(std::unique_ptr<CommentTarget> target);
   void CloseShell();

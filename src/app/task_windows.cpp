@@ -24,8 +24,8 @@ QWidget* AppDesk::MakeTasks() {
                 }};
     Open(WindowId::TaskDef);
   };
-  const auto digitize = [this](ActivatedChart chart, const std::string& device) {
-    if (!BeginChart(std::move(chart), device)) return false;
+  const auto digitize = [this](const ActivatedChart& chart, const std::string& device) {
+    if (!BeginChart(chart, device)) return false;
     backToTasks_ = true;
     Open(WindowId::Digitizing);
     return true;
