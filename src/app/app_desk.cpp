@@ -183,7 +183,7 @@ bool AppDesk::Activate(int task) {
   auto chart = ActivateChart(program_.Settings, program_.Lists, task);
   if (!chart) return Tell(chart.error()), false;
   if (words_.Tablet) chart->Tablet = *words_.Tablet;
-  return BeginChart(*std::move(chart),
+  return BeginChart(*chart,
                     words_.Port.empty() ? SerialDevice(program_.Settings, FirstSerialPort) : words_.Port);
 }
 
