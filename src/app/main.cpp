@@ -1,12 +1,15 @@
 // The desktop program.
 #include <QApplication>
 #include <QIcon>
-#include <QLockFile>
 #include <filesystem>
 
 #include "app/app_desk.h"
 #include "app/start_words.h"
+#include "core/definitions.h"
 #include "core/files.h"
+#include "core/folder_lock.h"
+#include "core/settings.h"
+#include "core/temporary_file.h"
 #include "platform/qt_dialogs.h"
 #include "platform/qt_text.h"
 
@@ -28,14 +31,11 @@ int Run(StartWords words) {
   std::filesystem::create_directories(words.Folder, error);
   if (error)
     return Fail(dialogs, "The program folder " + words.Folder + " cannot be made: " + error.message());
-  // Settings and lists are rewritten whole, so two programs would undo each other's changes.
-  QLockFile lock(ToQt(JoinPath(words.Folder, "hyetex.lock")));
-  lock.setStaleLockTime(0);
-  if (!lock.tryLock()) {
-    if (lock.error() == QLockFile::LockFailedError)
-      return Fail(dialogs, "Hyetex is already running on the program folder " + words.Folder);
-    return Fail(dialogs, "The program folder " + words.Folder + " cannot be written");
-  }
+  const auto lock = FolderLock::Take(words.Folder);
+  if (!lock) return Fail(dialogs, lock.error());
+  if (const auto settings = CheckSettings(words.Folder); !settings) return Fail(dialogs, settings.error());
+  for (const std::string& folder : {JoinPath(words.Folder, "Data"), TargetFolder(Settings(words.Folder))})
+    ClearTemporaries(folder);
   AppDesk desk(std::move(words), dialogs);
   desk.Start();
   return QApplication::exec();

@@ -49,7 +49,7 @@ void AppDesk::SynchroniseStations() {
   const Synchronised done = Synchronise(database, program_.Lists, program_.Settings.Folder(), dialogs_);
   if (done == Synchronised::Not) return;
   if (load != nullptr) load->UpdateList();
-  if (manager != nullptr) manager->StationsRead(done == Synchronised::Saved);
+  if (manager != nullptr) manager->StationsRead(done != Synchronised::Unsaved);
 }
 
 }  // namespace hyetex

@@ -100,9 +100,10 @@ Result<SaveOutcome> SaveDigitization(Session& session, const ChartOrigin& origin
   if (!file->Notes.empty() && !questions.DespiteNotes(JoinedLines(file->Notes)))
     return SaveOutcome::NotWanted;
 
-  const auto path =
-      WriteChartFile(file->Text, TargetFolder(settings),
-                     ChartFileName(origin.InstrumentCode, session.ChartStart()), questions.Overwrite);
+  const auto folder = ReadTargetFolder(settings);
+  if (!folder) return Failure(folder.error());
+  const auto path = WriteChartFile(
+      file->Text, *folder, ChartFileName(origin.InstrumentCode, session.ChartStart()), questions.Overwrite);
   if (!path) return Failure(path.error());
   if (!*path) return SaveOutcome::KeptOldFile;
   RaiseTaskRow(settings);

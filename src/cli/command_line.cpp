@@ -6,6 +6,7 @@
 
 #include "cli/commands.h"
 #include "commandline/parser.h"
+#include "core/definitions.h"
 #include "core/files.h"
 #include "core/records.h"
 #include "database/stations/synchronising.h"
@@ -58,7 +59,13 @@ class CommandLine : public Description {
   }
   template <typename Words>
   void Run(CLI::App& line, const std::shared_ptr<Words>& given, Exit (*run)(const Words& words)) {
-    line.final_callback([this, given, run] { Chosen = [given, run] { return run(*given); }; });
+    line.final_callback([this, given, run] {
+      Chosen = [given, run] {
+        if constexpr (std::is_base_of_v<FolderWords, Words>)
+          if (const auto settings = CheckSettings(given->Folder); !settings) return Fail(settings.error());
+        return run(*given);
+      };
+    });
   }
 
   void AddTabletCommands();

@@ -22,7 +22,9 @@ Result<void> CommandDatabase::Open() {
   if (text.empty()) {
     if (!FolderExists(settings_.Folder()))
       return Failure("There is no program folder " + settings_.Folder() + ", and no --db");
-    text = settings_.Get(setting::DatabaseName);
+    auto stored = settings_.Read(setting::DatabaseName);
+    if (!stored) return Failure(stored.error());
+    text = *std::move(stored);
     if (text.empty())
       return Failure("The program folder " + settings_.Folder() + " has no database; --db names one");
   }

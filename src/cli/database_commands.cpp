@@ -1,6 +1,9 @@
 // structure and create-tables: the tables of a database.
+#include <filesystem>
+
 #include "cli/database.h"
 #include "core/files.h"
+#include "core/temporary_file.h"
 #include "database/access/create_tables.h"
 #include "database/access/new_database.h"
 #include "database/access/structure.h"
@@ -51,9 +54,11 @@ Exit RunStructure(const StructureWords& words) {
     for (const CatalogColumn& column : table.Columns)
       Print(table.Name + "\t" + column.Name + "\t" + std::to_string(static_cast<int>(column.Type)) + "\t" +
             std::to_string(column.Size) + "\n");
-  if (!words.Script.empty())
+  if (!words.Script.empty()) {
+    ClearTemporaries(std::filesystem::absolute(words.Script).parent_path().string());
     if (const auto written = WriteWholeFile(words.Script, StructureScript(*tables)); !written)
       return Fail(written.error());
+  }
   return Done;
 }
 

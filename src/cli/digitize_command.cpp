@@ -1,10 +1,14 @@
 // digitize: from a session's journal to a chart file.
+#include <filesystem>
+
 #include "chartfiles/chart_report.h"
 #include "chartfiles/chart_text.h"
 #include "chartfiles/saving.h"
 #include "cli/commands.h"
 #include "core/files.h"
+#include "core/folder_lock.h"
 #include "core/settings.h"
+#include "core/temporary_file.h"
 #include "core/text.h"
 #include "digitizing/action_machine.h"
 #include "staging/lists/lists.h"
@@ -13,10 +17,10 @@
 namespace hyetex::cli {
 namespace {
 
-constexpr std::size_t MostJournalBytes = 4U << 20;
 
 // What the words and the program folder say of the chart to digitize.
 struct Work {
+  std::optional<FolderLock> Lock;  // the program folder's, where the chart file goes into it
   ActivatedChart Chart;
   ChartOrigin Origin;
   std::string TargetFolder;
@@ -24,7 +28,9 @@ struct Work {
 
 Result<std::string> FindUserName(const DigitizeWords& words, const Settings& settings,
                                  const ReferenceLists& lists) {
-  const std::string name = words.User.empty() ? settings.Get(setting::UserName) : words.User;
+  const auto last = settings.Read(setting::UserName);
+  if (!last) return last;
+  const std::string name = words.User.empty() ? *last : words.User;
   const int user = FindUser(lists.Users, name);
   if (user < 0) return Failure("There is no such user: \"" + ShownText(name) + "\"");
   return lists.Users[static_cast<std::size_t>(user)].Name;
@@ -44,9 +50,17 @@ Result<Work> Prepare(const DigitizeWords& words) {
   auto origin = OriginOfChart(*lists, chart->Task, *std::move(user));
   if (!origin) return Failure(origin.error());
 
-  Work work{*std::move(chart), *std::move(origin),
-            words.Target.empty() ? TargetFolder(settings) : words.Target};
+  const auto target = words.Target.empty() ? ReadTargetFolder(settings) : Result<std::string>(words.Target);
+  if (!target) return Failure(target.error());
+  Work work{std::nullopt, *std::move(chart), *std::move(origin), *target};
   if (!FolderExists(work.TargetFolder)) return Failure("There is no target folder " + work.TargetFolder);
+  std::error_code error;
+  if (std::filesystem::equivalent(work.TargetFolder, folder, error)) {
+    auto lock = FolderLock::Take(folder);
+    if (!lock) return Failure(lock.error());
+    work.Lock.emplace(*std::move(lock));
+  }
+  ClearTemporaries(work.TargetFolder);
   return work;
 }
 

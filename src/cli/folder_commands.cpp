@@ -6,6 +6,7 @@
 #include "core/dates.h"
 #include "core/definitions.h"
 #include "core/files.h"
+#include "core/folder_lock.h"
 #include "core/numbers.h"
 #include "core/text.h"
 #include "staging/lists/lists.h"
@@ -35,12 +36,16 @@ std::string DepthText(float depth) { return depth == NoDepth ? "unknown" : Short
 
 Exit RunGetSetting(const SettingWords& words) {
   if (!FolderExists(words.Folder)) return NoFolder(words.Folder);
-  Print(GetDefinition(words.Folder, words.Key) + "\n");
+  const auto value = ReadDefinition(words.Folder, words.Key);
+  if (!value) return Fail(value.error());
+  Print(*value + "\n");
   return Done;
 }
 
 Exit RunSetSetting(const SettingWords& words) {
   if (!FolderExists(words.Folder)) return NoFolder(words.Folder);
+  const auto lock = FolderLock::Take(words.Folder);
+  if (!lock) return Fail(lock.error());
   const auto done = SetDefinition(words.Folder, words.Key, words.Value);
   return done ? Done : Fail(done.error());
 }

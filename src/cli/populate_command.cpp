@@ -3,6 +3,7 @@
 
 #include "cli/database.h"
 #include "core/files.h"
+#include "core/folder_lock.h"
 #include "database/conversion/populate_grid.h"
 #include "database/conversion/population.h"
 
@@ -18,6 +19,12 @@ void PrintCount(std::string_view what, std::int64_t count) {
 Exit RunPopulate(const PopulateWords& words) {
   const std::string& folder = words.Folder;
   if (!FolderExists(folder)) return Fail("There is no program folder " + folder);
+  std::optional<FolderLock> lock;  // for the data log
+  if (words.Log) {
+    auto taken = FolderLock::Take(folder);
+    if (!taken) return Fail(taken.error());
+    lock.emplace(*std::move(taken));
+  }
   const auto lists = ReadLists(folder);
   if (!lists) return Fail(lists.error());
   CommandDatabase opened(words);
@@ -46,7 +53,7 @@ Exit RunPopulate(const PopulateWords& words) {
   PrintCount("Rows written", result.RowsWritten);
   if (result.ChartsSkipped > 0)
     Say("charts whose rows are in CHART already were skipped; --overwrite replaces them");
-  return result.ChartsSkipped + result.ChartsFailed == 0 ? Done : Failed;
+  return !result.Failed && result.ChartsSkipped + result.ChartsFailed == 0 ? Done : Failed;
 }
 
 }  // namespace hyetex::cli

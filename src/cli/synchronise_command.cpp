@@ -1,6 +1,7 @@
 // synchronise: the station list and the database's instruments in line, in both directions.
 #include "cli/database.h"
 #include "core/files.h"
+#include "core/folder_lock.h"
 #include "database/stations/synchronising.h"
 
 namespace hyetex::cli {
@@ -25,6 +26,8 @@ class OneStartDate : public SaidBoxes {
 Exit RunSynchronise(const SynchroniseWords& words) {
   const std::string& folder = words.Folder;
   if (!FolderExists(folder)) return Fail("There is no program folder " + folder);
+  const auto lock = FolderLock::Take(folder);
+  if (!lock) return Fail(lock.error());
   auto lists = ReadLists(folder);
   if (!lists) return Fail(lists.error());
   CommandDatabase opened(words);

@@ -1,10 +1,14 @@
 // decode and trace: from a tablet's bytes.
 #include <array>
+#include <filesystem>
 
 #include "cli/commands.h"
 #include "cli/port.h"
+#include "core/files.h"
+#include "core/folder_lock.h"
 #include "core/numbers.h"
 #include "digitizing/action_machine.h"
+#include "digitizing/resume.h"
 
 namespace hyetex::cli {
 namespace {
@@ -51,9 +55,16 @@ Exit RunTrace(const TraceWords& words) {
   auto port = Port::Open(words.From, tablet);
   if (!port) return Fail(port.error());
 
+  std::optional<FolderLock> lock;
   std::optional<JournalFile> file;
   PrintedJournal printed;
   if (!words.Journal.empty()) {
+    if (BaseName(words.Journal) == JournalFileName) {
+      // A program folder's journal of the session that is running.
+      auto taken = FolderLock::Take(std::filesystem::absolute(words.Journal).parent_path().string());
+      if (!taken) return Fail(taken.error());
+      lock.emplace(*std::move(taken));
+    }
     auto started = JournalFile::Start(words.Journal, words.Tablet);
     if (!started) return Fail(started.error());
     file.emplace(std::move(*started));

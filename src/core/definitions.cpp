@@ -18,17 +18,27 @@ std::size_t LineOf(const std::vector<std::string_view>& lines, std::string_view 
 
 }  // namespace
 
-std::string GetDefinition(const std::string& programFolder, std::string_view key) {
+Result<std::string> ReadDefinition(const std::string& programFolder, std::string_view key) {
   const std::string path = JoinPath(programFolder, DefinitionsFileName);
   CreateIfMissing(path);
-  const std::string text = ReadProgramFile(path).value_or("");
-  const std::vector<std::string_view> lines = EditedLines(text);
+  const Result<std::string> text = ReadProgramFile(path);
+  if (!text) return text;
+  const std::vector<std::string_view> lines = EditedLines(*text);
   const std::size_t at = LineOf(lines, key);
-  if (at == lines.size()) return {};
+  if (at == lines.size()) return std::string();
   const std::string_view line = lines[at];
   const std::size_t colon = line.find(':');
   const std::size_t start = colon == std::string_view::npos ? 1 : colon + 2;
   return start < line.size() ? std::string(line.substr(start)) : std::string();
+}
+
+std::string GetDefinition(const std::string& programFolder, std::string_view key) {
+  return ReadDefinition(programFolder, key).value_or("");
+}
+
+Result<void> CheckSettings(const std::string& programFolder) {
+  const auto text = ReadProgramFile(JoinPath(programFolder, DefinitionsFileName));
+  return text || !FolderExists(programFolder) ? Result<void>{} : Failure(text.error());
 }
 
 Result<void> SetDefinition(const std::string& programFolder, std::string_view key, std::string_view value) {
@@ -46,7 +56,7 @@ Result<void> SetDefinition(const std::string& programFolder, std::string_view ke
   const std::size_t at = LineOf(lines, key);
   if (at == lines.size()) lines.emplace_back();
   lines[at] = entry;
-  return WriteLines(path, lines);
+  return WriteLines(path, lines, OwnerOnly);
 }
 
 }  // namespace hyetex

@@ -12,57 +12,14 @@
 #include <filesystem>
 #include <system_error>
 
+#include "core/descriptor.h"
+#include "core/temporary_file.h"
+
 namespace hyetex {
 namespace {
 
 tl::unexpected<std::string> FailureOf(std::string_view what, const std::string& path, int error) {
   return Failure(std::string(what) + " " + path + ": " + std::strerror(error));
-}
-
-// A file descriptor that closes itself; Close() reports what closing found.
-class Descriptor {
- public:
-  explicit Descriptor(int fd) : fd_(fd) {}
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() { Close(); }
-  bool Valid() const { return fd_ >= 0; }
-  int Get() const { return fd_; }
-  bool Close() {
-    const int fd = fd_;
-    fd_ = -1;
-    return fd < 0 || ::close(fd) == 0;
-  }
-
- private:
-  int fd_;
-};
-
-bool WriteAll(int fd, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(fd, bytes.data(), bytes.size());
-    if (written < 0) {
-      if (errno == EINTR) continue;
-      return false;
-    }
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
-}
-
-// What the user lets others do with files of theirs; the lists hold passwords. The mask can only be read by
-// setting it.
-mode_t NewFileMode() {
-  const mode_t mask = ::umask(0077);
-  ::umask(mask);
-  return 0666 & ~mask;
-}
-
-// A rename is on disk only when its folder is. File systems that cannot flush a folder say EINVAL.
-bool FlushFolder(const std::string& folder) {
-  Descriptor fd(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (!fd.Valid()) return errno == EACCES;  // a folder that may be written but not read
-  return ::fsync(fd.Get()) == 0 || errno == EINVAL;
 }
 
 }  // namespace
@@ -105,6 +62,19 @@ std::string DefaultProgramFolder() {
   return JoinPath(home != nullptr ? home : ".", ".local/share/hyetex");
 }
 
+unsigned NewFileMode() {
+  // The mask can only be read by setting it.
+  const mode_t mask = ::umask(0077);
+  ::umask(mask);
+  return 0666 & ~mask;
+}
+
+std::optional<unsigned> ModeOf(const std::string& path) {
+  struct stat info {};
+  if (::stat(path.c_str(), &info) != 0) return std::nullopt;
+  return info.st_mode & 07777;
+}
+
 Result<std::string> ReadWholeFile(const std::string& path, std::size_t mostBytes) {
   // Not blocking, so that a named pipe in a file's place is an error and not a wait without end.
   Descriptor fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
@@ -128,28 +98,25 @@ Result<std::string> ReadWholeFile(const std::string& path, std::size_t mostBytes
   }
 }
 
-Result<void> WriteWholeFile(const std::string& path, std::string_view bytes) {
+Result<void> WriteWholeFile(const std::string& path, std::string_view bytes, std::optional<unsigned> mode) {
   // A link keeps pointing where it points: the file behind it is the one that is replaced.
   std::error_code noTarget;
   std::string target = std::filesystem::weakly_canonical(path, noTarget).string();
   if (noTarget || target.empty()) target = path;
-  const std::string folder = std::filesystem::path(target).parent_path().string();
 
-  std::string temporary = target + ".XXXXXX";
-  Descriptor fd(::mkostemp(temporary.data(), O_CLOEXEC));
-  if (!fd.Valid()) return FailureOf("Cannot write", path, errno);
-  struct stat old {};
-  mode_t mode = NewFileMode();
-  if (::stat(target.c_str(), &old) == 0) mode = old.st_mode & 07777;
-  const bool written = ::fchmod(fd.Get(), mode) == 0 && WriteAll(fd.Get(), bytes) && ::fsync(fd.Get()) == 0 &&
-                       fd.Close() && ::rename(temporary.c_str(), target.c_str()) == 0;
-  if (!written) {
-    const int error = errno;
-    ::unlink(temporary.c_str());
-    return FailureOf("Cannot write", path, error);
-  }
-  if (!FlushFolder(folder.empty() ? "." : folder))
-    return FailureOf("Cannot flush the folder of", path, errno);
+  auto file = TemporaryFile::In(std::filesystem::path(target).parent_path().string());
+  if (!file) return Failure("Cannot write " + path + ": " + file.error());
+  if (!WriteAll(file->Get(), bytes)) return FailureOf("Cannot write", path, errno);
+  if (!mode) mode = ModeOf(target).value_or(NewFileMode());
+  if (const auto placed = file->Replace(target, *mode); !placed)
+    return Failure("Cannot write " + path + ": " + placed.error());
+  return {};
+}
+
+Result<void> AppendToFile(const std::string& path, std::string_view bytes) {
+  Descriptor fd(::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
+  if (!fd.Valid() || !AppendAll(fd.Get(), bytes, false) || !fd.Close())
+    return FailureOf("Cannot write", path, errno);
   return {};
 }
 

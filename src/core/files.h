@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -38,7 +39,19 @@ std::string DefaultProgramFolder();
 /// The file's bytes. Fails, with one line that names the file, on a missing or unreadable file, a folder, and
 /// a file of more than `mostBytes`.
 Result<std::string> ReadWholeFile(const std::string& path, std::size_t mostBytes);
-/// Puts `bytes` in the file's place, all or nothing. Keeps the permissions of a file that was there.
-Result<void> WriteWholeFile(const std::string& path, std::string_view bytes);
+
+/// The permissions of a file that holds passwords or users.
+inline constexpr unsigned OwnerOnly = 0600;
+/// The permissions that the user's mask leaves to a new file.
+unsigned NewFileMode();
+/// The permissions of a file; nothing where there is none.
+std::optional<unsigned> ModeOf(const std::string& path);
+
+/// Puts `bytes` in the file's place, all or nothing. Without a mode it keeps the permissions of a file that
+/// was there.
+Result<void> WriteWholeFile(const std::string& path, std::string_view bytes,
+                            std::optional<unsigned> mode = std::nullopt);
+/// Adds `bytes` to the file's end, all or nothing as long as the program lives; makes a missing file.
+Result<void> AppendToFile(const std::string& path, std::string_view bytes);
 
 }  // namespace hyetex

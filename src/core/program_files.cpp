@@ -1,11 +1,13 @@
 #include "core/program_files.h"
 
+#include <fcntl.h>
+
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <system_error>
 
 #include "core/dates.h"
+#include "core/descriptor.h"
 #include "core/files.h"
 #include "core/numbers.h"
 #include "core/text.h"
@@ -30,8 +32,7 @@ Result<std::string> ReadProgramFile(const std::string& path) {
 }
 
 void CreateIfMissing(const std::string& path) {
-  // Opened to append, so that a file made by another program in between keeps its bytes.
-  if (IsMissing(path)) std::ofstream(path, std::ios::binary | std::ios::app);
+  if (IsMissing(path)) Descriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, OwnerOnly));
 }
 
 std::vector<std::string_view> EditedLines(std::string_view text) {
@@ -45,13 +46,14 @@ std::vector<std::string_view> EditedLines(std::string_view text) {
   return lines;
 }
 
-Result<void> WriteLines(const std::string& path, const std::vector<std::string_view>& lines) {
+Result<void> WriteLines(const std::string& path, const std::vector<std::string_view>& lines,
+                        std::optional<unsigned> mode) {
   std::string text;
   for (const std::string_view line : lines) text.append(line).append("\r\n");
   if (text.size() > MaxProgramFileBytes)
     return Failure("Cannot write " + path + ": it would be longer than " +
                    std::to_string(MaxProgramFileBytes) + " bytes");
-  return WriteWholeFile(path, text);
+  return WriteWholeFile(path, text, mode);
 }
 
 Result<std::string> KeepCopy(const std::string& path) {
@@ -69,7 +71,8 @@ Result<std::string> KeepCopy(const std::string& path) {
   const std::string base = path + ".bak-" + DateCode(now) + PadNumber(ToCalendar(now).Second, 2);
   std::string copy = base;
   for (int i = 2; FileExists(copy); ++i) copy = base + "-" + std::to_string(i);
-  if (const auto written = WriteWholeFile(copy, *bytes); !written) return Failure(written.error());
+  if (const auto written = WriteWholeFile(copy, *bytes, ModeOf(path).value_or(OwnerOnly)); !written)
+    return Failure(written.error());
   return copy;
 }
 

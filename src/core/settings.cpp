@@ -20,6 +20,16 @@ std::string Settings::Text(const SettingKey& key, std::string_view member) const
   return value.empty() ? std::string(key.Default) : value;
 }
 
+Result<std::string> Settings::Read(const TextKey& key) const {
+  auto value = ReadDefinition(folder_, SettingName(key));
+  return value && value->empty() ? std::string(key.Default) : value;
+}
+Result<std::int16_t> Settings::Read(const Int16Key& key) const {
+  const auto value = ReadDefinition(folder_, SettingName(key));
+  if (!value) return Failure(value.error());
+  return LeadingInt16(value->empty() ? key.Default : *value);
+}
+
 Result<void> Settings::Put(const std::string& name, std::string_view value) {
   return SetDefinition(folder_, name, value);
 }
@@ -56,6 +66,12 @@ Result<void> Settings::Set(const FloatFamily& family, std::string_view member, f
 
 std::string TargetFolder(const Settings& settings) {
   return CheckTargetFolder(settings.Get(setting::TargetFolder), settings.Folder());
+}
+
+Result<std::string> ReadTargetFolder(const Settings& settings) {
+  const auto stored = settings.Read(setting::TargetFolder);
+  if (!stored) return stored;
+  return CheckTargetFolder(*stored, settings.Folder());
 }
 
 }  // namespace hyetex

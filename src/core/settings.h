@@ -118,6 +118,11 @@ class Settings {
   std::string Get(const TextFamily& family, std::string_view member) const { return Text(family, member); }
   float Get(const FloatFamily& family, std::string_view member) const;
 
+  // Where a guess would do harm, since the value decides what is written where. Each fails on a file that
+  // cannot be read.
+  Result<std::string> Read(const TextKey& key) const;
+  Result<std::int16_t> Read(const Int16Key& key) const;
+
   // Each fails, with the file as it was, on a text of more than one line and on a file that cannot be read or
   // written.
   Result<void> Set(const TextKey& key, std::string_view value) { return Put(SettingName(key), value); }
@@ -137,5 +142,7 @@ class Settings {
 
 /// The folder that chart files go to: the one of the settings while it exists, else the program folder.
 std::string TargetFolder(const Settings& settings);
+/// The same for a write; fails on settings that cannot be read.
+Result<std::string> ReadTargetFolder(const Settings& settings);
 
 }  // namespace hyetex

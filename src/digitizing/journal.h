@@ -19,6 +19,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/descriptor.h"
 #include "core/result.h"
 
 namespace hyetex {
@@ -34,6 +35,9 @@ struct JournalEvent {
   std::vector<int> Points = {};      ///< Select
   std::string Code = {}, Text = {};  ///< Comment, General
 };
+
+/// Far more than the steps of any chart; a longer file is something else under its name.
+inline constexpr std::size_t MostJournalBytes = 4U << 20;
 
 /// One line of the journal, without its line end.
 std::string JournalLine(const JournalEvent& event);
@@ -67,14 +71,11 @@ Result<void> Replay(const Journal& journal, ActionMachine& machine);
 /// others.
 class JournalFile : public JournalSink {
  public:
-  /// Starts a journal at `path`, in place of one that is there.
+  /// Starts a journal at `path`. Fails on a file that is there, unless it is empty or a journal without a
+  /// step, and on one that another session is writing.
   static Result<JournalFile> Start(const std::string& path, int tablet);
   /// Goes on with the journal at `path`.
   static Result<JournalFile> Continue(const std::string& path);
-  JournalFile(JournalFile&& other) noexcept;
-  JournalFile& operator=(JournalFile&&) = delete;
-  ~JournalFile() override;
-
   void Record(const JournalEvent& event) override;
   /// Why events could not be written; nothing as long as all are on disk.
   const std::optional<std::string>& Trouble() const { return trouble_; }
@@ -82,12 +83,12 @@ class JournalFile : public JournalSink {
   void Remove();
 
  private:
-  JournalFile(std::string path, int fd) : path_(std::move(path)), fd_(fd) {}
-  static Result<JournalFile> Open(const std::string& path, int flags);
+  JournalFile(std::string path, Descriptor fd);
+  static Result<JournalFile> Open(const std::string& path);
   void Append(std::string_view bytes);
 
   std::string path_;
-  int fd_;
+  Descriptor fd_;
   std::string pending_;  // what is not on disk yet
   std::optional<std::string> trouble_;
 };

@@ -13,8 +13,6 @@ namespace hyetex {
 namespace {
 
 constexpr std::string_view ChartLine = "# task ";
-// Far more than the steps of any chart; a longer file is something else under its name.
-constexpr std::size_t MostJournalBytes = 4U << 20;
 
 std::string NamedChart(std::string_view name) {
   return name.empty() ? "a chart without a name" : "the chart " + ShownText(name);

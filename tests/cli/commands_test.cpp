@@ -7,6 +7,7 @@
 
 #include "chartfiles/chart_reader.h"
 #include "cli/run.h"
+#include "core/folder_lock.h"
 #include "digitizing/tablets.h"
 #include "paths.h"
 #include "staging/lists/lists.h"
@@ -136,6 +137,64 @@ TEST(Trace, JournalsPressesAndProposesCodes) {
   EXPECT_EQ(written.Status, 0);
   EXPECT_EQ(written.Out, "");
   EXPECT_EQ(ReadFile(folder / "j"), journal);
+}
+
+TEST(Trace, KeepsAJournalThatHoldsSteps) {
+  const TempFolder folder;
+  const std::string stream = Demo("streams/siphon-1.bin");
+  const auto trace = [&](const std::string& journal) {
+    return RunCli({"trace", "--tablet", "1", "--journal", folder / journal, stream});
+  };
+  const std::string unfinished = "HYETEX88 JOURNAL 1\ntablet 1\npress 1 2\n";
+  for (const std::string& kept : {unfinished, unfinished + "pre", std::string("a letter\n")}) {
+    WriteFile(folder / "Journal.txt", kept);
+    const Ran ran = trace("Journal.txt");
+    EXPECT_EQ(ran.Status, 1);
+    EXPECT_THAT(ran.Error, HasSubstr(folder / "Journal.txt"));
+    EXPECT_EQ(ReadFile(folder / "Journal.txt"), kept);
+  }
+  for (const char* empty : {"", "HYETEX88 JOURNAL 1\ntablet 3\n# task A 05/03/1998\n"}) {
+    WriteFile(folder / "Journal.txt", empty);
+    EXPECT_EQ(trace("Journal.txt").Status, 0);
+    EXPECT_THAT(ReadFile(folder / "Journal.txt"), StartsWith("HYETEX88 JOURNAL 1\ntablet 1\npress "));
+  }
+}
+
+TEST(Cli, ChangesNoFolderThatAnotherProgramHolds) {
+  const TempFolder folder;
+  const std::string path = folder / "program";
+  std::filesystem::copy(Demo("program"), path);
+  WriteFile(folder / "rain.sqlite", "");
+  const std::string db = "Driver=SQLite3;Database=" + (folder / "rain.sqlite"),
+                    journal = Demo("journals/siphon-1.txt");
+  const auto lock = FolderLock::Take(path);
+  ASSERT_TRUE(lock);
+  for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+           {"setting", "--folder", path, "set", "A", "1"},
+           {"synchronise", "--folder", path, "--db", db},
+           {"populate", "--folder", path, "--db", db, "--instrument", "A", "--log"},
+           {"digitize", "--folder", path, "--task", "0", "--target", path, journal},
+           {"trace", "--tablet", "1", "--journal", path + "/Journal.txt", Demo("streams/siphon-1.bin")}}) {
+    const Ran ran = RunCli(words);
+    EXPECT_EQ(ran.Status, 1) << words[0];
+    EXPECT_THAT(ran.Error, HasSubstr("already running on the program folder " + path)) << words[0];
+  }
+  EXPECT_EQ(RunCli({"setting", "--folder", path, "get", "CurrentChart"}).Out, "0\n");
+  EXPECT_EQ(RunCli({"digitize", "--folder", path, "--task", "0", "--target", folder.Path(), journal}).Status,
+            0);
+}
+
+TEST(Cli, SettingsThatCannotBeReadStopEveryCommand) {
+  const TempFolder folder;
+  std::filesystem::create_directory(folder / "Definitions.dat");
+  for (const std::vector<std::string>& words :
+       {std::vector<std::string>{"lists"}, {"setting", "get", "A"}, {"digitize", "--task", "0", "j"}}) {
+    std::vector<std::string> all = words;
+    all.insert(all.begin() + 1, {"--folder", folder.Path()});
+    const Ran ran = RunCli(all);
+    EXPECT_EQ(ran.Status, 1) << words[0];
+    EXPECT_THAT(ran.Error, HasSubstr("Cannot read " + (folder / "Definitions.dat"))) << words[0];
+  }
 }
 
 TEST(Show, NamesTheFieldsInTheirOrderAndGoesOnPastABadFile) {

@@ -85,6 +85,19 @@ TEST_F(Program, ShowsItsLoginAndRunsOnceAFolder) {
   Stop(third);
 }
 
+TEST_F(Program, SaysThatItsSettingsCannotBeRead) {
+  std::filesystem::remove(folder_ / "program/Definitions.dat");
+  std::filesystem::create_directory(folder_ / "program/Definitions.dat");
+  QProcess program;
+  Start(program, {});
+  std::string told;
+  EXPECT_TRUE(WaitFor([&] {
+    told += program.readAllStandardError().toStdString();
+    return told.find("hyetex: Cannot read " + (folder_ / "program/Definitions.dat")) != std::string::npos;
+  })) << told;
+  Stop(program);
+}
+
 TEST_F(Program, TakesAPictureOfEveryWindow) {
   QProcess program;
   const std::string pictures = folder_ / "pictures";

@@ -1,17 +1,20 @@
 #include "database/access/new_database.h"
 
-#include <fcntl.h>
 #include <odbcinst.h>
+#include <pwd.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <utility>
 
 #include "core/files.h"
+#include "core/program_files.h"
+#include "core/temporary_file.h"
 #include "core/text.h"
 #include "database/access/connection_choice.h"
 #include "database/access/create_tables.h"
@@ -49,27 +52,11 @@ Result<std::string> FullPath(const std::string& path) {
   return full;
 }
 
-// The installer works on the user's own data sources for as long as one of these lives.
-class UserDataSources {
- public:
-  UserDataSources() {
-    ::SQLGetConfigMode(&before_);
-    ::SQLSetConfigMode(ODBC_USER_DSN);
-  }
-  ~UserDataSources() { ::SQLSetConfigMode(before_); }
-  UserDataSources(const UserDataSources&) = delete;
-  UserDataSources& operator=(const UserDataSources&) = delete;
-
- private:
-  UWORD before_ = ODBC_BOTH_DSN;
-};
-
-std::string InstallerError() {
-  std::array<char, SQL_MAX_MESSAGE_LENGTH> text{};
-  DWORD number = 0;
-  WORD length = 0;
-  const auto got = ::SQLInstallerError(1, &number, text.data(), static_cast<WORD>(text.size()), &length);
-  return SQL_SUCCEEDED(got) ? std::string(text.data()) : std::string("the ODBC installer gives no reason");
+// Where the driver manager keeps the user's own data sources.
+std::string UserDataSources() {
+  if (const char* set = std::getenv("ODBCINI"); set != nullptr && *set != '\0') return set;
+  const passwd* user = ::getpwuid(::getuid());
+  return JoinPath(user != nullptr && user->pw_dir != nullptr ? user->pw_dir : "/home", ".odbc.ini");
 }
 
 std::string DatabaseOf(const std::string& dataSource) {
@@ -91,19 +78,22 @@ std::string NameFor(const std::string& path) {
   return Trim(name).empty() ? "hyetex" : std::string(Trim(name));
 }
 
-Result<void> WriteDataSource(const std::string& name, const std::string& driver, const std::string& path) {
-  const UserDataSources own;
-  bool done = ::SQLWriteDSNToIni(name.c_str(), driver.c_str()) != 0;
-  const auto write = [&](const char* key, const char* value) {
-    done = done && ::SQLWritePrivateProfileString(name.c_str(), key, value, DataSourcesFile) != 0;
-  };
-  write("Description", "Hyetex database");
-  write("Database", path.c_str());
-  for (const auto& [key, value] : DriverOptions) write(key, value);
-  if (done) return {};
-  const std::string why = InstallerError();
-  ::SQLRemoveDSNFromIni(name.c_str());
-  return Failure("The data source " + name + " cannot be made: " + why);
+// The driver manager would write the file in place, once a line; all else in it is the user's. Gives the
+// bytes from before.
+Result<std::string> WriteDataSource(const std::string& name, const std::string& driver,
+                                    const std::string& path) {
+  const std::string file = UserDataSources();
+  const auto before = ReadProgramFile(file);
+  if (!before) return before;
+  if (!before->empty())
+    if (const auto kept = KeepCopy(file); !kept) return Failure(kept.error());
+  std::string text = *before;
+  if (!text.empty() && !text.ends_with('\n')) text += '\n';
+  text += "[" + name + "]\nDriver=" + driver + "\nDescription=Hyetex database\nDatabase=" + path + "\n";
+  for (const auto& [key, value] : DriverOptions) text += std::string(key) + "=" + value + "\n";
+  if (const auto written = WriteWholeFile(file, text); !written)
+    return Failure("The data source " + name + " cannot be made. " + written.error());
+  return before;
 }
 
 Result<void> MakeTables(Connection& connection) {
@@ -148,18 +138,28 @@ Result<std::string> FileConnectionText(const std::string& path) {
 }
 
 Result<void> CreateDatabaseFile(const std::string& path) {
-  const auto text = FileConnectionText(path);
-  if (!text) return Failure(text.error());
-  // An empty file is an empty database.
-  const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-  if (file < 0)
-    return Failure(errno == EEXIST ? "There is a file " + path + " already"
-                                   : "The file " + path + " cannot be made: " + std::strerror(errno));
-  ::close(file);
-  const auto made = MakeTablesIn(*text);
-  if (made) return {};
-  ::unlink(path.c_str());
-  return Failure("The database " + path + " cannot be made: " + made.error());
+  const auto failure = [&](const std::string& why) {
+    return Failure("The database " + path + " cannot be made: " + why);
+  };
+  const auto full = FullPath(path);
+  if (!full) return Failure(full.error());
+  const auto isTaken = [&] {
+    std::error_code error;
+    return fs::exists(fs::symlink_status(*full, error));
+  };
+  const auto taken = [&] { return Failure("There is a file " + path + " already"); };
+  if (isTaken()) return taken();
+  // An empty file is an empty database. It has its name when it has its tables.
+  const std::string folder = fs::path(*full).parent_path().string();
+  ClearTemporaries(folder);
+  auto file = TemporaryFile::In(folder);
+  if (!file) return failure(file.error());
+  const auto text = FileConnectionText(file->Path());
+  if (!text) return failure(text.error());
+  if (const auto made = MakeTablesIn(*text); !made) return failure(made.error());
+  if (const auto placed = file->Become(*full, NewFileMode()); !placed)
+    return isTaken() ? taken() : failure(placed.error());
+  return {};
 }
 
 Result<std::string> RegisterDatabaseFile(const std::string& path) {
@@ -177,11 +177,12 @@ Result<std::string> RegisterDatabaseFile(const std::string& path) {
     if (DatabaseOf(*same) == *full) return *same;
     name = stem + "-" + std::to_string(number);
   }
-  if (const auto written = WriteDataSource(name, *driver, *full); !written) return Failure(written.error());
+  const auto before = WriteDataSource(name, *driver, *full);
+  if (!before) return before;
   if (const auto serves = CheckServes("DSN=" + name); !serves) {
-    const UserDataSources own;
-    ::SQLRemoveDSNFromIni(name.c_str());
-    return Failure("The file " + path + " does not serve as a database: " + serves.error());
+    const auto back = WriteWholeFile(UserDataSources(), *before);
+    return Failure("The file " + path + " does not serve as a database: " + serves.error() +
+                   (back ? "" : ". Its data source " + name + " stays: " + back.error()));
   }
   return name;
 }

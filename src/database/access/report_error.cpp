@@ -1,7 +1,6 @@
 #include "database/access/report_error.h"
 
 #include <algorithm>
-#include <fstream>
 
 #include "core/dates.h"
 #include "core/files.h"
@@ -20,9 +19,7 @@ void ReportError(Dialogs& dialogs, const std::string& programFolder, const DbErr
                      " Date: " + GeneralDateText(Now());
   std::replace_if(
       line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n' || c == '\0'; }, ' ');
-  std::ofstream log(JoinPath(programFolder, ErrorLogName), std::ios::app | std::ios::binary);
-  log << line << "\r\n" << std::flush;
-  if (!log)
+  if (!AppendToFile(JoinPath(programFolder, ErrorLogName), line + "\r\n"))
     dialogs.MessageBox(Title, number + " occurred in the error reporting routine", BoxButtons::Ok,
                        BoxIcon::Critical);
 }

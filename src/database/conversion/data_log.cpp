@@ -1,9 +1,5 @@
 #include "database/conversion/data_log.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-
 #include "core/dates.h"
 #include "core/files.h"
 
@@ -11,22 +7,18 @@ namespace hyetex {
 
 DataLog::DataLog(const std::string& folder, bool kept) : path_(JoinPath(folder, DataLogName)), kept_(kept) {}
 
-Result<void> DataLog::StartLog() {
+void DataLog::StartLog() {
   trouble_.clear();
-  Write("Output log for conversion performed " + GeneralDateText(Now()), "wb");
-  if (!trouble_.empty()) return Failure(trouble_);
-  return {};
+  const std::string head = "Output log for conversion performed " + GeneralDateText(Now()) + "\r\n";
+  if (kept_) Keep(WriteWholeFile(path_, head));
 }
 
-void DataLog::LogLine(std::string_view text) { Write(text, "ab"); }
+void DataLog::LogLine(std::string_view text) {
+  if (kept_ && trouble_.empty()) Keep(AppendToFile(path_, std::string(text) + "\r\n"));
+}
 
-void DataLog::Write(std::string_view text, const char* mode) {
-  if (!kept_ || !trouble_.empty()) return;
-  const std::string line = std::string(text) + "\r\n";
-  std::FILE* file = std::fopen(path_.c_str(), mode);
-  const bool written = file != nullptr && std::fwrite(line.data(), 1, line.size(), file) == line.size();
-  const bool closed = file != nullptr && std::fclose(file) == 0;
-  if (!written || !closed) trouble_ = "The data log " + path_ + " cannot be written: " + std::strerror(errno);
+void DataLog::Keep(const Result<void>& written) {
+  if (!written) trouble_ = "The data log could not be kept. " + written.error();
 }
 
 }  // namespace hyetex

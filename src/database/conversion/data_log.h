@@ -16,8 +16,8 @@ class DataLog {
   /// The log of a folder; one that is not kept takes lines and writes none.
   DataLog(const std::string& folder, bool kept);
 
-  /// Begins the log anew. Fails when the file cannot be written.
-  Result<void> StartLog();
+  /// Begins the log anew, all or nothing.
+  void StartLog();
   /// Opens the log for appending, writes a line and closes it again. The first line that cannot be written
   /// ends the log.
   void LogLine(std::string_view text);
@@ -26,7 +26,7 @@ class DataLog {
   const std::string& Path() const { return path_; }
 
  private:
-  void Write(std::string_view text, const char* mode);
+  void Keep(const Result<void>& written);
 
   std::string path_, trouble_;
   bool kept_;

@@ -41,18 +41,21 @@ class Conversion {
         log_(options.LogFolder, options.Log) {}
 
   ConversionResult Run(std::span<const ChartToConvert> charts, Progress& progress) {
-    if (const auto started = log_.StartLog(); !started) result_.Problems.push_back(started.error());
-    const bool logs = log_.Trouble().empty();
+    log_.StartLog();
     const auto chosen = InTableOrder(charts);
     if (!chosen) {
       Show(chosen.error());
       result_.Problems.push_back("the charts cannot be listed: " + chosen.error().Description);
+      result_.Failed = true;
     } else {
       ConvertAll(*chosen, progress);
     }
     writer_.reset();
     database_.Close();
-    if (logs && !log_.Trouble().empty()) result_.Problems.push_back(log_.Trouble());
+    if (!log_.Trouble().empty()) {
+      result_.Problems.push_back(log_.Trouble());
+      result_.Failed = true;
+    }
     return std::move(result_);
   }
 

@@ -35,6 +35,7 @@ struct ConversionResult {
   int ChartsSkipped = 0;  ///< their rows were not to be replaced
   int ChartsFailed = 0;   ///< named in Problems, and as they were before
   bool Cancelled = false;
+  bool Failed = false;  ///< the charts could not be listed or the log not be kept; Problems tell why
   /// Charts that could not be converted, texts that were cut, and what readers of the charts left out; one
   /// line each.
   std::vector<std::string> Problems;

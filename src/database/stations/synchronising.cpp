@@ -46,20 +46,20 @@ class Synchronising {
       : database_(database), lists_(lists), dialogs_(dialogs) {}
 
   /// Whether there was a database to work on.
-  bool Run() {
+  Synchronised Run() {
     const ClosedAfter closed(database_);
     if (const auto opened = database_.OpenDatabase(); !opened) {
       if (!database_.Reachable) database_.Show(opened.error());  // any other has been shown
-      return false;
+      return Synchronised::Not;
     }
     DbResult<void> read = CheckIntegrity();
     if (read) read = ReadInstruments();
     database_.InstrumentTable.Close();  // before the operator is asked to read anything
-    const bool allRead = Succeeded(read);
+    bool all = Succeeded(read);
     TellRead();
-    if (allRead) Succeeded(AddMissing());
+    if (all) all = Succeeded(AddMissing());
     TellAdded();
-    return true;
+    return all ? Synchronised::Saved : Synchronised::Partly;
   }
 
  private:
@@ -291,9 +291,10 @@ std::optional<Date> ConvertStartDate(std::string_view typed) {
 
 Synchronised Synchronise(HyetexPlotDB& database, ReferenceLists& lists, const std::string& programFolder,
                          Dialogs& dialogs) {
-  if (!Synchronising(database, lists, dialogs).Run()) return Synchronised::Not;
+  const Synchronised done = Synchronising(database, lists, dialogs).Run();
+  if (done == Synchronised::Not) return done;
   const auto saved = SaveLists(programFolder, lists);
-  if (saved) return Synchronised::Saved;
+  if (saved) return done;
   dialogs.MessageBox(SavingTitle, saved.error(), BoxButtons::Ok, BoxIcon::Warning);
   return Synchronised::Unsaved;
 }

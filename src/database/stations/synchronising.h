@@ -21,6 +21,7 @@ std::optional<Date> ConvertStartDate(std::string_view typed);
 enum class Synchronised {
   Not,      ///< there was no database; nothing has changed
   Unsaved,  ///< the lists could not be saved, and may have changed
+  Partly,   ///< the database refused something; what came before it stands, and the lists are saved
   Saved,
 };
 

@@ -9,6 +9,7 @@
 #include "core/dates.h"
 #include "core/files.h"
 #include "core/program_files.h"
+#include "core/temporary_file.h"
 #include "core/text.h"
 #include "database/store/chart_ascii.h"
 #include "database/store/stored_text.h"
@@ -60,6 +61,8 @@ class Extractor {
     fs::create_directories(folder_, error);
     if (error)
       result_.Report.Refused.push_back("The folder " + folder_ + " cannot be made: " + error.message());
+    else
+      ClearTemporaries(folder_);
     return !error;
   }
 

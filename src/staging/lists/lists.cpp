@@ -116,7 +116,7 @@ Result<void> SaveLists(const std::string& programFolder, const ReferenceLists& l
     for (const auto& record : list) put(record);
     return true;
   });
-  return WriteWholeFile(path, *bytes);
+  return WriteWholeFile(path, *bytes, OwnerOnly);
 }
 
 std::optional<std::string> CheckInstrumentCode(std::string_view code) {

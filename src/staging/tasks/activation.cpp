@@ -32,8 +32,10 @@ Result<ActivatedChart> ActivateChart(const Settings& settings, const ReferenceLi
     return Failure("There is no chart " + ShortText(task) + " in the staging area; it holds " +
                    ShortText(count));
 
-  const int type = chartType.value_or(settings.Get(setting::CurrentChart));
-  auto chart = PrepareChart(lists, std::move(table->Tasks[static_cast<std::size_t>(task)]), type);
+  const auto current = settings.Read(setting::CurrentChart);
+  if (!current) return Failure(current.error());
+  auto chart = PrepareChart(lists, std::move(table->Tasks[static_cast<std::size_t>(task)]),
+                            chartType.value_or(*current));
   if (!chart) return chart;
   chart->Notes = std::move(table->Notes);
   chart->Tablet = StoredTabletType(settings);

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include "cli/run.h"
+#include "core/files.h"
 #include "database/access/create_tables.h"
 #include "database/access/report_error.h"
 #include "own_data_sources.h"
@@ -16,6 +17,7 @@ using namespace hyetex::test;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 class NewFile : public testing::Test {
  protected:
@@ -47,7 +49,17 @@ TEST_F(NewFile, IsCompleteAndHasADataSourceOfItsName) {
 TEST_F(NewFile, TakesNoOtherFilesPlaceAndNoOtherDataSourcesName) {
   own_.Write("[Rain]\nDriver=SQLite3\nDatabase=/elsewhere.sqlite\n");
   ASSERT_EQ(NewDatabase(Path("rain.sqlite")), "rain-2");
-  EXPECT_THAT(own_.Text(), HasSubstr("/elsewhere.sqlite"));
+  EXPECT_THAT(own_.Text(), StartsWith("[Rain]\nDriver=SQLite3\nDatabase=/elsewhere.sqlite\n"));
+  // The user's file was copied first, for its owner alone if it was that.
+  const std::string copies = std::filesystem::path(own_.Path()).parent_path();
+  int copied = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(copies))
+    if (entry.path().filename().string().starts_with("odbc.ini.bak-")) {
+      ++copied;
+      EXPECT_EQ(ReadFile(entry.path()), "[Rain]\nDriver=SQLite3\nDatabase=/elsewhere.sqlite\n");
+      EXPECT_EQ(ModeOf(entry.path()), ModeOf(own_.Path()));
+    }
+  EXPECT_EQ(copied, 1);
 
   const std::string bytes = ReadFile(Path("rain.sqlite")), sources = own_.Text();
   const auto again = NewDatabase(Path("rain.sqlite"));
@@ -89,7 +101,7 @@ TEST_F(NewFile, IsMadeAndShownByTheCommandLine) {
   EXPECT_EQ(again.Out, "");
   const Ran structure = RunCli({"structure", "--db", text, "--script", folder_ / "s.txt"});
   EXPECT_EQ(structure.Status, 0);
-  EXPECT_THAT(structure.Out, AllOf(testing::StartsWith("Table Name\tField Name\tColumn Type\tColumn Size\n"),
+  EXPECT_THAT(structure.Out, AllOf(StartsWith("Table Name\tField Name\tColumn Type\tColumn Size\n"),
                                    HasSubstr("CHART\tstation\t202\t25\n")));
   EXPECT_THAT(ReadFile(folder_ / "s.txt"),
               HasSubstr("create table LOGGER_BINARy(\r\nstation VARCHAR(25),\r\n"));

@@ -1,0 +1,257 @@
+#include "faults/scenarios.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+
+#include "chartfiles/chart_text.h"
+#include "core/definitions.h"
+#include "core/files.h"
+#include "core/program_files.h"
+#include "core/temporary_file.h"
+#include "database/access/new_database.h"
+#include "database/store/loading.h"
+#include "database/store/stored_text.h"
+#include "database/stored_charts.h"
+#include "digitizing/resume.h"
+#include "paths.h"
+#include "staging/lists/lists.h"
+#include "staging/tasks/tasks.h"
+#include "support.h"
+
+namespace hyetex::test {
+namespace {
+
+namespace fs = std::filesystem;
+using Lines = std::vector<std::string>;
+
+constexpr const char* Hill = "NM-Hill Farm-01";
+constexpr int Charts = 5;
+
+[[noreturn]] void Stop(const std::string& why) {
+  std::fprintf(stderr, "cannot prepare: %s\n", why.c_str());
+  std::exit(2);
+}
+template <typename T>
+void Need(const T& result) {
+  if (!result) {
+    if constexpr (requires { result.error().Description; })
+      Stop(result.error().Description);
+    else
+      Stop(result.error());
+  }
+}
+
+std::string Db(const std::string& folder) { return "Driver=SQLite3;Database=" + folder + "/rain.sqlite"; }
+
+StoredChart ChartOfDay(int day, const std::string& version) {
+  return {.Instrument = Hill,
+          .Start = MakeDate(1998, 3, 5 + day, 10),
+          .End = MakeDate(1998, 3, 5 + day, 12),
+          .Comment = version};
+}
+std::string ChartPath(const std::string& folder, int day) {
+  return folder + "/charts/" + ChartFileName(Hill, ChartOfDay(day, "").Start);
+}
+void WriteCharts(const std::string& folder, const std::string& version) {
+  fs::create_directories(folder + "/charts");
+  for (int day = 0; day < Charts; ++day) {
+    const std::string text = ChartOfDay(day, version).Text();
+    WriteFile(ChartPath(folder, day), std::string(SplitStoredText(text).Bytes));
+  }
+}
+
+void Program(const std::string& folder) {
+  fs::copy(Demo("program"), folder + "/program");
+  fs::create_directory(folder + "/out");
+  Need(SetDefinition(folder + "/program", "TargetFolder", folder + "/out"));
+}
+void Database(const std::string& folder) {
+  Program(folder);
+  Need(CreateDatabaseFile(folder + "/rain.sqlite"));
+  auto connection = Connection::Open(Db(folder));
+  Need(connection);
+  const DbValue code[] = {std::string(Hill)};
+  Need(connection->Execute("INSERT INTO INSTRUMENT (instrument_code_id) VALUES (?)", code));
+  WriteCharts(folder, "old");
+}
+void Loaded(const std::string& folder) {
+  Database(folder);
+  const std::string command = CommandLineProgram() + " load --db '" + Db(folder) + "' --folder '" + folder +
+                              "/program' '" + folder + "/charts/'*.dat >/dev/null";
+  if (std::system(command.c_str()) != 0) Stop(command);
+}
+void Converted(const std::string& folder) {
+  Loaded(folder);
+  const std::string command = CommandLineProgram() + " populate --log --instrument '" + std::string(Hill) +
+                              "' --db '" + Db(folder) + "' --folder '" + folder + "/program' >/dev/null";
+  if (std::system(command.c_str()) != 0) Stop(command);
+}
+
+Lines With(Lines words, const Lines& more) {
+  words.insert(words.end(), more.begin(), more.end());
+  return words;
+}
+
+/// A command of the command line, on the program folder.
+auto Cli(Lines words, Lines more = {}) {
+  return [=](const std::string& folder) {
+    Lines all = With({CommandLineProgram(), words[0], "--folder", folder + "/program"},
+                     Lines(words.begin() + 1, words.end()));
+    for (const std::string& word : more) all.push_back(folder + "/" + word);
+    return all;
+  };
+}
+/// The same, on the database too.
+auto OnDatabase(Lines words) {
+  return [=](const std::string& folder) { return With(Cli(words)(folder), {"--db", Db(folder)}); };
+}
+auto Loading() {
+  return [](const std::string& folder) {
+    Lines words = OnDatabase({"load"})(folder);
+    for (int day = 0; day < Charts; ++day) words.push_back(ChartPath(folder, day));
+    return words;
+  };
+}
+auto Task(const std::string& name) {
+  return [=](const std::string& folder) {
+    return Lines{fs::read_symlink("/proc/self/exe").string(), "--task", name, folder};
+  };
+}
+
+void WithOldChart(const std::string& folder) {
+  Program(folder);
+  WriteFile(folder + "/out/NM-Hill Farm-01-19980305-0700.dat", "HYETEX88 ASCII FILE\r\nold\r\n");
+}
+void WithNewStations(const std::string& folder) {
+  Database(folder);
+  auto connection = Connection::Open(Db(folder));
+  Need(connection);
+  const DbValue code[] = {std::string("NM-New Farm-07")};
+  Need(connection->Execute("INSERT INTO INSTRUMENT (instrument_code_id, station) VALUES (?, 'New Farm')",
+                           code));
+}
+void WithDamagedLists(const std::string& folder) {
+  Program(folder);
+  const std::string path = folder + "/program/lists.dat";
+  std::string bytes = ReadFile(path);
+  bytes.resize(bytes.size() / 2);
+  WriteFile(path, bytes + "xx");
+}
+
+}  // namespace
+
+std::vector<Scenario> AllScenarios() {
+  const auto journal = Demo("journals/siphon-1.txt");
+  const Lines populate{"populate", "--instrument", Hill};
+  return {
+      {"setting", Program, Cli({"setting", "set", "frmTasks-Row", "3"})},
+      {"setting, first", [](const std::string& folder) { fs::create_directory(folder + "/program"); },
+       Cli({"setting", "set", "DataBaseName", "DSN=rain;PWD=secret"})},
+      {"digitize", Program, Cli({"digitize", "--task", "0", journal}), true},
+      {"digitize again", WithOldChart, Cli({"digitize", "--overwrite", "--task", "0", journal})},
+      {"digitize an empty form", Program, Cli({"digitize", "--task", "3"}), true},
+      {"trace",
+       [](const std::string& folder) {
+         Program(folder);
+         fs::copy(Demo("streams/siphon-1.bin"), folder + "/stream");
+       },
+       [](const std::string& folder) {
+         return Lines{CommandLineProgram(),   "trace",           "--tablet", "1", "--journal",
+                      folder + "/traced.txt", folder + "/stream"};
+       },
+       true, "traced.txt"},
+      {"new database", Program,
+       [](const std::string& folder) {
+         return Lines{CommandLineProgram(), "create-tables", "--new", folder + "/rain.sqlite"};
+       },
+       true},
+      {"tables",
+       [](const std::string& folder) {
+         Program(folder);
+         WriteFile(folder + "/rain.sqlite", "");
+       },
+       OnDatabase({"create-tables", "--complete"})},
+      {"structure", Database,
+       [](const std::string& folder) {
+         return With(OnDatabase({"structure"})(folder), {"--script", folder + "/script.txt"});
+       }},
+      {"load", Database, Loading()},
+      {"load again",
+       [](const std::string& folder) {
+         Loaded(folder);
+         WriteCharts(folder, "new");
+       },
+       Loading()},
+      {"extract", Loaded,
+       [](const std::string& folder) {
+         return With(OnDatabase({"extract"})(folder), {"--to", folder + "/new"});
+       }},
+      {"extract again",
+       [](const std::string& folder) {
+         Loaded(folder);
+         WriteCharts(folder, "changed at hand");
+       },
+       [](const std::string& folder) {
+         return With(OnDatabase({"extract"})(folder), {"--to", folder + "/charts"});
+       }},
+      {"populate", Loaded, OnDatabase(With(populate, {"--log"}))},
+      {"populate again", Converted,
+       OnDatabase(With(populate, {"--log", "--all", "--overwrite", "--lapse", "45"}))},
+      {"synchronise", WithNewStations, OnDatabase({"synchronise", "--start", "01/02/1990"})},
+      {"tasks", Program, Task("tasks")},
+      {"lists", Program, Task("lists")},
+      {"damaged lists", WithDamagedLists, Task("damaged lists")},
+      {"journal", Program, Task("journal"), false, "program/Journal.txt"},
+      {"move", Database, Task("move"), true},
+      {"data source",
+       [](const std::string& folder) {
+         Need(CreateDatabaseFile(folder + "/rain.sqlite"));
+         WriteFile(folder + "/odbc.ini", "[other]\nDriver=SQLite3\nDatabase=/other.sqlite\n");
+       },
+       Task("data source")},
+  };
+}
+
+int DoTask(const std::string& name, const std::string& folder) {
+  const std::string program = folder + "/program";
+  ClearTemporaries(program);
+  ClearTemporaries(folder);
+  const auto tell = [](const auto& result) {
+    if (!result) std::fprintf(stderr, "%s\n", result.error().c_str());
+    return result ? 0 : 1;
+  };
+  if (name == "data source") {
+    ::setenv("ODBCINI", (folder + "/odbc.ini").c_str(), 1);
+    return tell(RegisterDatabaseFile(folder + "/rain.sqlite"));
+  }
+  if (name == "move") {
+    std::vector<std::string> paths;
+    for (int day = 0; day < Charts; ++day)
+      if (FileExists(ChartPath(folder, day))) paths.push_back(ChartPath(folder, day));
+    UnwatchedProgress progress;
+    return tell(MoveFilesAfterLoading(paths, folder + "/moved", progress));
+  }
+  if (name == "journal") {
+    SessionJournal journal;
+    journal.Start(program, 1, {});
+    for (int i = 0; i < 4; ++i) journal.Record({.What = JournalEvent::Kind::Press, .X = 100.0 + i, .Y = 7});
+    if (journal.Trouble()) std::fprintf(stderr, "%s\n", journal.Trouble()->c_str());
+    return journal.Trouble() ? 1 : 0;
+  }
+  if (name == "damaged lists") return tell(KeepCopy(program + "/" + std::string(ListsFileName)));
+  auto lists = ReadLists(program);
+  if (!lists) return tell(lists);
+  if (name == "lists") {
+    lists->Stations.push_back({"New", "NM-New-09", 0, 0});
+    if (lists->Stations.size() > 4) lists->Stations.resize(4);
+    return tell(SaveLists(program, *lists));
+  }
+  auto tasks = LoadTasks(program, lists->Stations);
+  if (!tasks) return tell(tasks);
+  for (ChartRecord& task : tasks->Tasks) task.EyedDepth = 7;
+  return tell(SaveTasks(program, tasks->Tasks));
+}
+
+}  // namespace hyetex::test
