@@ -113,7 +113,8 @@ void CommandLine::AddTabletCommands() {
           "in the top\nright corner of the tablet. A gap or a recovered segment gets its code without a "
           "text. Ends with the stream.");
   AddDecodeWords(trace.Line, trace.Given);
-  trace.Name("--journal", &TraceWords::Journal, "FILE", "where the journal goes (default: standard output)");
+  trace.Name("--journal", &TraceWords::Journal, "FILE",
+             "where the journal goes (default: standard output); one with steps stays");
 
   auto digitize = Add(
       "digitize",
@@ -236,7 +237,7 @@ void CommandLine::AddConversionCommands() {
       Add("populate", "Converts an instrument's stored charts into rows of CHART, in GMT, one row a step.",
           RunPopulate,
           "Each chart is converted wholly or not at all. The status is 1 if a chart was skipped or\n"
-          "could not be converted; the others are converted all the same.");
+          "could not be converted, or the log not be kept; the others are converted all the same.");
   AddDatabase(populate.Line, populate.Given);
   populate
       .Name("--instrument", &PopulateWords::Instrument, "CODE", "the instrument whose charts are converted")
