@@ -4,7 +4,7 @@ file(GLOB window_sources CONFIGURE_DEPENDS platform/*.cpp */windows/*.cpp platfo
 add_library(hyetex_windows STATIC ${window_sources})
 set_target_properties(hyetex_windows PROPERTIES AUTOMOC ON)
 target_link_libraries(hyetex_windows PUBLIC hyetex_logic Qt6::Widgets Qt6::PrintSupport Qt6::SerialPort Qt6::Svg)
-target_precompile_headers(hyetex_windows PRIVATE <QtWidgets> <string> <vector>)
+hyetex_precompile(hyetex_windows <QtWidgets> <string> <vector>)
 
 # An object library: what nothing refers to by name would be left out of a static one.
 add_library(hyetex_icons OBJECT app/icons.qrc)
