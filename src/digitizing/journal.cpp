@@ -184,7 +184,9 @@ std::string JournalLine(const JournalEvent& event) {
   return line;
 }
 
-std::string JournalHead(int tablet) { return std::string(Header) + "\ntablet " + ShortText(tablet) + "\n"; }
+std::string JournalHead(int tablet) {
+  return std::string(Header).append("\ntablet ").append(ShortText(tablet)).append("\n");
+}
 
 Journal ReadJournal(std::string_view text) {
   Journal journal;
