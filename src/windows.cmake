@@ -19,5 +19,15 @@ set_target_properties(hyetex_app PROPERTIES AUTOMOC ON)
 target_link_libraries(hyetex_app PUBLIC hyetex_windows hyetex_commandline)
 target_precompile_headers(hyetex_app REUSE_FROM hyetex_windows)
 
+# The help page stands beside the programs' folder, in the build tree as where they are installed.
+include(GNUInstallDirs)
+file(GLOB help_pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/help/*)
+foreach(page ${help_pages})
+  get_filename_component(name ${page} NAME)
+  configure_file(${page} ${PROJECT_BINARY_DIR}/share/hyetex/help/${name} COPYONLY)
+endforeach()
+install(FILES ${help_pages} DESTINATION ${CMAKE_INSTALL_DATADIR}/hyetex/help)
+
 add_executable(hyetex app/main.cpp)
 target_link_libraries(hyetex PRIVATE hyetex_app hyetex_icons)
+install(TARGETS hyetex hyetex-cli)

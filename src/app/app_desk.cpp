@@ -26,12 +26,13 @@ constexpr const char* ProgramTitle = "Hyetex";
 
 }  // namespace
 
-// In the order in which those that may ask are closed with the shell.
+// In the order in which those that may ask are closed at the program's end.
 const AppDesk::WindowKind AppDesk::Windows[] = {
     // id, is main, may ask, how it is made
     {WindowId::Digitizing, true, true, &AppDesk::MakeDigitizing},
     {WindowId::Tasks, true, true, &AppDesk::MakeTasks},
     {WindowId::Lists, true, true, &AppDesk::MakeLists},
+    {WindowId::Definitions, false, true, &AppDesk::MakeDefinitions},
     {WindowId::Load, true, false, &AppDesk::MakeLoad},
     {WindowId::PrePop, true, false, &AppDesk::MakePrePop},
     {WindowId::Populate, true, false, &AppDesk::MakePopulate},
@@ -78,7 +79,7 @@ void AppDesk::LoggedIn() {
 void AppDesk::MakeShell() {
   shell_ = std::make_unique<mdiHyetex>();
   QObject::connect(shell_.get(), &mdiHyetex::ExitChosen, [this] { EndProgram(); });
-  QObject::connect(shell_.get(), &mdiHyetex::CloseChosen, [this] { CloseShell(); });
+  QObject::connect(shell_.get(), &mdiHyetex::CloseChosen, [this] { EndProgram(); });
   QObject::connect(shell_.get(), &mdiHyetex::HelpChosen, [this] { ShowHelp(); });
   QObject::connect(shell_.get(), &mdiHyetex::DefaultsChosen, [this] { Open(WindowId::ProgramDefaults); });
   shell_->OfferDefaults();
@@ -162,21 +163,17 @@ void AppDesk::CloseLargeView(const std::string& caption) {
   if (open && open->windowTitle() == ToQt(caption)) open->close();
 }
 
+// What the operator would rather not lose keeps the program open.
 void AppDesk::EndProgram() {
-  ending_ = true;
-  if (QWidget* menu = Window(WindowId::MainMenu)) menu->close();
-  QApplication::quit();
-}
-
-// A session that the operator would rather not lose keeps the program open.
-void AppDesk::CloseShell() {
   ending_ = true;
   for (const WindowKind& kind : Windows)
     if (ending_ && kind.MayAsk && Window(kind.Id)) {
       frames_[kind.Id]->close();
       ending_ = Window(kind.Id) == nullptr;
     }
-  if (ending_) EndProgram();
+  if (!ending_) return;
+  if (QWidget* menu = Window(WindowId::MainMenu)) menu->close();
+  QApplication::quit();
 }
 
 bool AppDesk::Activate(int task) {
@@ -206,7 +203,8 @@ QWidget* AppDesk::MakeMainMenu() {
        .DatabaseOpens = [this] { return program_.Database.Opens(); },
        .AskForSource = [this] { return frmMessageBox(dialogs_, program_.User().Level, shell_.get()).Ask(); },
        .SetSource = [this](ChartSourceKind source) { program_.EditorSource = source; },
-       .Help = [this] { ShowHelp(); }});
+       .Help = [this] { ShowHelp(); },
+       .OpenText = OpenTextFile});
 }
 
 QWidget* AppDesk::MakeDigitizing() {
@@ -244,24 +242,6 @@ void AppDesk::OpenComment(std::unique_ptr<CommentTarget> target) {
 
 QWidget* AppDesk::MakeLargeView() {
   return new frmLargeView(*this, dialogs_, program_.Settings, largeCaption_, largeText_);
-}
-
-void AppDesk::ShowHelp() {
-  constexpr const char* Title = "Asking for help";
-  if (dialogs_.MessageBox(
-          Title, "In order to view the help you need to connected to the internet, otherwise use the manual.",
-          BoxButtons::OkCancel) != BoxAnswer::Ok)
-    return;
-  const std::string site = program_.Settings.Get(setting::HelpSite);
-  if (site.empty()) {
-    dialogs_.MessageBox(Title,
-                        "The program definitions do not name the site of the help page (\"" +
-                            std::string(setting::HelpSite.Name) + ": https://...\").",
-                        BoxButtons::Ok, BoxIcon::Warning);
-    return;
-  }
-  if (const auto opened = OpenPage(site + std::string(HelpPagePath)); !opened)
-    dialogs_.MessageBox(Title, opened.error(), BoxButtons::Ok, BoxIcon::Warning);
 }
 
 void AppDesk::Tell(const std::string& text, BoxIcon icon) {

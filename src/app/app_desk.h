@@ -67,6 +67,7 @@ class AppDesk : public Desk {
   QWidget* MakeTaskDef();
   QWidget* MakeLists();  // list_windows.cpp
   QWidget* MakeProgramDefaults();
+  QWidget* MakeDefinitions();
   QWidget* MakeConnection();  // connection_windows.cpp
   QWidget* MakeLogon();
   QWidget* Announced(LogonForm* window, const char* before);
@@ -90,8 +91,7 @@ class AppDesk : public Desk {
   bool BeginChart(const ActivatedChart& chart, std::string device);
   /// Opens the comment window for something other than a digitizing session.
   void OpenComment(std::unique_ptr<CommentTarget> target);
-  void CloseShell();
-  void ShowHelp();
+  void ShowHelp();  // help.cpp
   void Tell(const std::string& text, BoxIcon icon = BoxIcon::Warning);
   frmHyetex* Digitizing() { return qobject_cast<frmHyetex*>(Window(WindowId::Digitizing)); }
 

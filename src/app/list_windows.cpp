@@ -1,6 +1,8 @@
-// The lists manager and the program's defaults.
+// The lists manager, the program's defaults and its definitions.
 #include "app/app_desk.h"
+#include "core/definitions.h"
 #include "staging/lists/list_recovery.h"
+#include "staging/windows/frmDefinitions.h"
 #include "staging/windows/frmLists.h"
 #include "staging/windows/frmProgramDefaults.h"
 #include "staging/windows/frmTasks.h"
@@ -25,6 +27,12 @@ QWidget* AppDesk::MakeProgramDefaults() {
                                   if (auto* tasks = qobject_cast<frmTasks*>(Window(WindowId::Tasks)))
                                     tasks->ShowChartType();
                                 });
+}
+
+QWidget* AppDesk::MakeDefinitions() {
+  auto text = ReadDefinitions(program_.Settings.Folder());
+  if (!text) return Tell(text.error()), nullptr;
+  return new frmDefinitions(*this, dialogs_, program_.Settings, *std::move(text));
 }
 
 }  // namespace hyetex

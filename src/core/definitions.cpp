@@ -1,5 +1,7 @@
 #include "core/definitions.h"
 
+#include <map>
+#include <set>
 #include <vector>
 
 #include "core/files.h"
@@ -57,6 +59,52 @@ Result<void> SetDefinition(const std::string& programFolder, std::string_view ke
   if (at == lines.size()) lines.emplace_back();
   lines[at] = entry;
   return WriteLines(path, lines, OwnerOnly);
+}
+
+Result<std::string> ReadDefinitions(const std::string& programFolder) {
+  return ReadProgramFile(JoinPath(programFolder, DefinitionsFileName));
+}
+
+std::string ShownDefinitions(std::string_view text) {
+  std::string shown;
+  for (const std::string_view line : EditedLines(text)) shown.append(ShownText(line)).append("\n");
+  return shown;
+}
+
+Result<void> SaveEditedDefinitions(const std::string& programFolder, std::string_view read,
+                                   std::string_view edited) {
+  const Result<std::string> present = ReadDefinitions(programFolder);
+  if (!present) return Failure(present.error());
+  const auto keyOf = [](std::string_view line) { return line.substr(0, line.find(':')); };
+  std::map<std::string_view, std::string_view> now;  // by its key, the last line
+  std::set<std::string_view> lineNow, known;
+  for (const std::string_view line : EditedLines(*present)) {
+    now[keyOf(line)] = line;
+    lineNow.insert(line);
+  }
+  std::map<std::string, std::string_view> before;  // by what was shown
+  for (const std::string_view line : EditedLines(read)) {
+    before.emplace(ShownText(line), line);
+    known.insert(keyOf(line));
+  }
+
+  std::vector<std::string_view> lines;
+  for (const std::string_view typed : EditedLines(edited)) {
+    if (const auto why = CheckOneLine(typed))
+      return Failure("The line " + Quoted(typed) + " cannot be kept. " + *why);
+    known.insert(keyOf(typed));
+    const auto untouched = before.find(std::string(typed));
+    if (untouched == before.end()) {
+      lines.push_back(typed);
+      continue;
+    }
+    const auto set = now.find(keyOf(untouched->second));
+    const bool isOld = set != now.end() && !lineNow.contains(untouched->second);
+    lines.push_back(isOld ? set->second : untouched->second);
+  }
+  for (const std::string_view line : EditedLines(*present))
+    if (!known.contains(keyOf(line))) lines.push_back(line);
+  return WriteLines(JoinPath(programFolder, DefinitionsFileName), lines);
 }
 
 }  // namespace hyetex

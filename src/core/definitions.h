@@ -32,4 +32,14 @@ Result<void> CheckSettings(const std::string& programFolder);
 /// cannot be read or written.
 Result<void> SetDefinition(const std::string& programFolder, std::string_view key, std::string_view value);
 
+/// The file as it stands; empty for a missing one. Fails on a file that cannot be read.
+Result<std::string> ReadDefinitions(const std::string& programFolder);
+/// The lines of such a text for showing, as UTF-8, each ended by a line feed.
+std::string ShownDefinitions(std::string_view text);
+/// Puts what an operator has made of the file in its place, all or nothing. `read` is the file as it was,
+/// `edited` what became of ShownDefinitions(read). A line that was not touched keeps its bytes, or takes the
+/// value that has been set since; keys that were added since stay. Fails with the file as it was.
+Result<void> SaveEditedDefinitions(const std::string& programFolder, std::string_view read,
+                                   std::string_view edited);
+
 }  // namespace hyetex

@@ -29,6 +29,7 @@ enum class WindowId : int {
   SelectTable = 17,
   Exchange = 18,
   Logon = 19,
+  Definitions = 20,
 };
 
 /// One flag for each window: -1 when it gets or loses the focus, 0 when it closes.

@@ -17,7 +17,7 @@ FormWindow::FormWindow(const char* name, WindowId id, Desk& desk, Settings& sett
 void FormWindow::SetKeyButtons(QPushButton* accept, QPushButton* cancel) {
   // Return on a button that has the focus presses that one.
   for (QPushButton* button : findChildren<QPushButton*>()) button->setAutoDefault(true);
-  accept->setDefault(true);
+  if (accept != nullptr) accept->setDefault(true);
   accept_ = accept;
   cancel_ = cancel;
 }

@@ -18,7 +18,7 @@ class FormWindow : public QWidget {
   FormWindow(const char* name, WindowId id, Desk& desk, Settings& settings, QWidget* parent = nullptr);
 
  protected:
-  /// Return, where no other control wants it, presses `accept`; Escape presses `cancel`.
+  /// Return, where no other control wants it, presses `accept`, which may be null; Escape presses `cancel`.
   void SetKeyButtons(QPushButton* accept, QPushButton* cancel);
   /// Runs once, when the window closes, by whatever way, before the desk hears of it.
   virtual void Closing() {}

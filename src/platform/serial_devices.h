@@ -3,12 +3,15 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "core/settings.h"
 #include "platform/serial_line.h"
 
 namespace hyetex {
 
+/// The machine's serial devices in the order of their names, numbers by their value.
+std::vector<std::string> SerialDevices();
 /// The device of a port; empty when there is none.
 std::string SerialDevice(const Settings& settings, int port);
 

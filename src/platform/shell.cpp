@@ -2,19 +2,47 @@
 
 #include <QDesktopServices>
 #include <QFileInfo>
+#include <QGuiApplication>
+#include <QProcess>
+#include <QStandardPaths>
 #include <QUrl>
 
 #include "platform/qt_text.h"
 
 namespace hyetex {
 
-Result<void> OpenTextFile(const std::string& path) {
+namespace {
+
+// A desktop's opener reports success as soon as it has been started, so that a file without an application
+// would be opened by nobody and nothing would be told. What the desktop names for the type is asked first.
+bool HasApplication([[maybe_unused]] const QString& mimeType) {
+#if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
+  if (QGuiApplication::platformName() == "offscreen") return true;  // there is no desktop to ask
+  constexpr int MostMs = 3000;
+  const QString query = QStandardPaths::findExecutable("xdg-mime");
+  if (query.isEmpty()) return true;
+  QProcess asked;
+  asked.start(query, {"query", "default", mimeType});
+  if (asked.waitForFinished(MostMs)) return !asked.readAllStandardOutput().trimmed().isEmpty();
+  asked.kill();
+  asked.waitForFinished(MostMs);
+#endif
+  return true;
+}
+
+Result<void> OpenFile(const std::string& path, const QString& mimeType) {
   const QFileInfo file(ToQt(path));
   if (!file.isFile()) return Failure("There is no file " + path);
-  if (!QDesktopServices::openUrl(QUrl::fromLocalFile(file.absoluteFilePath())))
+  if (!HasApplication(mimeType) || !QDesktopServices::openUrl(QUrl::fromLocalFile(file.absoluteFilePath())))
     return Failure("No application opens " + path);
   return {};
 }
+
+}  // namespace
+
+Result<void> OpenTextFile(const std::string& path) { return OpenFile(path, "text/plain"); }
+
+Result<void> OpenLocalPage(const std::string& path) { return OpenFile(path, "text/html"); }
 
 Result<void> OpenPage(const std::string& address) {
   const QUrl page(ToQt(address), QUrl::StrictMode);

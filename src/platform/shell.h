@@ -7,9 +7,12 @@
 
 namespace hyetex {
 
-/// Opens a text file in the system's text editor.
+/// Opens a text file in the system's text editor. Fails where the system has none.
 Result<void> OpenTextFile(const std::string& path);
 /// Opens a page in the default browser. Only http and https addresses are taken.
 Result<void> OpenPage(const std::string& address);
+
+/// Opens a page of this machine in the default browser. Fails where the system has none.
+Result<void> OpenLocalPage(const std::string& path);
 
 }  // namespace hyetex

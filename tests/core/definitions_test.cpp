@@ -37,6 +37,22 @@ TEST(Definitions, ChangesOnlyTheKeysLastLine) {
   EXPECT_EQ(GetDefinition(folder.Path(), "A"), "x: y");
 }
 
+TEST(Definitions, TakesAnEditedTextAndKeepsWhatWasSetMeanwhile) {
+  TempFolder folder;
+  WriteFile(folder / "Definitions.dat", "A: 1\nodd \xE9 line\r\nB: \xC3\xA9\r\nC: 3\r\nA: 2\r\n");
+  const auto read = ReadDefinitions(folder.Path());
+  ASSERT_TRUE(read);
+  EXPECT_EQ(ShownDefinitions(*read), "A: 1\nodd \xC3\xA9 line\nB: \xC3\xA9\nC: 3\nA: 2\n");
+  ASSERT_TRUE(SetDefinition(folder.Path(), "A", "5"));    // not touched by the operator
+  ASSERT_TRUE(SetDefinition(folder.Path(), "B", "6"));    // changed by the operator
+  ASSERT_TRUE(SetDefinition(folder.Path(), "New", "7"));  // not seen by the operator
+  ASSERT_TRUE(
+      SaveEditedDefinitions(folder.Path(), *read, "A: 1\nodd \xC3\xA9 line\nB: changed\nAdded: 1\nA: 2\n"));
+  EXPECT_EQ(ReadFile(folder / "Definitions.dat"),
+            "A: 1\r\nodd \xE9 line\r\nB: changed\r\nAdded: 1\r\nA: 5\r\nNew: 7\r\n");
+  EXPECT_FALSE(SaveEditedDefinitions(folder / "nowhere", *read, "A: 1\n"));
+}
+
 TEST(Definitions, CreatesAMissingFileEmpty) {
   TempFolder folder;
   EXPECT_EQ(GetDefinition(folder.Path(), "A"), "");

@@ -2,9 +2,12 @@
 #include "staging/windows/frmLists.h"
 
 #include <ctime>
+#include <functional>
 
 #include "app/app_desk.h"
 #include "digitizing/windows/mdiHyetex.h"
+#include "platform/qt_text.h"
+#include "platform/serial_devices.h"
 #include "staging/windows/frmProgramDefaults.h"
 #include "windows/support.h"
 
@@ -149,10 +152,39 @@ TEST_F(ListsWindow, AsksBeforeUnsavedChangesAreLeft) {
   EXPECT_EQ(Saved().ChartTypes[0].ChartHeightMm, 120) << "though the box was not left";
   Open();
   Part<QLineEdit>("txtHeight").setText("130");
+  dialogs_.Answers = {BoxAnswer::Cancel, BoxAnswer::No};
+  Click(*window_, "cmdCancel");
+  EXPECT_TRUE(window_->isVisible());
   Click(*window_, "cmdCancel");
   EXPECT_FALSE(window_->isVisible());
   EXPECT_EQ(lists_.ChartTypes[0].ChartHeightMm, 120);
-  EXPECT_EQ(dialogs_.Boxes.size(), 3U);
+  EXPECT_EQ(dialogs_.Boxes.size(), 5U);
+}
+
+TEST_F(ListsWindow, ShowsTheLevelThatALastAdministratorKeeps) {
+  Open();
+  Row("lstUsers", 2);
+  QTest::keyClick(&Part<QComboBox>("comLevel"), Qt::Key_End);
+  Row("lstUsers", 0);
+  QTest::keyClick(&Part<QComboBox>("comLevel"), Qt::Key_End);
+  EXPECT_EQ(dialogs_.Boxes.size(), 1U);
+  EXPECT_EQ(Part<QComboBox>("comLevel").currentText(), "Administrator");
+  EXPECT_EQ(Part<QListWidget>("lstUsers").currentRow(), 0);
+  dialogs_.Answers = {BoxAnswer::No};
+  window_->close();
+}
+
+TEST_F(ListsWindow, ShowsALongCodeWhole) {
+  const std::string code = "NW-" + std::string(60, 'x') + "-123456789012345678901234567890";
+  lists_.Stations[0].InstrumentCode = code;
+  Open();
+  auto& tree = Part<QTreeWidget>("tvwStations");
+  tree.expandAll();
+  QCoreApplication::processEvents();
+  const QTreeWidgetItem* node = Node(("Hill - " + code).c_str());
+  ASSERT_NE(node, nullptr);
+  EXPECT_GE(tree.visualItemRect(node).width(), tree.fontMetrics().horizontalAdvance(node->text(0)))
+      << "it can be scrolled to";
 }
 
 TEST_F(ListsWindow, ShowsAndChangesChartTypes) {
@@ -181,6 +213,7 @@ TEST_F(ListsWindow, ShowsAndChangesChartTypes) {
   EXPECT_TRUE(window_->isVisible()) << "Return does not save";
   Row("lstChart", 0);
   EXPECT_EQ(Part<QComboBox>("comMethod").currentText(), "Linear");
+  dialogs_.Answers = {BoxAnswer::No};
   Click(*window_, "cmdCancel");
 }
 
@@ -249,6 +282,61 @@ TEST_F(FolderTest, ProgramDefaultsAreReachedFromTheMenuAndKept) {
   EXPECT_EQ(Remembered("frmDefinition"), "1");
   EXPECT_EQ(Remembered("CurrentChart"), "1");
   EXPECT_NE(desk.Window(WindowId::MainMenu), nullptr);
+}
+
+TEST_F(FolderTest, EveryWayOutOfTheProgramAsksAboutUnsavedLists) {
+  ASSERT_TRUE(SaveLists(folder_.Path(), ReferenceLists{}));
+  AppDesk desk({.Folder = folder_.Path()}, dialogs_);
+  desk.Start();
+  Click(*desk.Login(), "cmdOK");
+  Click(*desk.Window(WindowId::MainMenu), "cmdLists");
+  QWidget* lists = desk.Window(WindowId::Lists);
+  ASSERT_NE(lists, nullptr);
+  Find<QLineEdit>(*lists, "txtHeight").setText("120");
+  const std::function<void()> waysOut[] = {
+      [&] { desk.ShellWindow()->findChild<QAction*>("mnuExit")->trigger(); },
+      [&] { desk.ShellWindow()->close(); },
+      [&] { Click(*lists, "cmdCancel"); },
+      [&] { QTest::keyClick(&Find(*lists, "lstChart"), Qt::Key_Escape); },
+      [&] { lists->parentWidget()->close(); },
+  };
+  for (const auto& leave : waysOut) {
+    dialogs_.Boxes.clear();
+    dialogs_.Answers = {BoxAnswer::Cancel};
+    leave();
+    EXPECT_EQ(dialogs_.Boxes, std::vector{CloseQuestion});
+    EXPECT_EQ(desk.Window(WindowId::Lists), lists);
+    EXPECT_TRUE(desk.ShellWindow()->isVisible());
+  }
+  dialogs_.Answers = {BoxAnswer::Yes};
+  waysOut[0]();
+  EXPECT_EQ(ReadLists(folder_.Path())->ChartTypes[0].ChartHeightMm, 120);
+}
+
+TEST_F(FolderTest, TheTabletsPortsAreChosenAmongTheProgramDefaults) {
+  WriteFile(folder_ / "tty", "");
+  EmptyDesk desk;
+  const ReferenceLists lists;
+  std::int16_t chart = 0;
+  frmProgramDefaults window(desk, dialogs_, settings_, lists, chart);
+  window.show();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  auto& port = Find<QComboBox>(window, "cboPort1");
+  QTest::keyClick(&window, Qt::Key_P, Qt::AltModifier);
+  ASSERT_EQ(QApplication::focusWidget(), &port);
+  EXPECT_EQ(port.currentText(), "");
+  QTest::keyClicks(&port, ToQt(folder_ / "no-such"));
+  dialogs_.Answers = {BoxAnswer::No};
+  Click(window, "cmdDone");
+  ASSERT_EQ(dialogs_.Boxes.size(), 1U);
+  EXPECT_TRUE(window.isVisible());
+  EXPECT_EQ(Remembered("SerialPort1"), "");
+  port.lineEdit()->selectAll();
+  QTest::keyClicks(&port, ToQt(folder_ / "tty"));
+  Click(window, "cmdDone");
+  EXPECT_FALSE(window.isVisible());
+  EXPECT_EQ(SerialDevice(settings_, 1), folder_ / "tty");
+  EXPECT_EQ(Remembered("SerialPort2"), "");
 }
 
 }  // namespace

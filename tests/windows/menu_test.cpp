@@ -1,7 +1,13 @@
 // The Main Menu, and the question where the editor finds its charts.
+#include <QDesktopServices>
 #include <QLabel>
+#include <QPlainTextEdit>
+#include <QTextBrowser>
 #include <QTimer>
 
+#include "app/app_desk.h"
+#include "core/definitions.h"
+#include "staging/windows/frmDefinitions.h"
 #include "staging/windows/frmInit.h"
 #include "staging/windows/frmMessageBox.h"
 #include "windows/support.h"
@@ -18,7 +24,12 @@ class MainMenu : public WindowTest<frmInit> {
                                        .DatabaseOpens = [this] { return ++connects_, hasDatabase_; },
                                        .AskForSource = [this] { return answer_; },
                                        .SetSource = [this](ChartSourceKind s) { source_ = s; },
-                                       .Help = [] {}});
+                                       .Help = [] {},
+                                       .OpenText = [this](const std::string& path) -> Result<void> {
+                                         edited_ = path;
+                                         if (!hasEditor_) return Failure("No application");
+                                         return {};
+                                       }});
   }
   void OpenWithAllWindows() {
     for (const MenuCommand& command : MainMenuCommands()) desk_.Present.insert(command.Opens);
@@ -27,7 +38,8 @@ class MainMenu : public WindowTest<frmInit> {
 
   std::string connection_;
   std::int16_t level_ = 1;
-  bool hasDatabase_ = false;
+  bool hasDatabase_ = false, hasEditor_ = true;
+  std::string edited_;
   int connects_ = 0;
   std::optional<ChartSourceKind> answer_, source_;
 };
@@ -131,6 +143,78 @@ TEST_F(MainMenu, EndsTheProgramByItsButtonOnly) {
   EXPECT_FALSE(desk_.HasEnded);
   Click(*window_, "cmdExit");
   EXPECT_TRUE(desk_.HasEnded);
+}
+
+TEST_F(MainMenu, OpensTheDefinitionsInAnEditorOrInItsOwnView) {
+  Open();
+  Click(*window_, "cmdViewSettings");
+  EXPECT_EQ(edited_, folder_ / "Definitions.dat");
+  EXPECT_TRUE(desk_.Opened.empty());
+  hasEditor_ = false;
+  Click(*window_, "cmdViewSettings");
+  EXPECT_EQ(desk_.Opened, std::vector{WindowId::Definitions});
+  EXPECT_TRUE(dialogs_.Boxes.empty());
+}
+
+using DefinitionsView = WindowTest<frmDefinitions>;
+
+TEST_F(DefinitionsView, SavesWhatWasEditedAndAsksBeforeItIsLeft) {
+  const ShownBox question{"Definitions.dat", "Would you like to save the definitions before you exit?",
+                          BoxButtons::YesNoCancel, BoxIcon::Question};
+  Remember("HelpSite", "https://one");
+  const auto text = [this] { return &Find<QPlainTextEdit>(*window_, "txtDefinitions"); };
+  Show(ReadDefinitions(folder_.Path()).value());
+  QTest::keyClick(text(), Qt::Key_End);
+  QTest::keyClicks(text(), "2");
+  dialogs_.Answers = {BoxAnswer::Cancel, BoxAnswer::No};
+  QTest::keyClick(text(), Qt::Key_Escape);
+  EXPECT_TRUE(window_->isVisible());
+  window_->close();
+  EXPECT_FALSE(window_->isVisible());
+  EXPECT_EQ(Remembered("HelpSite"), "https://one");
+  EXPECT_EQ(dialogs_.Boxes, (std::vector{question, question}));
+
+  Show(ReadDefinitions(folder_.Path()).value());
+  QTest::keyClick(text(), Qt::Key_End);
+  QTest::keyClicks(text(), "2");
+  ASSERT_TRUE(settings_.Set(setting::UserName, "Anna"));  // meanwhile
+  Click(*window_, "cmdSave");
+  EXPECT_FALSE(window_->isVisible());
+  EXPECT_EQ(Remembered("HelpSite"), "https://one2");
+  EXPECT_EQ(Remembered("frmLogin-UserName"), "Anna");
+  EXPECT_EQ(dialogs_.Boxes.size(), 2U);
+
+  Show(ReadDefinitions(folder_.Path()).value());
+  QTest::keyClick(text(), Qt::Key_Escape);
+  EXPECT_FALSE(window_->isVisible()) << "nothing was changed";
+}
+
+TEST_F(FolderTest, HelpOpensThePageThatComesWithTheProgramUnlessASiteIsNamed) {
+  AppDesk desk({.Folder = folder_.Path()}, dialogs_);
+  desk.Start();
+  Click(*desk.Login(), "cmdOK");
+  QWidget* menu = desk.Window(WindowId::MainMenu);
+  ASSERT_NE(menu, nullptr);
+  QTextBrowser browser;
+  QDesktopServices::setUrlHandler("file", &browser, "setSource");
+  Click(*menu, "cmdHelp");
+  QDesktopServices::unsetUrlHandler("file");
+  EXPECT_EQ(browser.documentTitle(), "Hyetex: an operator's day")
+      << browser.source().toString().toStdString();
+  Click(*menu, "cmdHelp");  // no browser
+  QWidget* view = desk.Window(WindowId::LargeView);
+  ASSERT_NE(view, nullptr);
+  EXPECT_TRUE(Find<QPlainTextEdit>(*view, "txtView").toPlainText().contains("Tracing a chart"));
+  EXPECT_TRUE(dialogs_.Boxes.empty());
+
+  Remember("HelpSite", "https://www.example.org");
+  dialogs_.Answers = {BoxAnswer::Cancel};
+  Click(*menu, "cmdHelp");
+  EXPECT_EQ(dialogs_.Boxes,
+            (std::vector<ShownBox>{{"Asking for help",
+                                    "In order to view the help you need to connected to the internet, "
+                                    "otherwise use the manual.",
+                                    BoxButtons::OkCancel, BoxIcon::None}}));
 }
 
 TEST(DataSourceQuestion, StaysWhenTheDatabaseIsRefused) {

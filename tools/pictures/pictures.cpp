@@ -102,7 +102,9 @@ void TakeLists(AppDesk& desk, Camera& camera) {
   }
   desk.Open(WindowId::ProgramDefaults);
   camera.Take(desk.Window(WindowId::ProgramDefaults), "frmProgramDefaults");
-  for (const WindowId id : {WindowId::ProgramDefaults, WindowId::Lists})
+  desk.Open(WindowId::Definitions);
+  camera.Take(desk.Window(WindowId::Definitions), "frmDefinitions");
+  for (const WindowId id : {WindowId::Definitions, WindowId::ProgramDefaults, WindowId::Lists})
     if (QWidget* window = desk.Window(id)) window->close();
 }
 

@@ -149,8 +149,7 @@ class Synchronising {
 
   // Keys are not cut to fit: a cut one would name another instrument, and be missed at the next run.
   std::optional<std::string> CheckCode(const std::string& code) const {
-    if (CodeParts(code).size() < 3)
-      return "The code does not tell its station; it would need three parts joined by \"-\".";
+    if (const auto why = CheckCodeParts(code)) return why;
     const auto tooLong = [](const std::string& text, const std::vector<CatalogColumn>& columns, int column) {
       return column < static_cast<int>(columns.size()) &&
              CutToWidth(text, columns[static_cast<std::size_t>(column)].Size) != text;

@@ -41,8 +41,8 @@ class mdiHyetex final : public QMainWindow, public Shell, public PopupMenu {
   void OfferDefaults();
 
  signals:
-  void ExitChosen();   ///< the menu's: the program ends at once
-  void CloseChosen();  ///< the frame's own: what is not saved is asked about first
+  void ExitChosen();   ///< the menu's; for both, what is not saved is asked about first
+  void CloseChosen();  ///< the frame's own
   void HelpChosen();
   void DefaultsChosen();
 

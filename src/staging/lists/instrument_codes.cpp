@@ -45,4 +45,37 @@ std::optional<StationRecord> ResolveCode(std::string_view code, const ReferenceL
                        .Agency = static_cast<std::int16_t>(agency - lists.Agencies.begin())};
 }
 
+std::optional<std::string> CheckCodeParts(std::string_view code) {
+  if (CodeParts(code).size() >= 3) return std::nullopt;
+  return "The code does not tell its station; it would need three parts joined by \"-\".";
+}
+
+std::optional<std::string> ProposeCode(const StationRecord& station, std::string_view typed,
+                                       const ReferenceLists& lists) {
+  const auto& core = lists.Cores[static_cast<std::size_t>(station.Core)];
+  const auto& agency = lists.Agencies[static_cast<std::size_t>(station.Agency)].Name;
+  std::string initials = UpperAscii(core.substr(0, 1) + agency.substr(0, 1));
+  const auto isLetter = [](char c) { return c > ' ' && c < 0x7F; };  // and no part of a longer character
+  if (initials.size() < 2 || !std::ranges::all_of(initials, isLetter)) return std::nullopt;
+  if (initials.starts_with('J'))
+    initials[1] = UpperAscii(agency).find("METEO") != std::string::npos ? 'M' : 'W';
+  std::string name = ShownText(station.Name);
+  for (char& c : name)
+    if (c == '-' || c == ',' || c == '/' || c == '\\') c = ' ';
+  name = std::string(Trim(name));
+  const std::string key = initials + "-" + name + "-";
+
+  const auto isGood = [&](const std::string& code) {
+    return ResolveCode(code, lists) && FindStationIgnoringCase(lists.Stations, code) < 0 &&
+           !CheckEntry(StationRecord{station.Name, code, station.Core, station.Agency});
+  };
+  const auto parts = CodeParts(typed);
+  const std::string number(parts.size() > 2 ? typed.substr(parts[0].size() + parts[1].size() + 2)
+                                            : parts.back());
+  if (!number.empty() && !EqualIgnoringCase(number, name) && isGood(key + number)) return key + number;
+  for (int i = 1; i < 100; ++i)
+    if (const std::string code = key + (i < 10 ? "0" : "") + std::to_string(i); isGood(code)) return code;
+  return std::nullopt;
+}
+
 }  // namespace hyetex

@@ -22,4 +22,13 @@ std::string StationKey(std::string_view code);
 /// the words METEO for "M" and WATER for "W". Nothing for a code without "-", or whose letters fit no agency.
 std::optional<StationRecord> ResolveCode(std::string_view code, const ReferenceLists& lists);
 
+/// Why a code tells the database too little: it has fewer than three parts. Nothing if it does not.
+std::optional<std::string> CheckCodeParts(std::string_view code);
+
+/// A code of the form above for a station of the lists, made of the names of its core party, agency and of
+/// its own, and of what `typed` tells of its number, or else the first number that is free. Nothing where the
+/// names give none that ResolveCode() takes, or none that fits.
+std::optional<std::string> ProposeCode(const StationRecord& station, std::string_view typed,
+                                       const ReferenceLists& lists);
+
 }  // namespace hyetex

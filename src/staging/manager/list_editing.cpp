@@ -4,6 +4,8 @@
 #include <array>
 #include <utility>
 
+#include "staging/manager/entry_checks.h"
+
 namespace hyetex {
 namespace {
 
@@ -162,6 +164,8 @@ std::optional<Refusal> CheckDelete(const ReferenceLists& lists, ListPlace place)
                return each.Agency == lists.Stations[index].Agency;
              }) <= 1;
   }
+  if (!isLast && place.Kind == ListKind::User && IsLastAdministrator(lists.Users, place.Index))
+    return Refusal{"Deleting a user", "you cannot delete the last administrator"};
   if (!isLast) return std::nullopt;
   return LastOnes[static_cast<std::size_t>(place.Kind)];
 }

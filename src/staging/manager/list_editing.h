@@ -42,7 +42,7 @@ Result<std::int16_t> InsertEntry(ReferenceLists& lists, int behind, CommentRecor
 /// Gives an agency that has no station one, and tells whether it did.
 Result<bool> EnsureStation(ReferenceLists& lists, int agency);
 
-/// Why the entry is the last one that may not go; nothing if it may.
+/// Why the entry is the last one, or the last administrator, that may not go; nothing if it may.
 std::optional<Refusal> CheckDelete(const ReferenceLists& lists, ListPlace place);
 /// Takes out the entry with all that stands under it, unless CheckDelete() refuses. The place stays, or moves
 /// to the last entry where it was behind it.

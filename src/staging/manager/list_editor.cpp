@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <array>
 #include <numeric>
+#include <type_traits>
 #include <utility>
 
 #include "core/numbers.h"
 #include "core/text.h"
+#include "staging/lists/instrument_codes.h"
 #include "staging/lists/list_recovery.h"
 #include "staging/lists/login.h"
+#include "staging/manager/entry_checks.h"
 
 namespace hyetex {
 namespace {
@@ -51,6 +54,7 @@ std::optional<std::string> ListEditor::Ask(const Prompt& prompt, const std::stri
                                        : dialogs_.InputBox(title, text, initial);
     if (!typed) return std::nullopt;
     const std::string answer = OneLine(*typed == shown ? old : *typed);
+    if (!prompt.IsSecret && Trim(answer).empty()) return std::string();  // a name of blanks is none
     const std::optional<std::string> refusal = answer.empty() ? std::nullopt : check(answer);
     if (!refusal) return answer;
     Tell(title, *refusal);
@@ -63,17 +67,22 @@ bool ListEditor::Put(Compose compose) {
   const Prompts& ask = TextsOf(Place.Kind).Add;
   const auto refuse = [&](const std::string& why) { return Tell(ask.First.Title, why), false; };
   if (const auto full = CheckRoomFor(lists_, Place.Kind)) return refuse(*full);
-  const auto first =
-      Ask(ask.First, {}, [&](const std::string& typed) { return CheckEntry(compose(typed, std::string())); });
+  const auto check = [&](const std::string& first, const std::string& second) {
+    const auto record = compose(first, second);
+    const auto why = CheckEntry(record);
+    return why ? why : CheckUnique(lists_, record);
+  };
+  const auto first = Ask(ask.First, {}, [&](const std::string& typed) { return check(typed, {}); });
   if (!first || first->empty()) return false;
   std::string second;
   if (!ask.Second.Text.empty()) {
-    const auto typed =
-        Ask(ask.Second, {}, [&](const std::string& text) { return CheckEntry(compose(*first, text)); });
+    const auto typed = Ask(ask.Second, {}, [&](const std::string& text) { return check(*first, text); });
     if (!typed) return false;
     second = *typed;
   }
-  const auto at = InsertEntry(lists_, Place.Index, compose(*first, second));
+  auto record = compose(*first, second);
+  if constexpr (std::is_same_v<decltype(record), StationRecord>) OfferCode(record, ask.Second);
+  const auto at = InsertEntry(lists_, Place.Index, std::move(record));
   if (!at) return refuse(at.error());
   Place.Index = *at;
   isUnsaved_ = true;
@@ -82,16 +91,19 @@ bool ListEditor::Put(Compose compose) {
 
 void ListEditor::Add() {
   if (!IsIn(lists_, Place)) return;
+  const auto index = static_cast<std::size_t>(Place.Index);
   switch (Place.Kind) {
     case ListKind::Core:
       Put([](const std::string& name, const std::string&) { return name; });
       break;
     case ListKind::Agency:
-      Put([](const std::string& name, const std::string&) { return AgencyRecord{name, 0}; });
+      Put([core = lists_.Agencies[index].Core](const std::string& name, const std::string&) {
+        return AgencyRecord{name, core};
+      });
       break;
     case ListKind::Station:
-      Put([](const std::string& name, const std::string& code) {
-        return StationRecord{name, CodeOrNone(code), 0, 0};
+      Put([here = lists_.Stations[index]](const std::string& name, const std::string& code) {
+        return StationRecord{name, CodeOrNone(code), here.Core, here.Agency};
       });
       break;
     case ListKind::User:
@@ -122,7 +134,8 @@ bool ListEditor::ChangeText(Record& record, Field field, const Prompt& prompt) {
   const auto answer = Ask(prompt, old, [&](const std::string& typed) {
     Record changed = record;
     field(changed) = typed;
-    return CheckEntry(changed);
+    const auto why = CheckEntry(changed);
+    return why ? why : CheckUnique(lists_, changed, Place.Index);
   });
   if (!answer || answer->empty()) return false;
   if (*answer != old) isUnsaved_ = true;
@@ -150,6 +163,7 @@ void ListEditor::Change() {
       if (ChangeText(lists_.Users[index], name, ask.First))
         ChangeText(
             lists_.Users[index], [](UserRecord& user) -> std::string& { return user.Password; }, ask.Second);
+      TakeOutUnnamed();
       break;
     case ListKind::ChartType:
       ChangeText(lists_.ChartTypes[index], name, ask.First);
@@ -168,6 +182,7 @@ void ListEditor::ChangeCode(StationRecord& station, const Prompt& prompt) {
           changed, [](StationRecord& each) -> std::string& { return each.InstrumentCode; }, prompt) ||
       changed.InstrumentCode == station.InstrumentCode)
     return;
+  OfferCode(changed, prompt);
   const Result<int> carried = renames_.Rename(station.InstrumentCode, changed.InstrumentCode);
   if (!carried) return Tell(CodeChangeTitle, carried.error());
   if (*carried > 0)
@@ -176,9 +191,26 @@ void ListEditor::ChangeCode(StationRecord& station, const Prompt& prompt) {
   station.InstrumentCode = changed.InstrumentCode;
 }
 
+void ListEditor::OfferCode(StationRecord& station, const Prompt& prompt) {
+  if (!HasInstrumentCode(station)) return;
+  auto why = CheckCodeParts(station.InstrumentCode);
+  if (!why && !ResolveCode(station.InstrumentCode, lists_))
+    why = "It does not begin with the first letters of a core and of one of its agencies.";
+  if (!why) return;
+  const std::string told = "The code \"" + ShownText(station.InstrumentCode) +
+                           "\" will not be synchronised with the database. " + *why;
+  const auto better = ProposeCode(station, station.InstrumentCode, lists_);
+  if (!better) return Tell(prompt.Title, told + " It is kept as it is.");
+  if (dialogs_.MessageBox(std::string(prompt.Title),
+                          told + "\n\nWould you like to take \"" + *better + "\" instead ?",
+                          BoxButtons::YesNo, BoxIcon::Question) == BoxAnswer::Yes)
+    station.InstrumentCode = *better;
+}
+
 void ListEditor::ChangeComment(CommentRecord& comment, const Prompts& ask) {
-  const auto code = Ask(ask.First, ShortText(comment.Code),
-                        [](const std::string&) { return std::optional<std::string>(); });
+  const auto code = Ask(ask.First, ShortText(comment.Code), [&](const std::string& typed) {
+    return CheckUnique(lists_, CommentRecord{comment.Description, LeadingFloat(typed)}, Place.Index);
+  });
   if (!code || code->empty()) return;
   comment.Code = LeadingFloat(*code);
   isUnsaved_ = true;
@@ -208,12 +240,44 @@ bool ListEditor::EnsureStationHere() {
 }
 
 void ListEditor::SetLevel(int user, int levelIndex) {
-  if (!IsIn(lists_, {ListKind::User, static_cast<std::int16_t>(user)})) return;
-  lists_.Users[static_cast<std::size_t>(user)].Level = Levels.at(static_cast<std::size_t>(levelIndex));
+  const ListPlace place{ListKind::User, static_cast<std::int16_t>(user)};
+  if (!IsIn(lists_, place)) return;
+  Place = place;
+  const std::int16_t level = Levels.at(static_cast<std::size_t>(levelIndex));
+  if (!IsAllowed(Right::Users, level) && IsLastAdministrator(lists_.Users, user))
+    return Tell(Title, "you cannot take the level of the last administrator");
+  lists_.Users[static_cast<std::size_t>(user)].Level = level;
   isUnsaved_ = true;
+  TakeOutUnnamed();
+}
+
+void ListEditor::TakeOutUnnamed() {
+  if (NamedAdministrator(lists_.Users) < 0) return;
+  const auto isAdministrator = [&](int user) {
+    return IsAllowed(Right::Users, lists_.Users[static_cast<std::size_t>(user)].Level);
+  };
+  bool isTold = false;
+  for (int user = LastIndex(lists_, ListKind::User); user >= 0; --user) {
+    // An operator under that entry goes on as the administrator, but nobody gains rights by it.
+    if (!IsUnnamed(lists_.Users[static_cast<std::size_t>(user)]) ||
+        (user == currentUser_ && !isAdministrator(user)))
+      continue;
+    lists_.Users.erase(lists_.Users.begin() + user);
+    if (user == currentUser_)
+      currentUser_ = static_cast<std::int16_t>(NamedAdministrator(lists_.Users));
+    else if (user < currentUser_)
+      --currentUser_;
+    if (Place.Kind == ListKind::User && (Place.Index > user || !IsIn(lists_, Place))) --Place.Index;
+    isUnsaved_ = isTold = true;
+  }
+  if (isTold)
+    Tell(Title,
+         "The user without a name, who needs no password, has been taken out: there is an "
+         "administrator now.");
 }
 
 bool ListEditor::Save() {
+  TakeOutUnnamed();
   if (const auto saved = SaveLists(settings_.Folder(), lists_); !saved)
     return Tell(Title, saved.error()), false;
   CarryChartTypes();

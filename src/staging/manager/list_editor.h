@@ -38,7 +38,8 @@ class ListEditor {
 
   /// Gives the agency at the place its first station if it has none, and tells whether it did.
   bool EnsureStationHere();
-  /// By the index of the levels' box: 0 administrator, 1 database operator, 2 digitizer operator.
+  /// By the index of the levels' box: 0 administrator, 1 database operator, 2 digitizer operator. The user is
+  /// the place from then on. Refuses to leave the lists without an administrator.
   void SetLevel(int user, int levelIndex);
   /// A chart type that has been changed some other way.
   void Touched() { isUnsaved_ = true; }
@@ -57,6 +58,10 @@ class ListEditor {
   bool ChangeText(Record& record, Field field, const Prompt& prompt);
   void ChangeCode(StationRecord& station, const Prompt& prompt);
   void ChangeComment(CommentRecord& comment, const Prompts& ask);
+  /// Tells that a code is not one that the database would get, and offers one that is.
+  void OfferCode(StationRecord& station, const Prompt& prompt);
+  /// The entry without a name is open to everybody; it goes once there is an administrator.
+  void TakeOutUnnamed();
   template <typename Check>
   std::optional<std::string> Ask(const Prompt& prompt, const std::string& old, Check check);
   void Tell(std::string_view title, const std::string& text);

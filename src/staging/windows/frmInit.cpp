@@ -8,7 +8,6 @@
 #include "core/files.h"
 #include "platform/odbc/connection_text.h"
 #include "platform/qt_text.h"
-#include "platform/shell.h"
 
 namespace hyetex {
 namespace {
@@ -52,8 +51,8 @@ frmInit::frmInit(Desk& desk, Dialogs& dialogs, Settings& settings, std::string& 
   }
 
   connect(cmdViewSettings, &QPushButton::clicked, this, [this] {
-    const auto opened = OpenTextFile(JoinPath(settings_.Folder(), DefinitionsFileName));
-    if (!opened) dialogs_.MessageBox("Main Menu", opened.error(), BoxButtons::Ok, BoxIcon::Warning);
+    if (!services_.OpenText(JoinPath(settings_.Folder(), DefinitionsFileName)))
+      desk_.Open(WindowId::Definitions);
   });
   connect(cmdHelp, &QPushButton::clicked, this, [this] { services_.Help(); });
   connect(cmdExit, &QPushButton::clicked, this, [this] { desk_.EndProgram(); });

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "core/result.h"
 #include "platform/dialogs.h"
 #include "platform/form_window.h"
 #include "staging/main_menu.h"
@@ -19,6 +20,8 @@ struct MainMenuServices {
   std::function<std::optional<ChartSourceKind>()> AskForSource;
   std::function<void(ChartSourceKind)> SetSource;  ///< of the editor, before it opens
   std::function<void()> Help;
+  /// Opens a text file in the system's editor; fails where there is none.
+  std::function<Result<void>(const std::string& path)> OpenText;
 };
 
 class frmInit : public FormWindow {

@@ -1,7 +1,6 @@
 #include "staging/windows/frmLists.h"
 
 #include <QCloseEvent>
-#include <QKeyEvent>
 #include <QSignalBlocker>
 
 #include "core/numbers.h"
@@ -48,8 +47,11 @@ frmLists::frmLists(Desk& desk, Dialogs& dialogs, Settings& settings, ReferenceLi
   connect(tvwStations, &QTreeWidget::itemActivated, this, &frmLists::StationClicked);
   connect(lstUsers, &QListWidget::currentRowChanged, this, &frmLists::ShowUser);
   connect(lstChart, &QListWidget::currentRowChanged, this, &frmLists::ShowChartType);
-  connect(comLevel, &QComboBox::activated, this,
-          [this](int level) { editor_.SetLevel(lstUsers->currentRow(), level); });
+  connect(comLevel, &QComboBox::activated, this, [this](int level) {
+    editor_.SetLevel(lstUsers->currentRow(), level);
+    UpdateLists();
+    SelectPlace();
+  });
   connect(comMethod, &QComboBox::activated, this, &frmLists::SetMethod);
   connect(txtHeight, &QLineEdit::editingFinished, this, &frmLists::TakeHeight);
   for (int i = 0; i < 2; ++i)
@@ -57,11 +59,7 @@ frmLists::frmLists(Desk& desk, Dialogs& dialogs, Settings& settings, ReferenceLi
             [this, i] { AskForScale(i); });
   connect(cmdReadTable, &QPushButton::clicked, this, [this] { services_.Synchronise(); });
   connect(cmdSave, &QPushButton::clicked, this, &frmLists::SaveAndClose);
-  connect(cmdCancel, &QPushButton::clicked, this, [this] {
-    editor_.Discard();
-    UpdateLists();
-    close();
-  });
+  connect(cmdCancel, &QPushButton::clicked, this, &QWidget::close);
   OfferPopup(tvwStations, [this] {
     const TreeNode* node = tvwStations->Current();
     return node != nullptr && TakePlace(node->Kind, node->Index);
@@ -249,15 +247,6 @@ void frmLists::closeEvent(QCloseEvent* event) {
     if (answer == BoxAnswer::Cancel || (answer == BoxAnswer::Yes && !editor_.Save())) return event->ignore();
   }
   FormWindow::closeEvent(event);
-}
-
-// Escape leaves as the frame's button does: what is not saved is asked about. The button that gives up at
-// once is only meant when it is pressed itself.
-void frmLists::keyPressEvent(QKeyEvent* event) {
-  if (event->key() == Qt::Key_Escape)
-    close();
-  else
-    FormWindow::keyPressEvent(event);
 }
 
 }  // namespace hyetex

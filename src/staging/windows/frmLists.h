@@ -46,7 +46,6 @@ class frmLists final : public FormWindow, public FocusListener {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
-  void keyPressEvent(QKeyEvent* event) override;
 
  private:
   void MakeLayout();

@@ -81,7 +81,7 @@ void frmLists::MakeLayout() {
   lstComment = MakeList("lstComment", "Comments");
   cmdSave = Named(new QPushButton(tr("&Save Lists")), "cmdSave");
   cmdCancel = Named(new QPushButton(tr("&Return to Main Menu")), "cmdCancel");
-  cmdCancel->setToolTip(tr("Gives up all changes since the lists were last saved."));
+  cmdCancel->setToolTip(tr("Asks about changes that are not saved."));
   cmdReadTable = Named(new QPushButton(tr("Read Station from data&base")), "cmdReadTable");
   auto* labHelp = Named(new QLabel(tr("Click on the lists with the right button of the mouse to use the Edit "
                                       "menu. To finish click on \"Save Lists\" button.")),
@@ -109,7 +109,7 @@ void frmLists::MakeLayout() {
   all->addWidget(labHelp);
   all->addLayout(buttons);
   // Return in a list or a box must not save and close, so there is no default button.
-  for (QPushButton* button : findChildren<QPushButton*>()) button->setAutoDefault(true);
+  SetKeyButtons(nullptr, cmdCancel);
   LinkTabs({tvwStations, lstUsers, comLevel, lstChart, comMethod, txtHeight, cmdScale[0], cmdScale[1],
             lstComment, cmdReadTable, cmdSave, cmdCancel});
 }

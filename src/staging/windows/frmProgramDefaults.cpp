@@ -1,15 +1,29 @@
 #include "staging/windows/frmProgramDefaults.h"
 
 #include <QHBoxLayout>
+#include <QLineEdit>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <filesystem>
 
 #include "core/numbers.h"
 #include "platform/controls.h"
 #include "platform/qt_text.h"
+#include "platform/serial_devices.h"
 #include "staging/manager/chart_type_editing.h"
 
 namespace hyetex {
+namespace {
+
+struct PortTexts {
+  const char *Name, *Caption;
+};
+constexpr std::array<PortTexts, LastSearchedPort - FirstSearchedPort + 1> Ports{
+    {{"cboPort1", "&Port of the Digitizer, COM1:"}, {"cboPort2", "Second Po&rt, COM2:"}}};
+
+std::string PortNumber(std::size_t port) { return ShortText(FirstSearchedPort + static_cast<int>(port)); }
+
+}  // namespace
 
 frmProgramDefaults::frmProgramDefaults(Desk& desk, Dialogs& dialogs, Settings& settings,
                                        const ReferenceLists& lists, std::int16_t& currentChart,
@@ -38,6 +52,13 @@ frmProgramDefaults::frmProgramDefaults(Desk& desk, Dialogs& dialogs, Settings& s
   all->addWidget(LabelOf("Default Chart &Type:", comChartType));
   all->addWidget(comChartType);
   for (QLabel* label : {labHeightScale, labDepthScale, labHeight}) all->addWidget(label);
+  all->addSpacing(12);
+  for (std::size_t i = 0; i < Ports.size(); ++i) {
+    cboPort[i] = Named(new QComboBox, Ports[i].Name);
+    all->addWidget(LabelOf(Ports[i].Caption, cboPort[i]));
+    all->addWidget(cboPort[i]);
+  }
+  FillPorts();
   all->addStretch();
   all->addSpacing(12);
   all->addLayout(buttons);
@@ -51,6 +72,43 @@ frmProgramDefaults::frmProgramDefaults(Desk& desk, Dialogs& dialogs, Settings& s
   ShowChartType(comChartType->currentIndex());
 }
 
+void frmProgramDefaults::FillPorts() {
+  const std::vector<std::string> devices = SerialDevices();
+  for (std::size_t i = 0; i < cboPort.size(); ++i) {
+    cboPort[i]->setEditable(true);
+    cboPort[i]->setInsertPolicy(QComboBox::NoInsert);
+    cboPort[i]->setMinimumContentsLength(30);
+    for (const std::string& device : devices) cboPort[i]->addItem(ToQt(device));
+    const QString own = i < devices.size() ? ToQt(devices[i]) : tr("none");
+    cboPort[i]->lineEdit()->setPlaceholderText(tr("The machine's serial device %1: %2").arg(i + 1).arg(own));
+    cboPort[i]->setToolTip(
+        tr("Choose a serial device, or type its path. Empty: the machine's serial device %1.").arg(i + 1));
+    cboPort[i]->setCurrentText(ToQt(settings_.Get(setting::SerialPort, PortNumber(i))));
+  }
+}
+
+bool frmProgramDefaults::KeepPorts() {
+  const std::string title = FromQt(windowTitle());
+  for (std::size_t i = 0; i < cboPort.size(); ++i) {
+    const std::string device = FromQt(cboPort[i]->currentText().trimmed());
+    if (device == settings_.Get(setting::SerialPort, PortNumber(i))) continue;
+    std::error_code error;
+    // A device may be plugged in later; what is no path is a name that only the system knows.
+    if (device.starts_with('/') && !std::filesystem::exists(device, error) &&
+        dialogs_.MessageBox(title,
+                            "There is no device " + device + " at present. Would you like to keep it ?",
+                            BoxButtons::YesNo, BoxIcon::Question) != BoxAnswer::Yes) {
+      cboPort[i]->setFocus();
+      return false;
+    }
+    if (const auto kept = settings_.Set(setting::SerialPort, PortNumber(i), device); !kept) {
+      dialogs_.MessageBox(title, kept.error(), BoxButtons::Ok, BoxIcon::Warning);
+      return false;
+    }
+  }
+  return true;
+}
+
 void frmProgramDefaults::ShowChartType(int index) {
   // The lists may have been changed while this window is open.
   if (index < 0 || index >= static_cast<int>(lists_.ChartTypes.size())) return;
@@ -62,7 +120,7 @@ void frmProgramDefaults::ShowChartType(int index) {
 
 void frmProgramDefaults::Done() {
   const int index = comChartType->currentIndex();
-  if (index < 0 || index >= static_cast<int>(lists_.ChartTypes.size())) return;
+  if (index < 0 || index >= static_cast<int>(lists_.ChartTypes.size()) || !KeepPorts()) return;
   currentChart_ = static_cast<std::int16_t>(index);
   for (const Int16Key& key : {setting::DefaultsChart, setting::CurrentChart})
     if (const auto kept = settings_.Set(key, index); !kept)

@@ -1,14 +1,17 @@
-// The chart type that charts are taken to be on until another one is chosen.
+// What holds until another is chosen: the chart type that charts are taken to be on, and the serial devices
+// on which the tablet is looked for.
 #pragma once
 
 #include <QComboBox>
 #include <QLabel>
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <string>
 
 #include "platform/dialogs.h"
 #include "platform/form_window.h"
+#include "platform/serial_line.h"
 #include "staging/lists/lists.h"
 
 namespace hyetex {
@@ -23,6 +26,9 @@ class frmProgramDefaults : public FormWindow {
                      QWidget* parent = nullptr);
 
  private:
+  void FillPorts();
+  /// False if something was told, or the operator would rather correct it.
+  bool KeepPorts();
   void ShowChartType(int index);
   void Done();
 
@@ -32,6 +38,8 @@ class frmProgramDefaults : public FormWindow {
   const std::function<void()> chosen_;
 
   QComboBox* comChartType;
+  /// Empty: the machine's own device of that number.
+  std::array<QComboBox*, LastSearchedPort - FirstSearchedPort + 1> cboPort;
   QLabel *labHeightScale, *labDepthScale, *labHeight;
   QPushButton *cmdDone, *cmdCancel;
 };

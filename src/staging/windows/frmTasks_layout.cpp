@@ -24,9 +24,6 @@ QGroupBox* Group(const char* title, QLayout* layout) {
 void frmTasks::MakeLayout() {
   tvwStations = Named(new StationView, "tvwStations");
   tvwStations->setAccessibleName(tr("Stations"));
-  // A long name is scrolled to, not cut.
-  tvwStations->header()->setStretchLastSection(false);
-  tvwStations->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
   tvwStations->setMinimumWidth(fontMetrics().averageCharWidth() * 52);
 
   auto* upper = new QHBoxLayout;
@@ -126,8 +123,8 @@ QWidget* frmTasks::MakeTablet() {
   layout->setRowStretch(TabletTypeCount + 1, 1);
   auto* group = Group("Digitizer", layout);
   group->setToolTip(
-      tr("The digitizer is looked for on COM1 and COM2 in turn. The settings %1 and %2 name their devices.")
-          .arg(ToQt(SettingName(setting::SerialPort, "1")), ToQt(SettingName(setting::SerialPort, "2"))));
+      tr("The digitizer is looked for on COM1 and COM2 in turn. Definitions, Program Defaults names their "
+         "devices."));
   return group;
 }
 

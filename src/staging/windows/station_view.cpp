@@ -1,5 +1,6 @@
 #include "staging/windows/station_view.h"
 
+#include <QHeaderView>
 #include <QSignalBlocker>
 #include <QStyle>
 #include <array>
@@ -19,6 +20,9 @@ constexpr std::array<QStyle::StandardPixmap, 3> Icons{QStyle::SP_DirIcon, QStyle
 StationView::StationView(QWidget* parent) : QTreeWidget(parent) {
   setHeaderHidden(true);
   setUniformRowHeights(true);
+  // A long name or code is scrolled to, not cut.
+  header()->setStretchLastSection(false);
+  header()->setSectionResizeMode(QHeaderView::ResizeToContents);
 }
 
 void StationView::Show(const ReferenceLists& lists) {

@@ -87,7 +87,7 @@ class Anything : public ScriptedDialogs {
       case 3:
         return "a,b/c\n\xEC";
       default:
-        return "N" + std::to_string(++typed_);  // never the same twice
+        return std::to_string(++typed_);  // never the same twice, as a name or a number
     }
   }
 
@@ -190,6 +190,9 @@ TEST_F(Editing, RefusesToDeleteTheLastOneAndTheOperator) {
   EXPECT_EQ(refusal(ListKind::Core, 0), Boxes{}) << "with all that stands under it";
   EXPECT_EQ(Places(lists_), (std::map<std::string, std::string>{{"SF-1", "South\\Farms"}}));
   EXPECT_EQ(refusal(ListKind::Core, 0), Boxes{Warning("Deleting a core", "you cannot delete all the cores")});
+  EXPECT_EQ(refusal(ListKind::User, 0),
+            Boxes{Warning("Deleting a user", "you cannot delete the last administrator")});
+  lists_.Users[1].Level = 1;
   EXPECT_EQ(refusal(ListKind::User, 0), Boxes{});
   EXPECT_EQ(lists_.Users[static_cast<std::size_t>(user_)].Name, "Bob");
   EXPECT_EQ(refusal(ListKind::User, 1), Boxes{});
@@ -205,7 +208,7 @@ TEST_F(Editing, RefusesToDeleteTheLastOneAndTheOperator) {
 
 TEST_F(Editing, AsksAgainForWhatDoesNotFitAndStopsAtAnEmptyAnswer) {
   const std::string tooLong(119, 'x');
-  dialogs_.Typed = {tooLong, "Pond", "P,1", "NW-9"};
+  dialogs_.Typed = {tooLong, "Pond", "P,1", "NW-Pond-9"};
   At(ListKind::Station, 1);
   editor_.Add();
   ASSERT_EQ(dialogs_.Inputs.size(), 4U);
@@ -215,7 +218,7 @@ TEST_F(Editing, AsksAgainForWhatDoesNotFitAndStopsAtAnEmptyAnswer) {
       (ShownInput{"Adding a station", "Please write the instrument_code_id for the new station", "P,1"}));
   ASSERT_EQ(dialogs_.Boxes.size(), 2U);
   EXPECT_THAT(dialogs_.Boxes[0].Text, HasSubstr("at most 120 bytes"));
-  EXPECT_EQ(Places(lists_)["NW-9"], "North\\Water");
+  EXPECT_EQ(Places(lists_)["NW-Pond-9"], "North\\Water");
   EXPECT_EQ(editor_.Place.Index, 2);
 
   const auto before = Places(lists_);
@@ -245,7 +248,7 @@ TEST_F(Editing, CarriesANewInstrumentCodeIntoTheStagedCharts) {
   const std::string line = " , 01/02/1998 , 08/02/1998 , 3 , -1 , 1\r\nCODE205\r\n";
   const std::string before = "NW-1" + line + "NW-11" + line + "NW-1" + line;
   Stage(before);
-  Type({"Hilltop", "NW-7"});
+  Type({"Hilltop", "NW-Hill-7"});
   At(ListKind::Station, 0);
   editor_.Change();
   EXPECT_EQ(dialogs_.Inputs, (std::vector<ShownInput>{
@@ -254,15 +257,15 @@ TEST_F(Editing, CarriesANewInstrumentCodeIntoTheStagedCharts) {
   EXPECT_EQ(dialogs_.Boxes,
             (std::vector<ShownBox>{{"Changing an instrument code",
                                     "The code has been change as a result in 2 tasks in the task list"}}));
-  EXPECT_EQ(Staged(), "NW-7" + line + "NW-11" + line + "NW-7" + line);
-  EXPECT_EQ(lists_.Stations[0].InstrumentCode, "NW-7");
+  EXPECT_EQ(Staged(), "NW-Hill-7" + line + "NW-11" + line + "NW-Hill-7" + line);
+  EXPECT_EQ(lists_.Stations[0].InstrumentCode, "NW-Hill-7");
 
   editor_.Discard();
   EXPECT_EQ(Staged(), before) << "or the charts would wait for a station that there is not";
   EXPECT_EQ(lists_.Stations[0].InstrumentCode, "NW-1");
 
   dialogs_.Boxes.clear();
-  Type({"Hilltop", "NW-7", "Dam", "NW-8", "Millpond", ""});
+  Type({"Hilltop", "NW-Hill-7", "Dam", "NW-Dam-8", "Millpond", ""});
   for (const int station : {0, 1, 2}) {
     At(ListKind::Station, station);
     editor_.Change();
@@ -271,8 +274,122 @@ TEST_F(Editing, CarriesANewInstrumentCodeIntoTheStagedCharts) {
   EXPECT_EQ(lists_.Stations[2].Name + lists_.Stations[2].InstrumentCode, "MillpondNW-3");
   ASSERT_TRUE(editor_.Save());
   editor_.Discard();
-  EXPECT_EQ(Staged(), "NW-7" + line + "NW-11" + line + "NW-7" + line);
-  EXPECT_EQ(Places(lists_).count("NW-7"), 1U);
+  EXPECT_EQ(Staged(), "NW-Hill-7" + line + "NW-11" + line + "NW-Hill-7" + line);
+  EXPECT_EQ(Places(lists_).count("NW-Hill-7"), 1U);
+}
+
+TEST_F(Editing, RefusesNamesAndCodesThatAreThereButLeavesOldDoublesAlone) {
+  lists_.Stations[1].InstrumentCode = "nw-1";  // from the time before
+  lists_.Users[2].Name = "anna";
+  // The first answer is there already, the second is not.
+  const struct {
+    ListKind Kind;
+    int At;
+    std::initializer_list<const char*> Answers;
+    std::string Told;
+  } additions[] = {
+      {ListKind::Core, 0, {" north ", "Middle"}, "There is a core \"North\" already."},
+      {ListKind::Agency, 1, {"WATER", "Farms"}, "The core has an agency \"Water\" already."},
+      {ListKind::Station,
+       0,
+       {"Hill", "nw-3", "NW-Hill-2"},
+       "The station \"Mill\" has the code \"NW-3\" already."},
+      {ListKind::User, 0, {"BOB", "Zoe", "z"}, "There is a user \"Bob\" already."},
+      {ListKind::ChartType, 0, {"weekly", "Yearly"}, "There is a chart type \"Weekly\" already."},
+      {ListKind::Comment, 0, {"302.0", "303", "Dry"}, "There is a comment with the code 302 already."},
+  };
+  for (const auto& each : additions) {
+    dialogs_.Boxes.clear();
+    Type(each.Answers);
+    At(each.Kind, each.At);
+    const int last = LastIndex(lists_, each.Kind);
+    editor_.Add();
+    ASSERT_EQ(dialogs_.Boxes.size(), 1U) << each.Told;
+    EXPECT_EQ(dialogs_.Boxes[0].Text, each.Told);
+    EXPECT_EQ(LastIndex(lists_, each.Kind), last + 1) << each.Told;
+  }
+
+  dialogs_.Boxes.clear();
+  Type({"Anna", "new", "Bob", "Cid", "", "Dam", "nw-1"});
+  At(ListKind::User, 0);
+  editor_.Change();
+  EXPECT_EQ(lists_.Users[0].Password, "new") << "though another one has the name";
+  At(ListKind::User, 3);
+  editor_.Change();
+  EXPECT_EQ(lists_.Users[3].Name, "Cid");
+  At(ListKind::Station, 2);
+  editor_.Change();
+  ASSERT_EQ(dialogs_.Boxes.size(), 1U);
+  EXPECT_EQ(dialogs_.Boxes[0].Text, "There is a user \"Bob\" already.");
+}
+
+TEST_F(Editing, OffersACodeThatTheDatabaseGets) {
+  const auto told = [](const char* code, const char* why) {
+    return "The code \"" + std::string(code) + "\" will not be synchronised with the database. " + why;
+  };
+  const char* parts = "The code does not tell its station; it would need three parts joined by \"-\".";
+  const char* letters = "It does not begin with the first letters of a core and of one of its agencies.";
+  dialogs_.Answers = {BoxAnswer::Yes, BoxAnswer::No};
+  Type({"Pond", "AL0019", "Lake", "XX-Lake-2"});
+  At(ListKind::Station, 2);
+  editor_.Add();
+  EXPECT_EQ(lists_.Stations[3].InstrumentCode, "NW-Pond-AL0019");
+  editor_.Add();
+  EXPECT_EQ(lists_.Stations[4].InstrumentCode, "XX-Lake-2");
+  EXPECT_EQ(dialogs_.Boxes,
+            (std::vector<ShownBox>{
+                {"Adding a station",
+                 told("AL0019", parts) + "\n\nWould you like to take \"NW-Pond-AL0019\" instead ?",
+                 BoxButtons::YesNo, BoxIcon::Question},
+                {"Adding a station",
+                 told("XX-Lake-2", letters) + "\n\nWould you like to take \"NW-Lake-2\" instead ?",
+                 BoxButtons::YesNo, BoxIcon::Question}}));
+
+  dialogs_.Boxes.clear();
+  dialogs_.Answers = {BoxAnswer::Yes};
+  Type({"Pond", "NW-Pond"});
+  At(ListKind::Station, 3);
+  editor_.Change();
+  EXPECT_EQ(lists_.Stations[3].InstrumentCode, "NW-Pond-01");
+  lists_.Agencies[2].Name = "\xC3\x89tat";  // no letter that a code could begin with
+  Type({"Shed", "SF-1x"});
+  At(ListKind::Station, 5);
+  editor_.Add();
+  EXPECT_EQ(dialogs_.Boxes.back(),
+            Warning("Adding a station", told("SF-1x", parts) + " It is kept as it is."));
+}
+
+TEST_F(Editing, KeepsAnAdministratorAndClosesTheOpenEntry) {
+  EXPECT_EQ(user_, 1);
+  editor_.SetLevel(0, 2);
+  EXPECT_EQ(
+      dialogs_.Boxes,
+      (std::vector<ShownBox>{Warning("Edit Lists", "you cannot take the level of the last administrator")}));
+  EXPECT_EQ(lists_.Users[0].Level, 1);
+  EXPECT_FALSE(editor_.IsUnsaved());
+
+  // A new installation: the operator stands under the entry without a name.
+  dialogs_.Boxes.clear();
+  lists_.Users = {{"", "", 0}, {"Anna", "a", 10}, {"Bob", "b", 5}};
+  user_ = 0;
+  editor_.SetLevel(0, 2);
+  EXPECT_EQ(lists_.Users[0].Level, 0) << "nobody else could open the users";
+  editor_.SetLevel(2, 0);
+  ASSERT_EQ(lists_.Users.size(), 2U);
+  EXPECT_EQ(lists_.Users[static_cast<std::size_t>(user_)].Name, "Bob");
+  EXPECT_EQ(editor_.Place.Index, 1) << "the one whose level was set";
+  EXPECT_EQ(dialogs_.Boxes.size(), 2U);
+
+  // Lists of before may have both, and an open entry that is not the operator's to rise from.
+  lists_.Users = {{"Anna", "a", 1}, {" ", "", 10}, {"", "", 0}, {"Cid", "c", 10}};
+  user_ = 1;
+  ASSERT_TRUE(editor_.Save());
+  ASSERT_EQ(lists_.Users.size(), 3U);
+  EXPECT_EQ(user_, 1);
+  user_ = 2;
+  ASSERT_TRUE(editor_.Save());
+  EXPECT_EQ(lists_.Users.size(), 2U);
+  EXPECT_EQ(lists_.Users[static_cast<std::size_t>(user_)].Name, "Cid");
 }
 
 TEST_F(Editing, TakesBackEveryNewInstrumentCode) {
@@ -283,25 +400,25 @@ TEST_F(Editing, TakesBackEveryNewInstrumentCode) {
   ListEditor editor(dialogs_, settings_, lists_, user_, [&](const auto& oldCode, const auto& newCode) {
     if (held == oldCode) held = newCode;
   });
-  Type({"Hill", "NW-7", "Hill", "NW-8", "Dam", "NW-9"});
+  Type({"Hill", "NW-Hill-7", "Hill", "NW-Hill-8", "Dam", "NW-Dam-9"});
   for (const int station : {0, 0, 1}) {
     editor.Place = {ListKind::Station, static_cast<std::int16_t>(station)};
     editor.Change();
   }
-  EXPECT_EQ(Staged(), "NW-8" + line + "NW-9" + line);
-  EXPECT_EQ(held, "NW-8");
+  EXPECT_EQ(Staged(), "NW-Hill-8" + line + "NW-Dam-9" + line);
+  EXPECT_EQ(held, "NW-Hill-8");
   editor.Discard();
   EXPECT_EQ(Staged(), before);
   EXPECT_EQ(held, "NW-1");
 
-  Type({"Hill", "NW-7"});
+  Type({"Hill", "NW-Hill-7"});
   editor.Place = {ListKind::Station, 0};
   editor.Change();
-  const std::string others = "NW-7" + line;  // another program has taken a chart away
+  const std::string others = "NW-Hill-7" + line;  // another program has taken a chart away
   Stage(others);
   editor.Discard();
   EXPECT_EQ(Staged(), others);
-  EXPECT_EQ(held, "NW-7");
+  EXPECT_EQ(held, "NW-Hill-7");
 }
 
 TEST_F(Editing, KeepsTheBytesOfATextThatIsShownInAnotherForm) {

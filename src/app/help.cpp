@@ -1,0 +1,53 @@
+// The help page: on the site of the settings, or else the one that comes with the program.
+#include <QCoreApplication>
+#include <QDir>
+#include <QTextDocument>
+
+#include "app/app_desk.h"
+#include "core/files.h"
+#include "platform/qt_text.h"
+#include "platform/shell.h"
+
+namespace hyetex {
+namespace {
+
+constexpr const char* Title = "Asking for help";
+/// No page comes near this.
+constexpr std::size_t MostHelpBytes = 1 << 20;
+
+/// Where an installed program has it, and one that was just built.
+std::string HelpFile() {
+  const QDir programs(QCoreApplication::applicationDirPath());
+  return JoinPath(FromQt(QDir::cleanPath(programs.filePath("../share/hyetex/help"))), BaseName(HelpPagePath));
+}
+
+}  // namespace
+
+void AppDesk::ShowHelp() {
+  if (const std::string site = program_.Settings.Get(setting::HelpSite); !site.empty()) {
+    if (dialogs_.MessageBox(Title,
+                            "In order to view the help you need to connected to the internet, otherwise use "
+                            "the manual.",
+                            BoxButtons::OkCancel) != BoxAnswer::Ok)
+      return;
+    if (const auto opened = OpenPage(site + std::string(HelpPagePath)); !opened)
+      dialogs_.MessageBox(Title, opened.error(), BoxButtons::Ok, BoxIcon::Warning);
+    return;
+  }
+  const std::string file = HelpFile();
+  if (OpenLocalPage(file)) return;
+  // A machine without a browser shows its words.
+  const auto page = ReadWholeFile(file, MostHelpBytes);
+  if (!page) {
+    dialogs_.MessageBox(Title,
+                        page.error() + "\nThe setting " + std::string(setting::HelpSite.Name) +
+                            " may name a site that has the help page.",
+                        BoxButtons::Ok, BoxIcon::Warning);
+    return;
+  }
+  QTextDocument words;
+  words.setHtml(ToQt(*page));
+  OpenLargeView("Help", FromQt(words.toPlainText()));
+}
+
+}  // namespace hyetex
