@@ -181,22 +181,13 @@ TEST_F(ProgramDesk, SaysWhyAStagedChartCannotBeDigitized) {
           Warning("Hyetex", "The chart is marked as extremely defective (CODE213): it is not digitized")}));
 }
 
-TEST_F(ProgramDesk, OffersHelpOnlyWithASite) {
+TEST_F(ProgramDesk, HandsTheSystemNothingButAPageForHelp) {
   Start();
-  const ShownBox question{
-      "Asking for help",
-      "In order to view the help you need to connected to the internet, otherwise use the manual.",
-      BoxButtons::OkCancel, BoxIcon::None};
-  dialogs_.Answers = {BoxAnswer::Cancel, BoxAnswer::Ok, BoxAnswer::Ok};
-  const auto ask = [&] { Click(*desk_->Window(WindowId::MainMenu), "cmdHelp"); };
-  ask();
-  ask();
-  Remember("HelpSite", "file:///tmp");  // nothing but a page is handed to the system
-  ask();
-  ASSERT_EQ(dialogs_.Boxes.size(), 5U);
-  EXPECT_EQ(dialogs_.Boxes[0], question);
-  EXPECT_EQ(dialogs_.Boxes[2].Icon, BoxIcon::Warning);
-  EXPECT_EQ(dialogs_.Boxes[4].Text,
+  Remember("HelpSite", "file:///tmp");
+  dialogs_.Answers = {BoxAnswer::Ok};
+  Click(*desk_->Window(WindowId::MainMenu), "cmdHelp");
+  ASSERT_EQ(dialogs_.Boxes.size(), 2U);
+  EXPECT_EQ(dialogs_.Boxes[1].Text,
             "This is no address of a page: file:///tmp/hy/documentation/hyetex_instructions_part1.htm");
 }
 
