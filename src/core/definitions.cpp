@@ -104,7 +104,7 @@ Result<void> SaveEditedDefinitions(const std::string& programFolder, std::string
   }
   for (const std::string_view line : EditedLines(*present))
     if (!known.contains(keyOf(line))) lines.push_back(line);
-  return WriteLines(JoinPath(programFolder, DefinitionsFileName), lines);
+  return WriteLines(JoinPath(programFolder, DefinitionsFileName), lines, OwnerOnly);
 }
 
 }  // namespace hyetex
