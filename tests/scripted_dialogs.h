@@ -48,6 +48,7 @@ class ScriptedDialogs : public Dialogs {
   std::vector<ShownBox> Boxes;
   std::deque<std::optional<std::string>> Typed;  ///< into input boxes; nothing: cancelled
   std::vector<ShownInput> Inputs;
+  std::deque<std::optional<std::string>> Folders;  ///< that are chosen
 
   BoxAnswer MessageBox(const std::string& title, const std::string& text, BoxButtons buttons,
                        BoxIcon icon) override {
@@ -55,7 +56,8 @@ class ScriptedDialogs : public Dialogs {
     if (buttons == BoxButtons::Ok) return BoxAnswer::Ok;
     if (Answers.empty()) {
       Unexpected(text);
-      return buttons == BoxButtons::YesNo ? BoxAnswer::No : BoxAnswer::Cancel;
+      return buttons == BoxButtons::YesNo || buttons == BoxButtons::NoUnlessYes ? BoxAnswer::No
+                                                                                : BoxAnswer::Cancel;
     }
     const BoxAnswer answer = Answers.front();
     Answers.pop_front();
@@ -70,7 +72,10 @@ class ScriptedDialogs : public Dialogs {
     return typed;
   }
   std::optional<std::string> ChooseFolder(const std::string& title, const std::string&) override {
-    return Unexpected(title);
+    if (Folders.empty()) return Unexpected(title);
+    const auto chosen = Folders.front();
+    Folders.pop_front();
+    return chosen;
   }
   std::optional<std::string> ChooseFileToSave(const std::string& title, const std::string&) override {
     return Unexpected(title);

@@ -26,9 +26,13 @@ constexpr const char* ProgramTitle = "Hyetex";
 
 }  // namespace
 
-// In the order in which those that may ask are closed at the program's end.
+// In the order in which those that may ask are closed when the program ends: one that waits for another comes
+// behind it.
 const AppDesk::WindowKind AppDesk::Windows[] = {
     // id, is main, may ask, how it is made
+    {WindowId::Comment, false, true, &AppDesk::MakeComment},
+    {WindowId::TaskDef, false, true, &AppDesk::MakeTaskDef},
+    {WindowId::Save, false, true, &AppDesk::MakeSave},
     {WindowId::Digitizing, true, true, &AppDesk::MakeDigitizing},
     {WindowId::Tasks, true, true, &AppDesk::MakeTasks},
     {WindowId::Lists, true, true, &AppDesk::MakeLists},
@@ -37,10 +41,7 @@ const AppDesk::WindowKind AppDesk::Windows[] = {
     {WindowId::PrePop, true, false, &AppDesk::MakePrePop},
     {WindowId::Populate, true, false, &AppDesk::MakePopulate},
     {WindowId::MainMenu, false, false, &AppDesk::MakeMainMenu},
-    {WindowId::Comment, false, false, &AppDesk::MakeComment},
-    {WindowId::Save, false, false, &AppDesk::MakeSave},
     {WindowId::LargeView, false, false, &AppDesk::MakeLargeView},
-    {WindowId::TaskDef, false, false, &AppDesk::MakeTaskDef},
     {WindowId::ProgramDefaults, false, false, &AppDesk::MakeProgramDefaults},
     {WindowId::Connection, false, false, &AppDesk::MakeConnection},
     {WindowId::Logon, false, false, &AppDesk::MakeLogon},
@@ -79,7 +80,6 @@ void AppDesk::LoggedIn() {
 void AppDesk::MakeShell() {
   shell_ = std::make_unique<mdiHyetex>();
   QObject::connect(shell_.get(), &mdiHyetex::ExitChosen, [this] { EndProgram(); });
-  QObject::connect(shell_.get(), &mdiHyetex::CloseChosen, [this] { EndProgram(); });
   QObject::connect(shell_.get(), &mdiHyetex::HelpChosen, [this] { ShowHelp(); });
   QObject::connect(shell_.get(), &mdiHyetex::DefaultsChosen, [this] { Open(WindowId::ProgramDefaults); });
   shell_->OfferDefaults();
@@ -166,12 +166,13 @@ void AppDesk::CloseLargeView(const std::string& caption) {
 // What the operator would rather not lose keeps the program open.
 void AppDesk::EndProgram() {
   ending_ = true;
-  for (const WindowKind& kind : Windows)
-    if (ending_ && kind.MayAsk && Window(kind.Id)) {
-      frames_[kind.Id]->close();
-      ending_ = Window(kind.Id) == nullptr;
-    }
-  if (!ending_) return;
+  for (const WindowKind& kind : Windows) {
+    if (!kind.MayAsk || Window(kind.Id) == nullptr) continue;
+    frames_[kind.Id]->close();
+    if (Window(kind.Id) == nullptr) continue;
+    ending_ = false;
+    return Open(kind.Id);
+  }
   if (QWidget* menu = Window(WindowId::MainMenu)) menu->close();
   QApplication::quit();
 }
@@ -223,7 +224,7 @@ QWidget* AppDesk::MakeSave() {
   return new frmSave(*this, dialogs_, program_.Settings, program_.Active->Session, program_.Active->Origin,
                      {.EnableDesk = [digitizing] { digitizing->EnableDesk(true); },
                       .NewFile = [digitizing] { digitizing->NewFile(); },
-                      .Redigitize = [digitizing] { digitizing->RunTool(tool::Redigitize); }});
+                      .Redigitize = [digitizing] { return digitizing->Redigitize(); }});
 }
 
 QWidget* AppDesk::MakeComment() {

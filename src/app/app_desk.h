@@ -40,6 +40,7 @@ class AppDesk : public Desk {
   void CloseLargeView(const std::string& caption) override;
   void LoggedIn() override;
   void EndProgram() override;
+  bool IsEnding() const override { return ending_; }
 
   // What the tests and the picture maker look at; null while it is not open.
   frmLogin* Login() { return login_; }

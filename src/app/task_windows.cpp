@@ -18,9 +18,9 @@ QWidget* AppDesk::MakeTasks() {
     staging->EnableStaging(false);
     taskJob_ = {isNew ? TaskJob::Mode::Add : TaskJob::Mode::Change, task, station, std::move(store),
                 [this, staging = QPointer(staging)] {
-                  if (!staging || ending_) return;
+                  if (!staging) return;
                   staging->EnableStaging(true);
-                  Open(WindowId::Tasks);
+                  if (!ending_) Open(WindowId::Tasks);
                 }};
     Open(WindowId::TaskDef);
   };

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <utility>
 
+#include "core/chart_length.h"
+#include "core/dates.h"
 #include "core/files.h"
 #include "core/text.h"
 
@@ -13,6 +15,14 @@ namespace {
 constexpr Rgb Red{255, 0, 0};
 
 Date Joined(Date date, Date time) { return std::floor(date) + (time - std::floor(time)); }
+
+ChartRecord WithDetails(const EditedDetails& edited, ChartRecord chart) {
+  chart.StartTime = Joined(edited.BeginDate, edited.BeginTime);
+  chart.EndTime = Joined(edited.EndDate, edited.EndTime);
+  chart.EyedDepth = LeadingFloat(edited.EyedDepth);
+  chart.ManualDepth = LeadingFloat(edited.ManualDepth);
+  return chart;
+}
 
 // The task list shows the row of this setting as the next chart to digitize; 0 is no row. A settings file
 // that cannot be written does not undo the chart file.
@@ -49,11 +59,18 @@ EditedDetails DetailsOf(const ChartRecord& chart) {
           .ManualDepth = ShortText(chart.ManualDepth)};
 }
 
-void TakeDetails(const EditedDetails& edited, ChartRecord& chart) {
-  chart.StartTime = Joined(edited.BeginDate, edited.BeginTime);
-  chart.EndTime = Joined(edited.EndDate, edited.EndTime);
-  chart.EyedDepth = LeadingFloat(edited.EyedDepth);
-  chart.ManualDepth = LeadingFloat(edited.ManualDepth);
+std::optional<std::string> TakeDetails(const EditedDetails& edited, ChartRecord& chart) {
+  const ChartRecord taken = WithDetails(edited, chart);
+  if (!HasLength(taken)) return std::string(NoLengthRefusal);
+  chart = taken;
+  return std::nullopt;
+}
+
+bool DetailsDiffer(const EditedDetails& edited, const ChartRecord& chart) {
+  const ChartRecord taken = WithDetails(edited, chart);
+  const auto differ = [](Date a, Date b) { return DateText(a) != DateText(b) || TimeText(a) != TimeText(b); };
+  return taken.EyedDepth != chart.EyedDepth || taken.ManualDepth != chart.ManualDepth ||
+         differ(taken.StartTime, chart.StartTime) || differ(taken.EndTime, chart.EndTime);
 }
 
 std::optional<float> ChosenDepth(const Session& session, DepthChoice choice) {
@@ -95,15 +112,26 @@ Result<std::optional<std::string>> WriteChartFile(std::string_view text, const s
 Result<SaveOutcome> SaveDigitization(Session& session, const ChartOrigin& origin, Settings& settings,
                                      std::string_view digitizerComment, const SaveQuestions& questions) {
   if (SessionError(session)) return Failure("There is no chart to save.");
+  if (!HasLength(session.Chart)) return Failure(NoLengthRefusal);
   const auto file = MakeChartText(session, origin, digitizerComment);
   if (!file) return Failure(file.error());
   if (!file->Notes.empty() && !questions.DespiteNotes(JoinedLines(file->Notes)))
     return SaveOutcome::NotWanted;
 
-  const auto folder = ReadTargetFolder(settings);
-  if (!folder) return Failure(folder.error());
-  const auto path = WriteChartFile(
-      file->Text, *folder, ChartFileName(origin.InstrumentCode, session.ChartStart()), questions.Overwrite);
+  const std::string name = ChartFileName(origin.InstrumentCode, session.ChartStart());
+  const auto writeInto = [&](const std::string& folder) {
+    return WriteChartFile(file->Text, folder, name, questions.Overwrite);
+  };
+  const auto target = ReadTargetFolder(settings);
+  if (!target) return Failure(target.error());
+  const std::string stored = settings.Get(setting::TargetFolder);
+  const bool isAway = questions.OtherFolder && !stored.empty() && !FolderExists(stored);
+  auto path = isAway ? Failure("There is no folder " + stored) : writeInto(*target);
+  while (!path && questions.OtherFolder) {
+    const auto other = questions.OtherFolder(path.error());
+    if (!other) return SaveOutcome::NotWanted;
+    path = writeInto(*other);
+  }
   if (!path) return Failure(path.error());
   if (!*path) return SaveOutcome::KeptOldFile;
   RaiseTaskRow(settings);

@@ -30,7 +30,10 @@ struct EditedDetails {
 };
 /// A chart's details as they are shown for editing.
 EditedDetails DetailsOf(const ChartRecord& chart);
-void TakeDetails(const EditedDetails& edited, ChartRecord& chart);
+/// Takes all of them, or says why it takes none: the end is not behind the start.
+std::optional<std::string> TakeDetails(const EditedDetails& edited, ChartRecord& chart);
+/// Whether a chart as it is shown was edited: in what is shown of it, to the minute.
+bool DetailsDiffer(const EditedDetails& edited, const ChartRecord& chart);
 
 /// The depths that an operator may choose from, in the order of their list.
 enum class DepthChoice { Eyed, Digitized, Average, Manual, Other };
@@ -55,16 +58,20 @@ Result<std::optional<std::string>> WriteChartFile(std::string_view text, const s
 enum class SaveOutcome {
   Written,      ///< the session counts as saved
   KeptOldFile,  ///< the operator did not let go of the file that was there
-  NotWanted,    ///< the operator wants to mend first what the notes tell
+  NotWanted,    ///< the operator wants to mend first what the notes tell, or a folder
 };
 struct SaveQuestions {
   Confirm Overwrite;
   /// What readers of the file will not see (ChartText::Notes), a line each; asked only if there is any.
   Confirm DespiteNotes;
+  /// Another folder, because of what it is told; nothing when the operator wants none. Without it the program
+  /// folder stands in for a target folder that is gone.
+  std::function<std::optional<std::string>(const std::string& why)> OtherFolder = {};
 };
 /// Writes the session's chart file into the target folder and moves the task list's highlight to the next
-/// row. Fails, with nothing changed, on a session that has no chart to save, a text that cannot stand in the
-/// file, and a folder that takes no file.
+/// row. A folder that takes no file is asked about; the settings keep it, for it may be back for the next
+/// chart. Fails, with nothing changed, on a session that has no chart to save, a chart of no length, a text
+/// that cannot stand in the file, and where no folder takes the file.
 Result<SaveOutcome> SaveDigitization(Session& session, const ChartOrigin& origin, Settings& settings,
                                      std::string_view digitizerComment, const SaveQuestions& questions);
 

@@ -70,7 +70,12 @@ class Desk {
   virtual void CloseLargeView(const std::string& /*caption*/) {}
   /// The login succeeded: the shell and the Main Menu open.
   virtual void LoggedIn() = 0;
+  /// Closes all windows that hold something, each with its question, and ends; a window that stays open keeps
+  /// the program open.
   virtual void EndProgram() = 0;
+  /// Whether windows close because the program ends: one that otherwise just gives up what has been entered
+  /// asks about it first.
+  virtual bool IsEnding() const { return false; }
 };
 
 }  // namespace hyetex

@@ -67,13 +67,18 @@ Result<std::string> KeepCopy(const std::string& path) {
     const std::string other = entry.path().string();
     if (BaseName(other).starts_with(stem) && ReadWholeFile(other, MaxProgramFileBytes) == bytes) return other;
   }
-  const Date now = Now();
-  const std::string base = path + ".bak-" + DateCode(now) + PadNumber(ToCalendar(now).Second, 2);
-  std::string copy = base;
-  for (int i = 2; FileExists(copy); ++i) copy = base + "-" + std::to_string(i);
+  std::string copy = BackupName(path);
   if (const auto written = WriteWholeFile(copy, *bytes, ModeOf(path).value_or(OwnerOnly)); !written)
     return Failure(written.error());
   return copy;
+}
+
+std::string BackupName(const std::string& path) {
+  const Date now = Now();
+  const std::string base = path + ".bak-" + DateCode(now) + PadNumber(ToCalendar(now).Second, 2);
+  std::string name = base;
+  for (int i = 2; FileExists(name); ++i) name = base + "-" + PadNumber(i, 2);
+  return name;
 }
 
 std::string Quoted(std::string_view text) {

@@ -34,6 +34,10 @@ Result<void> WriteLines(const std::string& path, const std::vector<std::string_v
 /// it, or that of an earlier copy with the same bytes. Fails on what is no file or cannot be copied.
 Result<std::string> KeepCopy(const std::string& path);
 
+/// What a file is renamed or copied to when it makes way: its path with ".bak-YYYYMMDD-HHMMSS" behind it, and
+/// a number where that is taken.
+std::string BackupName(const std::string& path);
+
 /// The text in quotes, as an error or a note shows it: on one line, and cut if it is long.
 std::string Quoted(std::string_view text);
 

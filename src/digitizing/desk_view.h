@@ -56,6 +56,8 @@ class DeskView {
   virtual void CloseDesk() = 0;  ///< with its question if the chart is not saved
   virtual void ResizeDesk(double factor) = 0;
   virtual void ShowMessage(std::string_view title, std::string_view text) = 0;
+  /// Whether all points may be taken away.
+  virtual bool MayRedigitize() = 0;
 };
 
 /// Shows nothing: for sessions without a screen.
@@ -82,6 +84,7 @@ class SilentView : public DeskView {
   void CloseDesk() override {}
   void ResizeDesk(double) override {}
   void ShowMessage(std::string_view, std::string_view) override {}
+  bool MayRedigitize() override { return true; }
 };
 
 }  // namespace hyetex

@@ -13,6 +13,12 @@ void ActionMachine::RunTool(int index) {
 void ActionMachine::PerformToolAction() {
   const int current = state_.CurrentTool;
   if (current >= 0) view_.PlaceMarker(current);
+  // Before it is recorded: a replay does not ask again.
+  if (current == tool::Redigitize && session_.Line.LastPoint() >= 0 && !view_.MayRedigitize()) {
+    view_.HighlightTool(tool::None);
+    state_.WaitForRelease = true;
+    return;
+  }
   if (IsViewTool(current)) {
     if (current == tool::MoveBoard || (current == tool::Zoom && !Layout.Zoomed)) RecordDrawingState();
   } else if (current >= 0) {

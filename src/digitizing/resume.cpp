@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
+#include <vector>
 
 #include "core/dates.h"
 #include "core/files.h"
 #include "core/numbers.h"
+#include "core/program_files.h"
 #include "core/text.h"
 #include "digitizing/tablets.h"
 
@@ -55,6 +58,14 @@ void SessionJournal::TryToOpen() {
   }
 }
 
+Result<void> SessionJournal::SetAside() {
+  if (path_.empty()) return {};
+  const std::string folder = path_.substr(0, path_.size() - BaseName(path_).size());
+  file_.reset();
+  path_.clear();
+  return SetJournalAside(folder);
+}
+
 void SessionJournal::Remove() {
   if (file_)
     file_->Remove();
@@ -62,6 +73,26 @@ void SessionJournal::Remove() {
     std::remove(path_.c_str());
   file_.reset();
   path_.clear();
+}
+
+Result<void> SetJournalAside(const std::string& programFolder) {
+  const std::string path = JoinPath(programFolder, JournalFileName);
+  if (!FileExists(path)) return {};
+  std::error_code error;
+  if (FindUnfinishedChart(programFolder)) {
+    std::filesystem::rename(path, BackupName(path), error);
+    if (error) return Failure("Cannot rename " + path + ": " + error.message());
+  } else {
+    std::filesystem::remove(path, error);
+  }
+  // One that cannot be let go does no harm.
+  std::vector<std::filesystem::path> kept;
+  const std::string stem = std::string(JournalFileName) + ".bak-";
+  for (const auto& entry : std::filesystem::directory_iterator(programFolder, error))
+    if (entry.path().filename().string().starts_with(stem)) kept.push_back(entry.path());
+  std::sort(kept.begin(), kept.end());
+  for (std::size_t i = 0; i + JournalsKept < kept.size(); ++i) std::filesystem::remove(kept[i], error);
+  return {};
 }
 
 // ---- Resuming
@@ -92,23 +123,29 @@ std::optional<UnfinishedChart> FindUnfinishedChart(const std::string& programFol
 ResumeOffer MakeResumeOffer(const UnfinishedChart& unfinished, const ChartRecord& chart, int tablet) {
   const Journal& steps = unfinished.Steps;
   if (steps.Events.empty())
-    return {false,
+    return {false, std::string(ResumeTitle) + ": not readable",
             "The last session ended without its chart being saved, and what it left behind cannot be read (" +
-                steps.Error.value_or("") + "). Do you want to give it up?"};
+                steps.Error.value_or("") +
+                "). Do you want to set it aside?\n\nNo leaves it as it is and closes this session."};
   const std::string left = "The digitization of " + NamedChart(unfinished.Name) +
                            " was not saved when the last session ended. Its " +
                            ShortText(unfinished.Presses) + " presses have been kept.";
-  const std::string choice = " Do you want to give them up?\n\nNo keeps them and closes this session.";
+  const std::string choice = " Do you want to set them aside?\n\nNo keeps them and closes this session.";
+  const std::string ofAnother = std::string(ResumeTitle) + " of another chart";
   if (unfinished.Name != ChartName(chart))
-    return {false, left + " This session is for " + NamedChart(ChartName(chart)) + "." + choice};
+    return {false, ofAnother, left + " This session is for " + NamedChart(ChartName(chart)) + "." + choice};
   if (steps.Tablet != tablet) {
     const auto name = [](int type) {
       return std::string(TabletTypes()[static_cast<std::size_t>(type)].Name);
     };
-    return {false, left + " They were made on the tablet " + name(steps.Tablet) + ", and this one is a " +
-                       name(tablet) + "." + choice};
+    return {false, std::string(ResumeTitle) + " on another tablet",
+            left + " They were made on the tablet " + name(steps.Tablet) + ", and this one is a " +
+                name(tablet) + "." + choice};
   }
-  return {true, left + " Do you want to go on with it?\n\nNo gives them up and begins the chart anew."};
+  return {true, std::string(ResumeTitle),
+          left +
+              " Do you want to go on with it?\n\nNo sets them aside and begins the chart anew. Cancel keeps "
+              "them and closes this session."};
 }
 
 }  // namespace hyetex

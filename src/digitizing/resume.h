@@ -29,8 +29,10 @@ class SessionJournal : public JournalSink {
   void Record(const JournalEvent& event) override;
   /// Why events are not on disk; nothing as long as all are.
   const std::optional<std::string>& Trouble() const { return file_ ? file_->Trouble() : trouble_; }
-  /// Takes the journal away: the chart is saved or given up.
+  /// Takes the journal away: the chart is saved.
   void Remove();
+  /// The chart is given up: its journal is set aside (SetJournalAside).
+  Result<void> SetAside();
 
  private:
   void TryToOpen();
@@ -39,6 +41,13 @@ class SessionJournal : public JournalSink {
   std::optional<JournalFile> file_;
   std::optional<std::string> trouble_;
 };
+
+/// The journals of the last ten charts that were given up are kept beside the journal, as
+/// "Journal.txt.bak-YYYYMMDD-HHMMSS".
+inline constexpr std::size_t JournalsKept = 10;
+/// Gives the journal such a name, and lets go of the eleventh. One without a step is removed. When it fails,
+/// the journal is where it was.
+Result<void> SetJournalAside(const std::string& programFolder);
 
 struct UnfinishedChart {
   std::string Name;  ///< ChartName; empty when the journal names none
@@ -52,10 +61,11 @@ std::optional<UnfinishedChart> FindUnfinishedChart(const std::string& programFol
 
 /// The question whether to go on with an unfinished chart, before a session for `chart` begins.
 struct ResumeOffer {
-  /// Yes replays it, No begins anew. If not, the journal is of another chart or tablet, or unreadable: then
-  /// Yes gives it up and begins, No keeps it and ends this session.
+  /// Yes replays it, No sets it aside and begins anew, Cancel keeps it and ends this session. If not, the
+  /// journal is of another chart or tablet, or unreadable: then Yes sets it aside and begins, No keeps it and
+  /// ends this session.
   bool CanResume = false;
-  std::string Text;
+  std::string Title, Text;
 };
 inline constexpr std::string_view ResumeTitle = "Unfinished digitization";
 ResumeOffer MakeResumeOffer(const UnfinishedChart& unfinished, const ChartRecord& chart, int tablet);

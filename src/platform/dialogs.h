@@ -7,7 +7,9 @@
 namespace hyetex {
 
 enum class BoxIcon { None, Information, Question, Warning, Critical };
-enum class BoxButtons { Ok, OkCancel, YesNo, YesNoCancel };
+/// The button that Return presses is the first one; with NoUnlessYes and CancelUnlessOk it is the second: for
+/// questions whose Yes or OK takes something away, so that a key struck in haste does not.
+enum class BoxButtons { Ok, OkCancel, YesNo, YesNoCancel, NoUnlessYes, CancelUnlessOk };
 enum class BoxAnswer { Ok, Cancel, Yes, No };
 
 /// All texts are UTF-8. Every call waits for the operator.
@@ -41,8 +43,10 @@ class UnattendedDialogs : public Dialogs {
       case BoxButtons::Ok:
         return BoxAnswer::Ok;
       case BoxButtons::OkCancel:
+      case BoxButtons::CancelUnlessOk:
         return Agrees ? BoxAnswer::Ok : BoxAnswer::Cancel;
       case BoxButtons::YesNo:
+      case BoxButtons::NoUnlessYes:
         return Agrees ? BoxAnswer::Yes : BoxAnswer::No;
       case BoxButtons::YesNoCancel:
         return Agrees ? BoxAnswer::Yes : BoxAnswer::Cancel;

@@ -37,11 +37,29 @@ QMessageBox::StandardButtons ButtonsOf(BoxButtons buttons) {
     case BoxButtons::Ok:
       return QMessageBox::Ok;
     case BoxButtons::OkCancel:
+    case BoxButtons::CancelUnlessOk:
       return QMessageBox::Ok | QMessageBox::Cancel;
     case BoxButtons::YesNo:
+    case BoxButtons::NoUnlessYes:
       return QMessageBox::Yes | QMessageBox::No;
     case BoxButtons::YesNoCancel:
       return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+  }
+  return QMessageBox::Ok;
+}
+
+QMessageBox::StandardButton DefaultOf(BoxButtons buttons) {
+  switch (buttons) {
+    case BoxButtons::Ok:
+    case BoxButtons::OkCancel:
+      return QMessageBox::Ok;
+    case BoxButtons::YesNo:
+    case BoxButtons::YesNoCancel:
+      return QMessageBox::Yes;
+    case BoxButtons::NoUnlessYes:
+      return QMessageBox::No;
+    case BoxButtons::CancelUnlessOk:
+      return QMessageBox::Cancel;
   }
   return QMessageBox::Ok;
 }
@@ -57,6 +75,10 @@ BoxAnswer QtDialogs::MessageBox(const std::string& title, const std::string& tex
                                 BoxIcon icon) {
   QMessageBox box(IconOf(icon), ToQt(title), ToQt(text), ButtonsOf(buttons), QApplication::activeWindow());
   box.setTextFormat(Qt::PlainText);
+  box.setDefaultButton(DefaultOf(buttons));
+  // Without a Cancel it is No that leaves things as they are.
+  if (box.button(QMessageBox::Cancel) == nullptr && box.button(QMessageBox::No) != nullptr)
+    box.setEscapeButton(QMessageBox::No);
   // As wide as its title, with what a frame puts around that.
   if (auto* layout = qobject_cast<QGridLayout*>(box.layout())) {
     const int width = box.fontMetrics().horizontalAdvance(box.windowTitle()) + 8 * box.fontMetrics().height();

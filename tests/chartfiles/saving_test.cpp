@@ -54,6 +54,33 @@ TEST_F(Saving, TakesTheTargetFolderAndFallsBackToTheProgramFolder) {
   }
 }
 
+TEST_F(Saving, OffersAnotherFolderUntilOneTakesTheFile) {
+  const TempFolder other;
+  std::vector<std::optional<std::string>> folders;
+  const auto save = [&] {
+    return SaveDigitization(
+        session_, WeekOrigin, settings_, "",
+        {.Overwrite = Answer(true), .DespiteNotes = Answer(true), .OtherFolder = [&](const std::string& why) {
+           asked_.push_back(why);
+           const auto next = folders.front();
+           folders.erase(folders.begin());
+           return next;
+         }});
+  };
+  const std::string gone = folder_ / "gone";
+  ASSERT_TRUE(settings_.Set(setting::TargetFolder, gone));
+  folders = {std::nullopt};
+  EXPECT_EQ(save(), SaveOutcome::NotWanted);
+  EXPECT_FALSE(FileExists(path_)) << "nor where nobody looks for it";
+  EXPECT_FALSE(session_.Saved);
+  folders = {folder_ / "nor here", other.Path()};
+  EXPECT_EQ(save(), SaveOutcome::Written);
+  EXPECT_TRUE(FileExists(other / WeekFile));
+  EXPECT_THAT(asked_, testing::ElementsAre("There is no folder " + gone, "There is no folder " + gone,
+                                           testing::HasSubstr("nor here")));
+  EXPECT_EQ(settings_.Get(setting::TargetFolder), gone) << "it may be back for the next chart";
+}
+
 TEST_F(Saving, KeepsTheOldFileWhenItMayNotBeOverwritten) {
   WriteFile(path_, "old");
   SetRow("4");
@@ -76,6 +103,9 @@ TEST_F(Saving, RefusesWhatIsNoChartAndWhatItCannotWrite) {
   session_.Chart.GeneralComment.assign(MostChartBytes, 'x');
   EXPECT_FALSE(Save());
   session_.Chart.GeneralComment.clear();
+  const Date end = std::exchange(session_.Chart.EndTime, session_.Chart.StartTime);
+  EXPECT_EQ(Save().error(), "The beginning time and date must be less than the ending time and date");
+  session_.Chart.EndTime = end;
   session_.Line.RemoveLast();
   EXPECT_FALSE(Save()) << "one point is no chart";
   EXPECT_FALSE(FileExists(path_));
@@ -84,17 +114,24 @@ TEST_F(Saving, RefusesWhatIsNoChartAndWhatItCannotWrite) {
 TEST(Details, JoinDatesWithTimesAndReadDepthsLeniently) {
   ChartRecord chart = WeekChart();
   // A picker for dates may carry a time along, and one for times a date.
-  TakeDetails({.BeginDate = MakeDate(1998, 3, 6, 9),
-               .BeginTime = MakeDate(2020, 1, 1, 18),
-               .EndDate = MakeDate(1998, 3, 7),
-               .EndTime = 0,
-               .EyedDepth = "7.5 mm",
-               .ManualDepth = "none"},
-              chart);
+  EditedDetails edited{.BeginDate = MakeDate(1998, 3, 6, 9),
+                       .BeginTime = MakeDate(2020, 1, 1, 18),
+                       .EndDate = MakeDate(1998, 3, 7),
+                       .EndTime = 0,
+                       .EyedDepth = "7.5 mm",
+                       .ManualDepth = "none"};
+  EXPECT_FALSE(TakeDetails(edited, chart));
   EXPECT_EQ(DateText(chart.StartTime), "06/03/98 18:00");
   EXPECT_EQ(DateText(chart.EndTime), "07/03/98");
   EXPECT_EQ(chart.EyedDepth, 7.5F);
   EXPECT_EQ(chart.ManualDepth, 0);
+
+  edited.EyedDepth = "8";
+  edited.EndDate = edited.BeginDate;
+  edited.EndTime = edited.BeginTime;
+  EXPECT_EQ(TakeDetails(edited, chart),
+            "The beginning time and date must be less than the ending time and date");
+  EXPECT_EQ(DateText(chart.EndTime) + " " + ShortText(chart.EyedDepth), "07/03/98 7.5") << "none is taken";
 }
 
 TEST(DepthChoices, AreRoundedAndTheAverageOfAnUnknownDepthIsUnknown) {

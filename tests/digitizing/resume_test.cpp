@@ -1,8 +1,12 @@
 #include "digitizing/resume.h"
 
+#include <filesystem>
+#include <set>
+
 #include "chartfiles/chart_text.h"
 #include "child.h"
 #include "core/files.h"
+#include "core/numbers.h"
 #include "digitizing/desk.h"
 #include "support.h"
 
@@ -94,6 +98,32 @@ TEST(Resume, OffersOnlyWhatIsThere) {
   EXPECT_FALSE(FindUnfinishedChart(folder.Path()));
 }
 
+TEST(Resume, ChartsGivenUpAreKeptForTheNextTen) {
+  TempFolder folder;
+  const auto backups = [&] {
+    std::multiset<std::string> kept;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.Path())) {
+      const Journal journal = ReadJournal(test::ReadFile(entry.path().string()));
+      EXPECT_TRUE(entry.path().filename().string().starts_with("Journal.txt.bak-"));
+      kept.insert(ShortText(journal.Events.at(0).X));
+    }
+    return kept;
+  };
+  for (int i = 1; i <= 12; ++i) {
+    SessionJournal journal;
+    journal.Start(folder.Path(), 1, Chart());
+    journal.Record({.X = 100.0 + i, .Y = 500});
+    ASSERT_TRUE(journal.SetAside());
+    EXPECT_FALSE(FindUnfinishedChart(folder.Path()));
+  }
+  EXPECT_EQ(backups(), (std::multiset<std::string>{"103", "104", "105", "106", "107", "108", "109", "110",
+                                                   "111", "112"}));
+  SessionJournal empty;
+  empty.Start(folder.Path(), 1, Chart());
+  ASSERT_TRUE(empty.SetAside());
+  EXPECT_EQ(backups().size(), 10U) << "one without a step is not worth one of them";
+}
+
 TEST(Resume, AnotherChartsJournalIsNeverPlayed) {
   TempFolder folder;
   SessionJournal journal;
@@ -104,15 +134,18 @@ TEST(Resume, AnotherChartsJournalIsNeverPlayed) {
 
   const auto same = MakeResumeOffer(*unfinished, Chart(), 1);
   EXPECT_TRUE(same.CanResume);
-  EXPECT_EQ(
-      same.Text,
-      "The digitization of the chart RG 12 05/03/1998 was not saved when the last session ended. Its 1 "
-      "presses have been kept. Do you want to go on with it?\n\nNo gives them up and begins the chart anew.");
+  EXPECT_EQ(same.Text,
+            "The digitization of the chart RG 12 05/03/1998 was not saved when the last session ended. Its 1 "
+            "presses have been kept. Do you want to go on with it?\n\nNo sets them aside and begins the "
+            "chart anew. "
+            "Cancel keeps them and closes this session.");
+  EXPECT_EQ(same.Title, "Unfinished digitization");
 
   ChartRecord other = Chart();
   other.StartTime += 1;
   const auto another = MakeResumeOffer(*unfinished, other, 1);
   EXPECT_FALSE(another.CanResume);
+  EXPECT_EQ(another.Title, "Unfinished digitization of another chart");
   EXPECT_NE(another.Text.find("RG 12 05/03/1998"), std::string::npos);
   EXPECT_NE(another.Text.find("This session is for the chart RG 12 06/03/1998."), std::string::npos);
 

@@ -4,6 +4,7 @@
 
 #include <QAction>
 #include <QLineEdit>
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -62,6 +63,15 @@ class DeskTest : public FolderTest {
   std::string ChartText() {
     const auto text = MakeChartText(Digitized(), {"Core", "Agency", "Station", "Code", "User"}, "");
     return text ? text->Text : text.error();
+  }
+
+  /// The journal that was set aside last; empty if none was.
+  std::string Aside() {
+    std::string last;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_.Path()))
+      if (entry.path().filename().string().starts_with("Journal.txt.bak-"))
+        last = std::max(last, entry.path().string());
+    return last.empty() ? last : ReadFile(last);
   }
 
   // ---- The tablet
@@ -133,7 +143,7 @@ class DeskTest : public FolderTest {
 
 inline const ShownBox CloseQuestion{
     "Closing the Digitizing window",
-    "The current digitization has not been saved. Are you sure you want to continue ?", BoxButtons::YesNo,
-    BoxIcon::None};
+    "The current digitization has not been saved. Are you sure you want to continue ?",
+    BoxButtons::NoUnlessYes, BoxIcon::None};
 
 }  // namespace hyetex::test

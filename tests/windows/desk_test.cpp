@@ -278,8 +278,7 @@ TEST_F(DeskTest, ClosingAsksAboutWhatIsNotSaved) {
   dialogs_.Answers = {BoxAnswer::No, BoxAnswer::No, BoxAnswer::Yes};
   PressSquare(tool::NewFile);
   EXPECT_TRUE(WaitFor([&] { return dialogs_.Boxes.size() == 1; }));
-  desk_->ShellWindow()->close();
-  EXPECT_TRUE(desk_->ShellWindow()->isVisible());
+  Window().parentWidget()->close();
   ASSERT_TRUE(IsOpen());
   Press(900, 1100);
   EXPECT_EQ(LastPoint(), 1);
@@ -288,8 +287,76 @@ TEST_F(DeskTest, ClosingAsksAboutWhatIsNotSaved) {
   EXPECT_FALSE(IsOpen());
   EXPECT_TRUE(WaitFor([&] { return desk_->Window(WindowId::MainMenu) != nullptr; }));
   EXPECT_FALSE(FileExists(folder_ / "Journal.txt"));
+  EXPECT_THAT(Aside(), testing::HasSubstr("press 700 1000\n"));
   EXPECT_EQ(Remembered("frmHyetex-Height"), "12000");
   EXPECT_NE(Remembered("frmHyetex-Top"), "");
+}
+
+const ShownBox LeaveQuestion{
+    "Leaving the program",
+    "The current digitization has not been saved. Do you want to keep it, and go on with it when the program "
+    "runs again ?\n\nNo gives it up. Cancel goes back to it.",
+    BoxButtons::YesNoCancel, BoxIcon::Question};
+
+TEST_F(DeskTest, ExitLeavesFromEveryStateAndKeepsTheJournal) {
+  using Way = std::function<void()>;
+  const Way menu = [&] { Choose("mnuExit"); };
+  const Way frame = [&] { desk_->ShellWindow()->close(); };
+  for (const auto& [what, before, leave] :
+       {std::tuple{"tracing", Way([] {}), menu}, std::tuple{"tracing, by the frame", Way([] {}), frame},
+        std::tuple{"saving", Way([&] { Choose("mnuSave"); }), menu},
+        std::tuple{"a comment", Way([&] { ClickSquare(tool::GeneralComment); }), frame}}) {
+    SCOPED_TRACE(what);
+    dialogs_.Boxes.clear();
+    OpenAndCalibrate();
+    Press(700, 1000);
+    before();
+    dialogs_.Answers = {BoxAnswer::Cancel, BoxAnswer::Yes};
+    leave();
+    ASSERT_TRUE(IsOpen());
+    EXPECT_TRUE(Window().isEnabled()) << "goes on";
+    Press(900, 1100);
+    EXPECT_EQ(LastPoint(), 1);
+    leave();
+    EXPECT_FALSE(IsOpen());
+    EXPECT_THAT(dialogs_.Boxes, testing::ElementsAre(LeaveQuestion, LeaveQuestion));
+    EXPECT_THAT(ReadFile(folder_ / "Journal.txt"), testing::HasSubstr("press 900 1100\n"));
+    BreakDown();
+    std::filesystem::remove(folder_ / "Journal.txt");
+  }
+  dialogs_.Boxes.clear();
+  OpenAndCalibrate();
+  Press(700, 1000);
+  ClickSquare(tool::GeneralComment);
+  Find<QLineEdit>(*desk_->Window(WindowId::Comment), "txtComment").setText("Ink ran out");
+  dialogs_.Answers = {BoxAnswer::Yes, BoxAnswer::No};
+  menu();
+  EXPECT_EQ(dialogs_.Boxes[0].Text, "The comment has not been added. Do you want to add it ?");
+  EXPECT_FALSE(FileExists(folder_ / "Journal.txt"));
+  EXPECT_THAT(Aside(), testing::HasSubstr("|Ink ran out\n"));
+}
+
+TEST_F(DeskTest, RedigitizeAsksWhereverItIsChosen) {
+  const ShownBox question{"Reditizing",
+                          "Are you sure you want to delete the current digitization and begin a new one ?",
+                          BoxButtons::NoUnlessYes, BoxIcon::None};
+  OpenAndCalibrate();
+  Press(700, 1000);
+  dialogs_.Answers = {BoxAnswer::No, BoxAnswer::No, BoxAnswer::No, BoxAnswer::Yes};
+  PressSquare(tool::Redigitize);
+  ClickSquare(tool::Redigitize);
+  Choose("mnuSave");
+  Click(*desk_->Window(WindowId::Save), "cmdRedigitize");
+  EXPECT_NE(desk_->Window(WindowId::Save), nullptr);
+  EXPECT_EQ(LastPoint(), 0);
+  EXPECT_THAT(ReadFile(folder_ / "Journal.txt"), testing::Not(testing::HasSubstr("tool 2\n")));
+  Click(*desk_->Window(WindowId::Save), "cmdRedigitize");
+  EXPECT_EQ(desk_->Window(WindowId::Save), nullptr);
+  EXPECT_EQ(LastPoint(), -1);
+  EXPECT_TRUE(Window().isEnabled());
+  ClickSquare(tool::Redigitize);
+  EXPECT_THAT(dialogs_.Boxes, testing::ElementsAre(question, question, question, question))
+      << "nothing is asked about nothing";
 }
 
 TEST_F(DeskTest, OverwriteAnsweredWithCancelThrowsNothingAway) {
@@ -305,7 +372,7 @@ TEST_F(DeskTest, OverwriteAnsweredWithCancelThrowsNothingAway) {
   const ShownBox overwrite{"Saving the digitation",
                            "There is an existing file by the name of NM-Hill Farm-01-19980305-0700.dat. "
                            "The programme will overwrite it.",
-                           BoxButtons::OkCancel, BoxIcon::Warning};
+                           BoxButtons::CancelUnlessOk, BoxIcon::Warning};
   EXPECT_THAT(dialogs_.Boxes, testing::ElementsAre(overwrite, CloseQuestion));
   EXPECT_EQ(ReadFile(file), "old");
   ASSERT_TRUE(IsOpen());
@@ -393,9 +460,9 @@ TEST_F(DeskTest, UnfinishedChartIsOfferedAndGoesOn) {
       (ShownBox{
           "Unfinished digitization",
           "The digitization of the chart NM-Hill Farm-01 05/03/1998 07:00:00 was not saved when the last "
-          "session ended. Its 4 presses have been kept. Do you want to go on with it?\n\nNo gives them up "
-          "and begins the chart anew.",
-          BoxButtons::YesNo, BoxIcon::Question}));
+          "session ended. Its 4 presses have been kept. Do you want to go on with it?\n\nNo sets them aside "
+          "and begins the chart anew. Cancel keeps them and closes this session.",
+          BoxButtons::YesNoCancel, BoxIcon::Question}));
   EXPECT_EQ(ChartText(), before);
   EXPECT_EQ(Panel(panel::Depth), "0 cm");
   EXPECT_EQ(desk_->Window(WindowId::Comment), nullptr);
@@ -403,8 +470,14 @@ TEST_F(DeskTest, UnfinishedChartIsOfferedAndGoesOn) {
   EXPECT_TRUE(Part("frmToolBox").isVisible());
   Press(1700, 1200);
   BreakDown();
+  const std::string journal = ReadFile(folder_ / "Journal.txt");
+  dialogs_.Answers = {BoxAnswer::Cancel};
+  Open();
+  EXPECT_TRUE(WaitFor([&] { return !IsOpen(); }));
+  EXPECT_EQ(ReadFile(folder_ / "Journal.txt"), journal) << "closing the box keeps everything";
   dialogs_.Answers = {BoxAnswer::No};
   Open();
+  EXPECT_EQ(Aside(), journal);
   EXPECT_EQ(LastPoint(), -1);
   EXPECT_EQ(State().Action, action::PageLeftCorner);
 }
@@ -424,6 +497,9 @@ TEST_F(DeskTest, AnotherChartsJournalIsGivenUpOnlyWhenToldSo) {
   Open(1);
   EXPECT_TRUE(IsOpen());
   EXPECT_NE(ReadFile(folder_ / "Journal.txt"), journal);
+  EXPECT_EQ(Aside(), journal);
+  EXPECT_EQ(dialogs_.Boxes[1].Title, "Unfinished digitization of another chart");
+  EXPECT_EQ(dialogs_.Boxes[1].Buttons, BoxButtons::NoUnlessYes);
 }
 
 TEST_F(DeskTest, FullDiskIsToldOnceAndTheSessionGoesOn) {

@@ -38,13 +38,23 @@ TEST(Dialogs, ShowsTextsAsTheyAreAndAnswersByButtonAndEscape) {
   EXPECT_EQ(dialogs.MessageBox("A title", "Is 1 <b>2</b> & 3 \xE9 ?", BoxButtons::YesNo, BoxIcon::Warning),
             BoxAnswer::Yes);
 
-  const std::vector<std::pair<BoxButtons, BoxAnswer>> escapes{{BoxButtons::Ok, BoxAnswer::Ok},
-                                                              {BoxButtons::OkCancel, BoxAnswer::Cancel},
-                                                              {BoxButtons::YesNo, BoxAnswer::No},
-                                                              {BoxButtons::YesNoCancel, BoxAnswer::Cancel}};
-  for (const auto& [buttons, answer] : escapes) {
-    WhenShown([](QWidget& box) { QTest::keyClick(&box, Qt::Key_Escape); });
-    EXPECT_EQ(dialogs.MessageBox("", "?", buttons, BoxIcon::None), answer);
+  struct Keys {
+    BoxButtons Buttons;
+    BoxAnswer Escape, Return;
+  };
+  for (const auto& [buttons, escape, accept] :
+       {Keys{BoxButtons::Ok, BoxAnswer::Ok, BoxAnswer::Ok},
+        Keys{BoxButtons::OkCancel, BoxAnswer::Cancel, BoxAnswer::Ok},
+        Keys{BoxButtons::YesNo, BoxAnswer::No, BoxAnswer::Yes},
+        Keys{BoxButtons::YesNoCancel, BoxAnswer::Cancel, BoxAnswer::Yes},
+        Keys{BoxButtons::NoUnlessYes, BoxAnswer::No, BoxAnswer::No},
+        Keys{BoxButtons::CancelUnlessOk, BoxAnswer::Cancel, BoxAnswer::Cancel}}) {
+    for (const auto& [key, answer] : {std::pair{Qt::Key_Escape, escape}, std::pair{Qt::Key_Return, accept}}) {
+      WhenShown([key = key](QWidget& box) { QTest::keyClick(&box, key); });
+      EXPECT_EQ(dialogs.MessageBox("", "?", buttons, BoxIcon::None), answer) << static_cast<int>(buttons);
+    }
+    WhenShown([](QWidget& box) { box.close(); });
+    EXPECT_EQ(dialogs.MessageBox("", "?", buttons, BoxIcon::None), escape) << "closing the box";
   }
 }
 

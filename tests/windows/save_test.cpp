@@ -17,7 +17,10 @@ class SaveWindow : public WindowTest<frmSave> {
   frmSave& Open() {
     return Show(session_, WeekOrigin,
                 SaveCallbacks{[this] { calls_ += "enable "; }, [this] { calls_ += "new file "; },
-                              [this] { calls_ += "redigitize "; }});
+                              [this] {
+                                calls_ += "redigitize ";
+                                return redigitizes_;
+                              }});
   }
   std::string Label(const char* label) { return Find<QLabel>(*window_, label).text().toStdString(); }
   std::string Text(const char* box) { return Find<QLineEdit>(*window_, box).text().toStdString(); }
@@ -26,6 +29,7 @@ class SaveWindow : public WindowTest<frmSave> {
   std::string path_ = folder_ / WeekFile;
   Session session_ = TracedWeek();
   std::string calls_;
+  bool redigitizes_ = true;
 };
 
 TEST_F(SaveWindow, ShowsTheReportAndTheDetails) {
@@ -77,9 +81,11 @@ TEST_F(SaveWindow, SavesWithReturnAndGoesOn) {
 
 TEST_F(SaveWindow, StaysOpenWhenTheFolderTakesNoFile) {
   std::filesystem::create_directory(path_);
+  dialogs_.Answers = {BoxAnswer::No};
   Click(Open(), "cmdSave");
   ASSERT_EQ(dialogs_.Boxes.size(), 1U);
-  EXPECT_EQ(dialogs_.Boxes[0], Warning(Saving, dialogs_.Boxes[0].Text));
+  EXPECT_EQ(dialogs_.Boxes[0],
+            (ShownBox{Saving, dialogs_.Boxes[0].Text, BoxButtons::YesNo, BoxIcon::Warning}));
   EXPECT_THAT(dialogs_.Boxes[0].Text, testing::HasSubstr(WeekFile));
   EXPECT_TRUE(window_->isVisible());
   EXPECT_FALSE(session_.Saved);
@@ -170,19 +176,50 @@ TEST_F(SaveWindow, BlinksTheFactorInAlertAndNotTheManualOne) {
   EXPECT_EQ(colour("labPrompt1"), manual);
 }
 
-TEST_F(SaveWindow, RedigitizesOnlyAfterYes) {
-  dialogs_.Answers = {BoxAnswer::No, BoxAnswer::Yes};
-  Open();
-  Click(*window_, "cmdRedigitize");
-  const ShownBox question{"Reditizing",
-                          "Are you sure you want to delete the current digitization and begin a new one ?",
-                          BoxButtons::YesNo, BoxIcon::None};
-  EXPECT_THAT(dialogs_.Boxes, testing::ElementsAre(question));
-  EXPECT_EQ(calls_, "");
+TEST_F(SaveWindow, ClosesOnlyWhenThePointsMayGo) {
+  redigitizes_ = false;
+  Click(Open(), "cmdRedigitize");
   EXPECT_TRUE(window_->isVisible());
+  redigitizes_ = true;
   Click(*window_, "cmdRedigitize");
-  EXPECT_EQ(calls_, "enable redigitize enable ");
+  EXPECT_EQ(calls_, "redigitize redigitize enable ");
   EXPECT_FALSE(window_->isVisible());
+}
+
+TEST_F(SaveWindow, AsksAboutDetailsThatAreNotTaken) {
+  const ShownBox question{
+      Saving,
+      "The times and depths that have been changed are not yet taken. Do you want to take "
+      "them ?\n\nNo saves the chart with those that it had.",
+      BoxButtons::YesNoCancel, BoxIcon::Question};
+  frmSave& window = Open();
+  auto& end = Find<QDateEdit>(window, "dtpEndDate");
+  end.setDate(QDate(1998, 3, 5));
+  dialogs_.Answers = {BoxAnswer::Cancel, BoxAnswer::Yes};
+  Click(window, "cmdSave");
+  Click(window, "cmdSave");
+  EXPECT_THAT(dialogs_.Boxes,
+              testing::ElementsAre(
+                  question, question,
+                  Warning("Save digitization",
+                          "The beginning time and date must be less than the ending time and date")));
+  EXPECT_TRUE(window.isVisible());
+  EXPECT_FALSE(FileExists(path_));
+  end.setDate(QDate(1998, 3, 11));
+  dialogs_.Answers = {BoxAnswer::Yes};
+  Click(window, "cmdSave");
+  EXPECT_THAT(ReadFile(path_), testing::HasSubstr("End: 11/03/98 12:30"));
+}
+
+TEST_F(SaveWindow, ShowsWhatIsOnlyShown) {
+  frmSave& window = Open();
+  EXPECT_FALSE(Find(window, "comChart").isEnabled());
+  for (const char* name : {"txtRain", "txtAlpha"}) {
+    auto& box = Find<QLineEdit>(window, name);
+    EXPECT_TRUE(box.isReadOnly()) << name;
+    EXPECT_EQ(box.palette().color(QPalette::Base), window.palette().color(QPalette::Window)) << name;
+    EXPECT_FALSE(box.focusPolicy() & Qt::TabFocus) << name;
+  }
 }
 
 TEST_F(SaveWindow, GoesBackWithEscapeAndRemembersItsPlace) {

@@ -174,7 +174,7 @@ TEST_F(StagingDesk, MakesAnEmptyFileOfADefectiveChart) {
   EXPECT_THAT(dialogs_.Boxes, testing::ElementsAre(ShownBox{"Saving the digitation",
                                                             "There is an existing file by the name of " +
                                                                 path + ". The programme will overwrite it.",
-                                                            BoxButtons::OkCancel, BoxIcon::Warning}));
+                                                            BoxButtons::CancelUnlessOk, BoxIcon::Warning}));
   EXPECT_EQ(ReadFile(path), "old");
   EXPECT_EQ(Row(), 0);
 }
@@ -222,6 +222,53 @@ TEST_F(StagingDesk, DefinesAChartByKeysAlone) {
                       ", 0.3 , -1 , 0\r\n\r\n"),
             std::string::npos);
   EXPECT_EQ(Remembered("frmTaskDef-EndDate"), "06/03/1998");
+}
+
+TEST_F(StagingDesk, AChartBeingDefinedIsAskedAboutBeforeTheProgramEnds) {
+  OpenTasks();
+  Select(HillFarm);
+  Click(Tasks(), "cmdAdd");
+  Type("txtEyed", "7");
+  Find<QDateEdit>(Details(), "dtpEndDate").setDate(Find<QDateEdit>(Details(), "dtpBeginDate").date());
+  dialogs_.Answers = {BoxAnswer::Cancel, BoxAnswer::Yes};
+  Choose("mnuExit");
+  desk_->ShellWindow()->close();
+  ASSERT_NE(desk_->Window(WindowId::TaskDef), nullptr);
+  EXPECT_THAT(dialogs_.Boxes,
+              testing::ElementsAre(
+                  ShownBox{"Defining a Task",
+                           "The details of this chart have not been taken. Do you want to take them ?",
+                           BoxButtons::YesNoCancel, BoxIcon::Question},
+                  dialogs_.Boxes[0],
+                  Warning("Defining a Task",
+                          "The beginning time and date must be less than the ending time and date")));
+  Find<QDateEdit>(Details(), "dtpEndDate").setDate(QDate(2030, 1, 2));
+  Find<QDateEdit>(Details(), "dtpBeginDate").setDate(QDate(2030, 1, 1));
+  dialogs_.Answers = {BoxAnswer::Yes};
+  Choose("mnuExit");
+  EXPECT_EQ(desk_->Window(WindowId::TaskDef), nullptr);
+  EXPECT_EQ(desk_->Window(WindowId::Tasks), nullptr);
+  EXPECT_EQ(LoadTasks(folder_.Path(), {})->Tasks.back().EyedDepth, 7);
+}
+
+TEST_F(StagingDesk, LooksAtTheTargetFolderBeforeAChartIsTraced) {
+  const TempFolder other;
+  OpenTasks();
+  Select(HillFarm);
+  Grid().selectRow(0);
+  ASSERT_TRUE(Detects(tablet_, "Digitizer Detected On COM2"));
+  const std::string gone = folder_ / "gone";
+  Remember("TargetFolder", gone.c_str());
+  dialogs_.Answers = {BoxAnswer::No, BoxAnswer::Yes};
+  dialogs_.Folders = {other.Path()};
+  Click(Tasks(), "cmdActivate");
+  EXPECT_FALSE(IsOpen());
+  EXPECT_EQ(dialogs_.Boxes[0].Text,
+            "There is no folder " + gone + "\n\nDo you want to choose another folder for the chart files ?");
+  Click(Tasks(), "cmdActivate");
+  ASSERT_TRUE(IsOpen());
+  EXPECT_THAT(Remembered("TargetFolder"), testing::StartsWith(other.Path()));
+  EXPECT_TRUE(std::filesystem::is_empty(other.Path())) << "the trial leaves nothing";
 }
 
 TEST_F(StagingDesk, KeepsTheCommentsOfAChart) {
@@ -289,7 +336,7 @@ TEST_F(StagingDesk, ActsOnStationsOnly) {
   EXPECT_EQ(Grid().rowCount(), 1);
   EXPECT_EQ(dialogs_.Boxes[0],
             (ShownBox{"Deleting a chart", "Are you sure you want to delete this chart from Staging Area ?",
-                      BoxButtons::YesNo, BoxIcon::Question}));
+                      BoxButtons::NoUnlessYes, BoxIcon::Question}));
   EXPECT_EQ(LoadTasks(folder_.Path(), {})->Tasks.size(), 3U);
 }
 

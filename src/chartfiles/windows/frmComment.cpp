@@ -1,5 +1,6 @@
 #include "chartfiles/windows/frmComment.h"
 
+#include <QCloseEvent>
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -118,13 +119,25 @@ bool frmComment::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void frmComment::Add() {
+  if (Take()) close();
+}
+
+bool frmComment::Take() {
   const std::string code = FromQt(txtCode->text()), text = FromQt(txtComment->text());
-  if (code.empty() && text.empty()) return;
-  if (const auto refusal = target_->Add(code, text)) {
-    dialogs_.MessageBox(OwnTitle, *refusal, BoxButtons::Ok, BoxIcon::Warning);
-    return;
+  if (code.empty() && text.empty()) return false;
+  const auto refusal = target_->Add(code, text);
+  if (refusal) dialogs_.MessageBox(OwnTitle, *refusal, BoxButtons::Ok, BoxIcon::Warning);
+  return !refusal;
+}
+
+void frmComment::closeEvent(QCloseEvent* event) {
+  if (desk_.IsEnding() && !txtComment->text().isEmpty()) {
+    const BoxAnswer answer =
+        dialogs_.MessageBox(OwnTitle, "The comment has not been added. Do you want to add it ?",
+                            BoxButtons::YesNoCancel, BoxIcon::Question);
+    if (answer == BoxAnswer::Cancel || (answer == BoxAnswer::Yes && !Take())) return event->ignore();
   }
-  close();
+  FormWindow::closeEvent(event);
 }
 
 void frmComment::ShowList() { desk_.OpenLargeView(ListTitle, CommentListText(userComments_)); }

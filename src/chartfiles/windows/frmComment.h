@@ -22,6 +22,7 @@ class frmComment : public FormWindow {
              std::unique_ptr<CommentTarget> target, QWidget* parent = nullptr);
 
  protected:
+  void closeEvent(QCloseEvent* event) override;
   void Closing() override;
   void showEvent(QShowEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -29,6 +30,8 @@ class frmComment : public FormWindow {
  private:
   void MakeLayout(QWidget* udnCode);
   void Add();
+  /// Hands the comment on; false if there is none or it cannot be taken, which the operator has been told.
+  bool Take();
   void ShowList();
 
   Dialogs& dialogs_;

@@ -112,36 +112,54 @@ void frmSave::Blink() {
 
 // ---- What it does
 
-void frmSave::ResetDefinitions() {
-  TakeDetails(ShownDetails(), session_.Chart);
+bool frmSave::ResetDefinitions() {
+  if (const auto refusal = TakeDetails(ShownDetails(), session_.Chart)) {
+    dialogs_.MessageBox(FromQt(windowTitle()), *refusal, BoxButtons::Ok, BoxIcon::Warning);
+    dtpEndDate->setFocus();
+    return false;
+  }
   MarkPendingDetails();
   ShowChosenDepth();
   if (const auto error = SessionError(session_))
     txtPrompt->setPlainText(ToQt(*error));
   else
     WriteReport();
+  return true;
 }
 
 void frmSave::MarkPendingDetails() {
-  ChartRecord taken = session_.Chart;
-  TakeDetails(ShownDetails(), taken);
-  const ChartRecord& now = session_.Chart;
-  const auto differ = [](Date a, Date b) { return DateText(a) != DateText(b) || TimeText(a) != TimeText(b); };
-  const bool pending = taken.EyedDepth != now.EyedDepth || taken.ManualDepth != now.ManualDepth ||
-                       differ(taken.StartTime, now.StartTime) || differ(taken.EndTime, now.EndTime);
-  labPending->setText(pending ? "Not yet taken:" : "");
+  labPending->setText(DetailsDiffer(ShownDetails(), session_.Chart) ? "Not yet taken:" : "");
+}
+
+bool frmSave::TakesPendingDetails() {
+  if (labPending->text().isEmpty()) return true;
+  const BoxAnswer answer = dialogs_.MessageBox(SavingTitle,
+                                               "The times and depths that have been changed are not yet "
+                                               "taken. Do you want to take them ?\n\nNo saves the "
+                                               "chart with those that it had.",
+                                               BoxButtons::YesNoCancel, BoxIcon::Question);
+  return answer == BoxAnswer::No || (answer == BoxAnswer::Yes && ResetDefinitions());
 }
 
 bool frmSave::SaveFile() {
+  if (!TakesPendingDetails()) return false;
   const auto ask = [this](const std::string& text) {
-    return dialogs_.MessageBox(SavingTitle, ShownText(text), BoxButtons::OkCancel, BoxIcon::Warning) ==
+    return dialogs_.MessageBox(SavingTitle, ShownText(text), BoxButtons::CancelUnlessOk, BoxIcon::Warning) ==
            BoxAnswer::Ok;
   };
   const auto despite = [&](const std::string& notes) {
     return ask(notes + "\n\nSave the chart all the same ?");
   };
-  const auto outcome = SaveDigitization(session_, origin_, settings_, FromQt(txtComment->text()),
-                                        {.Overwrite = ask, .DespiteNotes = despite});
+  const auto otherFolder = [this](const std::string& why) -> std::optional<std::string> {
+    if (dialogs_.MessageBox(SavingTitle,
+                            ShownText(why) + "\n\nDo you want to save the chart in another folder ?",
+                            BoxButtons::YesNo, BoxIcon::Warning) != BoxAnswer::Yes)
+      return std::nullopt;
+    return dialogs_.ChooseFolder(SavingTitle, settings_.Folder());
+  };
+  const auto outcome =
+      SaveDigitization(session_, origin_, settings_, FromQt(txtComment->text()),
+                       {.Overwrite = ask, .DespiteNotes = despite, .OtherFolder = otherFolder});
   if (!outcome)
     dialogs_.MessageBox(SavingTitle, ShownText(outcome.error()), BoxButtons::Ok, BoxIcon::Warning);
   return outcome && *outcome != SaveOutcome::NotWanted;
@@ -155,13 +173,7 @@ void frmSave::Save() {
 }
 
 void frmSave::Redigitize() {
-  if (dialogs_.MessageBox("Reditizing",
-                          "Are you sure you want to delete the current digitization and begin a new one ?",
-                          BoxButtons::YesNo) != BoxAnswer::Yes)
-    return;
-  callbacks_.EnableDesk();
-  callbacks_.Redigitize();
-  close();
+  if (callbacks_.Redigitize()) close();
 }
 
 void frmSave::Closing() { callbacks_.EnableDesk(); }

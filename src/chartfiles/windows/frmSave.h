@@ -23,7 +23,8 @@ namespace hyetex {
 struct SaveCallbacks {
   std::function<void()> EnableDesk;  ///< the save window is closing
   std::function<void()> NewFile;     ///< ends the session, with its question if the chart is not saved
-  std::function<void()> Redigitize;  ///< takes all points away, as the tool of that name does
+  /// Takes all points away, as the tool of that name does, after its question; false if they stay.
+  std::function<bool()> Redigitize;
 };
 
 class frmSave : public FormWindow, public FocusListener {
@@ -49,6 +50,7 @@ class frmSave : public FormWindow, public FocusListener {
   void MakeLayout();
   void AddDetails(QGridLayout& layout);
   void AddChoices(QGridLayout& layout);
+  void ShowOnly(QLineEdit* box);
   void AddRow(QGridLayout& layout, const char* caption, QWidget* buddy, QWidget* shown = nullptr);
   QWidget* MakeButtons();
   QWidget* MakeStepped(QLineEdit*& box, const char* name, double step, std::optional<double> lowest);
@@ -56,7 +58,10 @@ class frmSave : public FormWindow, public FocusListener {
 
   void ShowDetails();
   EditedDetails ShownDetails() const;
-  void ResetDefinitions();
+  /// Takes the edited details; false if they cannot be, which the operator has been told.
+  bool ResetDefinitions();
+  /// Before the chart is saved: whether what has been edited is taken, or passed over as the operator wants.
+  bool TakesPendingDetails();
   void MarkPendingDetails();
   void ShowChosenDepth();
   void Blink();

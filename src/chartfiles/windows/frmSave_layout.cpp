@@ -97,32 +97,48 @@ void frmSave::AddDetails(QGridLayout& layout) {
   layout.addWidget(cmdDefiine, row, 1);
 }
 
+// Boxes that nothing is taken from look so, and the Tab key passes them over.
+void frmSave::ShowOnly(QLineEdit* box) {
+  QPalette colours = box->palette();
+  colours.setColor(QPalette::Base, palette().color(QPalette::Window));
+  box->setPalette(colours);
+  box->setReadOnly(true);
+  box->setFocusPolicy(Qt::ClickFocus);
+}
+
 void frmSave::AddChoices(QGridLayout& layout) {
   const QString shownOnly =
       "For comparing only: the file carries the digitized depth, and the editor sets the "
       "chart's selected depth and alpha.";
+  auto* heading = Named(new QLabel("Shown for comparing, not saved:"), "labShownOnly");
+  QFont italic = heading->font();
+  italic.setItalic(true);
+  heading->setFont(italic);
+  layout.addWidget(heading, layout.rowCount(), 0, 1, 2);
   comRain = Named(new QComboBox, "comRain");
   comRain->addItems({"Eyed Chart Depth", "Digitizd Depth", "Average", "Manual Gage", "Other"});
   comRain->setToolTip(shownOnly);
   QWidget* rain = MakeStepped(txtRain, "Rain", 0.1, 0);
   txtRain->setAccessibleName("Selected Rain Depth");
   txtRain->setToolTip(shownOnly);
+  ShowOnly(txtRain);
   AddRow(layout, "Selected Rain De&pth:", comRain);
   layout.addWidget(rain, layout.rowCount(), 1);
   connect(comRain, &QComboBox::currentIndexChanged, this, &frmSave::ShowChosenDepth);
   // A depth of the operator's own is no longer the one of the list.
-  const auto other = [this] { comRain->setCurrentIndex(static_cast<int>(DepthChoice::Other)); };
-  connect(txtRain, &QLineEdit::textEdited, this, other);
-  connect(rain->findChild<UpDown*>("udnRain"), &UpDown::Stepped, this, other);
+  connect(rain->findChild<UpDown*>("udnRain"), &UpDown::Stepped, this,
+          [this] { comRain->setCurrentIndex(static_cast<int>(DepthChoice::Other)); });
 
   comChart = Named(new QComboBox, "comChart");
   for (const int reliability : {1, 2, 3, 0})
     comChart->addItem(ToQt(ReliabilityText(reliability)), reliability);
   comChart->setToolTip("Shown only: the file takes the reliability that the chart was staged with.");
-  AddRow(layout, "Chart Relia&bility:", comChart);
+  comChart->setEnabled(false);
+  AddRow(layout, "Chart Reliability:", comChart);
 
   QWidget* alpha = MakeStepped(txtAlpha, "Alpha", 0.01, std::nullopt);
   txtAlpha->setToolTip(shownOnly);
+  ShowOnly(txtAlpha);
   AddRow(layout, "Selected A&lpha:", txtAlpha, alpha);
 }
 
@@ -149,7 +165,7 @@ QWidget* frmSave::MakeButtons() {
 
 void frmSave::SetTabOrder() {
   LinkTabs({cmdSave, cmdCancel, cmdRedigitize, txtPrompt, dtpBeginDate, dtpBeginTime, dtpEndDate, dtpEndTime,
-            txtEyed, txtManual, cmdDefiine, comRain, txtRain, comChart, txtAlpha, txtComment});
+            txtEyed, txtManual, cmdDefiine, comRain, txtComment});
 }
 
 }  // namespace hyetex

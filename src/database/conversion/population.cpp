@@ -180,7 +180,7 @@ class Conversion {
                                "This operation will overwrite pre-existing records in the CHART table for " +
                                    local(rows.Start) + " to " + local(rows.End) +
                                    ".\r\nAre you sure you want to continue ?",
-                               BoxButtons::YesNo, BoxIcon::Question) == BoxAnswer::Yes;
+                               BoxButtons::NoUnlessYes, BoxIcon::Question) == BoxAnswer::Yes;
   }
 
   // The old rows make way, the new ones come, the chart is marked: all of it, or nothing.

@@ -15,6 +15,7 @@ namespace hyetex {
 namespace {
 
 constexpr double PartOfFrame = 0.85;  // of the shell's height, when no size is remembered
+constexpr const char* CloseTitle = "Closing the Digitizing window";
 const QColor ZoomColour(21, 101, 192), SelectionColour(198, 40, 40);
 
 }  // namespace
@@ -75,7 +76,7 @@ void frmHyetex::StartSession() {
   started_ = true;
   machine_.Start(Now());
   if (!OfferUnfinishedChart()) {
-    givenUp_ = true;
+    keepsJournal_ = true;
     CloseDesk();
     return;
   }
@@ -109,10 +110,17 @@ bool frmHyetex::OfferUnfinishedChart() {
   const auto unfinished = FindUnfinishedChart(settings_.Folder());
   if (!unfinished) return true;
   const ResumeOffer offer = MakeResumeOffer(*unfinished, session_.Chart, tablet_);
-  const bool yes = Ask(ResumeTitle, offer.Text, BoxButtons::YesNo, BoxIcon::Question) == BoxAnswer::Yes;
-  if (!offer.CanResume) return yes;
-  if (yes) Resume(*unfinished);
-  return true;
+  const BoxAnswer answer =
+      Ask(offer.Title, offer.Text, offer.CanResume ? BoxButtons::YesNoCancel : BoxButtons::NoUnlessYes,
+          BoxIcon::Question);
+  if (offer.CanResume && answer == BoxAnswer::Yes) {
+    Resume(*unfinished);
+    return true;
+  }
+  if (answer != (offer.CanResume ? BoxAnswer::No : BoxAnswer::Yes)) return false;
+  const auto aside = SetJournalAside(settings_.Folder());
+  if (!aside) ShowMessage(offer.Title, aside.error());
+  return aside.has_value();
 }
 
 void frmHyetex::Resume(const UnfinishedChart& unfinished) {
@@ -183,6 +191,12 @@ BoxAnswer frmHyetex::Ask(std::string_view title, const std::string& text, BoxBut
   return answer;
 }
 
+bool frmHyetex::MayRedigitize() {
+  return replaying_ ||
+         Ask("Reditizing", "Are you sure you want to delete the current digitization and begin a new one ?",
+             BoxButtons::NoUnlessYes, BoxIcon::None) == BoxAnswer::Yes;
+}
+
 void frmHyetex::ShowMessage(std::string_view title, std::string_view text) {
   if (!replaying_) Ask(title, std::string(text), BoxButtons::Ok, BoxIcon::Warning);
 }
@@ -195,6 +209,11 @@ void frmHyetex::OpenComment(const CommentRequest&) {
 
 void frmHyetex::OpenSave() {
   if (!replaying_) desk_.Open(WindowId::Save);
+}
+
+bool frmHyetex::Redigitize() {
+  RunTool(tool::Redigitize);
+  return !HasPoints();
 }
 
 void frmHyetex::EnableDesk(bool enabled) {
@@ -220,13 +239,26 @@ void frmHyetex::closeEvent(QCloseEvent* event) {
   closing_ = false;
   event->ignore();
   if (!isEnabled()) return;  // the save or the comment window is open
-  const bool unsaved = !desk_.Flags.IsOpen(WindowId::Save) && !session_.Saved && !givenUp_;
-  if (unsaved && Ask("Closing the Digitizing window",
-                     "The current digitization has not been saved. Are you sure you want to continue ?",
-                     BoxButtons::YesNo, BoxIcon::None) != BoxAnswer::Yes)
-    return;
+  if (!MayClose()) return;
   closing_ = true;
   FormWindow::closeEvent(event);
+}
+
+bool frmHyetex::MayClose() {
+  if (desk_.Flags.IsOpen(WindowId::Save) || session_.Saved || keepsJournal_) return true;
+  // What is not on the disk cannot be kept for another time.
+  if (!desk_.IsEnding() || journal_.Trouble())
+    return Ask(CloseTitle, "The current digitization has not been saved. Are you sure you want to continue ?",
+               BoxButtons::NoUnlessYes, BoxIcon::None) == BoxAnswer::Yes;
+  const BoxAnswer answer =
+      HasPoints()
+          ? Ask("Leaving the program",
+                "The current digitization has not been saved. Do you want to keep it, and go on with it "
+                "when the program runs again ?\n\nNo gives it up. Cancel goes back to it.",
+                BoxButtons::YesNoCancel, BoxIcon::Question)
+          : BoxAnswer::Yes;
+  keepsJournal_ = answer == BoxAnswer::Yes;
+  return answer != BoxAnswer::Cancel;
 }
 
 void frmHyetex::ClearPanels() {
@@ -236,9 +268,13 @@ void frmHyetex::ClearPanels() {
 void frmHyetex::Closing() {
   ClearPanels();
   mscDig->Close();
-  if (!givenUp_) journal_.Remove();
   StoreLayout();
   shell_.NotDigitizing();
+  if (session_.Saved) {
+    journal_.Remove();
+  } else if (!keepsJournal_) {
+    if (const auto aside = journal_.SetAside(); !aside) ShowMessage(CloseTitle, aside.error());
+  }
 }
 
 }  // namespace hyetex

@@ -39,6 +39,8 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void StartSession();
 
   ActionMachine& Machine() { return machine_; }
+  /// Takes all points away, after its question; false if the operator keeps them.
+  bool Redigitize();
   QSize sizeHint() const override;
   void FocusChanged(bool focused) override;
 
@@ -73,6 +75,7 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void CloseDesk() override;
   void ResizeDesk(double factor) override;
   void ShowMessage(std::string_view title, std::string_view text) override;
+  bool MayRedigitize() override;
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -84,6 +87,7 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
  private:
   // The session
   bool OfferUnfinishedChart();
+  bool MayClose();
   void Resume(const UnfinishedChart& unfinished);
   void OpenPort();
   void OnTabletBytes(const QByteArray& bytes);
@@ -121,13 +125,13 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   Shape *linHor, *linVer, *shpSelect, *shpZoom, *shpToolBox;
   frmToolBox* frmToolBox_;
 
-  int boxes_ = 0;             // message boxes that are up
-  bool watched_ = false;      // for being maximised
-  bool started_ = false;      // the session is running
-  bool replaying_ = false;    // an unfinished chart: nothing opens
-  bool closing_ = false;      // asked for, not yet done
-  bool givenUp_ = false;      // closes without its question
-  bool missedBytes_ = false;  // what comes next does not follow on what came before
+  int boxes_ = 0;              // message boxes that are up
+  bool watched_ = false;       // for being maximised
+  bool started_ = false;       // the session is running
+  bool replaying_ = false;     // an unfinished chart: nothing opens
+  bool closing_ = false;       // asked for, not yet done
+  bool keepsJournal_ = false;  // closes without its question, for another time
+  bool missedBytes_ = false;   // what comes next does not follow on what came before
   bool toldOfJournal_ = false, tellingOfTablet_ = false;
 };
 

@@ -200,7 +200,7 @@ int mdiHyetex::ClientHeight() const { return area_->viewport()->height(); }
 
 void mdiHyetex::closeEvent(QCloseEvent* event) {
   event->ignore();
-  emit CloseChosen();
+  emit ExitChosen();
 }
 
 void mdiHyetex::changeEvent(QEvent* event) {

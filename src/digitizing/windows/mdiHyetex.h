@@ -41,8 +41,7 @@ class mdiHyetex final : public QMainWindow, public Shell, public PopupMenu {
   void OfferDefaults();
 
  signals:
-  void ExitChosen();   ///< the menu's; for both, what is not saved is asked about first
-  void CloseChosen();  ///< the frame's own
+  void ExitChosen();  ///< by the menu or the frame's button: what is not saved is asked about first
   void HelpChosen();
   void DefaultsChosen();
 

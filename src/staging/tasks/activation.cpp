@@ -1,11 +1,21 @@
 #include "staging/tasks/activation.h"
 
+#include <cstdio>
+
+#include "core/chart_length.h"
 #include "core/comments.h"
+#include "core/files.h"
 #include "core/numbers.h"
+#include "core/text.h"
 #include "digitizing/tablets.h"
 #include "staging/tasks/tasks.h"
 
 namespace hyetex {
+namespace {
+
+constexpr std::size_t TrialBytes = 64U << 10;
+
+}  // namespace
 
 Result<ActivatedChart> PrepareChart(const ReferenceLists& lists, ChartRecord task, int chartType) {
   if (chartType < 0 || chartType >= static_cast<int>(lists.ChartTypes.size()))
@@ -43,8 +53,21 @@ Result<ActivatedChart> ActivateChart(const Settings& settings, const ReferenceLi
 }
 
 std::optional<std::string> CheckTraceable(const ChartRecord& task) {
-  if (!HasCode(task.GeneralComment, CodeDefective)) return std::nullopt;
-  return "The chart is marked as extremely defective (" + CodeText(CodeDefective) + "): it is not digitized";
+  if (HasCode(task.GeneralComment, CodeDefective))
+    return "The chart is marked as extremely defective (" + CodeText(CodeDefective) +
+           "): it is not digitized";
+  if (!HasLength(task)) return std::string(NoLengthRefusal);
+  return std::nullopt;
+}
+
+std::optional<std::string> CheckTargetTakesFiles(const std::string& folder) {
+  if (!FolderExists(folder)) return "There is no folder " + ShownText(folder);
+  // Rights and mounts tell only half of it: a trial tells. As large as a chart, for the disk may be full.
+  const std::string trial = JoinPath(folder, ".hyetex-trial");
+  const auto written = WriteWholeFile(trial, std::string(TrialBytes, ' '));
+  std::remove(trial.c_str());
+  if (!written) return written.error();
+  return std::nullopt;
 }
 
 }  // namespace hyetex

@@ -30,7 +30,10 @@ Result<ActivatedChart> ActivateChart(const Settings& settings, const ReferenceLi
 /// The tablet type of the settings, an index of TabletTypes(); 0 where they have none.
 int StoredTabletType(const Settings& settings);
 
-/// Why a staged chart is not traced: it is marked as too defective. Nothing if it is.
+/// Why a staged chart is not traced: it is marked as too defective, or has no length. Nothing if it is.
 std::optional<std::string> CheckTraceable(const ChartRecord& task);
+
+/// Why a folder takes no chart file; nothing if it does. It is better known before a chart is traced.
+std::optional<std::string> CheckTargetTakesFiles(const std::string& folder);
 
 }  // namespace hyetex

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/chart_length.h"
 #include "core/comments.h"
 #include "core/dates.h"
 #include "core/numbers.h"
@@ -70,8 +71,7 @@ tl::expected<CheckedTask, TaskFault> CheckTaskDetails(const TaskDetails& details
   task.StartTime = Joined(details.BeginDate, details.BeginTime);
   task.EndTime = Joined(details.EndDate, details.EndTime);
   const long long lapse = std::llround((task.EndTime - task.StartTime) * SecondsPerDay);
-  if (lapse < 0)
-    return fault("The beginning time and date must be less than the ending time and date", TaskField::Begin);
+  if (!HasLength(task)) return fault(NoLengthRefusal, TaskField::Begin);
   if (IsZero(details.ManualDepth))
     return fault(
         "you must enter a value for the manual depth, or clear the manual depth Textbox for an unknown depth",

@@ -21,6 +21,8 @@ struct TaskDetails {
   std::string EyedDepth, ManualDepth;  ///< mm as typed; empty where no depth is known
   int Reliability = 0;
   std::string Comments;  ///< entries joined by "::"
+
+  bool operator==(const TaskDetails&) const = default;
 };
 
 /// What a new chart begins with: the dates and the reliability used last, else today; from 8 to 8 o'clock.

@@ -22,6 +22,7 @@ frmTaskDef::frmTaskDef(Desk& desk, Dialogs& dialogs, Settings& settings, TaskJob
   setWindowTitle("Chart Details");
   MakeLayout();
   ShowDetails(job_.What == TaskJob::Mode::Add ? NewTaskDetails(settings, Now()) : DetailsOfTask(job_.Task));
+  opened_ = ShownDetails();
   // Only from now on: the details above keep the end that they have.
   connect(dtpBeginDate, &QDateEdit::dateChanged, this,
           [this](QDate begin) { dtpEndDate->setDate(begin.addDays(1)); });
@@ -124,26 +125,39 @@ QWidget* frmTaskDef::ControlOf(TaskField field) const {
 }
 
 void frmTaskDef::Confirm() {
+  if (Take()) close();
+}
+
+bool frmTaskDef::Take() {
   const std::string title(TaskDetailsTitle);
   auto checked = CheckTaskDetails(ShownDetails(), job_.Task);
   if (!checked) {
     dialogs_.MessageBox(title, checked.error().Text, BoxButtons::Ok, BoxIcon::Warning);
     ControlOf(checked.error().Field)->setFocus();
-    return;
+    return false;
   }
   if (checked->AsksAboutLapse && dialogs_.MessageBox(title, std::string(LapseQuestion), BoxButtons::YesNo,
                                                      BoxIcon::Question) != BoxAnswer::Yes)
-    return;
+    return false;
   if (const auto refusal = job_.Store(std::move(checked->Task))) {
     dialogs_.MessageBox(title, ShownText(*refusal), BoxButtons::Ok, BoxIcon::Warning);
-    return;
+    return false;
   }
-  close();
+  return true;
+}
+
+bool frmTaskDef::MayLeave() {
+  if (!desk_.IsEnding() || ShownDetails() == opened_) return true;
+  const BoxAnswer answer =
+      dialogs_.MessageBox(std::string(TaskDetailsTitle),
+                          "The details of this chart have not been taken. Do you want to take them ?",
+                          BoxButtons::YesNoCancel, BoxIcon::Question);
+  return answer == BoxAnswer::No || (answer == BoxAnswer::Yes && Take());
 }
 
 void frmTaskDef::closeEvent(QCloseEvent* event) {
   event->ignore();
-  if (isEnabled()) FormWindow::closeEvent(event);  // else the comment window is open
+  if (isEnabled() && MayLeave()) FormWindow::closeEvent(event);  // else the comment window is open
 }
 
 void frmTaskDef::Closing() {

@@ -65,12 +65,17 @@ class frmTaskDef : public FormWindow {
   void MarkDefective();
   void DeleteComment();
   void Confirm();
+  /// Hands the chart on; false if it cannot be, which the operator has been told.
+  bool Take();
+  /// When the program ends, asks about details that have not been taken.
+  bool MayLeave();
   QList<QWidget*> EnterOrder() const;
   QWidget* ControlOf(TaskField field) const;
 
   Dialogs& dialogs_;
   TaskJob job_;
   std::function<void()> openComment_;
+  TaskDetails opened_;    // as they were shown first
   std::string comments_;  // entries joined by "::"
 
   QDateEdit *dtpBeginDate, *dtpEndDate;

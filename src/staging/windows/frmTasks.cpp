@@ -192,7 +192,7 @@ bool frmTasks::MayClose() {
                                       ShownText(saved.error()) +
                                           "\n\nWhat has been changed will be lost. Do you want to close the "
                                           "window all the same ?",
-                                      BoxButtons::YesNo, BoxIcon::Warning) == BoxAnswer::Yes;
+                                      BoxButtons::NoUnlessYes, BoxIcon::Warning) == BoxAnswer::Yes;
 }
 
 void frmTasks::Closing() {

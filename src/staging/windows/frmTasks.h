@@ -103,6 +103,8 @@ class frmTasks : public FormWindow {
   void Activate();
   void Save();
   void BrowseTarget();
+  /// Whether the target folder takes files, perhaps after another has been chosen.
+  bool HasTarget();
   Result<ActivatedChart> Prepared(const ChartRecord& task) const;
   void Digitize(const ChartRecord& task);
   /// Saves; when that fails, asks.

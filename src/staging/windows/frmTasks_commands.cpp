@@ -40,8 +40,8 @@ void frmTasks::Change() {
 void frmTasks::AskToDelete() {
   if (!SelectedTask()) return;
   if (dialogs_.MessageBox("Deleting a chart",
-                          "Are you sure you want to delete this chart from Staging Area ?", BoxButtons::YesNo,
-                          BoxIcon::Question) == BoxAnswer::Yes)
+                          "Are you sure you want to delete this chart from Staging Area ?",
+                          BoxButtons::NoUnlessYes, BoxIcon::Question) == BoxAnswer::Yes)
     DeleteCurrentTask();
 }
 
@@ -70,6 +70,23 @@ void frmTasks::BrowseTarget() {
   dirTarget->setText(ToQt(targetFolder_));
 }
 
+bool frmTasks::HasTarget() {
+  constexpr std::string_view Title = "Target Folder For Ascii Files:";
+  // A stored folder that is away would be stood in for by the program folder, without a word.
+  const std::string stored = settings_.Get(setting::TargetFolder);
+  auto why = CheckTargetTakesFiles(targetChosen_ || stored.empty() ? targetFolder_ : stored);
+  while (why) {
+    if (dialogs_.MessageBox(
+            std::string(Title),
+            ShownText(*why) + "\n\nDo you want to choose another folder for the chart files ?",
+            BoxButtons::YesNo, BoxIcon::Warning) != BoxAnswer::Yes)
+      return false;
+    BrowseTarget();
+    why = CheckTargetTakesFiles(targetFolder_);
+  }
+  return true;
+}
+
 // ---- Digitizing
 
 Result<ActivatedChart> frmTasks::Prepared(const ChartRecord& task) const {
@@ -91,7 +108,7 @@ void frmTasks::Digitize(const ChartRecord& task) {
     return Tell(Title, "you cannot begin digitizing a chart without having the right Digitizer plugged");
   auto chart = Prepared(task);
   if (!chart) return Tell(Title, chart.error());
-  if (!SaveTasks()) return;
+  if (!HasTarget() || !SaveTasks()) return;
   finder_.Stop();
   leaving_ = services_.Digitize(*std::move(chart), finder_.Device());
   if (leaving_)
@@ -104,8 +121,9 @@ void frmTasks::MakeEmptyFile(const ChartRecord& task) {
   constexpr std::string_view Title = "Creating an unAnalysed ASCII file";
   const auto chart = Prepared(task);
   if (!chart) return Tell(Title, chart.error());
+  if (!HasTarget()) return;
   const auto written = services_.WriteEmptyForm(*chart, targetFolder_, [this](const std::string& question) {
-    return dialogs_.MessageBox("Saving the digitation", ShownText(question), BoxButtons::OkCancel,
+    return dialogs_.MessageBox("Saving the digitation", ShownText(question), BoxButtons::CancelUnlessOk,
                                BoxIcon::Warning) == BoxAnswer::Ok;
   });
   if (!written) return Tell(Title, written.error());

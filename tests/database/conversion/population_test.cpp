@@ -54,7 +54,7 @@ TEST_P(Population, AsksBeforeItReplaces) {
                   "Populating CHART table",
                   "This operation will overwrite pre-existing records in the CHART table for "
                   "05/03/1998 10:00:00 to 05/03/1998 12:00:00.\r\nAre you sure you want to continue ?",
-                  BoxButtons::YesNo, BoxIcon::Question}));
+                  BoxButtons::NoUnlessYes, BoxIcon::Question}));
   Boxes.Answers = {BoxAnswer::Yes};
   EXPECT_EQ(Convert({Ten}).RowsWritten, 4);
   std::vector<std::string> after = RowsOfTen;

@@ -83,7 +83,7 @@ TEST(TaskDetails, AskAboutMoreThanTenDaysAndRefuseLessThanNone) {
       return !checked ? "refused" : checked->AsksAboutLapse ? "asks" : "taken";
     };
     EXPECT_STREQ(lasting(-Second), "refused");
-    EXPECT_STREQ(lasting(0), "taken");
+    EXPECT_STREQ(lasting(0), "refused") << "a chart of no length";
     EXPECT_STREQ(lasting(10), "taken");
     EXPECT_STREQ(lasting(10 + Minute), "asks");
   }
