@@ -12,6 +12,7 @@
 #include "chartfiles/windows/frmSave.h"
 #include "core/dates.h"
 #include "core/files.h"
+#include "platform/entry_box.h"
 #include "platform/qt_text.h"
 #include "platform/serial_devices.h"
 #include "platform/shell.h"

@@ -99,6 +99,7 @@ class AppDesk : public Desk {
   const StartWords words_;
   Dialogs& dialogs_;
   Program program_;
+  const std::unique_ptr<QObject> wheel_ = KeepWheelFromBoxes();
   std::string largeCaption_, largeText_;          // of the large view that is about to open
   std::unique_ptr<CommentTarget> commentTarget_;  // of the comment window that is about to open
   TaskJob taskJob_;                               // of the task definition that is about to open

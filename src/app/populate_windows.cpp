@@ -6,7 +6,7 @@
 namespace hyetex {
 
 QWidget* AppDesk::MakePrePop() {
-  return new frmPrePop(*this, program_.Settings, program_.Computation, [this] { ShowHelp(); });
+  return new frmPrePop(*this, dialogs_, program_.Settings, program_.Computation, [this] { ShowHelp(); });
 }
 
 QWidget* AppDesk::MakePopulate() {

@@ -19,8 +19,8 @@ Date Joined(Date date, Date time) { return std::floor(date) + (time - std::floor
 ChartRecord WithDetails(const EditedDetails& edited, ChartRecord chart) {
   chart.StartTime = Joined(edited.BeginDate, edited.BeginTime);
   chart.EndTime = Joined(edited.EndDate, edited.EndTime);
-  chart.EyedDepth = LeadingFloat(edited.EyedDepth);
-  chart.ManualDepth = LeadingFloat(edited.ManualDepth);
+  chart.EyedDepth = static_cast<float>(TypedOrLeading(edited.EyedDepth));
+  chart.ManualDepth = static_cast<float>(TypedOrLeading(edited.ManualDepth));
   return chart;
 }
 

@@ -60,7 +60,7 @@ std::vector<std::string> CommentEntries(std::string_view comment) {
 
 std::string MakeComment(std::string_view code, std::string_view text) {
   if (code.empty()) return std::string(text);
-  const std::string entry = "CODE" + ShortText(LeadingFloat(code));
+  const std::string entry = "CODE" + ShortText(static_cast<float>(TypedOrLeading(code)));
   return text.empty() ? entry : entry + " + " + std::string(text);
 }
 

@@ -100,6 +100,14 @@ std::optional<ParsedDate> ParseYearFirst(std::string_view text) {
   return ParsedDate{MakeDate(year, month, day) + *time, false};
 }
 
+// A number of a typed date, and the separator behind it.
+int TakePart(std::string_view& text, std::size_t least, std::size_t most) {
+  const int value = TakeDigits(text, least, most);
+  if (value >= 0 && !text.empty() && std::string_view("/.- ").find(text.front()) != std::string_view::npos)
+    text.remove_prefix(1);
+  return value;
+}
+
 }  // namespace
 
 Date MakeDate(int year, int month, int day, int hour, int minute, int second) {
@@ -168,6 +176,35 @@ std::optional<ParsedDate> ParseDateText(std::string_view text) {
   if (text.find('-') != std::string_view::npos) return ParseYearFirst(text);
   if (const auto time = ParseTime(text)) return ParsedDate{*time, false};
   return std::nullopt;
+}
+
+std::optional<Date> TypedDate(std::string_view text) {
+  text = Trim(text);
+  const bool isApart = text.find_first_not_of("0123456789") != std::string_view::npos;
+  const bool yearFirst = text.size() > 4 && text[4] == '-';
+  if (!isApart && text.size() != 8) return std::nullopt;
+  const std::size_t least = isApart ? 1 : 2;
+  int day = 0, month = 0, year = 0;
+  if (yearFirst) {
+    year = TakePart(text, 4, 4);
+    month = TakePart(text, 2, 2);
+    day = TakeDigits(text, 2, 2);
+  } else {
+    day = TakePart(text, least, 2);
+    month = TakePart(text, least, 2);
+    year = TakeDigits(text, 4, 4);
+  }
+  if (!text.empty() || day < 1 || day > 31 || month < 1 || month > 12 || year < FirstTypedYear ||
+      year > LastTypedYear)
+    return std::nullopt;
+  const Date date = MakeDate(year, month, day);
+  if (ToCalendar(date).Day != day) return std::nullopt;  // it has run on into the next month
+  return date;
+}
+
+std::string NoDateText(std::string_view typed) {
+  return "\"" + std::string(typed) + "\" is no date. Type day, month and year, as in 31/12/1999, from " +
+         std::to_string(FirstTypedYear) + " to " + std::to_string(LastTypedYear) + ".";
 }
 
 }  // namespace hyetex

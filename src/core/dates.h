@@ -43,4 +43,13 @@ struct ParsedDate {
 /// on into the next month. Without "/", a bare time, or year-month-day with "-". Nothing for any other text.
 std::optional<ParsedDate> ParseDateText(std::string_view text);
 
+/// The years of the dates that an operator can type.
+inline constexpr int FirstTypedYear = 1850, LastTypedYear = 2100;
+/// A day as an operator types it: day, month and year of four digits behind each other ("12041999") or apart
+/// by any of "/.- " ("12/4/1999", "12.04.1999"); year first only as "1999-04-12". Nothing for a day that is
+/// not in the calendar, a year outside those above, and any other text.
+std::optional<Date> TypedDate(std::string_view text);
+/// What an operator is told whose text is no date.
+std::string NoDateText(std::string_view typed);
+
 }  // namespace hyetex

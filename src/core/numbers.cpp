@@ -6,6 +6,8 @@
 #include <cmath>
 #include <limits>
 
+#include "core/text.h"
+
 namespace hyetex {
 namespace {
 
@@ -123,6 +125,27 @@ std::int16_t LeadingInt16(std::string_view text) {
   return value >= -32768 && value <= 32767 ? static_cast<std::int16_t>(value) : std::int16_t{0};
 }
 
+std::optional<double> TypedNumber(std::string_view text) {
+  std::string digits(Trim(text));
+  std::ranges::replace(digits, ',', '.');  // two of either are refused below
+  const char* at = digits.data();
+  const char* const end = at + digits.size();
+  if (at != end && (*at == '+' || *at == '-')) ++at;
+  const char* const first = at != end && *at == '.' ? at + 1 : at;
+  if (first == end || !IsDigit(*first)) return std::nullopt;  // keeps "inf", "nan" and a second sign out
+  double value = 0;
+  const auto result = std::from_chars(at, end, value, std::chars_format::general);
+  if (result.ec != std::errc{} || result.ptr != end ||
+      value > static_cast<double>(std::numeric_limits<float>::max()))
+    return std::nullopt;
+  return digits.front() == '-' ? -value : value;
+}
+
+double TypedOrLeading(std::string_view text) {
+  const auto typed = TypedNumber(text);
+  return typed ? *typed : LeadingNumber(text);
+}
+
 double Round(double value, int decimals) {
   if (!std::isfinite(value)) return 0;
   std::array<char, 512> buffer;
@@ -159,7 +182,7 @@ std::string PadNumber(double value, int width) {
 }
 
 std::string StepNumber(std::string_view text, double step, std::optional<double> lowest) {
-  const double value = LeadingNumber(text);
+  const double value = TypedOrLeading(text);
   double next = value + step;
   if (lowest) next = std::max(next, step > 0 ? *lowest : std::min(value, *lowest));
   return ShortText(static_cast<float>(next));

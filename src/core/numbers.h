@@ -18,6 +18,12 @@ float LeadingFloat(std::string_view text);
 /// The same as a signed 16-bit number, rounded to nearest; a number out of its range reads as 0.
 std::int16_t LeadingInt16(std::string_view text);
 
+/// A number as an operator types it: the whole text, blanks around it passed over, a decimal comma taken as
+/// a point. Nothing for any other text, however it begins, and for what no 32-bit float can hold.
+std::optional<double> TypedNumber(std::string_view text);
+/// The same; of a text that is no number the leading one, as files are read.
+double TypedOrLeading(std::string_view text);
+
 /// `value` rounded to `decimals` decimals, ties going to the even digit. The decision is made on the
 /// exact binary value, so 2.675 (stored a little below) gives 2.67. What is not finite comes back as 0.
 double Round(double value, int decimals);
@@ -39,8 +45,8 @@ std::string ExactText(float value);
 /// integer part is already that wide is cut to `width` characters.
 std::string PadNumber(double value, int width);
 
-/// A typed number after a step of its up-down control. It does not fall below `lowest`; what is lower already
-/// (an unknown depth is -1) comes up to it with the first step up.
+/// A typed number after a step of its up-down control, of any text its leading one. It does not fall below
+/// `lowest`; what is lower already (an unknown depth is -1) comes up to it with the first step up.
 std::string StepNumber(std::string_view text, double step, std::optional<double> lowest = 0);
 
 /// The step of a graph axis for a raw step `x`: 0.005 to 500, from a fixed ladder.

@@ -11,8 +11,6 @@ namespace hyetex {
 /// The form in which all windows show them.
 inline constexpr const char* DateBoxForm = "dd/MM/yyyy";
 inline constexpr const char* TimeBoxForm = "HH:mm:ss";
-/// The toolkit's boxes hold no earlier date by themselves.
-inline const QDate FirstBoxDate(100, 1, 1);
 
 inline QDate ToQDate(Date date) {
   const CalendarTime at = ToCalendar(date);

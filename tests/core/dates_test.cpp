@@ -67,6 +67,18 @@ TEST(Dates, ReadsFixedPlacesAndRefusesTheRest) {
     EXPECT_FALSE(ParseDateText(std::string("05/03/98 ") + time)) << time;
 }
 
+TEST(Dates, TypedAreDaysOfTheCalendarDayFirst) {
+  for (const char* typed : {"12/04/1999", "12.4.1999", "12041999", " 12-4-1999 ", "12 4 1999", "1999-04-12"})
+    EXPECT_EQ(TypedDate(typed), MakeDate(1999, 4, 12)) << typed;
+  EXPECT_EQ(TypedDate("01/01/1850"), MakeDate(1850, 1, 1));
+  EXPECT_EQ(TypedDate("31122100"), MakeDate(2100, 12, 31));
+  EXPECT_EQ(TypedDate("29/02/2000"), MakeDate(2000, 2, 29));
+  for (const char* none : {"", "12/04/99", "120499", "1204199", "12/04/19990", "31/12/1849", "01/01/2101",
+                           "30/02/1999", "29/02/1999", "31/04/1999", "0/4/1999", "12/13/1999", "12/04/1999x",
+                           "12//04/1999", "12/04", "12/04/1999 08:00", "1999/04/12", "12041999/"})
+    EXPECT_EQ(TypedDate(none), std::nullopt) << none;
+}
+
 TEST(Dates, EverySecondReadsBackTheSame) {
   std::mt19937_64 random(2);
   std::uniform_int_distribution<long long> second(2LL * 86400, 73050LL * 86400);

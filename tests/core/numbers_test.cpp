@@ -1,5 +1,7 @@
 #include "core/numbers.h"
 
+#include "core/number_entry.h"
+
 #include <cmath>
 #include <limits>
 #include <random>
@@ -18,6 +20,22 @@ TEST(Numbers, ReadsTheLongestLeadingNumberAndNothingElse) {
   for (const char* none : {"", "abc", "+-5", "-+5", "--5", "+", "- 5", ".", "-.", "inf", "-infinity", "NaN",
                            "nan(1)", "1e999", "-1e999", "1e-999", "0x1F", "\xA0 5"})
     EXPECT_EQ(LeadingNumber(none), 0) << none;
+}
+
+TEST(Numbers, TakeOfTypedTextsOnlyWholeNumbers) {
+  using Case = std::pair<const char*, double>;
+  for (const auto& [text, value] : {Case("12,5", 12.5), Case(" -0,5 ", -0.5), Case("+7", 7), Case(".5", 0.5),
+                                    Case(",5", 0.5), Case("5,", 5), Case("2e3", 2000)})
+    EXPECT_EQ(TypedNumber(text), value) << text;
+  for (const char* none : {"", " ", "12.5mm", "1,2,3", "1.234,5", "1 2", "--5", "+-5", "-", ",", "2e", "inf",
+                           "nan", "1e999", "1e39", "0x1F"})
+    EXPECT_EQ(TypedNumber(none), std::nullopt) << none;
+  EXPECT_EQ(StepNumber("1,5", 0.1), "1.6");
+
+  EXPECT_EQ(CheckNumber("-1", DepthEntry), std::nullopt) << "the unknown depth";
+  EXPECT_EQ(CheckNumber(" ", DepthEntry), std::nullopt);
+  EXPECT_EQ(CheckNumber("-0,5", DepthEntry), "A depth must be no less than 0.");
+  EXPECT_EQ(CheckNumber("12.5 mm", DepthEntry), "\"12.5 mm\" is no number. Type a number alone, as 2.5.");
 }
 
 TEST(Numbers, NarrowReadingsRefuseWhatDoesNotFit) {

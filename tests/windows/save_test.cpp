@@ -39,9 +39,9 @@ TEST_F(SaveWindow, ShowsTheReportAndTheDetails) {
   EXPECT_EQ(Label("labPrompt0"), "Digitized Rain Factor = 14%");
   EXPECT_EQ(Label("labPrompt1"), "Manual Rain Factor = 21%");
   EXPECT_EQ(Label("labPrompt2"), "Time Length Factor = 0%");
-  EXPECT_EQ(Find<QDateEdit>(window, "dtpBeginDate").date(), QDate(1998, 3, 5));
+  EXPECT_EQ(Find<DateBox>(window, "dtpBeginDate").date(), QDate(1998, 3, 5));
   EXPECT_EQ(Find<QTimeEdit>(window, "dtpBeginTime").time(), QTime(12, 30));
-  EXPECT_EQ(Find<QDateEdit>(window, "dtpEndDate").date(), QDate(1998, 3, 12));
+  EXPECT_EQ(Find<DateBox>(window, "dtpEndDate").date(), QDate(1998, 3, 12));
   EXPECT_EQ(Find<QTimeEdit>(window, "dtpEndTime").time(), QTime(12, 30));
   EXPECT_EQ(Text("txtEyed"), "14");
   EXPECT_EQ(Text("txtManual"), "11");

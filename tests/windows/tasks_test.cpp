@@ -1,7 +1,7 @@
 // The staging area in the real program: its charts, the search for the tablet, and the road into a session
 // and back.
 #include <QContextMenuEvent>
-#include <QDateEdit>
+
 #include <QTableWidget>
 #include <QTreeWidget>
 
@@ -190,7 +190,7 @@ TEST_F(StagingDesk, DefinesAChartByKeysAlone) {
   const auto enter = [&] { QTest::keyClick(Details().focusWidget(), Qt::Key_Return); };
   ASSERT_EQ(Details().focusWidget()->objectName(), "dtpBeginDate");
   QTest::keyClicks(Details().focusWidget(), "05031998");
-  EXPECT_EQ(Find<QDateEdit>(Details(), "dtpEndDate").date(), QDate(1998, 3, 6));
+  EXPECT_EQ(Find<DateBox>(Details(), "dtpEndDate").date(), QDate(1998, 3, 6));
   for (const char* next : {"dtpBeginTime", "dtpEndDate", "dtpEndTime", "txtEyed"}) {
     enter();
     EXPECT_EQ(Details().focusWidget()->objectName(), next);

@@ -10,6 +10,7 @@
 #include "chartfiles/comment_list.h"
 #include "chartfiles/saving.h"
 #include "platform/controls.h"
+#include "platform/entry_box.h"
 #include "platform/qt_text.h"
 #include "platform/up_down.h"
 
@@ -31,7 +32,8 @@ frmComment::frmComment(Desk& desk, Dialogs& dialogs, Settings& settings,
   const std::string title = target_->Title();
   setWindowTitle(title.empty() ? OwnTitle : ToQt(title));
 
-  txtCode = new QLineEdit(ToQt(target_->Code().value_or(settings_.Get(setting::CommentCode))));
+  txtCode = new EntryBox(CodeEntry);
+  txtCode->setText(ToQt(target_->Code().value_or(settings_.Get(setting::CommentCode))));
   txtCode->setObjectName("txtCode");
   auto* udnCode = new UpDown(txtCode, [](std::string_view text, int way) { return StepNumber(text, way); });
   udnCode->setObjectName("udnCode");
@@ -60,7 +62,7 @@ frmComment::frmComment(Desk& desk, Dialogs& dialogs, Settings& settings,
   for (QWidget* control :
        {static_cast<QWidget*>(txtCode), static_cast<QWidget*>(txtComment), static_cast<QWidget*>(lstChoices)})
     control->installEventFilter(this);
-  for (QLineEdit* box : {txtCode, txtComment}) SelectAllOnFocus(box);
+  SelectAllOnFocus(txtComment);
   // Not with the current item: the list makes its first one current when it merely gets the focus.
   connect(lstChoices, &QListWidget::itemSelectionChanged, this, [this] {
     for (const QListWidgetItem* item : lstChoices->selectedItems()) txtComment->setText(item->text());
@@ -124,7 +126,7 @@ void frmComment::Add() {
 
 bool frmComment::Take() {
   const std::string code = FromQt(txtCode->text()), text = FromQt(txtComment->text());
-  if (code.empty() && text.empty()) return false;
+  if ((code.empty() && text.empty()) || RefusesEntries(*this, dialogs_, OwnTitle)) return false;
   const auto refusal = target_->Add(code, text);
   if (refusal) dialogs_.MessageBox(OwnTitle, *refusal, BoxButtons::Ok, BoxIcon::Warning);
   return !refusal;
@@ -143,7 +145,8 @@ void frmComment::closeEvent(QCloseEvent* event) {
 void frmComment::ShowList() { desk_.OpenLargeView(ListTitle, CommentListText(userComments_)); }
 
 void frmComment::Closing() {
-  (void)settings_.Set(setting::CommentCode, FromQt(txtCode->text()));
+  if (!CheckNumber(FromQt(txtCode->text()), CodeEntry))
+    (void)settings_.Set(setting::CommentCode, FromQt(txtCode->text()));
   desk_.CloseLargeView(ListTitle);
   desk_.Flags.SetOpen(WindowId::Comment, false);
   target_->Closed();

@@ -113,6 +113,7 @@ void frmSave::Blink() {
 // ---- What it does
 
 bool frmSave::ResetDefinitions() {
+  if (RefusesEntries(*this, dialogs_, SavingTitle)) return false;
   if (const auto refusal = TakeDetails(ShownDetails(), session_.Chart)) {
     dialogs_.MessageBox(FromQt(windowTitle()), *refusal, BoxButtons::Ok, BoxIcon::Warning);
     dtpEndDate->setFocus();
@@ -142,7 +143,7 @@ bool frmSave::TakesPendingDetails() {
 }
 
 bool frmSave::SaveFile() {
-  if (!TakesPendingDetails()) return false;
+  if (RefusesEntries(*this, dialogs_, SavingTitle) || !TakesPendingDetails()) return false;
   const auto ask = [this](const std::string& text) {
     return dialogs_.MessageBox(SavingTitle, ShownText(text), BoxButtons::CancelUnlessOk, BoxIcon::Warning) ==
            BoxAnswer::Ok;

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <QComboBox>
-#include <QDateEdit>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -14,6 +13,7 @@
 #include <functional>
 
 #include "chartfiles/saving.h"
+#include "platform/date_box.h"
 #include "platform/dialogs.h"
 #include "platform/form_window.h"
 
@@ -77,7 +77,7 @@ class frmSave : public FormWindow, public FocusListener {
   QPlainTextEdit* txtPrompt;
   std::array<QLabel*, 3> labPrompt;
   QLineEdit *txtEyed, *txtManual, *txtRain, *txtAlpha, *txtComment;
-  QDateEdit *dtpBeginDate, *dtpEndDate;
+  DateBox *dtpBeginDate, *dtpEndDate;
   QTimeEdit *dtpBeginTime, *dtpEndTime;
   QComboBox *comRain, *comChart;
   QPushButton *cmdDefiine, *cmdSave, *cmdRedigitize, *cmdCancel, *cmdBack, *cmdNext;

@@ -51,7 +51,7 @@ void frmSave::MakeLayout() {
 }
 
 QWidget* frmSave::MakeStepped(QLineEdit*& box, const char* name, double step, std::optional<double> lowest) {
-  box = Named(new QLineEdit, QByteArray("txt").append(name).constData());
+  box = Named(new EntryBox(lowest ? DepthEntry : NumberEntry{}), QByteArray("txt").append(name).constData());
   return WithArrows(
       box, QByteArray("udn").append(name).constData(),
       [step, lowest](std::string_view text, int way) { return StepNumber(text, step * way, lowest); });
@@ -64,13 +64,10 @@ void frmSave::AddRow(QGridLayout& layout, const char* caption, QWidget* buddy, Q
 }
 
 void frmSave::AddDetails(QGridLayout& layout) {
-  const auto dates = [&](QDateEdit*& date, const char* dateName, const char* dateCaption, QTimeEdit*& time,
+  const auto dates = [&](DateBox*& date, const char* dateName, const char* dateCaption, QTimeEdit*& time,
                          const char* timeName, const char* timeCaption) {
-    date = Named(new QDateEdit, dateName);
-    date->setMinimumDate(FirstBoxDate);
-    date->setDisplayFormat(DateBoxForm);
-    date->setCalendarPopup(true);
-    connect(date, &QDateEdit::dateChanged, this, &frmSave::MarkPendingDetails);
+    date = Named(new DateBox, dateName);
+    connect(date, &DateBox::dateChanged, this, &frmSave::MarkPendingDetails);
     AddRow(layout, dateCaption, date);
     time = Named(new QTimeEdit, timeName);
     time->setDisplayFormat(TimeBoxForm);

@@ -17,8 +17,8 @@ double NumberShown(const std::string& cell) {
 ComputationVariables ReadComputation(bool useAlpha, std::string_view lapse, std::string_view gmtHours,
                                      bool depthManual) {
   return {.UseAlpha = useAlpha,
-          .MinimalLapse = LeadingFloat(lapse),
-          .GmtShift = static_cast<float>(LeadingNumber(gmtHours) / 24),
+          .MinimalLapse = static_cast<float>(TypedOrLeading(lapse)),
+          .GmtShift = static_cast<float>(TypedOrLeading(gmtHours) / 24),
           .DefaultDepthManual = depthManual};
 }
 

@@ -5,11 +5,16 @@
 #include <string_view>
 #include <vector>
 
+#include "core/number_entry.h"
 #include "database/conversion/populate_grid.h"
 #include "database/conversion/population.h"
 #include "platform/dialogs.h"
 
 namespace hyetex {
+
+/// What the boxes for these take from an operator; empty ones are 0.
+inline constexpr NumberEntry LapseEntry{.What = "The time lapse"};
+inline constexpr NumberEntry GmtEntry{.What = "The hours to GMT", .Least = -14, .Most = 14};
 
 /// The lapse in minutes and the hours to GMT as typed; text that is no number counts as 0.
 ComputationVariables ReadComputation(bool useAlpha, std::string_view lapse, std::string_view gmtHours,

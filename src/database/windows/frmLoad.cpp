@@ -100,11 +100,14 @@ frmLoad::frmLoad(Desk& desk, Dialogs& dialogs, Settings& settings, ReferenceList
     dtpEnd->setEnabled(limited);
     RefillLists();
   });
-  for (QDateEdit* box : {dtpBegin, dtpEnd})
-    connect(box, &QDateEdit::dateChanged, this, [this] {
+  for (DateBox* box : {dtpBegin, dtpEnd})
+    connect(box, &DateBox::dateChanged, this, [this] {
       if (chkDate->isChecked()) RefillLists();
     });
-  connect(cmdLoad, &QPushButton::clicked, this, [this] { Loads() ? Load() : Extract(); });
+  connect(cmdLoad, &QPushButton::clicked, this, [this] {
+    if (RefusesEntries(*this, dialogs_, FromQt(windowTitle()))) return;
+    Loads() ? Load() : Extract();
+  });
   connect(cmdClose, &QPushButton::clicked, this, &QWidget::close);
   ShowFolder();
   ShowSelected();

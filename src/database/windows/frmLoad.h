@@ -3,7 +3,6 @@
 
 #include <QAbstractListModel>
 #include <QCheckBox>
-#include <QDateEdit>
 #include <QFileSystemModel>
 #include <QGroupBox>
 #include <QLabel>
@@ -20,6 +19,7 @@
 
 #include "database/access/plot_db.h"
 #include "database/store/file_list.h"
+#include "platform/date_box.h"
 #include "platform/dialogs.h"
 #include "platform/form_window.h"
 #include "platform/shown_progress.h"
@@ -115,7 +115,7 @@ class frmLoad : public FormWindow {
   QLabel *labTarget, *labError, *labNotes, *labCount, *labDoing;
   QTreeWidget* tvwStations;
   QListView* lstFile;
-  QDateEdit *dtpBegin, *dtpEnd;
+  DateBox *dtpBegin, *dtpEnd;
   QProgressBar* prgFiles;
 };
 

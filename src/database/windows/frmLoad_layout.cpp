@@ -20,15 +20,6 @@ QLabel* WrappedLabel(const char* name) {
   return label;
 }
 
-QDateEdit* DateBox(const char* name) {
-  auto* box = Named(new QDateEdit, name);
-  box->setDisplayFormat(DateBoxForm);
-  box->setMinimumDate(FirstBoxDate);
-  box->setCalendarPopup(true);
-  box->setEnabled(false);
-  return box;
-}
-
 }  // namespace
 
 void frmLoad::MakeControls() {
@@ -148,8 +139,9 @@ QWidget* frmLoad::MakeFiles() {
   labCount = Named(new QLabel, "labCount");
 
   chkDate = Named(new QCheckBox(tr("&Use Date Limits")), "chkDate");
-  dtpBegin = DateBox("dtpBegin");
-  dtpEnd = DateBox("dtpEnd");
+  dtpBegin = Named(new DateBox, "dtpBegin");
+  dtpEnd = Named(new DateBox, "dtpEnd");
+  for (DateBox* box : {dtpBegin, dtpEnd}) box->setEnabled(false);
   auto* dates = new QGridLayout;
   dates->addWidget(chkDate, 0, 0);
   dates->addWidget(LabelOf("Fr&om:", dtpBegin), 0, 1);

@@ -10,12 +10,14 @@
 #include "core/numbers.h"
 #include "database/conversion/populate_choice.h"
 #include "platform/controls.h"
+#include "platform/entry_box.h"
 #include "platform/qt_text.h"
 
 namespace hyetex {
-frmPrePop::frmPrePop(Desk& desk, Settings& settings, ComputationVariables& variables,
+frmPrePop::frmPrePop(Desk& desk, Dialogs& dialogs, Settings& settings, ComputationVariables& variables,
                      std::function<void()> help, QWidget* parent)
     : FormWindow("frmPrePop", WindowId::PrePop, desk, settings, parent),
+      dialogs_(dialogs),
       variables_(variables),
       help_(std::move(help)) {
   setWindowTitle(tr("Set Computation Variables"));
@@ -37,10 +39,9 @@ void frmPrePop::MakeLayout() {
   auto* numbers = new QGridLayout;
   numbers->setColumnStretch(0, 1);
   const auto addNumber = [&](QLineEdit*& box, const char* txtName, const char* udnName, const char* caption,
-                             const QString& toolTip) {
-    box = Named(new QLineEdit, txtName);
+                             const QString& toolTip, const NumberEntry& entry) {
+    box = Named(new EntryBox(entry), txtName);
     box->setToolTip(toolTip);
-    SelectAllOnFocus(box);
     const int row = numbers->rowCount();
     numbers->addWidget(LabelOf(caption, box), row, 0);
     numbers->addWidget(
@@ -48,9 +49,9 @@ void frmPrePop::MakeLayout() {
         row, 1);
   };
   addNumber(txtLapse, "txtLapse", "udnLapse", "&Minimal time lapse between two points (minutes) :",
-            tr("Shorter steps of a chart are joined into the next; 0 keeps all"));
+            tr("Shorter steps of a chart are joined into the next; 0 keeps all"), LapseEntry);
   addNumber(txtGMT, "txtGMT", "udnGMT", "Hours &reduced (from local time to GMT) :",
-            tr("Taken off the charts' local times; below 0 where local time is behind GMT"));
+            tr("Taken off the charts' local times; below 0 where local time is behind GMT"), GmtEntry);
 
   auto* depth = new QGroupBox(tr("Default Depth for computations:"));
   auto* choices = new QHBoxLayout(depth);
@@ -79,6 +80,7 @@ void frmPrePop::MakeLayout() {
 }
 
 void frmPrePop::Continue() {
+  if (RefusesEntries(*this, dialogs_, FromQt(windowTitle()))) return;
   variables_ = ReadComputation(chkAlpha->isChecked(), FromQt(txtLapse->text()), FromQt(txtGMT->text()),
                                optDepth[1]->isChecked());
   desk_.Open(WindowId::Populate);
@@ -87,7 +89,8 @@ void frmPrePop::Continue() {
 
 void frmPrePop::Closing() {
   // A choice that cannot be kept is not worth a message.
-  (void)settings_.Set(setting::GmtHours, FromQt(txtGMT->text()));
+  if (!CheckNumber(FromQt(txtGMT->text()), GmtEntry))
+    (void)settings_.Set(setting::GmtHours, FromQt(txtGMT->text()));
   (void)settings_.Set(setting::UseAlpha, chkAlpha->isChecked());
 }
 

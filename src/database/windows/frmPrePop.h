@@ -8,6 +8,7 @@
 #include <functional>
 
 #include "database/conversion/computation.h"
+#include "platform/dialogs.h"
 #include "platform/form_window.h"
 
 namespace hyetex {
@@ -17,8 +18,8 @@ class frmPrePop : public FormWindow {
 
  public:
   /// The variables are written when the operator goes on.
-  frmPrePop(Desk& desk, Settings& settings, ComputationVariables& variables, std::function<void()> help,
-            QWidget* parent = nullptr);
+  frmPrePop(Desk& desk, Dialogs& dialogs, Settings& settings, ComputationVariables& variables,
+            std::function<void()> help, QWidget* parent = nullptr);
 
  protected:
   void Closing() override;
@@ -27,6 +28,7 @@ class frmPrePop : public FormWindow {
   void MakeLayout();
   void Continue();
 
+  Dialogs& dialogs_;
   ComputationVariables& variables_;
   std::function<void()> help_;
 

@@ -1,5 +1,6 @@
 #include "digitizing/windows/mdiHyetex.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QIcon>
 #include <QMdiSubWindow>
@@ -28,6 +29,9 @@ mdiHyetex::mdiHyetex(QWidget* parent) : QMainWindow(parent), area_(new QMdiArea)
   area_->setBackground(palette().brush(QPalette::Mid));
   setCentralWidget(area_);
   connect(area_, &QMdiArea::subWindowActivated, this, &mdiHyetex::TellFocus);
+  // Behind what brought them about, since that may set the focus itself.
+  connect(area_, &QMdiArea::subWindowActivated, this, &mdiHyetex::EnsureFocus, Qt::QueuedConnection);
+  connect(qApp, &QApplication::focusChanged, this, &mdiHyetex::EnsureFocus, Qt::QueuedConnection);
   MakeMenus();
   MakeStatusBar();
   NotDigitizing();
@@ -155,7 +159,16 @@ void mdiHyetex::NotDigitizing() {
 
 void mdiHyetex::ShowSessionMenus(bool shown) {
   for (QAction* item : {mnuNew, mnuSave}) item->setEnabled(shown);
-  for (QMenu* menu : {mnuView, mnuTools}) menu->menuAction()->setVisible(shown);
+  for (QMenu* menu : {mnuView, mnuTools}) {
+    menu->menuAction()->setVisible(shown);
+    // Hidden, it would still keep its letter from the windows.
+    QString caption = menu->title();
+    if (!shown)
+      caption.remove('&');
+    else if (!caption.contains('&'))
+      caption.prepend('&');
+    menu->setTitle(caption);
+  }
   for (QAction* item : mnuDEf->actions())
     if (item != mnuDefaults) item->setVisible(shown);
   mnuDEf->menuAction()->setVisible(shown || mnuDefaults->isVisible());
@@ -180,6 +193,25 @@ void mdiHyetex::ShowScales(const ScaleCaptions& captions) {
   mnuAngle->setText(ToQt(captions.Angle));
   mnuHorizontal->setText(ToQt(captions.Horizontal));
   mnuVertical->setText(ToQt(captions.Vertical));
+}
+
+// Letters and keys need the focus in the current window. It is nowhere when what had it was disabled or is
+// gone, as after a window that was opened over another one.
+void mdiHyetex::EnsureFocus() {
+  QMdiSubWindow* frame = area_->currentSubWindow();
+  QWidget* window = frame ? frame->widget() : nullptr;
+  if (window == nullptr || !window->isVisible() || !window->isEnabled()) return;
+  const QWidget* focus = QApplication::focusWidget();
+  if (focus != nullptr && (focus == window || window->isAncestorOf(focus))) return;
+  if (focus != nullptr && focus->window() != this) return;  // a box, a menu or another frame has it
+  QWidget* next = window->focusWidget();
+  if (next == nullptr || !next->isEnabled() || !next->isVisible()) {
+    next = window;
+    do next = next->nextInFocusChain();
+    while (next != window && !(window->isAncestorOf(next) && next->isEnabled() && next->isVisible() &&
+                               (next->focusPolicy() & Qt::TabFocus) != 0));
+  }
+  next->setFocus();
 }
 
 void mdiHyetex::ShowPanel(int panel, std::string_view text) {
@@ -208,11 +240,18 @@ void mdiHyetex::changeEvent(QEvent* event) {
   QMainWindow::changeEvent(event);
 }
 
+bool mdiHyetex::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::EnabledChange)
+    QMetaObject::invokeMethod(this, &mdiHyetex::EnsureFocus, Qt::QueuedConnection);
+  return QMainWindow::eventFilter(watched, event);
+}
+
 // While a box is shown the area has no active window, but still a current one.
 void mdiHyetex::TellFocus() {
   QMdiSubWindow* frame = area_->currentSubWindow();
   QWidget* now = frame ? frame->widget() : nullptr;
   if (now == focused_) return;
+  if (now) now->installEventFilter(this);
   QWidget* before = focused_;
   focused_ = now;
   if (auto* listener = dynamic_cast<FocusListener*>(before)) listener->FocusChanged(false);

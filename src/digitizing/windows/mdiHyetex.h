@@ -48,6 +48,7 @@ class mdiHyetex final : public QMainWindow, public Shell, public PopupMenu {
  protected:
   void closeEvent(QCloseEvent* event) override;
   void changeEvent(QEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   QMenu* AddMenu(const char* name, const char* caption);
@@ -59,6 +60,7 @@ class mdiHyetex final : public QMainWindow, public Shell, public PopupMenu {
   void AddPopupItem(const char* name, PopupCommand PopupCommands::*command);
   void MakeStatusBar();
   void TellFocus();
+  void EnsureFocus();
 
   QMdiArea* area_;
   SessionCommands* commands_ = nullptr;

@@ -3,13 +3,17 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <optional>
 
+#include "core/number_entry.h"
 #include "core/numbers.h"
+#include "core/text.h"
 
 namespace hyetex {
 namespace {
 
 constexpr int Decimals = 3;
+constexpr std::string_view Unit = "mm";
 
 struct ScaleForm {
   float ChartTypeRecord::*Value;
@@ -25,6 +29,25 @@ constexpr std::array<ScaleForm, 2> Scales{{
      "Please measure a distance and count the depth of rain in it",
      "How many millimeters of rain fit into this distance"},
 }};
+
+// Asks until the answer is a number; nothing where there is none.
+std::optional<float> AskNumber(Dialogs& dialogs, const std::string& title, std::string_view prompt,
+                               std::string initial = {}) {
+  for (;;) {
+    const auto answer = dialogs.InputBox(title, std::string(prompt), initial);
+    if (!answer || Trim(*answer).empty()) return std::nullopt;
+    if (const auto value = TypedNumber(*answer)) return static_cast<float>(*value);
+    dialogs.MessageBox(title, CheckNumber(*answer, {}).value_or(""), BoxButtons::Ok, BoxIcon::Warning);
+    initial = *answer;
+  }
+}
+
+// The height's number, its unit left out where it has one.
+std::string_view WithoutUnit(std::string_view text) {
+  text = Trim(text);
+  if (text.ends_with(Unit)) text.remove_suffix(Unit.size());
+  return text;
+}
 
 }  // namespace
 
@@ -45,12 +68,9 @@ bool AskScale(Dialogs& dialogs, ChartTypeRecord& type, ScaleKind scale) {
   const ScaleForm& form = Scales[static_cast<std::size_t>(scale)];
   const std::string title(form.Title);
   dialogs.MessageBox(title, std::string(form.Measure));
-  const auto ask = [&](std::string_view prompt) {
-    return LeadingFloat(dialogs.InputBox(title, std::string(prompt)).value_or(""));
-  };
-  const float length = ask("What is the length (mm) of the distance");
+  const float length = AskNumber(dialogs, title, "What is the length (mm) of the distance").value_or(0);
   if (!(length > 0)) return false;
-  const float content = ask(form.Content);
+  const float content = AskNumber(dialogs, title, form.Content).value_or(0);
   if (!(content > 0)) return false;
   const float value = content / length;
   if (!std::isfinite(value) || !(value > 0)) return false;
@@ -60,23 +80,24 @@ bool AskScale(Dialogs& dialogs, ChartTypeRecord& type, ScaleKind scale) {
 
 bool AskMiddleToBottom(Dialogs& dialogs, ChartTypeRecord& type) {
   const auto answer =
-      dialogs.InputBox("Setting a non-linear chart type",
-                       "What is the horizontal distance in mm between the middle point and the bottom point",
-                       ShortText(type.MiddleToBottomMm));
-  if (!answer || answer->empty()) return false;
-  type.MiddleToBottomMm = LeadingFloat(*answer);
-  return true;
+      AskNumber(dialogs, "Setting a non-linear chart type",
+                "What is the horizontal distance in mm between the middle point and the bottom point",
+                ShortText(type.MiddleToBottomMm));
+  if (answer) type.MiddleToBottomMm = *answer;
+  return answer.has_value();
 }
 
 Result<void> SetHeight(ChartTypeRecord& type, std::string_view text) {
-  const float height = LeadingFloat(text);
+  if (const auto refusal = CheckNumber(WithoutUnit(text), {})) return Failure(*refusal);
+  const auto height = static_cast<float>(TypedNumber(WithoutUnit(text)).value_or(0));
   if (!(height > 0)) return Failure("The chart height must be more than 0 mm.");
   type.ChartHeightMm = height;
   return {};
 }
 
 std::string StepHeight(std::string_view text, int direction) {
-  return HeightText(std::max(1.0F, LeadingFloat(text) + static_cast<float>(direction)));
+  const auto height = static_cast<float>(TypedOrLeading(WithoutUnit(text)));
+  return HeightText(std::max(1.0F, height + static_cast<float>(direction)));
 }
 
 }  // namespace hyetex

@@ -24,14 +24,14 @@ struct DefaultsTexts {
 };
 DefaultsTexts DefaultsTextsOf(const ChartTypeRecord& type);
 
-/// Asks for a distance and what fits into it, and sets the scale. An answer that is no number above 0 stops
-/// it. Whether the scale was set.
+/// Asks for a distance and what fits into it, and sets the scale. An answer that is no number is asked for
+/// again; none, or a number that is not above 0, stops it. Whether the scale was set.
 bool AskScale(Dialogs& dialogs, ChartTypeRecord& type, ScaleKind scale);
 
 /// Asks for the distance that a pen on an arc needs. Whether it was set.
 bool AskMiddleToBottom(Dialogs& dialogs, ChartTypeRecord& type);
 
-/// Takes the leading number of a text, in mm. Fails on a height that is not above 0.
+/// Takes a number of mm, with its unit or without. Fails on any other text and a height that is not above 0.
 Result<void> SetHeight(ChartTypeRecord& type, std::string_view text);
 /// A height box's next text, 1 mm up or down; never below 1 mm.
 std::string StepHeight(std::string_view text, int direction);

@@ -6,6 +6,7 @@
 #include "core/chart_length.h"
 #include "core/comments.h"
 #include "core/dates.h"
+#include "core/number_entry.h"
 #include "core/numbers.h"
 #include "core/text.h"
 #include "staging/tasks/tasks.h"
@@ -20,11 +21,13 @@ Date Joined(Date date, Date time) { return std::floor(date) + (time - std::floor
 
 std::string DepthText(float depth) { return depth == NoDepth ? std::string() : ShortText(depth); }
 
+float DepthOf(std::string_view typed) { return static_cast<float>(TypedOrLeading(typed)); }
+
 bool IsZero(std::string_view typed) {
-  return LeadingFloat(typed) == 0 && typed.find('0') != std::string_view::npos;
+  return DepthOf(typed) == 0 && typed.find('0') != std::string_view::npos;
 }
 // Neither empty, nor 0, nor letters.
-bool IsDepth(std::string_view typed) { return LeadingFloat(typed) != 0; }
+bool IsDepth(std::string_view typed) { return DepthOf(typed) != 0; }
 
 bool IsDefectiveByEntry(std::string_view comments) {
   const auto entries = CommentEntries(comments);
@@ -64,6 +67,11 @@ void RememberTaskDetails(Settings& settings, const TaskDetails& details) {
   (void)settings.Set(setting::TaskReliability, details.Reliability);
 }
 
+std::optional<std::string> CheckTaskDepth(std::string_view typed) {
+  const bool isWord = typed.find_first_of("0123456789") == std::string_view::npos;
+  return isWord ? std::nullopt : CheckNumber(typed, DepthEntry);
+}
+
 tl::expected<CheckedTask, TaskFault> CheckTaskDetails(const TaskDetails& details, ChartRecord task) {
   const auto fault = [](std::string text, TaskField field) {
     return tl::unexpected(TaskFault{std::move(text), field});
@@ -76,12 +84,16 @@ tl::expected<CheckedTask, TaskFault> CheckTaskDetails(const TaskDetails& details
     return fault(
         "you must enter a value for the manual depth, or clear the manual depth Textbox for an unknown depth",
         TaskField::ManualDepth);
+  if (const auto why = CheckTaskDepth(details.ManualDepth)) return fault(*why, TaskField::ManualDepth);
+  if (const auto why = CheckTaskDepth(details.EyedDepth)) return fault(*why, TaskField::EyedDepth);
   if (!IsDepth(details.EyedDepth) && !(IsDefectiveByEntry(details.Comments) && IsDepth(details.ManualDepth)))
     return fault("you must enter a value for the Eyed depth", TaskField::EyedDepth);
+  if (lapse == 0)
+    return fault("The chart has no length: its end must be after its beginning", TaskField::Begin);
 
   task.GeneralComment = OneLine(details.Comments);
-  task.EyedDepth = LeadingFloat(details.EyedDepth);
-  task.ManualDepth = IsDepth(details.ManualDepth) ? LeadingFloat(details.ManualDepth) : NoDepth;
+  task.EyedDepth = DepthOf(details.EyedDepth);
+  task.ManualDepth = IsDepth(details.ManualDepth) ? DepthOf(details.ManualDepth) : NoDepth;
   task.Reliability = static_cast<std::int16_t>(details.Reliability);
   if (const auto why = CheckTask(task)) return fault(*why, TaskField::Begin);
   return CheckedTask{std::move(task), lapse > LongestSeconds};

@@ -45,9 +45,12 @@ inline constexpr std::string_view LapseQuestion =
     "There is a great time lapse between the beginning date and the ending date, would you like to continue "
     "anyway ? ";
 
+/// Why a depth cannot be taken as typed. A word without digits is a depth that is not known.
+std::optional<std::string> CheckTaskDepth(std::string_view typed);
+
 /// The chart with these details; all else stays as it is in `task`. A chart needs an eyed depth other than
 /// 0, unless it is marked as extremely defective and its manual depth is known. The manual depth may be left
-/// out (what is no number counts as that), but not be 0. A typed -1 is no depth.
+/// out (a word counts as that), but not be 0. A typed -1 is no depth. A chart must last some time.
 tl::expected<CheckedTask, TaskFault> CheckTaskDetails(const TaskDetails& details, ChartRecord task);
 
 /// Marks a chart as extremely defective, once.

@@ -4,6 +4,7 @@
 #include <QSignalBlocker>
 
 #include "core/numbers.h"
+#include "core/text.h"
 #include "platform/menu_key.h"
 #include "platform/qt_text.h"
 #include "staging/lists/login.h"
@@ -196,16 +197,20 @@ void frmLists::SetMethod(int method) {
   editor_.Touched();
 }
 
-void frmLists::TakeHeight() {
+bool frmLists::TakeHeight() {
   ChartTypeRecord* type = ChartType();
   const std::string typed = FromQt(txtHeight->text());
-  if (type == nullptr || typed == HeightText(type->ChartHeightMm)) return;
-  const auto set = SetHeight(*type, typed);
-  txtHeight->setText(ToQt(HeightText(type->ChartHeightMm)));
-  if (set)
-    editor_.Touched();
-  else
+  if (type == nullptr || typed == HeightText(type->ChartHeightMm)) return true;
+  // An empty box gives up what was typed.
+  const bool isGivenUp = Trim(typed).empty();
+  if (const auto set = SetHeight(*type, typed); !isGivenUp && !set) {
+    const QSignalBlocker once(txtHeight);  // it loses the focus to the message
     dialogs_.MessageBox(Title, set.error(), BoxButtons::Ok, BoxIcon::Warning);
+    return false;
+  }
+  txtHeight->setText(ToQt(HeightText(type->ChartHeightMm)));
+  if (!isGivenUp) editor_.Touched();
+  return true;
 }
 
 void frmLists::AskForScale(int index) {
@@ -218,7 +223,7 @@ void frmLists::AskForScale(int index) {
 // ---- Leaving
 
 bool frmLists::SaveBeforeReading() {
-  TakeHeight();
+  if (!TakeHeight()) return false;
   if (!editor_.IsUnsaved()) return true;
   return dialogs_.MessageBox(Title,
                              "The lists hold changes that are not saved. They are saved before stations are "
@@ -233,12 +238,11 @@ void frmLists::StationsRead(bool saved) {
 }
 
 void frmLists::SaveAndClose() {
-  TakeHeight();
-  if (editor_.Save()) close();
+  if (TakeHeight() && editor_.Save()) close();
 }
 
 void frmLists::closeEvent(QCloseEvent* event) {
-  TakeHeight();
+  if (!TakeHeight()) return event->ignore();
   if (editor_.IsUnsaved()) {
     const BoxAnswer answer =
         dialogs_.MessageBox(CloseTitle, "Would you like to save the lists before you exit?",

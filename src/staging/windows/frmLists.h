@@ -65,7 +65,8 @@ class frmLists final : public FormWindow, public FocusListener {
   /// The chart type that is selected; null for none.
   ChartTypeRecord* ChartType();
   void SetMethod(int method);
-  void TakeHeight();
+  /// Whether the height is one, which the operator has been told if not.
+  bool TakeHeight();
   void AskForScale(int index);
   void SaveAndClose();
 

@@ -24,7 +24,7 @@ frmTaskDef::frmTaskDef(Desk& desk, Dialogs& dialogs, Settings& settings, TaskJob
   ShowDetails(job_.What == TaskJob::Mode::Add ? NewTaskDetails(settings, Now()) : DetailsOfTask(job_.Task));
   opened_ = ShownDetails();
   // Only from now on: the details above keep the end that they have.
-  connect(dtpBeginDate, &QDateEdit::dateChanged, this,
+  connect(dtpBeginDate, &DateBox::dateChanged, this,
           [this](QDate begin) { dtpEndDate->setDate(begin.addDays(1)); });
 }
 
@@ -61,7 +61,7 @@ void frmTaskDef::UpdateCommentsList() {
 
 void frmTaskDef::showEvent(QShowEvent* event) {
   FormWindow::showEvent(event);
-  if (!event->spontaneous()) dtpBeginDate->setFocus(Qt::TabFocusReason);  // with its day selected
+  if (!event->spontaneous()) dtpBeginDate->setFocus(Qt::TabFocusReason);  // with its text selected
 }
 
 // ---- Keys
@@ -130,6 +130,7 @@ void frmTaskDef::Confirm() {
 
 bool frmTaskDef::Take() {
   const std::string title(TaskDetailsTitle);
+  if (RefusesEntries(*this, dialogs_, title)) return;
   auto checked = CheckTaskDetails(ShownDetails(), job_.Task);
   if (!checked) {
     dialogs_.MessageBox(title, checked.error().Text, BoxButtons::Ok, BoxIcon::Warning);

@@ -3,7 +3,6 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDateEdit>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QTimeEdit>
@@ -12,6 +11,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/date_box.h"
 #include "platform/dialogs.h"
 #include "platform/form_window.h"
 #include "staging/tasks/task_details.h"
@@ -78,7 +78,7 @@ class frmTaskDef : public FormWindow {
   TaskDetails opened_;    // as they were shown first
   std::string comments_;  // entries joined by "::"
 
-  QDateEdit *dtpBeginDate, *dtpEndDate;
+  DateBox *dtpBeginDate, *dtpEndDate;
   QTimeEdit *dtpBeginTime, *dtpEndTime;
   QLineEdit *txtEyed, *txtManual;
   QComboBox* comChart;

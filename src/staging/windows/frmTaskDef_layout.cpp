@@ -35,36 +35,31 @@ void frmTaskDef::MakeLayout() {
 }
 
 void frmTaskDef::AddDates(QGridLayout& layout) {
-  const auto add = [&](auto*& box, const char* name, const char* caption, const char* form) {
+  const auto add = [&](auto*& box, const char* name, const char* caption) {
     box = Named(new std::remove_reference_t<decltype(*box)>, name);
-    box->setDisplayFormat(form);
     box->installEventFilter(this);
     const int row = layout.rowCount();
     layout.addWidget(LabelOf(caption, box), row, 0);
     layout.addWidget(box, row, 1);
   };
-  add(dtpBeginDate, "dtpBeginDate", "&Start Date:", DateBoxForm);
-  add(dtpBeginTime, "dtpBeginTime", "Start &Time:", TimeBoxForm);
-  add(dtpEndDate, "dtpEndDate", "&End Date:", DateBoxForm);
-  add(dtpEndTime, "dtpEndTime", "End T&ime:", TimeBoxForm);
-  for (QDateEdit* date : {dtpBeginDate, dtpEndDate}) {
-    date->setMinimumDate(FirstBoxDate);
-    date->setCalendarPopup(true);
-  }
+  add(dtpBeginDate, "dtpBeginDate", "&Start Date:");
+  add(dtpBeginTime, "dtpBeginTime", "Start &Time:");
+  add(dtpEndDate, "dtpEndDate", "&End Date:");
+  add(dtpEndTime, "dtpEndTime", "End T&ime:");
+  for (QTimeEdit* time : {dtpBeginTime, dtpEndTime}) time->setDisplayFormat(TimeBoxForm);
 }
 
 void frmTaskDef::AddDepths(QGridLayout& layout) {
   const auto step = [](std::string_view text, int way) { return StepNumber(text, 0.1 * way); };
   const auto add = [&](QLineEdit*& box, const char* name, const char* udnName, const char* caption) {
-    box = Named(new QLineEdit, name);
+    box = Named(new EntryBox(CheckTaskDepth), name);
     box->installEventFilter(this);
-    SelectAllOnFocus(box);
     const int row = layout.rowCount();
     layout.addWidget(LabelOf(caption, box), row, 0);
     layout.addWidget(WithArrows(box, udnName, step), row, 1);
     layout.addWidget(new QLabel(tr("mm")), row, 2);
   };
-  add(txtEyed, "txtEyed", "udnEyed", "E&yed Chart Depth:");
+  add(txtEyed, "txtEyed", "udnEyed", "Eyed C&hart Depth:");
   add(txtManual, "txtManual", "udnManual", "&Manual Gage Depth:");
   txtManual->setPlaceholderText(tr("unknown"));
 

@@ -35,7 +35,11 @@ TEST(TaskDetails, TakeOnlyDepthsThatAreKnown) {
       {"12.5", "", "", nullptr, 12.5F, -1},
       {"12.5", "abc", "", nullptr, 12.5F, -1},
       {"12.5", "-1", "", nullptr, 12.5F, -1},
-      {" 7mm", ".5", "", nullptr, 7, 0.5F},
+      {" 7,25", ".5", "", nullptr, 7.25F, 0.5F},
+      {"0,5", "0,5", "", nullptr, 0.5F, 0.5F},
+      {" 7mm", ".5", "", "\"7mm\" is no number. Type a number alone, as 2.5.", 0, 0},
+      {"7", "-2", "", "A depth must be no less than 0.", 0, 0},
+      {"-7", "", "", "A depth must be no less than 0.", 0, 0},
       {"12.5", "0", "", NoManual, 0, 0},
       {"12.5", "0.00", "", NoManual, 0, 0},
       {"12.5", "a0", "", NoManual, 0, 0},
@@ -83,7 +87,8 @@ TEST(TaskDetails, AskAboutMoreThanTenDaysAndRefuseLessThanNone) {
       return !checked ? "refused" : checked->AsksAboutLapse ? "asks" : "taken";
     };
     EXPECT_STREQ(lasting(-Second), "refused");
-    EXPECT_STREQ(lasting(0), "refused") << "a chart of no length";
+    EXPECT_STREQ(lasting(0), "refused");
+    EXPECT_STREQ(lasting(Second), "taken");
     EXPECT_STREQ(lasting(10), "taken");
     EXPECT_STREQ(lasting(10 + Minute), "asks");
   }
