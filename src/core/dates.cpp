@@ -180,8 +180,9 @@ std::optional<ParsedDate> ParseDateText(std::string_view text) {
 
 std::optional<Date> TypedDate(std::string_view text) {
   text = Trim(text);
-  const bool isApart = text.find_first_not_of("0123456789") != std::string_view::npos;
-  const bool yearFirst = text.size() > 4 && text[4] == '-';
+  const std::size_t digits = text.find_first_not_of("0123456789");
+  const bool isApart = digits != std::string_view::npos;
+  const bool yearFirst = digits == 4 && text[4] == '-';
   if (!isApart && text.size() != 8) return std::nullopt;
   const std::size_t least = isApart ? 1 : 2;
   int day = 0, month = 0, year = 0;

@@ -1,6 +1,6 @@
 #include "platform/controls.h"
 
-#include <QEvent>
+#include <QFocusEvent>
 
 namespace hyetex {
 namespace {
@@ -10,8 +10,11 @@ class FocusSelects : public QObject {
   explicit FocusSelects(QLineEdit* box) : QObject(box), box_(box) { box->installEventFilter(this); }
 
   bool eventFilter(QObject*, QEvent* event) override {
-    // After the event, since the click that brings the focus also sets the cursor.
-    if (event->type() == QEvent::FocusIn)
+    if (event->type() != QEvent::FocusIn) return false;
+    // At once, so that no key comes before it; but a click that brings the focus also sets the cursor, after
+    // it.
+    box_->selectAll();
+    if (static_cast<QFocusEvent*>(event)->reason() == Qt::MouseFocusReason)
       QMetaObject::invokeMethod(box_, &QLineEdit::selectAll, Qt::QueuedConnection);
     return false;
   }

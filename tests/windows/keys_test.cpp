@@ -6,7 +6,7 @@
 #include <QScrollArea>
 #include <QSpinBox>
 #include <QTabBar>
-#include <QTableWidget>
+#include <QTreeWidget>
 #include <QWheelEvent>
 #include <map>
 
@@ -67,8 +67,9 @@ TEST_F(Keys, MeanOneThingInEachWindow) {
     Check(id, name);
     QWidget* window = desk_->Window(id);
     if (id == WindowId::Tasks) {
-      Find<QTableWidget>(*window, "fgdTasks").selectRow(0);
-      Click(*window, "cmdChange");
+      for (QTreeWidgetItemIterator item(&Find<QTreeWidget>(*window, "tvwStations")); *item != nullptr; ++item)
+        if ((*item)->text(0).contains(" - NM-Hill Farm")) (*item)->treeWidget()->setCurrentItem(*item);
+      Click(*window, "cmdAdd");
       Check(WindowId::TaskDef, "frmTaskDef");
       Click(*desk_->Window(WindowId::TaskDef), "cmdAdd");
       Check(WindowId::Comment, "frmComment");
@@ -89,6 +90,7 @@ TEST_F(Keys, ReachTheWindowThatComesBackWhenAnotherCloses) {
   desk_ = std::make_unique<AppDesk>(StartWords{.Folder = folder_.Path()}, dialogs_);
   desk_->Start();
   desk_->LoggedIn();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(desk_->ShellWindow()));
   desk_->Open(WindowId::Connection);
   desk_->Open(WindowId::CreateTable);
   desk_->Window(WindowId::CreateTable)->close();

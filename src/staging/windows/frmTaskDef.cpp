@@ -61,7 +61,9 @@ void frmTaskDef::UpdateCommentsList() {
 
 void frmTaskDef::showEvent(QShowEvent* event) {
   FormWindow::showEvent(event);
-  if (!event->spontaneous()) dtpBeginDate->setFocus(Qt::TabFocusReason);  // with its text selected
+  if (event->spontaneous()) return;
+  dtpBeginDate->setFocus(Qt::TabFocusReason);
+  dtpBeginDate->selectAll();  // the focus itself may come later, with the frame's
 }
 
 // ---- Keys
