@@ -49,7 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   journal.Text = JournalHead(index);
   Session session = NewSession(tablet, method);
   ActionMachine machine(session, tablet, view, &journal);
-  machine.Start(30000);
+  machine.Start();
   for (std::size_t at = 0; at < bytes.size(); at += 64) {
     machine.Receive(bytes.subspan(at, std::min<std::size_t>(64, bytes.size() - at)));
     if (machine.CommentIsOpen()) {
@@ -61,13 +61,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   Session again = NewSession(tablet, method);
   ActionMachine replayed(again, tablet, view);
-  replayed.Start(30000);
+  replayed.Start();
   if (!Replay(ReadJournal(journal.Text), replayed) || again.Line.LastPoint() != session.Line.LastPoint())
     std::abort();
 
   Session third = NewSession(tablet, method);
   ActionMachine asJournal(third, tablet, view);
-  asJournal.Start(30000);
+  asJournal.Start();
   const std::string text =
       JournalHead(index) + std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size());
   (void)Replay(ReadJournal(text), asJournal);

@@ -96,7 +96,7 @@ Exit DigitizeJournal(const DigitizeWords& words, const Work& work) {
   if (const auto refusal = CheckChartScales(session.Line.Scales())) return Fail(*refusal);
   SaidView view;
   ActionMachine machine(session, tablet, view);
-  machine.Start(Now());
+  machine.Start();
   if (const auto replayed = Replay(journal, machine); !replayed) return Fail(replayed.error());
 
   if (const auto error = SessionError(session)) {

@@ -76,7 +76,7 @@ Exit RunTrace(const TraceWords& words) {
   // tells.
   Session session(tablet.Extents, ChartTypeRecord{}, ChartRecord{});
   ActionMachine machine(session, tablet, view, file ? static_cast<JournalSink*>(&*file) : &printed);
-  machine.Start(Now());
+  machine.Start();
   const Exit exit = ReadToEnd(*port, [&](std::span<const std::uint8_t> bytes) {
     machine.Receive(bytes);
     if (!machine.CommentIsOpen()) return;

@@ -9,12 +9,13 @@
 namespace hyetex {
 
 struct Session {
-  /// A new session for `chart` (the activated task): no points, no paper. The band of the chart paper is
-  /// always 100 mm high here, whatever its record says.
+  /// A new session for `chart` (the activated task): no points, no paper. The chart type's height is the
+  /// paper's; a type without one has the common paper's, 100 mm.
   Session(const TabletExtents& tablet, ChartTypeRecord chartType, ChartRecord chart)
       : Line(ChartScales{tablet, std::move(chartType)}), Chart(std::move(chart)) {
+    if (Line.Scales().ChartType.ChartHeightMm > 0) return;
     ChartScales scales = Line.Scales();
-    scales.ChartType.ChartHeightMm = 100;
+    scales.ChartType.ChartHeightMm = ChartTypeRecord{}.ChartHeightMm;
     Line.SetScales(std::move(scales));
   }
 

@@ -58,8 +58,8 @@ void Trace::ClearComment(int index) {
 }
 
 void Trace::SetPage(double leftX, double leftY, double rightX, double rightY) {
-  papers_[0] = MakePaper(leftX, leftY, rightX, rightY, 0);
-  currentPaper_ = 0;
+  ChartPaper& paper = papers_[static_cast<std::size_t>(currentPaper_)];
+  paper = MakePaper(leftX, leftY, rightX, rightY, paper.FirstPoint);
   ChangedFrom(0);
 }
 
@@ -86,15 +86,19 @@ float Trace::HeightOf(int point, int paper) const {
   return HeightOnPaper(p.TrueX(), p.Y, Paper(paper));
 }
 
-Trace::Sum Trace::NextSum(int point, Sum sum) const {
-  const DigitizedPoint& p = Point(point);
-  if (p.StartsSegment()) return sum;
-  const int paper = PaperOfPoint(point);
-  sum.Along += static_cast<double>(TimeAlong(point, paper)) - TimeAlong(point - 1, paper);
+Trace::Sum Trace::NextSum(const DigitizedPoint& before, const DigitizedPoint& point, int paper,
+                          Sum sum) const {
+  if (point.StartsSegment()) return sum;
+  const auto along = [&](const DigitizedPoint& p) {
+    return static_cast<double>(TimeAlongPaper(scales_, p.TrueX(), p.Y, Paper(paper)));
+  };
+  sum.Along += along(point) - along(before);
 
-  if (HasCode(p.Comment, CodeLeveled) || HasCode(p.Comment, CodeGapEnd)) return sum;
-  const double rise =
-      static_cast<double>(HeightOf(point, sum.HeightPaper)) - HeightOf(point - 1, sum.HeightPaper);
+  if (HasCode(point.Comment, CodeLeveled) || HasCode(point.Comment, CodeGapEnd)) return sum;
+  const auto height = [&](const DigitizedPoint& p) {
+    return static_cast<double>(HeightOnPaper(p.TrueX(), p.Y, Paper(sum.HeightPaper)));
+  };
+  const double rise = height(point) - height(before);
   if (rise < 0 && scales_.Is(ChartMethod::Linear)) return sum;
   sum.HeightPaper = paper;
   if (!scales_.Is(ChartMethod::TippingBucket)) sum.Height += std::abs(rise);
@@ -103,21 +107,32 @@ Trace::Sum Trace::NextSum(int point, Sum sum) const {
 
 const Trace::Sum& Trace::SumTo(int point) const {
   if (sums_.empty()) sums_.emplace_back();
-  while (static_cast<int>(sums_.size()) <= point)
-    sums_.push_back(NextSum(static_cast<int>(sums_.size()), sums_.back()));
+  for (int i = static_cast<int>(sums_.size()); i <= point; ++i)
+    sums_.push_back(NextSum(Point(i - 1), Point(i), PaperOfPoint(i), sums_.back()));
   return sums_[static_cast<std::size_t>(point)];
 }
 
-double Trace::TimeTo(int point) const {
-  if (point <= 0) return 0;
-  return SumTo(point).Along / scales_.Tablet.TabletWidthUnits * scales_.Tablet.TabletWidthMm *
+Trace::Sum Trace::SumAt(double x, double y) const {
+  const int last = LastPoint();
+  if (last < 0) return {};
+  const Sum& sum = SumTo(last);
+  // The first point of another strip has the time and depth of the point before it.
+  if (PaperOfPoint(last) != currentPaper_) return sum;
+  return NextSum(Point(last), {x, y, {}, false}, currentPaper_, sum);
+}
+
+double Trace::Days(const Sum& sum) const {
+  return sum.Along / scales_.Tablet.TabletWidthUnits * scales_.Tablet.TabletWidthMm *
          scales_.ChartType.TimeScale / 24;
 }
 
-float Trace::TotalDepth(int point) const {
-  if (point <= 0) return 0;
-  return static_cast<float>(SumTo(point).Height / scales_.Tablet.TabletHeightUnits *
-                            scales_.Tablet.TabletHeightMm * scales_.ChartType.DepthScale);
+float Trace::Depth(const Sum& sum) const {
+  return static_cast<float>(sum.Height / scales_.Tablet.TabletHeightUnits * scales_.Tablet.TabletHeightMm *
+                            scales_.ChartType.DepthScale);
 }
+
+double Trace::TimeTo(int point) const { return point <= 0 ? 0 : Days(SumTo(point)); }
+
+float Trace::TotalDepth(int point) const { return point <= 0 ? 0 : Depth(SumTo(point)); }
 
 }  // namespace hyetex

@@ -47,7 +47,8 @@ class Trace {
   std::int16_t CurrentPaper() const { return currentPaper_; }
   const ChartPaper& Paper(int index) const { return papers_[static_cast<std::size_t>(index)]; }
   bool PapersAreFull() const { return currentPaper_ >= MaxPaper; }
-  /// Calibrates the page (paper 0) by the two ends of its bottom line and makes it the paper in use.
+  /// Calibrates the paper in use, which is the page (paper 0) at first, by the two ends of its bottom line.
+  /// Points stay where they are on the tablet; their times and depths follow the paper.
   void SetPage(double leftX, double leftY, double rightX, double rightY);
   /// Calibrates a further strip and makes it the paper in use; the next point is its first. Papers must not
   /// be full.
@@ -65,6 +66,10 @@ class Trace {
   /// does a fall of the pen on a linear chart, nor anything on a tipping-bucket chart.
   float TotalDepth(int point) const;
 
+  /// TimeTo() and TotalDepth() of a point that would be stored at (x, y) behind the last one.
+  double TimeAt(double x, double y) const { return Days(SumAt(x, y)); }
+  float DepthAt(double x, double y) const { return Depth(SumAt(x, y)); }
+
  private:
   struct Sum {
     double Along = 0;     // report units
@@ -72,7 +77,10 @@ class Trace {
     int HeightPaper = 0;  // the paper of the last pair that counted, on which the next pair is measured
   };
   const Sum& SumTo(int point) const;
-  Sum NextSum(int point, Sum sum) const;
+  Sum SumAt(double x, double y) const;
+  Sum NextSum(const DigitizedPoint& before, const DigitizedPoint& point, int paper, Sum sum) const;
+  double Days(const Sum& sum) const;
+  float Depth(const Sum& sum) const;
   void ChangedFrom(int point) {
     if (sums_.size() > static_cast<std::size_t>(point)) sums_.resize(static_cast<std::size_t>(point));
   }

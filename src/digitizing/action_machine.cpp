@@ -9,18 +9,23 @@
 #include "core/text.h"
 
 namespace hyetex {
+namespace {
+
+constexpr std::string_view AlphaTitle = "Toggling an alpha sign";
+constexpr std::string_view AlphaPrompt = "Click at the point where the instrument has finished cycling";
+constexpr std::string_view OutsidePrompt =
+    "This press lies outside the chart and was not stored. Click on the pen line";
+
+}  // namespace
 
 ActionMachine::ActionMachine(Session& session, const TabletType& tablet, DeskView& view, JournalSink* journal)
     : session_(session), tablet_(tablet), view_(view), journal_(journal), decoder_(tablet) {
   Layout = DefaultDeskLayout(tablet.Extents);
 }
 
-void ActionMachine::Start(Date now) {
-  state_.SessionStamp = std::nearbyint(now * 24) / 24;
+void ActionMachine::Start() {
   state_.Action = action::PageLeftCorner;
-  view_.SetTitle("Setting the page angle");
-  ShowInstruction("Click the bottom left point of the page");
-  view_.SetBackground(LightBlue);
+  TellNextPress();
 }
 
 // ---- Presses
@@ -65,8 +70,20 @@ bool ActionMachine::RefusePaper() {
   return true;
 }
 
+// A page from right to left would run time backwards and turn its heights over.
+std::optional<std::string> ActionMachine::RefuseCorner(double x) const {
+  const bool right = state_.Action == action::PageRightCorner || state_.Action == action::PaperRightCorner;
+  if (!right || static_cast<float>(x) >= state_.CornerX) return std::nullopt;
+  return "The bottom-right corner cannot lie left of the bottom-left corner. Click it again, or press Escape "
+         "to begin with the left corner.";
+}
+
 void ActionMachine::PerformAction() {
   if (RefusePress()) return;
+  if (const auto refusal = RefuseCorner(state_.CursorX)) {
+    view_.ShowMessage(DrawingTitle, *refusal);
+    return;
+  }
   RecordPress();
   view_.ShowMarker(false);
   session_.Saved = false;
@@ -85,7 +102,10 @@ void ActionMachine::DrawPoint() {
   Trace& line = session_.Line;
   const int paper = line.CurrentPaper(), last = line.LastPoint();
   const double x = state_.CursorX, y = state_.CursorY;
-  if (!StoresPoint()) return;
+  if (!StoresPoint()) {
+    ShowInstruction(OutsidePrompt);
+    return;
+  }
 
   if (last > 0) {
     const float step = TimeAlongPaper(line.Scales(), x, y, line.Paper(paper)) - line.TimeAlong(last, paper);
@@ -105,13 +125,12 @@ void ActionMachine::DrawPoint() {
   line.Add(x, y, false, state_.AlphaNext ? CodeText(CodeAlpha) : std::string());
   state_.AlphaNext = false;
   view_.DrawGraph();
-  if (last < 0) SetReference(state_.SessionStamp, 0);
+  TellNextPress();
   state_.WaitForRelease = false;
 }
 
 void ActionMachine::StartSegment() {
   session_.Line.Add(state_.CursorX, state_.CursorY, true);
-  SetReference(state_.CursorTime, state_.CursorDepth);
   BackToDrawing();
   view_.DrawGraph();
 }
@@ -124,7 +143,7 @@ void ActionMachine::TakeCorner() {
 void ActionMachine::FirstPaperCorner() {
   TakeCorner();
   state_.Action = action::PaperRightCorner;
-  ShowInstruction("Click the bottom-right corner of the new paper");
+  TellNextPress();
   view_.ShowMarker(true);
 }
 
@@ -137,17 +156,15 @@ void ActionMachine::SecondPaperCorner() {
   }
   line.AttachPaper(state_.CornerX, state_.CornerY, state_.CursorX, state_.CursorY);
   state_.PageAngle = line.Paper(line.CurrentPaper()).Angle;
-  MoveReference();
   view_.DrawGraph();
-  ShowInstruction("Click the first point of the new paper and continue drawing normally");
   state_.Action = action::PaperFirstPoint;
+  TellNextPress();
   view_.ShowMarker(false);
 }
 
 // The paper's FirstPoint has been this point since its corners were set; a point erased in between moves it.
 void ActionMachine::FirstPointOfPaper() {
   session_.Line.AddFirstOfPaper(state_.CursorX, state_.CursorY);
-  SetReference(state_.CursorTime, state_.CursorDepth);
   BackToDrawing();
   view_.DrawGraph();
 }
@@ -155,16 +172,20 @@ void ActionMachine::FirstPointOfPaper() {
 void ActionMachine::FirstPageCorner() {
   TakeCorner();
   state_.Action = action::PageRightCorner;
-  ShowInstruction("Click the bottom-right Corner of the Page");
-  view_.SetBackground(LightOrange);
+  TellNextPress();
 }
 
 void ActionMachine::SecondPageCorner() {
   if (static_cast<float>(state_.CursorX) == state_.CornerX) return;
-  session_.Line.SetPage(state_.CornerX, state_.CornerY, state_.CursorX, state_.CursorY);
-  state_.PageAngle = session_.Line.Paper(0).Angle;
+  Trace& line = session_.Line;
+  line.SetPage(state_.CornerX, state_.CornerY, state_.CursorX, state_.CursorY);
+  const ChartPaper& paper = line.Paper(line.CurrentPaper());
+  state_.PageAngle = paper.Angle;
   BackToDrawing();
-  view_.SetBackground(LightGreen);
+  if (line.CurrentPaper() > 0 && paper.FirstPoint > line.LastPoint()) {  // a strip without its first point
+    state_.Action = action::PaperFirstPoint;
+    TellNextPress();
+  }
   view_.DrawGraph();
   Layout.BoardVisible = true;
   view_.ShowBoard(true);
@@ -203,36 +224,14 @@ void ActionMachine::StoreMarkedEnd(int code, std::vector<std::string> choices) {
   OpenCommentWindow({false, "", ShortText(code), std::move(choices)});
 }
 
-void ActionMachine::MoveReference() {
-  state_.RefX = static_cast<float>(state_.CursorX);
-  state_.RefY = static_cast<float>(state_.CursorY);
-}
-
-void ActionMachine::SetReference(Date time, float depth) {
-  MoveReference();
-  state_.RefTime = time;
-  state_.RefDepth = depth;
-}
-
 void ActionMachine::RemoveLastPoint() {
-  Trace& line = session_.Line;
-  const int last = line.LastPoint();
-  if (last < 0) return;
-  if (last == 0) {
-    state_.RefX = state_.RefY = 0;
-  } else if (line.Point(last).StartsSegment()) {
-    int start = last - 1;
-    while (start > 0 && !line.Point(start).StartsSegment()) --start;
-    state_.RefX = static_cast<float>(line.Point(start).TrueX());
-    state_.RefY = static_cast<float>(line.Point(start).Y);
-  }
-  line.RemoveLast();
+  if (session_.Line.LastPoint() < 0) return;
+  session_.Line.RemoveLast();
   view_.DrawGraph();
 }
 
 void ActionMachine::Redigitize() {
   session_.Line.Clear();
-  state_.RefX = state_.RefY = 0;
   view_.DrawGraph();
   session_.Saved = false;
 }
@@ -244,24 +243,48 @@ void ActionMachine::SaveFile() {
 
 void ActionMachine::Escape() {
   Record({.What = JournalEvent::Kind::Escape});
-  selection_.reset();
-  zoom_.reset();
-  view_.HideDragShape(DragShape::Selection);
-  view_.HideDragShape(DragShape::Zoom);
+  DropDragShapes();
   state_.AlphaNext = false;
   BackToDrawing();
   view_.DrawGraph();
 }
 
-void ActionMachine::BackToDrawing() {
-  state_.Action = action::Drawing;
-  ShowInstruction("");
-  view_.SetTitle(DrawingTitle);
+void ActionMachine::SetPageAgain() {
+  Record({.What = JournalEvent::Kind::Page});
+  DropDragShapes();
+  state_.AlphaNext = false;
+  state_.Action = action::PageLeftCorner;
   view_.ShowMarker(false);
+  TellNextPress();
+}
+
+void ActionMachine::DropDragShapes() {
+  selection_.reset();
+  zoom_.reset();
+  view_.HideDragShape(DragShape::Selection);
+  view_.HideDragShape(DragShape::Zoom);
+}
+
+// Without a page there is nothing to draw on.
+void ActionMachine::BackToDrawing() {
+  state_.Action = IsCalibrated(session_.Line.Paper(0)) ? action::Drawing : action::PageLeftCorner;
+  view_.ShowMarker(false);
+  TellNextPress();
+}
+
+void ActionMachine::TellNextPress() {
+  const ActionState& state = CurrentState();
+  const bool alpha = state_.AlphaNext && state_.Action == action::Drawing;
+  view_.SetTitle(alpha ? AlphaTitle : state.Title);
+  ShowInstruction(alpha ? AlphaPrompt : state.Prompt);
+  view_.SetBackground(state_.Action == action::PageLeftCorner    ? LightBlue
+                      : state_.Action == action::PageRightCorner ? LightOrange
+                                                                 : LightGreen);
 }
 
 void ActionMachine::ShowInstruction(std::string_view text) {
   instruction_ = text;
+  tipShown_ = false;
   view_.ShowInstruction(text);
 }
 
@@ -319,6 +342,16 @@ void ActionMachine::ClearComments() {
 }
 
 void ActionMachine::CommentClosed() {
+  const bool marksEnd = comment_ && !comment_->General && !comment_->Code.empty();
+  const Trace& line = session_.Line;
+  if (marksEnd && line.LastPoint() > 0 && line.Point(line.LastPoint()).Comment.empty()) {
+    Record({.What = JournalEvent::Kind::Tool, .Tool = tool::Erase});
+    RemoveLastPoint();
+  }
+  LeaveComment();
+}
+
+void ActionMachine::LeaveComment() {
   comment_.reset();
   view_.EnableDesk(true);
 }

@@ -34,7 +34,7 @@ class ActionMachine {
   void ViewResized(double scaleWidth, double scaleHeight);
 
   /// Opens the session: waits for the page's first corner.
-  void Start(Date now);
+  void Start();
   /// Bytes from the tablet.
   void Receive(std::span<const std::uint8_t> bytes);
   /// Forgets a report of which only a part has come: the next bytes do not follow on it.
@@ -53,7 +53,10 @@ class ActionMachine {
   void Redigitize();
   void NewFile() { view_.CloseDesk(); }
   void SaveFile();
+  /// Takes back what the next press waits for; a page that has not been set goes on waiting for its corners.
   void Escape();
+  /// Waits for the two corners of the paper in use once more. Its points stay.
+  void SetPageAgain();
   /// Shows the current paper as large as the view allows.
   void AutoZoom();
   void ZoomOut();
@@ -65,7 +68,14 @@ class ActionMachine {
   /// empty. Says why a text cannot be taken.
   std::optional<std::string> AddComment(std::string_view code, std::string_view text);
   void ClearComments();
+  /// The window has closed. The end of a gap or of a recovered segment that was given no comment is taken
+  /// back: without its code it would be a point like any other.
   void CommentClosed();
+  /// The same for a journal's steps, which say by themselves what was taken back.
+  void LeaveComment();
+
+  /// Why a press here cannot be the right corner that is waited for; nothing if it can.
+  std::optional<std::string> RefuseCorner(double x) const;
 
   /// A lasso is being dragged, whatever tool the mouse or a menu has started since.
   bool LassoIsOpen() const { return selection_.has_value(); }
@@ -80,7 +90,7 @@ class ActionMachine {
   void FindOverToolBox();
   void PlaceCursor();
   void PlaceToolCursor();
-  void ReadCursor(double fromX, double fromY, Date time);
+  void ReadCursor();
   void GiveToolTip();
   void StretchDragShape();
   void DragBoard();
@@ -89,9 +99,10 @@ class ActionMachine {
   struct ActionState {
     float Number;  // DeskState::Action
     void (ActionMachine::*Press)();
-    bool StoresPoint;  // when drawing only near the paper
-    bool LaysPaper;    // the press may be meant for what lies under the tool board
-    bool Journaled;    // the press changes more than the view
+    bool StoresPoint;                // when drawing only near the paper
+    bool LaysPaper;                  // the press may be meant for what lies under the tool board
+    bool Journaled;                  // the press changes more than the view
+    std::string_view Title, Prompt;  // what the press is for
   };
   static const ActionState& StateOf(float action);
   const ActionState& CurrentState() const { return StateOf(state_.Action); }
@@ -107,6 +118,7 @@ class ActionMachine {
   void SecondPageCorner();
   void StartLasso() { StartDrag(DragShape::Selection, action::LassoDrag); }
   void StartZoom() { StartDrag(DragShape::Zoom, action::ZoomDrag); }
+  void DropDragShapes();
   void StartDrag(DragShape shape, float next);
   void LevelPoint();
   void EndGap();
@@ -117,6 +129,7 @@ class ActionMachine {
   // Tools
   void ToggleWaiting(const Tool& tool);
   void ToggleAlpha();
+  bool NeedsPage(int tool) const;
   void BackToDrawing();
   void LassoReleased();
   bool PointsTakeComment() const;
@@ -130,8 +143,7 @@ class ActionMachine {
   void RecordPress() const;
 
   void ShowInstruction(std::string_view text);
-  void MoveReference();
-  void SetReference(Date time, float depth);
+  void TellNextPress();
   void TakeCorner();
   const TabletExtents& Extents() const { return session_.Line.Scales().Tablet; }
 
@@ -142,6 +154,7 @@ class ActionMachine {
   JournalSink* journal_;
   ReportDecoder decoder_;
   std::string instruction_;
+  bool tipShown_ = false;  // in place of the instruction
   double toolCursorLeft_ = 0, toolCursorTop_ = 0;
   std::optional<Rect> selection_, zoom_;  // the drag rectangles that are shown
   std::optional<CommentRequest> comment_;

@@ -1,30 +1,47 @@
-// The states of the action machine: what a press means in each of them.
+// The states of the action machine: what a press means in each of them, and how that is told.
 #include <algorithm>
 #include <array>
 
 #include "digitizing/action_machine.h"
 
 namespace hyetex {
+namespace {
+
+constexpr std::string_view LassoTitle = "Add a Comment for a segment";
+constexpr std::string_view LassoPrompt = "Select the segement to which you would like to add a Comment";
+constexpr std::string_view ZoomTitle = "Zooming";
+constexpr std::string_view ZoomPrompt = "Select the area which you would like to zoom on";
+
+}  // namespace
 
 const ActionMachine::ActionState& ActionMachine::StateOf(float action) {
   using M = ActionMachine;
   static constexpr std::array<ActionState, 15> States{{
-      // number, what a press does, stores a point, lays a paper, journaled
-      {action::Drawing, &M::DrawPoint, true, false, true},
-      {action::NewSegment, &M::StartSegment, true, false, true},
-      {action::PaperLeftCorner, &M::FirstPaperCorner, false, true, true},
-      {action::PaperRightCorner, &M::SecondPaperCorner, false, true, true},
-      {action::PaperFirstPoint, &M::FirstPointOfPaper, true, true, true},
-      {action::PageLeftCorner, &M::FirstPageCorner, false, true, true},
-      {action::PageRightCorner, &M::SecondPageCorner, false, true, true},
-      {action::MovingBoard, &M::DoNothing, false, false, false},
-      {action::LassoStart, &M::StartLasso, false, false, true},
-      {action::LassoDrag, &M::DoNothing, false, false, true},
-      {action::ZoomStart, &M::StartZoom, false, false, false},
-      {action::ZoomDrag, &M::DoNothing, false, false, false},
-      {action::Leveling, &M::LevelPoint, true, false, true},
-      {action::GapEnd, &M::EndGap, true, false, true},
-      {action::RecoveredEnd, &M::EndRecovered, true, false, true},
+      // number, what a press does, stores a point, lays a paper, journaled, title, prompt
+      {action::Drawing, &M::DrawPoint, true, false, true, DrawingTitle, ""},
+      {action::NewSegment, &M::StartSegment, true, false, true, "Starting a new segment",
+       "Click the point that overlaps the last point drawn"},
+      {action::PaperLeftCorner, &M::FirstPaperCorner, false, true, true, "Append a new paper",
+       "Click the bottom-left corner of the new paper"},
+      {action::PaperRightCorner, &M::SecondPaperCorner, false, true, true, "Append a new paper",
+       "Click the bottom-right corner of the new paper"},
+      {action::PaperFirstPoint, &M::FirstPointOfPaper, true, true, true, "Append a new paper",
+       "Click the first point of the new paper and continue drawing normally"},
+      {action::PageLeftCorner, &M::FirstPageCorner, false, true, true, "Setting the page angle",
+       "Click the bottom left point of the page"},
+      {action::PageRightCorner, &M::SecondPageCorner, false, true, true, "Setting the page angle",
+       "Click the bottom-right Corner of the Page"},
+      {action::MovingBoard, &M::DoNothing, false, false, false, "Moving the tool box",
+       "Release the button where the tool box is to stay"},
+      {action::LassoStart, &M::StartLasso, false, false, true, LassoTitle, LassoPrompt},
+      {action::LassoDrag, &M::DoNothing, false, false, true, LassoTitle, LassoPrompt},
+      {action::ZoomStart, &M::StartZoom, false, false, false, ZoomTitle, ZoomPrompt},
+      {action::ZoomDrag, &M::DoNothing, false, false, false, ZoomTitle, ZoomPrompt},
+      {action::Leveling, &M::LevelPoint, true, false, true, "Leveling a segment",
+       "The follwing point would be considered in the same height as the first one"},
+      {action::GapEnd, &M::EndGap, true, false, true, "Data Gap", "Choose the point where the data gap ends"},
+      {action::RecoveredEnd, &M::EndRecovered, true, false, true, "Marking a recovered segment",
+       "Click at the point where the recovered segment ends"},
   }};
   // There is no other, so what is none of the first ones is the last.
   return *std::find_if(States.begin(), States.end() - 1,

@@ -1,8 +1,9 @@
 // What the action machine remembers from one report of the tablet to the next: what the next press means,
-// where the cursor is, and from where it is measured.
+// where the cursor is, and what it reads there.
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "core/dates.h"
 
@@ -28,24 +29,24 @@ inline constexpr float GapEnd = 10;
 inline constexpr float RecoveredEnd = 11;
 }  // namespace action
 
+/// What a point at a position of the chart would stand for.
+struct CursorReading {
+  Date Time = 0;
+  std::optional<float> Depth;  ///< mm of water; none on charts whose trace gives no depth
+};
+
 struct DeskState {
   float Action = action::PageLeftCorner;
   std::int16_t CurrentTool = -1;  ///< tool board square under the cursor, 0 to 17, -1 for none
   bool AlphaNext = false;         ///< the next point drawn is an alpha point
   float PageAngle = 0;            ///< angle of the paper in use, radians
 
-  double CursorX = 0, CursorY = 0;  ///< last position reported, report units
-  std::int16_t CursorButton = -1;   ///< last button reported; -1 none
-  bool ButtonHeld = false;          ///< the press now held has been acted on
-  bool WaitForRelease = false;      ///< ignore presses until the button has been released
-  bool OverToolBox = false;         ///< the last position lies on the tool board
-  Date CursorTime = 0;
-  float CursorDepth = 0;
-
-  float RefX = 0, RefY = 0;  ///< where the read-out on the tool board is measured from
-  Date RefTime = 0;
-  float RefDepth = 0;
-  Date SessionStamp = 0;  ///< the hour at which the session was opened; the RefTime of the first point
+  double CursorX = 0, CursorY = 0;      ///< last position reported, report units
+  std::int16_t CursorButton = -1;       ///< last button reported; -1 none
+  bool ButtonHeld = false;              ///< the press now held has been acted on
+  bool WaitForRelease = false;          ///< ignore presses until the button has been released
+  bool OverToolBox = false;             ///< the last position lies on the tool board
+  std::optional<CursorReading> Reading;  ///< under the cursor; none where there is no chart
 
   float CornerX = 0, CornerY = 0;  ///< first corner of a page or paper while its second is awaited
   float SelectX = 0, SelectY = 0;  ///< screen position of the first corner of a drag rectangle

@@ -21,7 +21,7 @@ constexpr Word Words[] = {
     {"press", JournalEvent::Kind::Press},     {"tool", JournalEvent::Kind::Tool},
     {"select", JournalEvent::Kind::Select},   {"comment", JournalEvent::Kind::Comment},
     {"general", JournalEvent::Kind::General}, {"clear", JournalEvent::Kind::Clear},
-    {"escape", JournalEvent::Kind::Escape},
+    {"escape", JournalEvent::Kind::Escape},   {"page", JournalEvent::Kind::Page},
 };
 
 std::string_view NameOf(JournalEvent::Kind kind) {
@@ -90,6 +90,7 @@ std::optional<JournalEvent> ReadEvent(std::string_view line) {
       }
       case JournalEvent::Kind::Clear:
       case JournalEvent::Kind::Escape:
+      case JournalEvent::Kind::Page:
         break;
     }
     return TakeField(rest).empty() ? std::optional(event) : std::nullopt;
@@ -113,11 +114,12 @@ bool OnlyFirstPointIsSelected(const ActionMachine& machine) {
 // What an event asks for that the machine's state has no answer to.
 std::optional<std::string> Apply(const JournalEvent& event, ActionMachine& machine) {
   const auto closeComment = [&] {
-    if (machine.CommentIsOpen()) machine.CommentClosed();
+    if (machine.CommentIsOpen()) machine.LeaveComment();
   };
   switch (event.What) {
     case JournalEvent::Kind::Press:
       closeComment();
+      if (auto refusal = machine.RefuseCorner(event.X)) return refusal;
       machine.PressAt(event.X, event.Y);
       break;
     case JournalEvent::Kind::Tool:
@@ -151,6 +153,10 @@ std::optional<std::string> Apply(const JournalEvent& event, ActionMachine& machi
       closeComment();
       machine.Escape();
       break;
+    case JournalEvent::Kind::Page:
+      closeComment();
+      machine.SetPageAgain();
+      break;
   }
   return std::nullopt;
 }
@@ -179,6 +185,7 @@ std::string JournalLine(const JournalEvent& event) {
       break;
     case JournalEvent::Kind::Clear:
     case JournalEvent::Kind::Escape:
+    case JournalEvent::Kind::Page:
       break;
   }
   return line;
@@ -217,10 +224,13 @@ Journal ReadJournal(std::string_view text) {
 }
 
 Result<void> Replay(const Journal& journal, ActionMachine& machine) {
-  for (std::size_t i = 0; i < journal.Events.size(); ++i)
-    if (auto trouble = Apply(journal.Events[i], machine)) return Failure(AtLine(journal.Lines[i], *trouble));
+  std::optional<std::string> error;
+  for (std::size_t i = 0; i < journal.Events.size() && !error; ++i)
+    if (auto trouble = Apply(journal.Events[i], machine)) error = AtLine(journal.Lines[i], *trouble);
+  if (!error) error = journal.Error;
+  // A session that ended with the window open gave the last end no comment.
   if (machine.CommentIsOpen()) machine.CommentClosed();
-  if (journal.Error) return Failure(*journal.Error);
+  if (error) return Failure(*error);
   return {};
 }
 

@@ -10,6 +10,7 @@
 // - general |Text: Add, for the whole chart
 // - clear: the comment window's Clear all comments
 // - escape: the Escape key
+// - page: the corners of the paper in use are set again
 //
 // A line that starts with "#" is a comment. Lines end in a line feed.
 #pragma once
@@ -27,7 +28,7 @@ namespace hyetex {
 class ActionMachine;
 
 struct JournalEvent {
-  enum class Kind { Press, Tool, Select, Comment, General, Clear, Escape };
+  enum class Kind { Press, Tool, Select, Comment, General, Clear, Escape, Page };
 
   Kind What = Kind::Press;
   double X = 0, Y = 0;               ///< Press

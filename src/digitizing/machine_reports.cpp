@@ -1,6 +1,7 @@
 // The action machine's side towards the tablet: what each report does to the cursor, and when it is a press.
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "digitizing/action_machine.h"
 
@@ -39,7 +40,7 @@ void ActionMachine::ActOnButton() {
   const bool down = state_.CursorButton >= 0;
   if (!down) {
     state_.ButtonHeld = false;
-    if (state_.Action == action::MovingBoard) state_.Action = action::Drawing;
+    if (state_.Action == action::MovingBoard) BackToDrawing();
     if (selection_) LassoReleased();
     if (zoom_) LoadZoom();
     state_.WaitForRelease = false;
@@ -77,30 +78,27 @@ void ActionMachine::StretchDragShape() {
 void ActionMachine::DragBoard() {
   Layout.Board.Left += toolCursorLeft_ - state_.SelectX;
   Layout.Board.Top += toolCursorTop_ - state_.SelectY;
+  KeepBoardInside(Layout);
   view_.MoveBoard(Layout.Board.Left, Layout.Board.Top);
   toolCursorLeft_ = state_.SelectX;
   toolCursorTop_ = state_.SelectY;
   view_.PlaceToolCursor(toolCursorLeft_, toolCursorTop_);
 }
 
-// Time and depth under the cursor, by how far it lies from a position of this time and of the depth RefDepth.
-void ActionMachine::ReadCursor(double fromX, double fromY, Date time) {
-  const double dx = state_.CursorX - fromX, dy = state_.CursorY - fromY;
-  const double sine = std::sin(state_.PageAngle), cosine = std::cos(state_.PageAngle);
-  state_.CursorTime = time + (dy * sine + dx * cosine) / Extents().UnitsPerHourAtOneHourPerMm();
-  state_.CursorDepth =
-      static_cast<float>(state_.RefDepth + (dy * cosine - dx * sine) / Extents().UnitsPerMmVertical());
+void ActionMachine::ReadCursor() {
+  const Trace& line = session_.Line;
+  const double x = state_.CursorX, y = state_.CursorY;
+  const ChartPaper& paper = line.Paper(line.CurrentPaper());
+  const bool layingPaper = CurrentState().LaysPaper && state_.Action != action::PaperFirstPoint;
+  state_.Reading.reset();
+  if (layingPaper || !InsideBox(line.Scales(), x, y, paper) || !IsOnArc(line.Scales(), x, y, paper)) return;
+  state_.Reading = CursorReading{session_.ChartStart() + line.TimeAt(x, y), line.DepthAt(x, y)};
+  if (line.Scales().Is(ChartMethod::TippingBucket)) state_.Reading->Depth.reset();
 }
 
 void ActionMachine::PlaceCursor() {
-  const int last = session_.Line.LastPoint();
-  if (last < 0) {
-    state_.CursorTime = session_.ChartStart();
-    state_.CursorDepth = 0;
-  } else {
-    const DigitizedPoint& point = session_.Line.Point(last);
-    ReadCursor(point.TrueX(), point.Y, session_.PointTime(last));
-  }
+  ReadCursor();
+  if (std::exchange(tipShown_, false)) view_.ShowInstruction(instruction_);
   view_.PlaceCrosshair(Layout.ScreenX(state_.CursorX), Layout.ScreenY(state_.CursorY),
                        state_.CursorButton >= 0);
 }
@@ -109,7 +107,7 @@ void ActionMachine::PlaceToolCursor() {
   const auto toTen = [](double t) { return std::nearbyint(t / 10) * 10; };
   const double left = toTen(Layout.ScreenX(state_.CursorX) - Layout.Board.Left);
   const double top = toTen(Layout.ScreenY(state_.CursorY) - Layout.Board.Top);
-  ReadCursor(state_.RefX, state_.RefY, state_.RefTime);
+  ReadCursor();
   toolCursorLeft_ = left;
   toolCursorTop_ = top;
   view_.PlaceToolCursor(left, top);
@@ -125,7 +123,8 @@ void ActionMachine::GiveToolTip() {
   view_.HighlightTool(state_.CurrentTool);
   const std::string_view text = GetToolText(state_.CurrentTool, Layout.Zoomed);
   if (text.empty()) state_.CurrentTool = tool::None;
-  if (text != instruction_) ShowInstruction(text);
+  tipShown_ = !text.empty();
+  view_.ShowInstruction(tipShown_ ? text : instruction_);
 }
 
 }  // namespace hyetex

@@ -10,8 +10,19 @@ void ActionMachine::RunTool(int index) {
   PerformToolAction();
 }
 
+// Board tools that wait for a press would take the page's own corners from it.
+bool ActionMachine::NeedsPage(int index) const {
+  if (index < 0 || IsCalibrated(session_.Line.Paper(0))) return false;
+  return index == tool::Alpha || index == tool::MoveBoard ||
+         Tools()[static_cast<std::size_t>(index)].WaitsIn.has_value();
+}
+
 void ActionMachine::PerformToolAction() {
   const int current = state_.CurrentTool;
+  if (NeedsPage(current)) {
+    ShowInstruction("The page comes first. " + std::string(CurrentState().Prompt));
+    return;
+  }
   if (current >= 0) view_.PlaceMarker(current);
   // Before it is recorded: a replay does not ask again.
   if (current == tool::Redigitize && session_.Line.LastPoint() >= 0 && !view_.MayRedigitize()) {
@@ -56,6 +67,7 @@ void ActionMachine::PerformToolAction() {
       break;
     case tool::MoveBoard:
       state_.Action = action::MovingBoard;
+      TellNextPress();
       state_.SelectX = static_cast<float>(toolCursorLeft_);
       state_.SelectY = static_cast<float>(toolCursorTop_);
       break;
@@ -94,8 +106,7 @@ void ActionMachine::ToggleWaiting(const Tool& tool) {
     return;
   }
   state_.Action = *tool.WaitsIn;
-  view_.SetTitle(tool.Title);
-  ShowInstruction(tool.Prompt);
+  TellNextPress();
   view_.ShowMarker(true);
 }
 
@@ -105,9 +116,7 @@ void ActionMachine::ToggleAlpha() {
     BackToDrawing();
     return;
   }
-  const Tool& alpha = Tools()[tool::Alpha];
-  view_.SetTitle(alpha.Title);
-  ShowInstruction(alpha.Prompt);
+  TellNextPress();
   view_.ShowMarker(true);
 }
 

@@ -20,6 +20,7 @@ class SessionCommands {
   virtual void RunTool(int tool) = 0;  ///< a tool of the board by index
   virtual void AutoZoom() = 0;
   virtual void ShowBoard() = 0;
+  virtual void SetPageAgain() = 0;  ///< waits for the two corners of the paper in use
   /// The mark of "Digitation Points" has changed: draws the graph again.
   virtual void PointsToggled() = 0;
   /// Whether any point has been traced: a new segment and a further paper need one.

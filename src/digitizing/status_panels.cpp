@@ -20,16 +20,18 @@ std::string Hexadecimal(int number) {
 }  // namespace
 
 const StatusPanels::Texts* StatusPanels::Update(const Session& session, const DeskState& state) {
-  const int last = session.Line.LastPoint();
-  if (last < 0) return nullptr;
-  const std::tuple now(session.TotalDepth(last), session.PointTime(last), state.CursorButton);
+  const Trace& line = session.Line;
+  const int last = line.LastPoint();
+  const std::tuple now(last >= 0, session.TotalDepth(last), session.PointTime(last), state.CursorButton);
   if (isShown_ && now == shown_) return nullptr;
   shown_ = now;
   isShown_ = true;
-  const auto& [depth, time, button] = shown_;
-  texts_.Depth = RoundedText(depth, 2) + " cm";
+  const auto& [hasPoints, depth, time, button] = shown_;
+  texts_ = {};
+  if (!hasPoints) return &texts_;
+  if (!line.Scales().Is(ChartMethod::TippingBucket)) texts_.Depth = RoundedText(depth, 2) + " cm";
   texts_.Time = GeneralDateText(Round(time * 24 * 4, 0) / 4 / 24);
-  texts_.Button = button >= 0 ? Hexadecimal(button) : std::string();
+  if (button >= 0) texts_.Button = Hexadecimal(button);
   return &texts_;
 }
 
@@ -40,10 +42,13 @@ ScaleCaptions CaptionsOf(const ChartTypeRecord& paper, const DeskState& state) {
 }
 
 std::string CursorText(const DeskState& state) {
-  const Date time = state.CursorTime;
-  std::string depth = ShortText(Round(state.CursorDepth, 1));
+  if (!state.Reading) return {};
+  const Date time = state.Reading->Time;
+  const std::string text = GeneralDateText(std::floor(time)) + " " + TimeText(time).substr(0, 5);
+  if (!state.Reading->Depth) return text;
+  std::string depth = ShortText(Round(*state.Reading->Depth, 1));
   if (depth.find('.') == std::string::npos) depth += ".0";
-  return GeneralDateText(std::floor(time)) + " " + TimeText(time).substr(0, 5) + "   " + depth + " mm";
+  return text + "   " + depth + " mm";
 }
 
 }  // namespace hyetex

@@ -21,19 +21,19 @@ class StatusPanels {
     std::string Button;  ///< hexadecimal; empty for none
   };
 
-  /// The texts, if any of them has changed since they were last handed out. Before the first point there are
-  /// none, and after the last has been erased the old ones stay.
+  /// The texts, if any of them has changed since they were last handed out. All are empty where there is no
+  /// point, and the depth on charts whose trace gives none.
   const Texts* Update(const Session& session, const DeskState& state);
 
  private:
-  std::tuple<float, Date, std::int16_t> shown_;
+  std::tuple<bool, float, Date, std::int16_t> shown_;
   bool isShown_ = false;
   Texts texts_;
 };
 
 ScaleCaptions CaptionsOf(const ChartTypeRecord& paper, const DeskState& state);
 
-/// Time and depth under the cursor, always of about the same width.
+/// Time and depth under the cursor, always of about the same width; empty where there is no chart.
 std::string CursorText(const DeskState& state);
 
 }  // namespace hyetex

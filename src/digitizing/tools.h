@@ -1,5 +1,5 @@
 // The 18 squares of the tool board, one row each: what it says, and, for the tools that wait for a press,
-// what they wait for and how they say so.
+// the state in which they wait.
 #pragma once
 
 #include <optional>
@@ -36,9 +36,7 @@ inline constexpr int ToolCount = 18;
 struct Tool {
   std::string_view Text;
   std::optional<float> WaitsIn = {};  ///< the action in which it waits for its press
-  std::string_view Title = {};        ///< the window's title while it waits
-  std::string_view Prompt = {};
-  bool ViewOnly = false;  ///< changes what is seen, and nothing of the chart
+  bool ViewOnly = false;              ///< changes what is seen, and nothing of the chart
 };
 
 std::span<const Tool, ToolCount> Tools();

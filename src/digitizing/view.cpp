@@ -25,13 +25,17 @@ void KeepBoardInside(DeskLayout& layout) {
 }
 
 void ShowArea(DeskLayout& layout, const TabletExtents& tablet, const Rect& area) {
+  // The most that a side may be stretched; a smaller area lies in the middle of what is shown.
+  const auto show = [](float& origin, float& scale, double from, double size, double view, double whole) {
+    const double middle = origin + (from + size / 2) / scale;
+    const double shown = std::max(size / scale, whole / MostZoom);
+    origin = static_cast<float>(std::clamp(middle - shown / 2, 0.0, std::max(0.0, whole - shown)));
+    scale = static_cast<float>(view / shown);
+  };
+  const double fromBottom = layout.ScaleHeight - area.Top - area.Height;
   layout.Zoomed = true;
-  layout.ViewX0 = static_cast<float>(area.Left / layout.ScaleX);
-  layout.ViewY0 = static_cast<float>((layout.ScaleHeight - area.Top - area.Height) / layout.ScaleY);
-  layout.ScaleX =
-      static_cast<float>(layout.ScaleWidth / (tablet.TabletWidthUnits * area.Width / layout.ScaleWidth));
-  layout.ScaleY =
-      static_cast<float>(layout.ScaleHeight / (tablet.TabletHeightUnits * area.Height / layout.ScaleHeight));
+  show(layout.ViewX0, layout.ScaleX, area.Left, area.Width, layout.ScaleWidth, tablet.TabletWidthUnits);
+  show(layout.ViewY0, layout.ScaleY, fromBottom, area.Height, layout.ScaleHeight, tablet.TabletHeightUnits);
 }
 
 void ShowPaper(DeskLayout& layout, const ChartScales& scales, const ChartPaper& paper) {

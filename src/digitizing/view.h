@@ -20,7 +20,7 @@ ViewSize KeepProportions(ViewSize before, ViewSize now, const TabletExtents& tab
 /// Moves a board that lies outside the view back into it.
 void KeepBoardInside(DeskLayout& layout);
 
-/// Shows what lies in `area`, a rectangle of the view that shows the whole tablet.
+/// Shows what lies in `area`, a rectangle of the view as it is; a very small one with what is around it.
 void ShowArea(DeskLayout& layout, const TabletExtents& tablet, const Rect& area);
 /// Shows a paper, which must have a width, as large as the view allows; the same scale in X and Y.
 void ShowPaper(DeskLayout& layout, const ChartScales& scales, const ChartPaper& paper);

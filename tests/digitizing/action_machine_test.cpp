@@ -8,6 +8,7 @@ namespace hyetex {
 namespace {
 
 using test::Desk;
+using test::DeskTablet;
 using test::Shown;
 
 constexpr int EmptySquare = 5;
@@ -19,6 +20,9 @@ TEST(ActionMachine, TwoPressesCalibrateThePage) {
                                    "Click the bottom left point of the page"}));
   EXPECT_EQ(desk.View.Background, LightBlue);
   desk.Click(500, 500).Click(500, 900);  // no line stands upright
+  EXPECT_EQ(desk.View.Message, "");
+  desk.Click(400, 800);  // nor does one run backwards
+  EXPECT_NE(desk.View.Message.find("left of the bottom-left corner"), std::string::npos);
   EXPECT_EQ(desk.IsShown(), (Shown{action::PageRightCorner, "Setting the page angle",
                                    "Click the bottom-right Corner of the Page"}));
   EXPECT_TRUE(desk.View.Background == LightOrange && !desk.View.Board);
@@ -64,10 +68,75 @@ TEST(ActionMachine, APressInsideTheBoxStoresOnePoint) {
   desk.Calibrated().Traced.Saved = true;
   desk.Report(600, 700, 0).Report(601, 701, 0).Report(900, 900, 1).Report(600, 700);  // held
   ASSERT_EQ(desk.Last(), 0);
-  EXPECT_TRUE(desk.LastOne().X == 600 && desk.State().RefX == 600 && !desk.Traced.Saved);
-  EXPECT_NEAR(desk.State().RefTime, MakeDate(2024, 1, 1, 10), 1e-9);  // the nearest whole hour
-  desk.Click(600, 2000).Click(600, 250, 1);
-  EXPECT_TRUE(desk.Last() == 0 && desk.View.Message.empty());
+  EXPECT_TRUE(desk.LastOne().X == 600 && !desk.Traced.Saved);
+  for (const auto& [y, button] : {std::pair(2000, 0), std::pair(250, 1)}) {
+    EXPECT_EQ(desk.Click(600, y, button).Last(), 0);
+    EXPECT_NE(desk.View.Instruction.find("outside the chart and was not stored"), std::string::npos);
+    EXPECT_EQ(desk.View.Message, "");
+  }
+  EXPECT_TRUE(desk.Click(700, 700).Last() == 1 && desk.IsDrawing());
+}
+
+TEST(ActionMachine, TheBandIsAsHighAsTheChartType) {
+  for (const auto& [heightMm, band] : {std::pair(250.F, 2500), std::pair(0.F, 1000), std::pair(-1.F, 1000)}) {
+    Desk desk(ChartMethod::Linear, 0, nullptr, heightMm);
+    desk.Calibrated().Click(600, 500 + band * 12 / 10 + 1);
+    EXPECT_EQ(desk.Last(), -1) << heightMm;
+    desk.Click(600, 500 + band * 12 / 10).Click(610, 500 + band * 6 / 10);  // a fall of 0.6 of it
+    EXPECT_EQ(desk.LastOne().Comment, "");
+    desk.Click(620, 500 + band).Click(630, 499 + band * 4 / 10);
+    EXPECT_EQ(desk.LastOne().Comment, "CODE202") << heightMm;
+  }
+}
+
+TEST(ActionMachine, NothingLeavesThePageUnset) {
+  const Shown left{action::PageLeftCorner, "Setting the page angle",
+                   "Click the bottom left point of the page"};
+  Desk desk;
+  for (int i = 0; i < ToolCount; ++i)
+    EXPECT_TRUE(i == tool::GeneralComment || desk.Tool(i).State().Action == action::PageLeftCorner) << i;
+  EXPECT_FALSE(desk.State().AlphaNext);
+  desk.Tool(tool::Gap);
+  EXPECT_EQ(desk.View.Instruction, "The page comes first. Click the bottom left point of the page");
+  desk.Click(700, 700).Tool(tool::Level).Machine.Escape();
+  EXPECT_EQ(desk.IsShown(), left);
+  EXPECT_EQ(desk.View.Background, LightBlue);
+  EXPECT_TRUE(desk.Calibrated().Click(600, 600).Last() == 0 && desk.Line().Paper(0).BottomLeftX == 500);
+}
+
+TEST(ActionMachine, AWrongPageIsSetAgainUnderItsPoints) {
+  Desk desk;
+  desk.Click(500, 500).Click(3500, 1100).Click(600, 600).Click(900, 800);
+  desk.Machine.SetPageAgain();
+  desk.Click(500, 500).Machine.Escape();  // the old page stays
+  EXPECT_TRUE(desk.IsDrawing() && desk.Line().Paper(0).BottomRightY == 1100);
+  desk.Machine.SetPageAgain();
+  EXPECT_TRUE(desk.Calibrated().IsDrawing() && desk.Last() == 1);
+  EXPECT_NEAR(desk.Traced.TotalDepth(1), 2, 1e-6);  // 20 mm up
+  EXPECT_NEAR(desk.Traced.PointTime(1), MakeDate(1998, 3, 5) + 60 / 24.0, 1e-9);
+
+  desk.Tool(tool::AttachPaper).Click(500, 2500).Click(3500, 2900);
+  desk.Machine.SetPageAgain();  // the strip, which still has no point
+  desk.Click(500, 2500).Click(3500, 2500);
+  EXPECT_EQ(desk.State().Action, action::PaperFirstPoint);
+  desk.Click(600, 2600).Click(700, 2600);
+  EXPECT_TRUE(desk.Line().CurrentPaper() == 1 && desk.Line().Paper(1).FirstPoint == 2);
+  EXPECT_NEAR(desk.Traced.TotalDepth(3), 2, 1e-6);
+}
+
+TEST(ActionMachine, AnEndWithoutItsCommentIsTakenBack) {
+  Desk desk;
+  desk.Calibrated().Click(600, 600).Tool(tool::Gap).Click(700, 900).Machine.CommentClosed();
+  EXPECT_TRUE(desk.Last() == 0 && desk.View.Enabled && desk.IsDrawing());
+  desk.Tool(tool::Recovered).Click(700, 900).Comment("", "");
+  EXPECT_EQ(desk.Last(), 0);
+  desk.Tool(tool::Gap).Click(700, 900).Machine.AddComment("205", "");
+  desk.Machine.ClearComments();
+  desk.Machine.CommentClosed();
+  EXPECT_EQ(desk.Last(), 0);
+  desk.Tool(tool::Gap).Click(700, 900).Comment("205", "");
+  desk.Tool(tool::SegmentComment).Drag(650, 800, 750, 1000).Machine.CommentClosed();
+  EXPECT_EQ(desk.Last(), 1) << "nor is a point that was there before";
 }
 
 TEST(ActionMachine, AJumpBackOfATwentiethStartsASegment) {
@@ -103,8 +172,13 @@ TEST(ActionMachine, TheAlphaToolMarksTheNextPointDrawnAndNoOther) {
   EXPECT_EQ(desk.IsShown(), (Shown{action::Drawing, "Toggling an alpha sign",
                                    "Click at the point where the instrument has finished cycling"}));
   EXPECT_EQ(desk.Click(600, 2000).Click(600, 600).LastOne().Comment, "CODE202");  // the first lies outside
+  EXPECT_TRUE(desk.IsDrawing());
   EXPECT_EQ(desk.Click(650, 600).LastOne().Comment, "");
   EXPECT_TRUE(desk.Tool(tool::Alpha).Tool(tool::Alpha).IsDrawing() && !desk.State().AlphaNext);
+  desk.Tool(tool::Alpha).Tool(tool::Level);
+  EXPECT_EQ(desk.View.Title, "Leveling a segment");
+  EXPECT_EQ(desk.Tool(tool::Level).View.Title, "Toggling an alpha sign") << "it still waits";
+  EXPECT_EQ(desk.Tool(tool::Alpha).View.Title, "HYETEX 88");
   EXPECT_EQ(desk.Tool(tool::Alpha).Tool(tool::NewSegment).Click(660, 600).Click(670, 600).LastOne().Comment,
             "");
 }
@@ -154,11 +228,9 @@ TEST(ActionMachine, ErasingAndRedigitizingKeepThePage) {
   Desk desk;
   EXPECT_EQ(desk.Calibrated().Tool(tool::Erase).Last(), -1);
   desk.Click(600, 600).Click(700, 600).Click(800, 600).Tool(tool::NewSegment).Click(900, 600);
-  EXPECT_EQ(desk.State().RefX, 900);
   EXPECT_EQ(desk.Tool(tool::Erase).Last(), 2);
-  EXPECT_EQ(desk.State().RefX, 600);  // no earlier segment: point 0
   desk.Traced.Saved = true;
-  EXPECT_TRUE(desk.Tool(tool::Redigitize).Last() == -1 && desk.State().RefX == 0 && !desk.Traced.Saved);
+  EXPECT_TRUE(desk.Tool(tool::Redigitize).Last() == -1 && !desk.Traced.Saved);
   EXPECT_EQ(desk.Click(600, 600).Last(), 0);
 }
 
@@ -230,6 +302,14 @@ TEST(ActionMachine, ZoomsToTheDraggedAreaAndBack) {
   EXPECT_EQ(GetToolText(tool::Zoom, true), "Zoom Out - return to normal display");
   EXPECT_TRUE(!desk.Tool(tool::Zoom).View.ZoomOutPicture && view() == whole);
   EXPECT_TRUE(desk.Tool(tool::Zoom).Click(1000, 1000).IsDrawing() && view() == whole);  // no area
+  desk.Tool(tool::Zoom);
+  ZoomAround(desk.Machine.Layout, DeskTablet.Extents, 2, 0,
+             0);  // by the wheel, to 0 to 2000 and 2000 to 4000
+  desk.Drag(500, 3500, 1500, 2500);
+  EXPECT_EQ(view(), (std::vector<double>{500, 2500, 12, 12}));
+  desk.Tool(tool::Zoom).Tool(tool::Zoom).Drag(2000, 2000, 2001, 2001);  // a hand that shook
+  EXPECT_EQ(view(), (std::vector<double>{1960.5F, 1960.5F, 150, 150}));
+  desk.Tool(tool::Zoom);
   desk.Machine.AutoZoom();
   EXPECT_EQ(view(), (std::vector<double>{350, -500, 12000 / 3600.0F, 12000 / 3600.0F}));
 }
@@ -250,7 +330,19 @@ TEST(ActionMachine, TheBoardOpensClosesMovesAndTellsItsTools) {
   for (int i = 1; i <= 10; ++i) desk.Report(x - 100 * i, y - 50 * i, 0);
   EXPECT_NEAR(desk.Machine.Layout.Board.Left, before.Left - 3000, 10);
   EXPECT_NEAR(desk.Machine.Layout.Board.Top, before.Top + 1500, 10);
+  EXPECT_EQ(desk.View.Title, "Moving the tool box");
   EXPECT_TRUE(desk.Report(600, 600).IsDrawing());
+  for (const auto& [dx, dy] : {std::pair(-100, 0), std::pair(0, -100)}) {
+    desk.OnSquare(EmptySquare).OnSquare(tool::MoveBoard, 0);
+    const int fromX = static_cast<int>(desk.State().CursorX), fromY = static_cast<int>(desk.State().CursorY);
+    for (int i = 1; i <= 40; ++i) desk.Report(fromX + dx * i, fromY + dy * i, 0);
+    desk.Report(3900, 3900);
+  }
+  const DeskLayout& layout = desk.Machine.Layout;
+  EXPECT_EQ(std::pair(layout.Board.Left, layout.Board.Top),
+            std::pair(0.0, layout.ScaleHeight - layout.Board.Height));
+  desk.OnSquare(tool::Erase);
+  EXPECT_EQ(desk.Report(3900, 3900).View.Instruction, "") << "a tool's text stays on the board";
 
   EXPECT_TRUE(desk.OnSquare(tool::SaveFile, 0).View.Saves == 1 && !desk.View.Enabled);
   EXPECT_DOUBLE_EQ(desk.Tool(tool::Shrink).Tool(tool::Grow).View.Factor, 0.9 * 1.1);
@@ -261,26 +353,31 @@ TEST(ActionMachine, TheBoardOpensClosesMovesAndTellsItsTools) {
   EXPECT_EQ(desk.Comment("", "Torn").Traced.Chart.GeneralComment, "CODE213::Torn");
 }
 
-TEST(ActionMachine, ReadsTimeAndDepthUnderTheCursor) {
-  Desk desk;
-  const auto reads = [&](Date time, double depth) {
-    EXPECT_NEAR(desk.State().CursorTime, time, 1e-6);
-    EXPECT_NEAR(desk.State().CursorDepth, depth, 1e-3);
-  };
+TEST(ActionMachine, ReadsTimeAndDepthOfTheChartUnderTheCursor) {
   const Date start = MakeDate(1998, 3, 5);
-  desk.Calibrated().Report(900, 900);
-  reads(start, 0);
-  desk.Click(500, 500).Report(740, 600);
-  reads(start + 1, 10);  // ten units to the millimetre, times 24
-  EXPECT_FALSE(desk.View.Pressed);
-  desk.Machine.State().PageAngle = std::atan(0.75F);
-  desk.Report(500 + 80 - 60, 500 + 60 + 80, 1);  // 100 along and 100 up
-  reads(start + 100.0 / 240, 10);
-  EXPECT_TRUE(desk.View.Pressed);
-  desk.Machine.State().PageAngle = 0;
-  desk.OnSquare(
-      EmptySquare);  // on the board it is measured from the first point, and from the session's hour
-  reads(MakeDate(2024, 1, 1, 10) + (desk.State().CursorX - 500) / 240, (desk.State().CursorY - 500) / 10);
+  for (const ChartMethod method : {ChartMethod::Linear, ChartMethod::NonLinear, ChartMethod::TippingBucket}) {
+    Desk desk(method, 10);
+    desk.Click(500, 500).Report(700, 600);
+    EXPECT_FALSE(desk.State().Reading) << "there is no page";
+    desk.Click(3500, 800).Report(900, 900);
+    ASSERT_TRUE(desk.State().Reading);
+    EXPECT_EQ(desk.State().Reading->Time, start);  // where the first point will be
+    EXPECT_FALSE(desk.Report(900, 3000).State().Reading) << "there is no paper";
+    desk.Click(600, 600).Click(700, 900);
+    for (const auto& [x, y] : {std::pair(900, 1200), std::pair(950, 800), std::pair(1000, 1300)}) {
+      const CursorReading read = *desk.Report(x, y, -1).State().Reading;
+      desk.Click(x, y);
+      EXPECT_DOUBLE_EQ(read.Time, desk.Traced.PointTime(desk.Last()));
+      EXPECT_EQ(read.Depth.has_value(), method != ChartMethod::TippingBucket);
+      EXPECT_FLOAT_EQ(read.Depth.value_or(0), desk.Traced.TotalDepth(desk.Last())) << y;
+    }
+    const CursorReading last = *desk.State().Reading;
+    desk.Tool(tool::AttachPaper);
+    EXPECT_FALSE(desk.Report(900, 900).State().Reading);
+    desk.Click(500, 2500).Click(3500, 2500).Report(900, 3000);
+    EXPECT_EQ(desk.State().Reading->Time, last.Time);
+    EXPECT_EQ(desk.State().Reading->Depth, last.Depth);
+  }
 }
 
 }  // namespace

@@ -58,11 +58,12 @@ inline ChartRecord ChartOf1998() {
 
 struct Desk {
   explicit Desk(ChartMethod method = ChartMethod::Linear, float middleToBottomMm = 0,
-                JournalSink* journal = nullptr)
+                JournalSink* journal = nullptr, float heightMm = 100)
       : Traced(DeskTablet.Extents,
-               {"Weekly", 100, 0.1F, 2, static_cast<std::int16_t>(method), middleToBottomMm}, ChartOf1998()),
+               {"Weekly", heightMm, 0.1F, 2, static_cast<std::int16_t>(method), middleToBottomMm},
+               ChartOf1998()),
         Machine(Traced, DeskTablet, View, journal) {
-    Machine.Start(MakeDate(2024, 1, 1, 9, 40));
+    Machine.Start();
   }
   /// The page from (500, 500) to (3500, 500): 5% of its length are 150 units.
   Desk& Calibrated() { return Click(500, 500).Click(3500, 500); }

@@ -25,7 +25,7 @@ TEST(Journal, LinesReadBackTheSame) {
         JournalEvent{.What = Kind::Comment, .Code = "205", .Text = " a|b # caf\xE9 "},
         JournalEvent{.What = Kind::General, .Text = "Rain"},
         JournalEvent{.What = Kind::Comment, .Code = "205"}, JournalEvent{.What = Kind::Clear},
-        JournalEvent{.What = Kind::Escape}}) {
+        JournalEvent{.What = Kind::Escape}, JournalEvent{.What = Kind::Page}}) {
     const Journal journal = ReadJournal(JournalHead(3) + JournalLine(event) + "\n");
     ASSERT_FALSE(journal.Error) << *journal.Error;
     ASSERT_EQ(journal.Events.size(), 1U);
@@ -60,6 +60,22 @@ TEST(Journal, ErrorsNameTheirLineAndKeepWhatStandsBefore) {
     EXPECT_EQ(result.error().rfind("journal line 6: ", 0), 0U) << result.error();
     EXPECT_EQ(desk.Last(), 0);
   }
+}
+
+// What a version wrote that kept the ends without a comment, and took a page from right to left.
+TEST(Journal, OldStepsAreReplayedAsTheyWereOrRefused) {
+  const std::string page = JournalHead(1) + "press 500 500\npress 3500 500\npress 600 600\n";
+  Desk kept;
+  EXPECT_TRUE(Replay(ReadJournal(page + "tool 17\npress 700 900\npress 800 900\n"), kept.Machine));
+  EXPECT_EQ(kept.Last(), 2);
+  Desk open;  // the session ended while the comment was asked for
+  EXPECT_TRUE(Replay(ReadJournal(page + "tool 17\npress 700 900\n"), open.Machine));
+  EXPECT_TRUE(open.Last() == 0 && open.View.Enabled);
+  Desk backwards;
+  const auto result =
+      Replay(ReadJournal(JournalHead(1) + "press 3500 500\npress 500 500\n"), backwards.Machine);
+  ASSERT_FALSE(result);
+  EXPECT_EQ(result.error().rfind("journal line 4: The bottom-right corner", 0), 0U) << result.error();
 }
 
 TEST(Journal, AKilledSessionKeepsEveryRecordedLine) {
@@ -141,6 +157,7 @@ void DoAnything(Desk& desk, std::mt19937& random) {
       break;
     case 4:
       if (next(0, 9) == 0) machine.Escape();
+      if (next(0, 15) == 0) machine.SetPageAgain();
       break;
     case 5:
       if (next(0, 5) == 0) machine.AutoZoom();

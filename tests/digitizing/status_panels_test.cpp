@@ -11,9 +11,10 @@ TEST(StatusPanels, ShowDepthQuarterHourAndButton) {
   Desk desk;
   StatusPanels panels;
   desk.Calibrated();
-  EXPECT_EQ(panels.Update(desk.Traced, desk.State()), nullptr) << "there is no point yet";
-  desk.Click(600, 700);
   const auto* texts = panels.Update(desk.Traced, desk.State());
+  ASSERT_TRUE(texts && texts->Depth.empty() && texts->Time.empty()) << "there is no point yet";
+  desk.Click(600, 700);
+  texts = panels.Update(desk.Traced, desk.State());
   ASSERT_NE(texts, nullptr);
   EXPECT_EQ(texts->Depth, "0 cm");
   EXPECT_EQ(texts->Time, "05/03/1998");
@@ -44,8 +45,13 @@ TEST(StatusPanels, AreSilentWhileNothingOfTheirsChanges) {
   desk.Traced.Line.AddComment(0, "CODE203");  // adds nothing to the sums
   EXPECT_EQ(panels.Update(desk.Traced, desk.State()), nullptr);
   desk.Machine.RemoveLastPoint();
-  EXPECT_EQ(panels.Update(desk.Traced, desk.State()), nullptr)
-      << "the old texts stay when the last point is gone";
+  const auto* texts = panels.Update(desk.Traced, desk.State());
+  ASSERT_TRUE(texts && texts->Depth.empty() && texts->Time.empty()) << "the last point is gone";
+
+  Desk buckets(ChartMethod::TippingBucket);
+  buckets.Calibrated().Click(600, 700).Click(700, 900);
+  texts = panels.Update(buckets.Traced, buckets.State());
+  ASSERT_TRUE(texts && texts->Depth.empty() && !texts->Time.empty()) << "the trace gives no depth";
 }
 
 TEST(StatusPanels, CaptionsFollowThePaper) {
@@ -61,12 +67,13 @@ TEST(StatusPanels, CaptionsFollowThePaper) {
 
 TEST(StatusPanels, ReadOutKeepsItsWidth) {
   DeskState state;
-  state.CursorTime = MakeDate(1998, 3, 5);
-  state.CursorDepth = 3;
+  EXPECT_EQ(CursorText(state), "");
+  state.Reading = {MakeDate(1998, 3, 5), 3.F};
   EXPECT_EQ(CursorText(state), "05/03/1998 00:00   3.0 mm");
-  state.CursorTime = MakeDate(1998, 3, 5, 23, 59, 59);
-  state.CursorDepth = -12.34F;
-  EXPECT_EQ(CursorText(state), "05/03/1998 23:59   -12.3 mm");
+  state.Reading = {MakeDate(1998, 3, 5, 23, 59, 59), 12.34F};
+  EXPECT_EQ(CursorText(state), "05/03/1998 23:59   12.3 mm");
+  state.Reading->Depth.reset();
+  EXPECT_EQ(CursorText(state), "05/03/1998 23:59");
 }
 
 }  // namespace

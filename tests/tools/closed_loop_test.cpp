@@ -131,7 +131,7 @@ TEST_P(RealChartLoop, JournalMakesTheSameChartAsTheStream) {
   Session replayed(TabletOf(GetParam()).Extents, line.Paper, ChartFor(line));
   SilentView view;
   ActionMachine machine(replayed, TabletOf(GetParam()), view);
-  machine.Start(MakeDate(2024, 1, 1));
+  machine.Start();
   const Journal journal = ReadJournal(JournalText(GetParam(), steps));
   ASSERT_FALSE(journal.Error) << *journal.Error;
   ASSERT_TRUE(Replay(journal, machine));

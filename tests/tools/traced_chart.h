@@ -46,7 +46,7 @@ inline Session PlayStream(const PenLine& line, const TabletType& tablet, std::st
   Session session(tablet.Extents, line.Paper, ChartFor(line));
   SilentView view;
   ActionMachine machine(session, tablet, view);
-  machine.Start(MakeDate(2024, 1, 1));
+  machine.Start();
   for (; !stream.empty(); stream.remove_prefix(std::min<std::size_t>(stream.size(), 37))) {
     const std::string_view piece = stream.substr(0, 37);
     machine.Receive({reinterpret_cast<const std::uint8_t*>(piece.data()), piece.size()});

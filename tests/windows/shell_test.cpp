@@ -28,6 +28,7 @@ class Commands : public SessionCommands {
   void RunTool(int tool) override { Asked += Asking(tool); }
   void AutoZoom() override { Asked += "autozoom "; }
   void ShowBoard() override { Asked += "board "; }
+  void SetPageAgain() override { Asked += "page "; }
   void PointsToggled() override { Asked += "points "; }
   bool HasPoints() const override { return Points; }
 };
@@ -47,6 +48,7 @@ TEST(Shell, HasItsMenusInOrder) {
             "mnuView View\n  mnuToolBox ToolBox\n  mnuPoints Digitation Points\n  mnuAutoZoom Auto Zoom\n"
             "mnuDEf Definitions\n  mnuParameter Reset Digitation's Parameter\n  mnuAngle Page Angle\n"
             "  mnuVertical Vertical Scale\n  mnuHorizontal Horizontal Scale\n"
+            "  mnuPage Set the Page Again\n"
             "  mnuDefaults Program Defaults...\n"
             "mnuTools Edit\n  mnuErase Erase Last Point\n  mnuSegment New Segment\n  mnuLevel Level a Point\n"
             "  mnuAlpha Toggle Alpha Sign\n  mnuGap Toggle Data Gap\n  mnuComment Add a Comment\n"

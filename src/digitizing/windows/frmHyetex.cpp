@@ -29,6 +29,7 @@ frmHyetex::frmHyetex(Desk& desk, Shell& shell, Dialogs& dialogs, Settings& setti
       tablet_(tablet),
       device_(std::move(device)),
       machine_(session, TabletTypes()[static_cast<std::size_t>(tablet)], *this, &journal_),
+      lost_(TabletTypes()[static_cast<std::size_t>(tablet)]),
       mscDig(new SerialPort(this)),
       picGraph_(new picGraph(
           [this](Surface& surface) {
@@ -74,7 +75,7 @@ void frmHyetex::StartSession() {
   FitView(size());
   ClearPanels();
   started_ = true;
-  machine_.Start(Now());
+  machine_.Start();
   if (!OfferUnfinishedChart()) {
     keepsJournal_ = true;
     CloseDesk();
@@ -144,23 +145,40 @@ void frmHyetex::OpenPort() {
 // A tool or a press may open a window or a box; what the tablet has sent after it is not meant for the chart.
 // So the bytes are handed on no more than a report at a time.
 void frmHyetex::OnTabletBytes(const QByteArray& bytes) {
-  if (static_cast<std::size_t>(bytes.size()) >= RxBufferSize || !ListensToTablet()) {
-    missedBytes_ = true;
-    return;
-  }
-  if (std::exchange(missedBytes_, false)) machine_.ForgetReceived();
-  const std::size_t packet = LengthsOf(TabletTypes()[static_cast<std::size_t>(tablet_)].Format).Packet;
   std::span rest(reinterpret_cast<const std::uint8_t*>(bytes.constData()),
                  static_cast<std::size_t>(bytes.size()));
+  if (rest.size() >= RxBufferSize || !ListensToTablet()) {
+    Lose(rest);
+    return;
+  }
+  losing_ = false;
+  if (std::exchange(missedBytes_, false)) machine_.ForgetReceived();
+  const std::size_t packet = LengthsOf(TabletTypes()[static_cast<std::size_t>(tablet_)].Format).Packet;
   while (!rest.empty()) {
     const auto piece = rest.first(std::min(packet, rest.size()));
     rest = rest.subspan(piece.size());
     machine_.Receive(piece);
     if (!ListensToTablet() || missedBytes_) {
-      missedBytes_ = true;
+      Lose(rest);
       return;
     }
   }
+}
+
+void frmHyetex::Lose(std::span<const std::uint8_t> bytes) {
+  missedBytes_ = true;
+  if (!std::exchange(losing_, true)) lost_.Begin(machine_.State().CursorButton >= 0);
+  lost_.Receive(bytes);
+  TellOfLostPresses();
+}
+
+void frmHyetex::TellOfLostPresses() {
+  if (!ListensToTablet() || std::exchange(tellingOfLost_, true)) return;
+  QTimer::singleShot(0, this, [this] {
+    tellingOfLost_ = false;
+    if (!ListensToTablet()) return;  // told when it does again
+    if (const int lost = lost_.Take(); lost > 0) ShowMessage(DrawingTitle, LostPressesText(lost));
+  });
 }
 
 void frmHyetex::TellOfLostTablet(const QString& why) {
@@ -188,6 +206,7 @@ BoxAnswer frmHyetex::Ask(std::string_view title, const std::string& text, BoxBut
   const BoxAnswer answer = dialogs_.MessageBox(std::string(title), text, buttons, icon);
   --boxes_;
   missedBytes_ = true;
+  TellOfLostPresses();
   return answer;
 }
 
@@ -219,7 +238,9 @@ bool frmHyetex::Redigitize() {
 void frmHyetex::EnableDesk(bool enabled) {
   if (replaying_) return;
   setEnabled(enabled);
-  if (enabled) setFocus();
+  if (!enabled) return;
+  setFocus();
+  TellOfLostPresses();
 }
 
 // ---- Closing

@@ -3,15 +3,17 @@
 //
 // For the windows of the save and the comment: they are opened through the desk, work on Machine(), and wake
 // this window by EnableDesk(true) or the machine's CommentClosed(). While it is disabled, and while a box is
-// up, what the tablet sends is thrown away.
+// up, what the tablet sends is thrown away; how many presses that were is told as soon as it listens again.
 #pragma once
 
 #include <QKeyEvent>
 #include <QMdiSubWindow>
+#include <span>
 #include <string>
 
 #include "digitizing/action_machine.h"
 #include "digitizing/desk_view.h"
+#include "digitizing/lost_presses.h"
 #include "digitizing/resume.h"
 #include "digitizing/shell_commands.h"
 #include "digitizing/status_panels.h"
@@ -50,6 +52,7 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void RunTool(int tool) override { machine_.RunTool(tool); }
   void AutoZoom() override { machine_.AutoZoom(); }
   void ShowBoard() override;
+  void SetPageAgain() override { machine_.SetPageAgain(); }
   void PointsToggled() override { DrawGraph(); }
   bool HasPoints() const override { return session_.Line.LastPoint() >= 0; }
 
@@ -93,6 +96,8 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void OnTabletBytes(const QByteArray& bytes);
   bool ListensToTablet() const { return isEnabled() && boxes_ == 0 && !closing_; }
   BoxAnswer Ask(std::string_view title, const std::string& text, BoxButtons buttons, BoxIcon icon);
+  void Lose(std::span<const std::uint8_t> bytes);
+  void TellOfLostPresses();
   void TellOfLostTablet(const QString& why);
   void TellOfJournalTrouble();
 
@@ -119,6 +124,7 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   SessionJournal journal_;
   ActionMachine machine_;
   StatusPanels panels_;
+  LostPresses lost_;
   SerialPort* mscDig;
 
   picGraph* picGraph_;
@@ -132,7 +138,8 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   bool closing_ = false;       // asked for, not yet done
   bool keepsJournal_ = false;  // closes without its question, for another time
   bool missedBytes_ = false;   // what comes next does not follow on what came before
-  bool toldOfJournal_ = false, tellingOfTablet_ = false;
+  bool losing_ = false;        // what has come since missedBytes_ was set is being counted
+  bool toldOfJournal_ = false, tellingOfTablet_ = false, tellingOfLost_ = false;
 };
 
 }  // namespace hyetex

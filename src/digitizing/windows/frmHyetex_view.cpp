@@ -161,6 +161,7 @@ void frmHyetex::DragBoard(QPoint by) {
   Rect& board = machine_.Layout.Board;
   board.Left += by.x() * UnitsPerPixel;
   board.Top += by.y() * UnitsPerPixel;
+  KeepBoardInside(machine_.Layout);
   MoveBoard(board.Left, board.Top);
 }
 

@@ -99,6 +99,7 @@ void mdiHyetex::MakeMenus() {
   mnuAngle = AddItem(mnuDEf, "mnuAngle", "Page &Angle");
   mnuVertical = AddItem(mnuDEf, "mnuVertical", "&Vertical Scale");
   mnuHorizontal = AddItem(mnuDEf, "mnuHorizontal", "&Horizontal Scale");
+  AddItem(mnuDEf, "mnuPage", "&Set the Page Again", tell([](SessionCommands& c) { c.SetPageAgain(); }));
   mnuDefaults = AddItem(mnuDEf, "mnuDefaults", "&Program Defaults...", [this] { emit DefaultsChosen(); });
   mnuDefaults->setVisible(false);
 
