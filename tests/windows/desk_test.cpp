@@ -207,6 +207,11 @@ TEST_F(DeskTest, BoardIsDraggedAndFoundAgain) {
   QTest::mouseRelease(&square, Qt::LeftButton, {}, {10, 10});
   const QPoint last = board.pos();
   EXPECT_EQ(last, before + QPoint(-300, 50));
+  for (const QPoint by : {QPoint(-5000, -5000), QPoint(5000, 5000)}) {
+    emit Part<frmToolBox>("frmToolBox").Dragged(by);
+    EXPECT_TRUE(Part("picGraph").rect().contains(board.geometry())) << by.x();
+  }
+  emit Part<frmToolBox>("frmToolBox").Dragged(last - board.pos());
 
   dialogs_.Answers = {BoxAnswer::Yes};
   Choose("mnuNew");
@@ -380,7 +385,7 @@ TEST_F(DeskTest, OverwriteAnsweredWithCancelThrowsNothingAway) {
   EXPECT_EQ(LastPoint(), 2);
 }
 
-TEST_F(DeskTest, PressesBeforeAnotherWindowAreThrownAway) {
+TEST_F(DeskTest, PressesBeforeAnotherWindowAreThrownAwayAndTold) {
   OpenAndCalibrate();
   Press(700, 1000);
   Choose("mnuSave");
@@ -395,6 +400,8 @@ TEST_F(DeskTest, PressesBeforeAnotherWindowAreThrownAway) {
   Click(*desk_->Window(WindowId::Save), "cmdCancel");
   EXPECT_TRUE(WaitFor([&] { return menu->isEnabled(); }));
   EXPECT_TRUE(Window().isEnabled());
+  const auto lastTold = [&] { return dialogs_.Boxes.empty() ? "" : dialogs_.Boxes.back().Text; };
+  EXPECT_TRUE(WaitFor([&] { return lastTold().starts_with("1 press of the tablet was lost"); }));
   Send(Bytes(1234, 1100, 0).mid(6) + Bytes(950, 1150, -1));
   EXPECT_EQ(State().CursorX, 950);
   Press(1000, 1200);
@@ -405,8 +412,11 @@ TEST_F(DeskTest, PressesBeforeAnotherWindowAreThrownAway) {
   ClickSquare(tool::Gap);
   Send(Bytes(1500, 1200) + Bytes(1500, 1200, 0) + Bytes(1500, 1200) + Bytes(1600, 1300) +
        Bytes(1600, 1300, 0));
+  Press(1600, 1300);
   EXPECT_EQ(LastPoint(), 2);
   AddComment("");
+  EXPECT_TRUE(WaitFor([&] { return lastTold().starts_with("2 presses of the tablet were lost"); }));
+  EXPECT_EQ(dialogs_.Boxes.size(), 2U);
   Press(1700, 1300);
   EXPECT_EQ(LastPoint(), 3);
 }
