@@ -132,7 +132,7 @@ void frmTaskDef::Confirm() {
 
 bool frmTaskDef::Take() {
   const std::string title(TaskDetailsTitle);
-  if (RefusesEntries(*this, dialogs_, title)) return;
+  if (RefusesEntries(*this, dialogs_, title)) return false;
   auto checked = CheckTaskDetails(ShownDetails(), job_.Task);
   if (!checked) {
     dialogs_.MessageBox(title, checked.error().Text, BoxButtons::Ok, BoxIcon::Warning);
