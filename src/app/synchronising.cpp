@@ -12,9 +12,6 @@
 namespace hyetex {
 
 void AppDesk::AddSynchronising() {
-  std::string& text = program_.Database.ConnectionText;
-  if (text.empty()) text = program_.Settings.Get(setting::DatabaseName);
-
   QAction& command = shell_->Fix();
   QObject::connect(&command, &QAction::triggered, shell_.get(), [this] { SynchroniseStations(); });
   // What stands in its way comes and goes with windows, and a window that comes or goes moves the focus.
@@ -30,7 +27,8 @@ void AppDesk::AddSynchronising() {
 }
 
 std::string AppDesk::WhyNotSynchronise() {
-  if (!CanReadStations(program_.Database.ConnectionText)) return "Select a database in the Main Menu first.";
+  if (!CanReadStations(program_.Database.ChosenConnection()))
+    return "Select a database in the Main Menu first.";
   // They hold charts by the places of their stations in the list, and show the stations that there were.
   for (const WindowId holder : {WindowId::Tasks, WindowId::TaskDef, WindowId::Digitizing})
     if (Window(holder) != nullptr) return "Return to the Main Menu first: charts are being staged.";
@@ -45,7 +43,7 @@ void AppDesk::SynchroniseStations() {
   if (load != nullptr) load->ReadUnMappedStations();
   // On a connection of its own: a window may stand on a row of the program's.
   HyetexPlotDB database(program_.Settings, dialogs_);
-  database.ConnectionText = program_.Database.ConnectionText;
+  database.ConnectionText = program_.Database.ChosenConnection();
   const Synchronised done = Synchronise(database, program_.Lists, program_.Settings.Folder(), dialogs_);
   if (done == Synchronised::Not) return;
   if (load != nullptr) load->UpdateList();

@@ -58,7 +58,7 @@ std::string TimeLines(const Session& session, ChartReport& report) {
 
   const double duration = chart.EndTime - chart.StartTime;
   const double difference = std::abs(chart.EndTime - calculated);
-  const double toSecond = std::nearbyint(difference * 86400) / 86400;
+  const double toSecond = std::nearbyint(difference * SecondsPerDay) / SecondsPerDay;
   const double days = std::floor(toSecond);
   text += "Difference: ";
   if (days >= 1) text += days == 1 ? "1 day and " : ShortText(days) + " days and ";

@@ -1,7 +1,5 @@
 #include "cli/database.h"
 
-#include <utility>
-
 #include "core/files.h"
 
 namespace hyetex::cli {
@@ -18,21 +16,16 @@ CommandDatabase::CommandDatabase(const DatabaseWords& words)
 }
 
 Result<void> CommandDatabase::Open() {
-  std::string& text = Database.ConnectionText;
-  if (text.empty()) {
+  if (Database.ConnectionText.empty()) {
     if (!FolderExists(settings_.Folder()))
       return Failure("There is no program folder " + settings_.Folder() + ", and no --db");
-    auto stored = settings_.Read(setting::DatabaseName);
+    const auto stored = settings_.Read(setting::DatabaseName);
     if (!stored) return Failure(stored.error());
-    text = *std::move(stored);
-    if (text.empty())
+    if (stored->empty())
       return Failure("The program folder " + settings_.Folder() + " has no database; --db names one");
   }
-  // Not by OpenDatabase(), which keeps to itself why a source cannot be reached.
-  auto opened = Connection::Open(text);
-  if (!opened) return Failure("The database cannot be opened: " + opened.error().Description);
-  Database.DatabaseConnection = std::move(*opened);
-  return {};
+  const auto opened = Database.OpenDatabase();
+  return opened ? Result<void>{} : Failure("The database cannot be opened: " + opened.error().Description);
 }
 
 }  // namespace hyetex::cli

@@ -42,7 +42,7 @@ Exit RunPopulate(const PopulateWords& words) {
       LoadGrid(opened.Database, words.Instrument, words.All, options.Variables, *lists, progress);
   if (!rows) return Fail(rows.error().Description);
   std::vector<ChartToConvert> charts;
-  for (const PopulateRow& row : *rows) charts.push_back({row.ChartDate, row.IsManual()});
+  for (const PopulateRow& row : *rows) charts.push_back({row.ChartDate, row.Manual});
 
   const ConversionResult result =
       WriteChartRecords(opened.Database, *lists, words.Instrument, charts, options, opened.Boxes, progress);

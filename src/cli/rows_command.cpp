@@ -3,6 +3,7 @@
 #include "core/dates.h"
 #include "core/numbers.h"
 #include "core/text.h"
+#include "database/access/names.h"
 
 namespace hyetex::cli {
 namespace {
@@ -22,7 +23,7 @@ DbResult<void> PrintRows(Recordset& table) {
     shown.push_back(i);
   }
   Print(heading + "\n");
-  while (!table.Eof()) {
+  return ForEachRow(table, [&]() -> DbResult<bool> {
     std::string line;
     for (const int i : shown) {
       const auto value = table.Value(i);
@@ -30,9 +31,8 @@ DbResult<void> PrintRows(Recordset& table) {
       line += (i == shown.front() ? "" : ",") + FieldText(*value);
     }
     Print(line + "\n");
-    if (const auto moved = table.MoveNext(); !moved) return moved;
-  }
-  return {};
+    return true;
+  });
 }
 
 }  // namespace
@@ -42,7 +42,7 @@ Exit RunRows(const RowsWords& words) {
   if (const auto done = opened.Open(); !done) return Fail(done.error());
   Selection selection;
   if (!words.Instrument.empty())
-    selection.Where.push_back({"instrument_code_id", Compare::EqualIgnoringCase, words.Instrument});
+    selection.Where.push_back({column::InstrumentCode, Compare::EqualIgnoringCase, words.Instrument});
   auto done = opened.Database.OpenAnyTable(words.Table, std::move(selection));
   if (done) done = PrintRows(opened.Database.AnyTable);
   return done ? Done : Fail(done.error().Description);

@@ -14,8 +14,6 @@ namespace {
 
 using namespace std::chrono;
 
-constexpr auto SecondsPerDay = seconds(days(1)).count();
-
 // A month or a day past the end runs on into the next year or month.
 constexpr sys_days DayOf(int y, int m, int d) {
   return sys_days{year{y} / January / 1 + months{m - 1}} + days{d - 1};
@@ -114,6 +112,8 @@ Date MakeDate(int year, int month, int day, int hour, int minute, int second) {
   const auto wholeDays = static_cast<double>((DayOf(year, month, day) - Epoch).count());
   return wholeDays + static_cast<double>(hour * 3600 + minute * 60 + second) / SecondsPerDay;
 }
+
+std::int64_t SecondsOf(Date date) { return std::llround(date * SecondsPerDay); }
 
 CalendarTime ToCalendar(Date date) {
   const sys_seconds at = Epoch + WholeSeconds(date);

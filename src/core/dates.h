@@ -3,6 +3,7 @@
 // of the fraction say. Dates outside the years 100 to 9999 are held at those ends.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,6 +12,8 @@
 
 namespace hyetex {
 
+inline constexpr int MinutesPerDay = 24 * 60, SecondsPerDay = MinutesPerDay * 60;
+
 struct CalendarTime {
   int Year = 1899, Month = 12, Day = 30;
   int Hour = 0, Minute = 0, Second = 0;
@@ -18,6 +21,8 @@ struct CalendarTime {
 
 Date MakeDate(int year, int month, int day, int hour = 0, int minute = 0, int second = 0);
 CalendarTime ToCalendar(Date date);
+/// To the nearest second, counted from 30/12/1899.
+std::int64_t SecondsOf(Date date);
 /// The present local date and time.
 Date Now();
 

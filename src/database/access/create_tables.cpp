@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/text.h"
+#include "database/access/names.h"
 #include "database/access/schema.h"
 
 namespace hyetex {
@@ -39,7 +40,7 @@ DbResult<bool> HasLoaded(Connection& connection, const std::string& table) {
   if (!*found) return false;
   const auto columns = connection.Columns(table);
   if (!columns) return tl::unexpected(columns.error());
-  return HasName(*columns, LoadedColumn);
+  return HasName(*columns, column::Loaded);
 }
 
 // A search for an instrument compares codes in capitals. Where such an expression can be indexed it leads;
@@ -49,10 +50,11 @@ struct IndexDescription {
   std::string_view ByCode, ByTime;  // nothing where no index helps
 };
 constexpr IndexDescription Indexes[] = {
-    {"chart_ascii_by_date", "CHART_ASCII", "upper(instrument_code_id), chart_date",
+    {"chart_ascii_by_date", table_name::ChartAscii, "upper(instrument_code_id), chart_date",
      "chart_date, instrument_code_id"},
-    {"chart_by_time", "CHART", "upper(instrument_code_id), start_time", "start_time, instrument_code_id"},
-    {"instrument_by_code", "INSTRUMENT", "upper(instrument_code_id)", ""},
+    {"chart_by_time", table_name::Chart, "upper(instrument_code_id), start_time",
+     "start_time, instrument_code_id"},
+    {"instrument_by_code", table_name::Instrument, "upper(instrument_code_id)", ""},
 };
 
 }  // namespace
@@ -74,14 +76,14 @@ DbResult<std::vector<SchemaChange>> MissingTables(Connection& connection) {
 DbResult<std::vector<SchemaChange>> MissingCompletion(Connection& connection) {
   if (!connection.IsOpen()) return tl::unexpected(DbError{db_error::NotNow, NotOpen, {}});
   std::vector<SchemaChange> missing;
-  const auto charts = Spelled(connection, "CHART_ASCII");
+  const auto charts = Spelled(connection, table_name::ChartAscii);
   if (!charts) return tl::unexpected(charts.error());
   const auto hasLoaded = HasLoaded(connection, *charts);
   if (!hasLoaded) return tl::unexpected(hasLoaded.error());
   if (!*hasLoaded) {
     const auto type = connection.TypeWord(ColumnType::Integer, 0);
     if (!type) return tl::unexpected(type.error());
-    const std::string column(LoadedColumn);
+    const std::string column = column::Loaded;
     missing.push_back(
         {*charts + "." + column, "ALTER TABLE " + *charts + " ADD COLUMN " + column + " " + *type});
   }

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "database/access/names.h"
+
 namespace hyetex {
 
 namespace {
@@ -15,25 +17,23 @@ DbResult<Connection> NoDatabase() {
 HyetexPlotDB::HyetexPlotDB(const Settings& settings, Dialogs& dialogs)
     : settings_(settings), dialogs_(dialogs) {}
 
-DbResult<void> HyetexPlotDB::OpenDatabase() {
-  Reachable = true;
+const std::string& HyetexPlotDB::ChosenConnection() {
   if (ConnectionText.empty()) ConnectionText = settings_.Get(setting::DatabaseName);
-  auto opened = ConnectionText.empty() ? NoDatabase() : Connection::Open(ConnectionText);
-  if (opened) {
-    DatabaseConnection = std::move(*opened);
-    return {};
-  }
-  if (opened.error().Number == db_error::GeneralFailure)
-    Reachable = false;
-  else
-    Show(opened.error());
-  return tl::unexpected(opened.error());
+  return ConnectionText;
+}
+
+DbResult<void> HyetexPlotDB::OpenDatabase() {
+  auto opened = ChosenConnection().empty() ? NoDatabase() : Connection::Open(ConnectionText);
+  if (!opened) return tl::unexpected(opened.error());
+  DatabaseConnection = std::move(*opened);
+  return {};
 }
 
 bool HyetexPlotDB::Opens() {
-  const bool opens = OpenDatabase().has_value();
+  const auto opened = OpenDatabase();
   Close();
-  return opens;
+  if (!opened && opened.error().Number != db_error::GeneralFailure) Show(opened.error());
+  return opened.has_value();
 }
 
 DbResult<void> HyetexPlotDB::OpenTable(Recordset& handle, std::string_view name, Selection selection) {
@@ -46,16 +46,16 @@ DbResult<void> HyetexPlotDB::OpenTable(Recordset& handle, std::string_view name,
 }
 
 DbResult<void> HyetexPlotDB::OpenChartAscii(Selection selection) {
-  return OpenTable(ChartAsciiTable, "chart_ascii", std::move(selection));
+  return OpenTable(ChartAsciiTable, table_name::ChartAscii, std::move(selection));
 }
 DbResult<void> HyetexPlotDB::OpenChart(Selection selection) {
-  return OpenTable(ChartTable, "chart", std::move(selection));
+  return OpenTable(ChartTable, table_name::Chart, std::move(selection));
 }
 DbResult<void> HyetexPlotDB::OpenInstrument(Selection selection) {
-  return OpenTable(InstrumentTable, "instrument", std::move(selection));
+  return OpenTable(InstrumentTable, table_name::Instrument, std::move(selection));
 }
 DbResult<void> HyetexPlotDB::OpenStation(Selection selection) {
-  return OpenTable(StationTable, "station", std::move(selection));
+  return OpenTable(StationTable, table_name::Station, std::move(selection));
 }
 DbResult<void> HyetexPlotDB::OpenAnyTable(std::string_view name, Selection selection) {
   return OpenTable(AnyTable, name, std::move(selection));

@@ -19,16 +19,17 @@ class HyetexPlotDB {
 
   /// What every open uses, such as "DSN=rain"; empty until it is chosen or read from the settings.
   std::string ConnectionText;
-  /// Whether the last OpenDatabase() found its data source.
-  bool Reachable = true;
 
   Connection DatabaseConnection;
   Recordset ChartAsciiTable, ChartTable, InstrumentTable, StationTable, AnyTable;
 
-  /// Opens DatabaseConnection by the connection text, or by the setting's when it is empty. A source that
-  /// cannot be reached sets Reachable to false and shows nothing; any other error is shown with its number.
+  /// The connection text, read from the settings where it is empty.
+  const std::string& ChosenConnection();
+  /// Opens DatabaseConnection by ChosenConnection(). Shows nothing: it is for whoever wants the database to
+  /// tell why there is none. GeneralFailure when nothing is chosen or the source cannot be reached.
   DbResult<void> OpenDatabase();
-  /// Whether the database can be opened now; closes it again.
+  /// Whether the database can be opened now; closes it again. An error is shown, but for a source that cannot
+  /// be reached.
   bool Opens();
 
   // Each opens the database where it is not open, and its table.

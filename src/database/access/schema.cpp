@@ -4,6 +4,7 @@
 #include <array>
 
 #include "core/text.h"
+#include "database/access/names.h"
 
 namespace hyetex {
 namespace {
@@ -30,24 +31,24 @@ constexpr SchemaColumn AreaDescription[] = {
 
 // One row for each step of a chart.
 constexpr SchemaColumn Chart[] = {
-    Text("station", 25),
-    Text("instrument_code_id", 40),
-    Time("start_time"),
-    Time("end_time"),
-    Real("depth"),
-    Text("computing_method", 10),
-    Text("data_Reliability_code", 20),
-    Text("comments", 25),
+    Text(column::Station, 25),
+    Text(column::InstrumentCode, 40),
+    Time(column::StartTime),
+    Time(column::EndTime),
+    Real(column::Depth),
+    Text(column::ComputingMethod, 10),
+    Text(column::DataReliability, 20),
+    Text(column::Comments, 25),
 };
 
 // One row for each chart, its file whole.
 constexpr SchemaColumn ChartAscii[] = {
-    Text("station", 25),
-    Text("instrument_code_id", 40),
-    Time("chart_date"),
-    Binary("ascii_file", LongestBinary),
-    Text("chart_Reliability_code", 20),
-    Text("comments", 200),
+    Text(column::Station, 25),
+    Text(column::InstrumentCode, 40),
+    Time(column::ChartDate),
+    Binary(column::AsciiFile, LongestBinary),
+    Text(column::ChartReliability, 20),
+    Text(column::Comments, 200),
     Integer("autokey"),
 };
 
@@ -62,7 +63,7 @@ constexpr SchemaColumn DatesOfData[] = {
 };
 
 constexpr SchemaColumn Instrument[] = {
-    Text("instrument_code_id", 40),
+    Text(column::InstrumentCode, 40),
     Text("station_code_id", 35),
     Text("instrument_type", 15),
     Text("instrument_id", 40),
@@ -201,11 +202,11 @@ constexpr SchemaColumn Station[] = {
 
 constexpr SchemaTable Tables[] = {
     {"AREA_DESCRIPTION", AreaDescription},
-    {"CHART", Chart},
-    {"CHART_ASCII", ChartAscii},
+    {table_name::Chart, Chart},
+    {table_name::ChartAscii, ChartAscii},
     {"DAILy_CHART", DailyChart},
     {"DATES_OF_DATA", DatesOfData},
-    {"INSTRUMENT", Instrument},
+    {table_name::Instrument, Instrument},
     {"INSTRUMENT_VISIT", InstrumentVisit},
     {"Intensity_duration", IntensityDuration},
     {"JORDAN_CHARTS_By_HAND", JordanChartsByHand},
@@ -217,7 +218,7 @@ constexpr SchemaTable Tables[] = {
     {"LUT_REGION", Region},
     {"LUT_REGIONAL_BASIN", RegionalBasin},
     {"MANUAL_GAGE", ManualGage},
-    {"STATION", Station},
+    {table_name::Station, Station},
 };
 
 template <typename Entry>

@@ -29,8 +29,4 @@ std::span<const SchemaTable> SchemaTables();
 const SchemaTable* FindSchemaTable(std::string_view name);
 const SchemaColumn* FindSchemaColumn(const SchemaTable& table, std::string_view name);
 
-/// The column of CHART_ASCII that marks a chart as converted: 1 once its rows are in CHART, 0 or null before.
-/// It is no part of the tables above; a database's keeper adds it.
-inline constexpr std::string_view LoadedColumn = "loaded";
-
 }  // namespace hyetex

@@ -5,6 +5,7 @@
 
 #include "chartfiles/series.h"
 #include "core/comments.h"
+#include "core/dates.h"
 #include "core/numbers.h"
 #include "core/text.h"
 
@@ -52,7 +53,7 @@ void TakeIncrements(std::vector<SeriesPoint>& series) {
 
 }  // namespace
 
-Date RoundedTime(Date time) { return std::nearbyint(time * 1440 * 6) / 1440 / 6; }
+Date RoundedTime(Date time) { return std::nearbyint(time * MinutesPerDay * 6) / MinutesPerDay / 6; }
 
 Result<void> ReadChartToConvert(std::string_view storedText, const ComputationVariables& variables,
                                 std::span<const StationRecord> stations, ChartReading& reading) {

@@ -1,12 +1,13 @@
 #include "database/conversion/chart_writer.h"
 
-#include <cmath>
 #include <utility>
 #include <vector>
 
 #include "chartfiles/chart_text.h"
+#include "core/dates.h"
 #include "core/numbers.h"
 #include "core/text.h"
+#include "database/access/names.h"
 
 namespace hyetex {
 namespace {
@@ -14,17 +15,17 @@ namespace {
 enum Column { Station, Instrument, Start, End, Depth, Method, Reliability, Comments };
 
 std::vector<std::string> ColumnNames() {
-  return {"station",          "instrument_code_id",    "start_time", "end_time", "depth",
-          "computing_method", "data_Reliability_code", "comments"};
+  return {column::Station, column::InstrumentCode,  column::StartTime,       column::EndTime,
+          column::Depth,   column::ComputingMethod, column::DataReliability, column::Comments};
 }
 
 // A shift to GMT in 32 bits is off by less than a millisecond.
-DbDate WholeSeconds(Date date) { return {static_cast<double>(std::llround(date * 86400)) / 86400}; }
+DbDate WholeSeconds(Date date) { return {static_cast<double>(SecondsOf(date)) / SecondsPerDay}; }
 
 }  // namespace
 
 DbResult<ChartWriter> ChartWriter::Open(Connection& connection) {
-  auto rows = RowWriter::Open(connection, "chart", ColumnNames());
+  auto rows = RowWriter::Open(connection, table_name::Chart, ColumnNames());
   if (!rows) return tl::unexpected(rows.error());
   return ChartWriter(*std::move(rows));
 }

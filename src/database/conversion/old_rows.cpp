@@ -1,23 +1,22 @@
 #include "database/conversion/old_rows.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
+#include "core/dates.h"
 #include "core/text.h"
+#include "database/access/names.h"
 
 namespace hyetex {
 namespace {
 
-constexpr double Second = 1.0 / 24 / 60 / 60;
-
-std::int64_t Seconds(Date date) { return std::llround(date / Second); }
+constexpr double Second = 1.0 / SecondsPerDay;
 
 struct Span {
   std::int64_t Start, End;
   auto operator<=>(const Span&) const = default;
 };
-Span SpanOf(Date start, Date end) { return {Seconds(start), Seconds(end)}; }
+Span SpanOf(Date start, Date end) { return {SecondsOf(start), SecondsOf(end)}; }
 
 std::vector<Span> SpansOf(const std::vector<ChartRow>& rows) {
   std::vector<Span> spans;
@@ -47,15 +46,15 @@ DbResult<OldRows> OldRows::Find(HyetexPlotDB& database, const std::string& instr
 
   // No row ends before it starts: the second condition on the start keeps the search from running through all
   // later rows of the instrument.
-  Selection selection{.Columns = {"start_time", "end_time"},
-                      .Where = {{"instrument_code_id", Compare::EqualIgnoringCase, old.instrumentCode_},
-                                {"start_time", Compare::AtLeast, DbDate{from}},
-                                {"start_time", Compare::AtMost, DbDate{to}},
-                                {"end_time", Compare::AtMost, DbDate{to}}}};
+  Selection selection{.Columns = {column::StartTime, column::EndTime},
+                      .Where = {{column::InstrumentCode, Compare::EqualIgnoringCase, old.instrumentCode_},
+                                {column::StartTime, Compare::AtLeast, DbDate{from}},
+                                {column::StartTime, Compare::AtMost, DbDate{to}},
+                                {column::EndTime, Compare::AtMost, DbDate{to}}}};
   if (const auto opened = database.OpenChart(std::move(selection)); !opened)
     return tl::unexpected(opened.error());
   Recordset& table = database.ChartTable;
-  while (!table.Eof()) {
+  const auto walked = ForEachRow(table, [&]() -> DbResult<bool> {
     const auto start = table.Value(0), end = table.Value(1);
     if (!start || !end) return tl::unexpected(start ? end.error() : start.error());
     const ChartRow row{DateOf(*start), DateOf(*end), {}, {}};
@@ -66,19 +65,20 @@ DbResult<OldRows> OldRows::Find(HyetexPlotDB& database, const std::string& instr
     if (within || own) old.rows_.push_back(row);
     if (own) old.outside_.push_back(row);
     old.wantQuestion_ = old.wantQuestion_ || own || Holds(asked, span);
-    if (const auto moved = table.MoveNext(); !moved) return tl::unexpected(moved.error());
-  }
+    return true;
+  });
   table.Close();
+  if (!walked) return tl::unexpected(walked.error());
   return old;
 }
 
 DbResult<std::int64_t> OldRows::Delete(Connection& connection) const {
   if (rows_.empty()) return 0;
   // Some databases tell CHART from chart.
-  const auto table = connection.FindTable("chart");
+  const auto table = connection.FindTable(table_name::Chart);
   if (!table) return tl::unexpected(table.error());
-  const std::string of =
-      "DELETE FROM " + table->value_or("chart") + " WHERE upper(instrument_code_id) = upper(?) AND ";
+  const std::string of = "DELETE FROM " + table->value_or(table_name::Chart) + " WHERE upper(" +
+                         column::InstrumentCode + ") = upper(?) AND ";
   std::int64_t count = 0;
   const auto run = [&](const char* conditions, std::vector<DbValue> parameters) -> DbResult<void> {
     const auto deleted = connection.Execute(of + conditions, parameters);

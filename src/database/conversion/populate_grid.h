@@ -22,7 +22,7 @@ struct PopulateRow {
   Date Start = 0, End = 0;
   std::array<std::string, PopulateColumns> Cells;
   bool Overlaps = false;  ///< it starts on the day on which the chart before it ends, before that end
-  bool IsManual() const { return Cells[6] != "Digitized"; }
+  bool Manual = false;  ///< converted to the manual gage's depth, not the digitized one; the last cell tells
 };
 
 /// The codes of all instruments of the database, in the table's order.
@@ -34,7 +34,7 @@ DbResult<std::vector<PopulateRow>> LoadGrid(HyetexPlotDB& database, const std::s
                                             bool showAll, const ComputationVariables& variables,
                                             const ReferenceLists& lists, Progress& progress);
 
-/// "Digitized" becomes "Manual", anything else "Digitized".
+/// Takes the other depth; the last cell then reads "Manual" or "Digitized".
 void ToggleSelectedDepth(PopulateRow& row);
 
 /// Writes the stored text of a chart to temp_rfs.txt in the folder, and gives its path.

@@ -1,7 +1,6 @@
 #include "database/conversion/population.h"
 
 #include <algorithm>
-#include <cmath>
 #include <map>
 #include <optional>
 #include <set>
@@ -10,7 +9,7 @@
 #include "core/dates.h"
 #include "core/numbers.h"
 #include "core/text.h"
-#include "database/access/schema.h"
+#include "database/access/names.h"
 #include "database/conversion/chart_rows.h"
 #include "database/conversion/chart_writer.h"
 #include "database/conversion/data_log.h"
@@ -26,8 +25,6 @@ bool IsPassedOver(const DbError& error) {
   return error.Number == db_error::ConstraintViolation || error.Number == db_error::NotNow ||
          error.Number == db_error::NotUpdatable;
 }
-
-std::int64_t Seconds(Date date) { return std::llround(date * 86400); }
 
 class Conversion {
  public:
@@ -66,19 +63,20 @@ class Conversion {
   DbResult<std::vector<ChartToConvert>> InTableOrder(std::span<const ChartToConvert> charts) {
     std::vector<ChartToConvert> found;
     Selection selection = ChartAsciiOf(code_);
-    selection.Columns = {"chart_date"};
+    selection.Columns = {column::ChartDate};
     if (const auto opened = database_.OpenChartAscii(std::move(selection)); !opened)
       return tl::unexpected(opened.error());
     std::map<std::int64_t, const ChartToConvert*> open;
-    for (const ChartToConvert& chart : charts) open.emplace(Seconds(chart.ChartDate), &chart);
+    for (const ChartToConvert& chart : charts) open.emplace(SecondsOf(chart.ChartDate), &chart);
     Recordset& table = database_.ChartAsciiTable;
-    while (!table.Eof() && !open.empty()) {
+    const auto walked = ForEachRow(table, [&]() -> DbResult<bool> {
       const auto date = table.Value(0);
       if (!date) return tl::unexpected(date.error());
-      if (const auto wanted = open.extract(Seconds(DateOf(*date)))) found.push_back(*wanted.mapped());
-      if (const auto moved = table.MoveNext(); !moved) return tl::unexpected(moved.error());
-    }
+      if (const auto wanted = open.extract(SecondsOf(DateOf(*date)))) found.push_back(*wanted.mapped());
+      return !open.empty();
+    });
     table.Close();
+    if (!walked) return tl::unexpected(walked.error());
     for (const auto& [seconds, chart] : open) Unconvertible(*chart, "it is no longer in the database");
     return found;
   }
@@ -102,7 +100,7 @@ class Conversion {
   // False when the database is gone and the run ends.
   bool ConvertWithRetry(const ChartToConvert& chart) {
     auto done = ConvertRecords(chart);
-    if (!done && IsLost(done.error())) {  // once more, on a new connection
+    if (!done && database_.DatabaseConnection.IsLost(done.error())) {  // once more, on a new connection
       database_.Close();
       writer_.reset();
       if (const auto opened = database_.OpenDatabase(); !opened) {
@@ -115,24 +113,18 @@ class Conversion {
     return true;
   }
 
-  // Drivers tell a server that is gone in words of their own, so a statement that cannot fail is tried.
-  bool IsLost(const DbError& error) {
-    return error.Number == db_error::RecordsetClosed || error.Number == db_error::GeneralFailure ||
-           !database_.DatabaseConnection.Execute("SELECT 1");
-  }
-
   // ---- One chart
 
   // All records of the chart, which are more than one where a table holds it twice.
   DbResult<void> ConvertRecords(const ChartToConvert& chart) {
     if (auto opened = database_.OpenChartAscii(ChartAsciiOf(code_, chart.ChartDate)); !opened) return opened;
     Recordset& table = database_.ChartAsciiTable;
-    while (!table.Eof()) {
-      if (auto done = ConvertRecord(chart, table); !done) return done;
-      if (auto moved = table.MoveNext(); !moved) return moved;
-    }
+    auto converted = ForEachRow(table, [&]() -> DbResult<bool> {
+      if (const auto done = ConvertRecord(chart, table); !done) return tl::unexpected(done.error());
+      return true;
+    });
     table.Close();
-    return {};
+    return converted;
   }
 
   DbResult<void> ConvertRecord(const ChartToConvert& chart, Recordset& table) {
@@ -204,8 +196,8 @@ class Conversion {
     log_.LogLine(std::string(88, '-'));
     log_.LogLine(std::to_string(rows.Rows.size()) + " records added to DB");
 
-    if (table.HasField(LoadedColumn)) {
-      if (auto set = table.SetValue(LoadedColumn, std::int64_t{1}); !set) return set;
+    if (table.HasField(column::Loaded)) {
+      if (auto set = table.SetValue(column::Loaded, std::int64_t{1}); !set) return set;
       if (auto updated = table.Update(); !updated) return updated;
     }
     return transaction->Commit();
@@ -222,7 +214,7 @@ class Conversion {
   DbResult<void> LogDeletion() {
     if (!options_.Log) return {};
     if (!hasRows_) {
-      if (auto opened = database_.OpenChart({.Columns = {"depth"}}); !opened) return opened;
+      if (auto opened = database_.OpenChart({.Columns = {column::Depth}}); !opened) return opened;
       hasRows_ = !database_.ChartTable.Eof();
       database_.ChartTable.Close();
     }

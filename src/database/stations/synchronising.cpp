@@ -9,6 +9,7 @@
 #include "core/dates.h"
 #include "core/numbers.h"
 #include "core/text.h"
+#include "database/access/names.h"
 #include "database/store/stored_text.h"
 
 namespace hyetex {
@@ -49,7 +50,7 @@ class Synchronising {
   Synchronised Run() {
     const ClosedAfter closed(database_);
     if (const auto opened = database_.OpenDatabase(); !opened) {
-      if (!database_.Reachable) database_.Show(opened.error());  // any other has been shown
+      database_.Show(opened.error());
       return Synchronised::Not;
     }
     DbResult<void> read = CheckIntegrity();
@@ -72,7 +73,7 @@ class Synchronising {
 
   DbResult<void> CheckIntegrity() {
     if (const auto opened = database_.OpenChartAscii(); !opened) return opened;
-    const bool hasLoaded = database_.ChartAsciiTable.HasField("loaded");
+    const bool hasLoaded = database_.ChartAsciiTable.HasField(column::Loaded);
     database_.ChartAsciiTable.Close();
     if (!hasLoaded)
       dialogs_.MessageBox(
@@ -88,15 +89,14 @@ class Synchronising {
     for (const StationRecord& station : lists_.Stations) listed.insert(ComparedCode(station.InstrumentCode));
     if (const auto opened = database_.OpenInstrument(); !opened) return opened;
     Recordset& table = database_.InstrumentTable;
-    while (!table.Eof()) {
+    return ForEachRow(table, [&]() -> DbResult<bool> {
       const auto value = table.Value(instrument::Code);
       if (!value) return tl::unexpected(value.error());
       const std::string code = TextOf(*value);
       inDatabase_.insert(ComparedCode(code));
       if (listed.insert(ComparedCode(code)).second) Take(code);
-      if (const auto moved = table.MoveNext(); !moved) return moved;
-    }
-    return {};
+      return true;
+    });
   }
 
   void Take(const std::string& code) {
@@ -124,8 +124,8 @@ class Synchronising {
   // ---- From the list to the database
 
   DbResult<void> AddMissing() {
-    for (const auto& [table, columns] :
-         {std::pair("instrument", &instrumentColumns_), std::pair("station", &stationColumns_)}) {
+    for (const auto& [table, columns] : {std::pair(table_name::Instrument, &instrumentColumns_),
+                                         std::pair(table_name::Station, &stationColumns_)}) {
       auto found = database_.DatabaseConnection.Columns(table);
       if (!found) return tl::unexpected(found.error());
       *columns = *std::move(found);

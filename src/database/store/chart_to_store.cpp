@@ -9,6 +9,7 @@
 #include "chartfiles/chart_text.h"
 #include "core/files.h"
 #include "core/text.h"
+#include "database/access/names.h"
 #include "database/store/light_reader.h"
 #include "platform/odbc/recordset.h"
 
@@ -58,8 +59,8 @@ std::optional<std::string> CutTexts(ChartToStore& chart, const std::vector<Catal
 }  // namespace
 
 const std::vector<std::string>& ChartColumns() {
-  static const std::vector<std::string> names{"station",    "instrument_code_id",     "chart_date",
-                                              "ascii_file", "chart_Reliability_code", "comments"};
+  static const std::vector<std::string> names{column::Station,   column::InstrumentCode,   column::ChartDate,
+                                              column::AsciiFile, column::ChartReliability, column::Comments};
   return names;
 }
 

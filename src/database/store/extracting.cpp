@@ -11,6 +11,7 @@
 #include "core/program_files.h"
 #include "core/temporary_file.h"
 #include "core/text.h"
+#include "database/access/names.h"
 #include "database/store/chart_ascii.h"
 #include "database/store/stored_text.h"
 
@@ -75,25 +76,21 @@ class Extractor {
 
   DbResult<void> WalkRecords(std::string_view code) {
     Selection selection = code.empty() ? Selection() : ChartAsciiOf(code);
-    selection.Columns = {"instrument_code_id", "chart_date", "ascii_file"};
+    selection.Columns = {column::InstrumentCode, column::ChartDate, column::AsciiFile};
     if (auto opened = database_.OpenChartAscii(std::move(selection)); !opened) return opened;
     Recordset& table = database_.ChartAsciiTable;
-    while (!table.Eof()) {
+    return ForEachRow(table, [&]() -> DbResult<bool> {
       const auto stored = table.Value(0), date = table.Value(1);
       if (!stored) return tl::unexpected(stored.error());
       if (!date) return tl::unexpected(date.error());
       const ChartKey key(TextOf(*stored), DateOf(*date));
-      if (!chosenOnly_ || IsWanted(key)) {
-        if (!progress_.Step(done_++, total_, name_)) {
-          result_.Report.Cancelled = true;
-          return {};
-        }
-        if (auto taken = TakeRecord(key, TextOf(*stored) + " " + GeneralDateText(DateOf(*date))); !taken)
-          return taken;
-      }
-      if (auto moved = table.MoveNext(); !moved) return moved;
-    }
-    return {};
+      if (chosenOnly_ && !IsWanted(key)) return true;
+      result_.Report.Cancelled = !progress_.Step(done_++, total_, name_);
+      if (result_.Report.Cancelled) return false;
+      const auto taken = TakeRecord(key, TextOf(*stored) + " " + GeneralDateText(DateOf(*date)));
+      if (!taken) return tl::unexpected(taken.error());
+      return true;
+    });
   }
 
   bool IsWanted(const ChartKey& key) const {

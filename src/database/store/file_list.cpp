@@ -10,6 +10,7 @@
 #include "core/dates.h"
 #include "core/files.h"
 #include "core/text.h"
+#include "database/access/names.h"
 #include "database/store/light_reader.h"
 #include "staging/lists/lists.h"
 
@@ -58,17 +59,17 @@ std::optional<std::string> FirstBytes(const std::string& path) {
 DbResult<FileSummary> ReadRecord(Recordset& table, bool hasLoaded, std::span<const StationRecord> stations,
                                  LightReader& reader) {
   FileSummary summary;
-  const auto code = table.Value("instrument_code_id"), date = table.Value("chart_date");
+  const auto code = table.Value(column::InstrumentCode), date = table.Value(column::ChartDate);
   if (!code) return tl::unexpected(code.error());
   if (!date) return tl::unexpected(date.error());
   summary.Stored = {TextOf(*code), DateOf(*date)};
   if (hasLoaded) {
-    const auto loaded = table.Value("loaded");
+    const auto loaded = table.Value(column::Loaded);
     if (!loaded) return tl::unexpected(loaded.error());
     summary.Loaded = static_cast<int>(NumberOf(*loaded));
   }
   const auto read =
-      table.ReadPieces("ascii_file", [&](std::string_view piece) { return reader.Take(piece); });
+      table.ReadPieces(column::AsciiFile, [&](std::string_view piece) { return reader.Take(piece); });
   summary.Chart = reader.Finish();
   if (!read) return tl::unexpected(read.error());
   summary.Name = summary.Chart.FileName;
@@ -84,7 +85,7 @@ DbResult<FileSummary> ReadRecord(Recordset& table, bool hasLoaded, std::span<con
 bool IsWithin(const FileSummary& file, const FileFilter& filter) {
   if (!filter.Days) return true;
   // A date from a database may lie a hair before its midnight.
-  const Date day = std::floor(file.Chart.StartTime + 0.5 / 86400);
+  const Date day = std::floor(file.Chart.StartTime + 0.5 / SecondsPerDay);
   return day >= std::floor(filter.Days->first) && day <= std::floor(filter.Days->second);
 }
 
@@ -129,20 +130,22 @@ DbResult<FileList> ReadDatabaseList(HyetexPlotDB& database, std::span<const Stat
   const ClosedAfter closed(database);
   if (const auto opened = database.OpenChartAscii(); !opened) return tl::unexpected(opened.error());
   Recordset& table = database.ChartAsciiTable;
-  const bool hasLoaded = table.HasField("loaded");
+  const bool hasLoaded = table.HasField(column::Loaded);
   LightReader reader({.Stations = stations});
   FileList list;
-  for (std::int64_t done = 0; !table.Eof(); ++done) {
+  std::int64_t done = 0;
+  const auto walked = ForEachRow(table, [&]() -> DbResult<bool> {
     const bool full = list.Files.size() == MostListed;
-    if (full || !progress.Step(done, 0, list.Files.empty() ? "" : list.Files.back().Name)) {
+    if (full || !progress.Step(done++, 0, list.Files.empty() ? "" : list.Files.back().Name)) {
       list.Notes.push_back(full ? TooMany("database") : Ended());
-      break;
+      return false;
     }
     auto summary = ReadRecord(table, hasLoaded, stations, reader);
     if (!summary) return tl::unexpected(summary.error());
     list.Files.push_back(*std::move(summary));
-    if (const auto moved = table.MoveNext(); !moved) return tl::unexpected(moved.error());
-  }
+    return true;
+  });
+  if (!walked) return tl::unexpected(walked.error());
   return list;
 }
 

@@ -8,6 +8,7 @@
 
 #include "core/files.h"
 #include "core/text.h"
+#include "database/access/names.h"
 #include "database/store/chart_ascii.h"
 #include "database/store/chart_to_store.h"
 #include "database/store/instruments.h"
@@ -15,20 +16,12 @@
 namespace hyetex {
 namespace {
 
-constexpr const char* Table = "chart_ascii";
-
 // Charts are written in batches, so few that the windows do not wait, and committed in groups, so many that
 // what a commit costs does not count.
 constexpr std::size_t BatchBytes = 512U << 10, GroupBytes = 8U << 20, BatchCharts = 100, GroupCharts = 1000;
 
 // By then it is not the charts: the table is gone, or another program holds it.
 constexpr int MostRefusedInARow = 3;
-
-// Whether there is no use in trying on: the connection itself is gone.
-bool IsLost(const DbError& error) {
-  return error.Number == db_error::GeneralFailure || error.State.starts_with("08") ||
-         error.State.starts_with("57P");
-}
 
 class Loader {
  public:
@@ -41,7 +34,7 @@ class Loader {
     instruments_ = *std::move(known);
     if (!database_.DatabaseConnection.IsOpen())
       if (const auto opened = database_.OpenDatabase(); !opened) return opened;
-    const auto writer = RowWriter::Open(database_.DatabaseConnection, Table, ChartColumns());
+    const auto writer = RowWriter::Open(database_.DatabaseConnection, table_name::ChartAscii, ChartColumns());
     if (!writer) return tl::unexpected(writer.error());
     columns_ = writer->Columns();
     return {};
@@ -115,7 +108,7 @@ class Loader {
   bool Recover(const DbError& error) {
     const std::vector<ChartToStore> group = std::exchange(group_, {});
     Forget();
-    if (IsLost(error)) {
+    if (database_.DatabaseConnection.IsLost(error)) {
       result_.Report.Stopped = error;
     } else if (group.size() == 1) {
       Refuse(group[0].Path, NumberAndDescription(error));
@@ -143,7 +136,7 @@ class Loader {
     }
     if (auto deleted = DeleteOld(batch); !deleted) return deleted;
     if (!writer_) {
-      auto writer = RowWriter::Open(database_.DatabaseConnection, Table, ChartColumns());
+      auto writer = RowWriter::Open(database_.DatabaseConnection, table_name::ChartAscii, ChartColumns());
       if (!writer) return tl::unexpected(writer.error());
       writer_.emplace(*std::move(writer));
     }
@@ -175,18 +168,18 @@ class Loader {
     if (auto opened = database_.OpenChartAscii(std::move(selection)); !opened) return opened;
     Recordset& table = database_.ChartAsciiTable;
     std::set<ChartKey>& stored = stored_[code];
-    while (!table.Eof()) {
+    const auto walked = ForEachRow(table, [&]() -> DbResult<bool> {
       const auto storedCode = table.Value(0), date = table.Value(1);
       if (!storedCode) return tl::unexpected(storedCode.error());
       if (!date) return tl::unexpected(date.error());
       const ChartKey key(TextOf(*storedCode), DateOf(*date));
       stored.insert(key);
       if (keys.contains(key))
-        if (auto deleted = table.Delete(); !deleted) return deleted;
-      if (auto moved = table.MoveNext(); !moved) return moved;
-    }
+        if (const auto deleted = table.Delete(); !deleted) return tl::unexpected(deleted.error());
+      return true;
+    });
     table.Close();
-    return {};
+    return walked;
   }
 
   HyetexPlotDB& database_;

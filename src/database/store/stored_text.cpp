@@ -1,8 +1,8 @@
 #include "database/store/stored_text.h"
 
 #include <algorithm>
-#include <cmath>
 
+#include "core/dates.h"
 #include "core/files.h"
 #include "core/text.h"
 
@@ -39,7 +39,6 @@ bool BeginsAsChart(std::string_view bytes) {
 
 std::string ComparedCode(std::string_view code) { return UpperAscii(ShownText(code)); }
 
-ChartKey::ChartKey(std::string_view code, Date start)
-    : Code(ComparedCode(code)), Second(std::llround(start * 86400)) {}
+ChartKey::ChartKey(std::string_view code, Date start) : Code(ComparedCode(code)), Second(SecondsOf(start)) {}
 
 }  // namespace hyetex

@@ -99,8 +99,7 @@ void frmCreateTable::showEvent(QShowEvent* event) {
 std::optional<std::vector<TableStructure>> frmCreateTable::Show() {
   const std::string source = "ShowStructure";
   if (const auto opened = database_.OpenDatabase(); !opened) {
-    // Any other error has been shown.
-    if (!database_.Reachable) ReportError(dialogs_, settings_.Folder(), opened.error(), source);
+    ReportError(dialogs_, settings_.Folder(), opened.error(), source);
     return std::nullopt;
   }
   bool stopped = false;

@@ -185,7 +185,7 @@ std::unique_ptr<ShownProgress> frmLoad::Shown() {
 
 bool frmLoad::OpenDatabase() {
   const auto opened = database_.OpenDatabase();
-  if (!opened && !database_.Reachable) database_.Show(opened.error());  // any other has been shown
+  if (!opened) database_.Show(opened.error());
   return opened.has_value();
 }
 

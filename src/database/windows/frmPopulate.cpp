@@ -123,7 +123,7 @@ void frmPopulate::WriteChartRecords() {
   std::vector<ChartToConvert> charts;
   for (const int row : *rows) {
     const PopulateRow& chart = charts_->Row(SourceRow(row));
-    charts.push_back({.ChartDate = chart.ChartDate, .Manual = chart.IsManual()});
+    charts.push_back({.ChartDate = chart.ChartDate, .Manual = chart.Manual});
   }
   const ConversionOptions options{.Variables = variables_,
                                   .Overwrite = chkOverwrite->isChecked(),

@@ -96,6 +96,12 @@ DbResult<std::int64_t> Connection::Execute(std::string_view sql, std::span<const
   return statement->RowCount();
 }
 
+// Servers and drivers tell of their end in words of their own, so a statement that cannot fail is tried too.
+bool Connection::IsLost(const DbError& error) {
+  return error.Number == db_error::RecordsetClosed || error.Number == db_error::GeneralFailure ||
+         error.State.starts_with("08") || error.State.starts_with("57P") || !Execute("SELECT 1");
+}
+
 std::string Connection::Maker() const { return IsOpen() ? link_->MakerName() : std::string(); }
 
 Transaction::Transaction(std::shared_ptr<OdbcLink> link) : link_(std::move(link)) {}

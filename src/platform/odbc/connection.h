@@ -79,6 +79,10 @@ class Connection {
   /// from our own tables; all values travel as parameters, marked "?".
   DbResult<std::int64_t> Execute(std::string_view sql, std::span<const DbValue> parameters = {});
 
+  /// After an error, outside a transaction: whether the connection itself is gone, so that only a new one can
+  /// go on.
+  bool IsLost(const DbError& error);
+
   /// "SQLite", "PostgreSQL", "MariaDB", ... as the driver tells it (SQL_DBMS_NAME).
   std::string Maker() const;
 

@@ -79,6 +79,18 @@ class Recordset {
   std::unique_ptr<State> state_;
 };
 
+/// Calls `visit()` for each row, from the current one to the last, until it returns false or something fails.
+template <typename Visit>
+DbResult<void> ForEachRow(Recordset& table, Visit&& visit) {
+  while (!table.Eof()) {
+    const DbResult<bool> goesOn = visit();
+    if (!goesOn) return tl::unexpected(goesOn.error());
+    if (!*goesOn) break;
+    if (auto moved = table.MoveNext(); !moved) return moved;
+  }
+  return {};
+}
+
 /// Writes many rows of one table, about 100 in one INSERT. Rows that have not travelled when a transaction is
 /// rolled back are forgotten with it.
 class RowWriter {

@@ -15,7 +15,7 @@ namespace hyetex {
 namespace {
 
 constexpr Date EightOClock = 1.0 / 3;
-constexpr long long SecondsPerDay = 86400, LongestSeconds = 10 * SecondsPerDay;
+constexpr long long LongestSeconds = 10 * SecondsPerDay;
 
 Date Joined(Date date, Date time) { return std::floor(date) + (time - std::floor(time)); }
 

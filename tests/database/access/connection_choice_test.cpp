@@ -85,13 +85,15 @@ TEST_F(Choice, KeepsTheDataSourceForThisSessionAndTheNext) {
   EXPECT_EQ(other.ConnectionText, "DSN=old");
 }
 
-// The flag tells the caller; the operator is told by whoever wanted the database.
-TEST_F(Choice, NoneAndAVanishedSourceAndNoChoiceFailWithTheFlagDown) {
+// The operator is told by whoever wanted the database.
+TEST_F(Choice, NoneAndAVanishedSourceAndNoChoiceCannotBeReached) {
   for (const char* text : {"", "DSN=(None)", "DSN=vanished"}) {
     ASSERT_TRUE(settings_.Set(setting::DatabaseName, text));
     database_.ConnectionText.clear();
-    EXPECT_FALSE(database_.OpenDatabase()) << text;
-    EXPECT_FALSE(database_.Reachable) << text;
+    const auto opened = database_.OpenDatabase();
+    ASSERT_FALSE(opened) << text;
+    EXPECT_EQ(opened.error().Number, db_error::GeneralFailure) << text;
+    EXPECT_NE(opened.error().Description, "") << text;
     EXPECT_EQ(database_.ConnectionText, text);
     EXPECT_FALSE(database_.Opens());
   }

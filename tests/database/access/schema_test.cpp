@@ -1,4 +1,5 @@
 // The tables of a database: made, completed, read back and written out as a script.
+#include "database/access/names.h"
 #include "database/access/schema.h"
 
 #include <gmock/gmock.h>
@@ -79,7 +80,7 @@ TEST_P(Schema, SecondRunChangesNothingAndReportsNothing) {
   }
   const auto charts = Must(connection_.Columns("CHART_ASCII"));
   ASSERT_EQ(charts.size(), 8U);
-  EXPECT_TRUE(EqualIgnoringCase(charts[7].Name, LoadedColumn));
+  EXPECT_TRUE(EqualIgnoringCase(charts[7].Name, column::Loaded));
   EXPECT_EQ(charts[7].Type, ColumnType::Integer);
 }
 

@@ -88,13 +88,14 @@ TEST_P(PopulateGrid, OffersAllInstruments) {
   EXPECT_FALSE(Database.DatabaseConnection.IsOpen());
 }
 
-TEST(PopulateRow, TogglesItsDepth) {
-  PopulateRow row;
-  for (const auto& [from, to] : {std::pair("Digitized", "Manual"), std::pair("Manual", "Digitized"),
-                                 std::pair("Manual *", "Digitized")}) {
-    row.Cells[6] = from;
+TEST_P(PopulateGrid, TogglesTheDepthThatCounts) {
+  Store({.Comment = "CODE213"});
+  PopulateRow row = Load("RG12").at(0);
+  EXPECT_EQ(row.Cells[6], "Manual *");
+  for (const bool manual : {true, false, true}) {
+    EXPECT_EQ(row.Manual, manual);
     ToggleSelectedDepth(row);
-    EXPECT_EQ(row.Cells[6], to);
+    EXPECT_EQ(row.Cells[6], manual ? "Digitized" : "Manual");
   }
 }
 
