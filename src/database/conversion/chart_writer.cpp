@@ -64,6 +64,10 @@ DbResult<void> ChartWriter::Write(const ChartRows& chart, const StationRecord& s
     values[Comments] = row.Comment == " " ? row.Comment : Fitted(Comments, row.Comment, tell);
     if (auto added = rows_.Add(std::move(values)); !added) return added;
   }
+  return {};
+}
+
+DbResult<void> ChartWriter::Finish() {
   const auto written = rows_.Finish();
   if (!written) return tl::unexpected(written.error());
   return {};

@@ -20,9 +20,11 @@ class ChartWriter {
   /// Why no row of this station can be stored: a code that is cut would be another instrument's.
   std::optional<std::string> CheckStation(const StationRecord& station) const;
 
-  /// Writes all rows of a chart; `tell` hears of each text that was cut, once a text.
+  /// Writes all rows of a chart; `tell` hears of each text that was cut, once a text. The last of them travel
+  /// with the next chart's, or with Finish().
   DbResult<void> Write(const ChartRows& chart, const StationRecord& station, int reliability,
                        const Tell& tell);
+  DbResult<void> Finish();
 
  private:
   explicit ChartWriter(RowWriter rows) : rows_(std::move(rows)) {}

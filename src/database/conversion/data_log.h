@@ -16,6 +16,7 @@ class DataLog {
   /// The log of a folder; one that is not kept takes lines and writes none.
   DataLog(const std::string& folder, bool kept);
 
+  bool IsKept() const { return kept_; }
   /// Begins the log anew, all or nothing.
   void StartLog();
   /// Opens the log for appending, writes a line and closes it again. The first line that cannot be written

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -20,18 +21,38 @@ namespace hyetex {
 /// or after.
 class OldRows {
  public:
-  static DbResult<OldRows> Find(HyetexPlotDB& database, const std::string& instrumentCode,
-                                const ChartRows& chart);
+  /// For each of some charts of one instrument. One statement finds them all, and reads what lies between the
+  /// charts as well.
+  static DbResult<std::vector<OldRows>> Find(HyetexPlotDB& database, const std::string& instrumentCode,
+                                             std::span<const ChartRows* const> charts);
 
   bool WantQuestion() const { return wantQuestion_; }
   /// Start and end of each row that makes way.
   const std::vector<ChartRow>& Rows() const { return rows_; }
+  /// Whether this chart's old rows cannot be told before the other chart is stored, since that writes or
+  /// deletes rows where this one looks.
+  bool DependsOn(const OldRows& other) const;
   /// Gives the number of rows deleted.
   DbResult<std::int64_t> Delete(Connection& connection) const;
 
  private:
+  struct Span {
+    std::int64_t Start = 0, End = 0;
+    auto operator<=>(const Span&) const = default;
+  };
+  static Span SpanOf(Date start, Date end);
+  static bool Holds(const Span& outer, const Span& inner);
+
+  OldRows(std::string instrumentCode, const ChartRows& chart);
+  /// Takes a row of the table if it is one of the chart's old ones.
+  void Look(const ChartRow& row);
+
   std::string instrumentCode_;
   Date from_ = 0, to_ = 0;  // of the statement that deletes most rows
+  Date lookFrom_ = 0, lookTo_ = 0;
+  Span asked_, deleted_, looked_;
+  std::int64_t begin_ = 0;
+  std::vector<Span> written_;  // sorted
   bool wantQuestion_ = false;
   std::vector<ChartRow> rows_, outside_;
 };

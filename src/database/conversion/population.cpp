@@ -1,23 +1,24 @@
 #include "database/conversion/population.h"
 
 #include <algorithm>
-#include <map>
-#include <optional>
+#include <cmath>
 #include <set>
 #include <utility>
 
 #include "core/dates.h"
-#include "core/numbers.h"
 #include "core/text.h"
-#include "database/access/names.h"
-#include "database/conversion/chart_rows.h"
-#include "database/conversion/chart_writer.h"
 #include "database/conversion/data_log.h"
-#include "database/conversion/old_rows.h"
-#include "database/store/chart_ascii.h"
+#include "database/conversion/record_reader.h"
+#include "database/conversion/record_store.h"
 
 namespace hyetex {
 namespace {
+
+// Charts go in groups, each a transaction: so many that what a statement and a commit cost does not count, so
+// few that the windows do not wait. Charts of a group lie close together, since their old rows are looked for
+// all at once.
+constexpr std::size_t MostCharts = 32, MostTextBytes = 128U << 10;
+constexpr double MostDaysBetween = 31;
 
 // Errors that cost no more than the chart at hand: a constraint of the table, and two of a row that is not
 // there to be changed.
@@ -26,20 +27,35 @@ bool IsPassedOver(const DbError& error) {
          error.Number == db_error::NotUpdatable;
 }
 
+// How many of the charts make a group of at most `most`.
+std::size_t GroupSize(std::span<const ChartToConvert> charts, std::size_t most) {
+  most = std::min(most, charts.size());
+  for (std::size_t i = 1; i < most; ++i)
+    if (std::abs(charts[i].ChartDate - charts[i - 1].ChartDate) > MostDaysBetween) return i;
+  return most;
+}
+
+bool SameInstrument(const RecordToConvert& a, const RecordToConvert& b) {
+  return EqualIgnoringCase(a.Station->InstrumentCode, b.Station->InstrumentCode);
+}
+
 class Conversion {
  public:
   Conversion(HyetexPlotDB& database, const ReferenceLists& lists, const std::string& instrumentCode,
              const ConversionOptions& options, Dialogs& dialogs)
       : database_(database),
-        stations_(lists.Stations),
-        code_(instrumentCode),
         options_(options),
         dialogs_(dialogs),
-        log_(options.LogFolder, options.Log) {}
+        log_(options.LogFolder, options.Log),
+        reader_(database, instrumentCode, lists.Stations, options.Variables),
+        store_(database, instrumentCode, log_) {}
 
   ConversionResult Run(std::span<const ChartToConvert> charts, Progress& progress) {
     log_.StartLog();
-    const auto chosen = InTableOrder(charts);
+    std::vector<ChartToConvert> missing;
+    const auto chosen = reader_.InTableOrder(charts, missing);
+    for (const ChartToConvert& chart : missing)
+      store_.Unconvertible(chart.ChartDate, "it is no longer in the database", result_);
     if (!chosen) {
       Show(chosen.error());
       result_.Problems.push_back("the charts cannot be listed: " + chosen.error().Description);
@@ -47,7 +63,7 @@ class Conversion {
     } else {
       ConvertAll(*chosen, progress);
     }
-    writer_.reset();
+    store_.Release();
     database_.Close();
     if (!log_.Trouble().empty()) {
       result_.Problems.push_back(log_.Trouble());
@@ -57,114 +73,125 @@ class Conversion {
   }
 
  private:
-  // ---- Which charts
+  // ---- Groups of charts
 
-  // Without their texts, so that a run over any number of charts needs no more memory than one over few.
-  DbResult<std::vector<ChartToConvert>> InTableOrder(std::span<const ChartToConvert> charts) {
-    std::vector<ChartToConvert> found;
-    Selection selection = ChartAsciiOf(code_);
-    selection.Columns = {column::ChartDate};
-    if (const auto opened = database_.OpenChartAscii(std::move(selection)); !opened)
-      return tl::unexpected(opened.error());
-    std::map<std::int64_t, const ChartToConvert*> open;
-    for (const ChartToConvert& chart : charts) open.emplace(SecondsOf(chart.ChartDate), &chart);
-    Recordset& table = database_.ChartAsciiTable;
-    const auto walked = ForEachRow(table, [&]() -> DbResult<bool> {
-      const auto date = table.Value(0);
-      if (!date) return tl::unexpected(date.error());
-      if (const auto wanted = open.extract(SecondsOf(DateOf(*date)))) found.push_back(*wanted.mapped());
-      return !open.empty();
+  void ConvertAll(std::span<const ChartToConvert> charts, Progress& progress) {
+    const std::size_t total = charts.size();
+    const auto step = [&](std::size_t at) {
+      return progress.Step(static_cast<std::int64_t>(at), static_cast<std::int64_t>(total),
+                           "ProcespFilesing record number " + std::to_string(at + 1));
+    };
+    std::size_t most = 1, done = 0;
+    while (done < total && !gone_ && !result_.Cancelled) {
+      const std::size_t wanted = GroupSize(charts.subspan(done), most);
+      std::size_t taken = 0;
+      while (taken < wanted && step(done + taken)) ++taken;
+      result_.Cancelled = taken < wanted;
+      if (taken > 0) Convert(charts.subspan(done, taken));
+      done += taken;
+      most =
+          std::clamp<std::size_t>(reader_.TextBytes() > MostTextBytes ? most / 2 : most * 2, 1, MostCharts);
+    }
+    if (done == total) progress.Step(static_cast<std::int64_t>(total), static_cast<std::int64_t>(total), "");
+    if (!gone_ || done == total) return;
+    result_.ChartsFailed += static_cast<int>(total - done);
+    result_.Problems.push_back(std::to_string(total - done) + " more charts were not tried");
+  }
+
+  // Does the work, and once more on a new connection where the old one was lost meanwhile.
+  template <typename Work>
+  auto Tried(Work&& work) {
+    auto done = work();
+    if (done || gone_ || !database_.DatabaseConnection.IsLost(done.error())) return done;
+    store_.Release();
+    database_.Close();
+    gone_ = !database_.OpenDatabase();
+    return gone_ ? done : work();
+  }
+
+  // A group that cannot be read whole is read chart by chart.
+  void Convert(std::span<const ChartToConvert> charts) {
+    auto records = Tried([&]() -> DbResult<std::vector<RecordToConvert>> {
+      if (const auto opened = store_.Open(); !opened) return tl::unexpected(opened.error());
+      return reader_.Read(charts);
     });
-    table.Close();
-    if (!walked) return tl::unexpected(walked.error());
-    for (const auto& [seconds, chart] : open) Unconvertible(*chart, "it is no longer in the database");
-    return found;
+    if (records) {
+      Store(*records);
+    } else if (charts.size() == 1 || gone_) {
+      for (const ChartToConvert& chart : charts) Fail(chart.ChartDate, records.error());
+    } else {
+      for (std::size_t i = 0; i < charts.size(); ++i) Convert(charts.subspan(i, 1));
+    }
   }
 
-  void ConvertAll(const std::vector<ChartToConvert>& charts, Progress& progress) {
-    const auto total = static_cast<std::int64_t>(charts.size());
-    for (std::int64_t i = 0; i < total; ++i) {
-      if (!progress.Step(i, total, "ProcespFilesing record number " + std::to_string(i + 1))) {
-        result_.Cancelled = true;
-        return;
+  // A group that cannot be stored whole is stored record by record.
+  void Store(std::span<RecordToConvert> records) {
+    while (!records.empty()) {
+      std::size_t count = records.size();
+      const auto stored = Tried([&] { return StoreSome(records, count); });
+      if (!stored && (count == 1 || gone_)) {
+        for (const RecordToConvert& record : records.first(count))
+          Fail(record.Chart.ChartDate, stored.error());
+      } else if (!stored) {
+        store_.Release();
+        log_.LogLine(
+            "The last " + std::to_string(count) +
+            " charts cannot be stored together and follow one by one: " + stored.error().Description);
+        for (std::size_t i = 0; i < count; ++i) Store(records.subspan(i, 1));
       }
-      if (ConvertWithRetry(charts[static_cast<std::size_t>(i)])) continue;
-      result_.ChartsFailed += static_cast<int>(total - i - 1);
-      if (i + 1 < total)
-        result_.Problems.push_back(std::to_string(total - i - 1) + " more charts were not tried");
-      return;
+      records = records.subspan(count);
     }
-    progress.Step(total, total, "");
   }
 
-  // False when the database is gone and the run ends.
-  bool ConvertWithRetry(const ChartToConvert& chart) {
-    auto done = ConvertRecords(chart);
-    if (!done && database_.DatabaseConnection.IsLost(done.error())) {  // once more, on a new connection
-      database_.Close();
-      writer_.reset();
-      if (const auto opened = database_.OpenDatabase(); !opened) {
-        Fail(chart.ChartDate, done.error());
-        return false;
-      }
-      done = ConvertRecords(chart);
-    }
-    if (!done) Fail(chart.ChartDate, done.error());
-    return true;
+  // ---- Records
+
+  // Stores the first records, as many as can be stored together, and tells how many were tried.
+  DbResult<void> StoreSome(std::span<RecordToConvert> records, std::size_t& count) {
+    count = records.size();
+    if (auto opened = store_.Open(); !opened) return opened;
+    for (RecordToConvert& record : records)
+      if (!record.Why) record.Why = store_.CheckStation(*record.Station);
+    if (auto found = FindOldRows(records); !found) return found;
+    count = Independent(records);
+    if (NeedsAnswer(records.front())) records.front().MayReplace = AskToReplace(records.front().Rows);
+    return store_.Store(records.first(count), result_);
   }
 
-  // ---- One chart
-
-  // All records of the chart, which are more than one where a table holds it twice.
-  DbResult<void> ConvertRecords(const ChartToConvert& chart) {
-    if (auto opened = database_.OpenChartAscii(ChartAsciiOf(code_, chart.ChartDate)); !opened) return opened;
-    Recordset& table = database_.ChartAsciiTable;
-    auto converted = ForEachRow(table, [&]() -> DbResult<bool> {
-      if (const auto done = ConvertRecord(chart, table); !done) return tl::unexpected(done.error());
-      return true;
-    });
-    table.Close();
-    return converted;
-  }
-
-  DbResult<void> ConvertRecord(const ChartToConvert& chart, Recordset& table) {
-    if (!writer_) {
-      auto writer = ChartWriter::Open(database_.DatabaseConnection);
-      if (!writer) return tl::unexpected(writer.error());
-      writer_.emplace(*std::move(writer));
+  DbResult<void> FindOldRows(std::span<RecordToConvert> records) {
+    std::vector<RecordToConvert*> wanted;
+    std::vector<const ChartRows*> rows;
+    for (RecordToConvert& record : records) {
+      record.Old.reset();
+      if (record.Why || (!wanted.empty() && !SameInstrument(record, *wanted.front()))) continue;
+      wanted.push_back(&record);
+      rows.push_back(&record.Rows);
     }
-    const auto text = ChartAsciiText(table, MostChartBytes);
-    if (!text) return tl::unexpected(text.error());
-    log_.LogLine(std::string(60, '*'));
-    if (const auto why = Read(*text)) {
-      Unconvertible(chart, *why);
-      return {};
-    }
-    const StationRecord& station = stations_[static_cast<std::size_t>(reading_.Chart.InstrumentIndex)];
-
-    const ChartRows rows = MakeChartRows(reading_, chart.Manual, options_.Variables.GmtShift);
-    const auto old = OldRows::Find(database_, station.InstrumentCode, rows);
+    if (wanted.empty()) return {};
+    auto old = OldRows::Find(database_, wanted.front()->Station->InstrumentCode, rows);
     if (!old) return tl::unexpected(old.error());
-    if (!options_.Overwrite && old->WantQuestion() && !MayReplace(rows)) {
-      ++result_.ChartsSkipped;
-      return {};
-    }
-    if (auto stored = Store(chart, rows, *old, station, table); !stored) return stored;
-    for (const std::string& note : rows.Notes) Problem(chart.ChartDate, note);
-    result_.RowsWritten += static_cast<std::int64_t>(rows.Rows.size());
-    ++result_.ChartsConverted;
+    for (std::size_t i = 0; i < wanted.size(); ++i) wanted[i]->Old = std::move((*old)[i]);
     return {};
   }
 
-  // Why the chart gives no rows; nothing when it stands in reading_.
-  std::optional<std::string> Read(const std::string& text) {
-    if (text.size() > MostChartBytes) return "its text is too long to be a chart";
-    const auto read = ReadChartToConvert(text, options_.Variables, stations_, reading_);
-    if (!read) return read.error();
-    return writer_->CheckStation(stations_[static_cast<std::size_t>(reading_.Chart.InstrumentIndex)]);
+  bool NeedsAnswer(const RecordToConvert& record) const {
+    return !options_.Overwrite && record.Old && record.Old->WantQuestion() && !record.MayReplace;
   }
 
-  bool MayReplace(const ChartRows& rows) {
+  // How many of the first records can be stored at once: of one instrument, none waiting for an answer but
+  // the first, and none whose old rows those before it decide.
+  std::size_t Independent(std::span<const RecordToConvert> records) const {
+    for (std::size_t i = 1; i < records.size(); ++i) {
+      if (records[i].Why) continue;
+      if (!records[i].Old || NeedsAnswer(records[i])) return i;
+      const auto decides = [&](const RecordToConvert& before) {
+        return before.Old && records[i].Old->DependsOn(*before.Old);
+      };
+      if (std::ranges::any_of(records.first(i), decides)) return i;
+    }
+    return records.size();
+  }
+
+  bool AskToReplace(const ChartRows& rows) {
     const auto local = [&](Date gmt) {
       return GeneralDateText(gmt + static_cast<double>(options_.Variables.GmtShift));
     };
@@ -175,72 +202,14 @@ class Conversion {
                                BoxButtons::NoUnlessYes, BoxIcon::Question) == BoxAnswer::Yes;
   }
 
-  // The old rows make way, the new ones come, the chart is marked: all of it, or nothing.
-  DbResult<void> Store(const ChartToConvert& chart, const ChartRows& rows, const OldRows& old,
-                       const StationRecord& station, Recordset& table) {
-    Connection& connection = database_.DatabaseConnection;
-    if (auto told = LogDeletion(); !told) return told;
-
-    auto transaction = Transaction::Begin(connection);
-    if (!transaction) return tl::unexpected(transaction.error());
-    for (const ChartRow& row : old.Rows()) log_.LogLine(DateText(row.Start) + " to " + DateText(row.End));
-    const auto deleted = old.Delete(connection);
-    if (!deleted) return tl::unexpected(deleted.error());
-    log_.LogLine(std::to_string(*deleted) + " records deleted from DB");
-
-    LogRows(rows);
-    if (auto written = writer_->Write(rows, station, reading_.Chart.Reliability,
-                                      [&](const std::string& line) { Problem(chart.ChartDate, line); });
-        !written)
-      return written;
-    log_.LogLine(std::string(88, '-'));
-    log_.LogLine(std::to_string(rows.Rows.size()) + " records added to DB");
-
-    if (table.HasField(column::Loaded)) {
-      if (auto set = table.SetValue(column::Loaded, std::int64_t{1}); !set) return set;
-      if (auto updated = table.Update(); !updated) return updated;
-    }
-    return transaction->Commit();
-  }
-
-  void LogRows(const ChartRows& rows) {
-    if (!options_.Log) return;
-    for (const ChartRow& row : rows.Rows)
-      log_.LogLine(DateText(row.Start) + "  " + DateText(row.End) + "  " +
-                   (row.Depth ? RoundedText(*row.Depth, 2) : ""));
-  }
-
-  // The heading of what is deleted, which an empty table does without.
-  DbResult<void> LogDeletion() {
-    if (!options_.Log) return {};
-    if (!hasRows_) {
-      if (auto opened = database_.OpenChart({.Columns = {column::Depth}}); !opened) return opened;
-      hasRows_ = !database_.ChartTable.Eof();
-      database_.ChartTable.Close();
-    }
-    if (hasRows_) log_.LogLine("Deleted records for ");
-    return {};
-  }
-
   // ---- What the operator is told
-
-  void Problem(Date chartDate, const std::string& what) {
-    const std::string line = ShownText(code_) + " " + GeneralDateText(chartDate) + ": " + ShownText(what);
-    log_.LogLine(line);
-    result_.Problems.push_back(line);
-  }
-
-  void Unconvertible(const ChartToConvert& chart, const std::string& why) {
-    Problem(chart.ChartDate, "not converted: " + why);
-    ++result_.ChartsFailed;
-  }
 
   // The chart is as it was before; what a driver holds of the failed statements is let go.
   void Fail(Date chartDate, const DbError& error) {
-    writer_.reset();
+    store_.Release();
     database_.ChartAsciiTable.Close();
     database_.ChartTable.Close();
-    Problem(chartDate, "not converted, nothing of it was changed: " + error.Description);
+    store_.Problem(chartDate, "not converted, nothing of it was changed: " + error.Description, result_);
     ++result_.ChartsFailed;
     if (!IsPassedOver(error)) Show(error);
   }
@@ -251,14 +220,12 @@ class Conversion {
   }
 
   HyetexPlotDB& database_;
-  std::span<const StationRecord> stations_;
-  const std::string& code_;
   const ConversionOptions& options_;
   Dialogs& dialogs_;
   DataLog log_;
-  std::optional<ChartWriter> writer_;
-  ChartReading reading_;
-  bool hasRows_ = false;
+  RecordReader reader_;
+  RecordStore store_;
+  bool gone_ = false;  // the database: the run ends
   std::set<std::pair<std::int32_t, std::string>> shown_;
   ConversionResult result_;
 };

@@ -1,6 +1,7 @@
 // Stored charts become rows of rain: one row of CHART a step, in GMT, times to 10 seconds and depths to a
-// hundredth of a millimetre. One chart is one transaction: its old rows are gone, its new rows are there and
-// it is marked as loaded, or nothing has changed.
+// hundredth of a millimetre. Of each chart the old rows are gone, the new ones are there and it is marked as
+// loaded, or nothing has changed: charts go in transactions of some charts, and where one of those fails,
+// chart by chart.
 #pragma once
 
 #include <cstdint>

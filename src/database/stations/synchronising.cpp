@@ -257,8 +257,7 @@ class Synchronising {
 
   void TellNotes(const char* title, std::string text, const std::vector<std::string>& notes) {
     if (notes.empty()) return;
-    for (std::size_t i = 0; i < std::min(notes.size(), MostNotes); ++i) text += "\n" + notes[i];
-    if (notes.size() > MostNotes) text += "\nand " + std::to_string(notes.size() - MostNotes) + " more.";
+    text += FirstLines(notes, MostNotes);
     dialogs_.MessageBox(title, text, BoxButtons::Ok, BoxIcon::Warning);
   }
 

@@ -1,6 +1,6 @@
 #include "database/store/run_report.h"
 
-#include <algorithm>
+#include "core/text.h"
 
 namespace hyetex {
 namespace {
@@ -9,9 +9,7 @@ constexpr std::size_t MostLines = 12;
 
 void AddLines(std::string& text, const char* heading, const std::vector<std::string>& lines) {
   if (lines.empty()) return;
-  text += std::string("\n\n") + heading;
-  for (std::size_t i = 0; i < std::min(lines.size(), MostLines); ++i) text += "\n" + lines[i];
-  if (lines.size() > MostLines) text += "\nand " + std::to_string(lines.size() - MostLines) + " more.";
+  text += std::string("\n\n") + heading + FirstLines(lines, MostLines);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,17 +20,28 @@
 namespace hyetex {
 
 /// EqualIgnoringCase asks for UPPER(column) = UPPER(value), for which a database may have an index.
-enum class Compare { Equal, EqualIgnoringCase, AtLeast, AtMost };
+enum class Compare { Equal, EqualIgnoringCase, AtLeast, AtMost, OneOf };
 
 /// Which rows and columns to ask the database for. Names are looked up in the catalog without regard to case.
 struct Selection {
   struct Condition {
     std::string Column;
     Compare How = Compare::Equal;
-    DbValue Wanted;
+    DbValue Wanted = {};
+    std::vector<DbValue> Among = {};  ///< of OneOf: at least one, none of them NULL
   };
   std::vector<std::string> Columns = {};  ///< none: all
   std::vector<Condition> Where = {};      ///< all must hold
+  /// Long columns travel with their row, where the driver can, and not when they are asked for: less to ask
+  /// for, but a driver may hold those of some hundred rows at once.
+  bool LongWithRow = false;
+};
+
+/// What finds a row again for as long as nobody changes it: a condition with its values.
+struct RowPlace {
+  std::string Sql;
+  std::vector<DbValue> Values;
+  std::vector<std::int16_t> Types;  ///< of the values, by ODBC's numbers
 };
 
 class Recordset {
@@ -71,6 +83,12 @@ class Recordset {
   /// Stores what was set. A change that fails stays pending, to be mended or cancelled.
   DbResult<void> Update();
   void CancelUpdate();
+  /// Where the current row stands.
+  DbResult<RowPlace> Place();
+  /// Sets a column of some rows of a table in one statement. Fails where not every one of them is there any
+  /// more, or one stands for several that are alike.
+  static DbResult<void> SetInRows(Connection& connection, std::string_view table, std::string_view column,
+                                  const DbValue& value, std::span<const RowPlace> rows);
   /// Deletes the current row; the next move goes on behind it.
   DbResult<void> Delete();
 

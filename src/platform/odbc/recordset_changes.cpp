@@ -53,6 +53,42 @@ DbResult<void> Recordset::Delete() {
   return state_->Delete();
 }
 
+DbResult<RowPlace> Recordset::Place() {
+  if (!IsOpen()) return RecordsetIsClosed();
+  if (!state_->HasRow() || IsPending()) return NoCurrentRow();
+  return state_->Rows->CurrentRow();
+}
+
+DbResult<void> Recordset::SetInRows(Connection& connection, std::string_view table, std::string_view column,
+                                    const DbValue& value, std::span<const RowPlace> rows) {
+  if (rows.empty()) return {};
+  if (!connection.IsOpen()) return OdbcFailure(db_error::RecordsetClosed, "The connection is closed");
+  const std::shared_ptr<OdbcLink>& link = connection.link_;
+  const auto shape = ReadTableShape(link, table);
+  if (!shape) return tl::unexpected(shape.error());
+  const auto position = shape->Find(column);
+  if (!position) return NoSuchField(column);
+  const TableColumn& field = shape->Columns[*position];
+  std::string sql = "UPDATE " + shape->Name + " SET " + link->Quoted(field.Shown.Name) + " = ? WHERE ";
+  std::vector<Parameter> parameters(1);
+  parameters[0].Set(value, link->Maker(), field.SqlType);
+  for (const RowPlace& row : rows) {
+    if (&row != &rows.front()) sql += " OR ";
+    sql += "(" + row.Sql + ")";
+    for (std::size_t i = 0; i < row.Values.size(); ++i)
+      parameters.emplace_back().Set(row.Values[i], link->Maker(), row.Types[i]);
+  }
+  link->KeepResults();
+  auto statement = Statement::Prepared(link, sql);
+  if (!statement) return tl::unexpected(statement.error());
+  if (auto bound = statement->Bind(parameters); !bound) return bound;
+  if (auto executed = statement->Execute(); !executed) return executed;
+  if (statement->RowCount() == static_cast<std::int64_t>(rows.size())) return {};
+  return tl::unexpected(link->Fail({db_error::StatementFailed,
+                                    "Rows were changed or deleted by somebody else meanwhile, or are alike",
+                                    {}}));
+}
+
 DbResult<void> Recordset::State::Store() {
   if (Pending == Edit::None) return {};
   const auto stored = Pending == Edit::New ? StoreNew() : StoreChange();

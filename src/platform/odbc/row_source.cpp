@@ -50,7 +50,7 @@ Date DateIn(const SQL_TIMESTAMP_STRUCT& time) {
 }
 
 std::string ConditionText(const std::string& column, const Selection::Condition& condition) {
-  if (IsNull(condition.Wanted)) return column + " IS NULL";
+  if (condition.How != Compare::OneOf && IsNull(condition.Wanted)) return column + " IS NULL";
   switch (condition.How) {
     case Compare::EqualIgnoringCase:
       return "UPPER(" + column + ") = UPPER(?)";
@@ -58,6 +58,11 @@ std::string ConditionText(const std::string& column, const Selection::Condition&
       return column + " >= ?";
     case Compare::AtMost:
       return column + " <= ?";
+    case Compare::OneOf: {
+      std::string marks = "?";
+      for (std::size_t i = 1; i < condition.Among.size(); ++i) marks += ", ?";
+      return column + " IN (" + marks + ")";
+    }
     case Compare::Equal:
       break;
   }
@@ -67,8 +72,9 @@ std::string ConditionText(const std::string& column, const Selection::Condition&
 }  // namespace
 
 RowSource::RowSource(std::shared_ptr<OdbcLink> link, const TableShape& shape, std::vector<std::size_t> chosen,
-                     std::vector<Selection::Condition> conditions)
+                     std::vector<Selection::Condition> conditions, bool longWithRow)
     : link_(std::move(link)), shape_(&shape), chosen_(std::move(chosen)), conditions_(std::move(conditions)) {
+  longWithRow_ = shape.Identity.empty() || (longWithRow && !InChunks());
   const auto add = [&](const TableColumn& column) {
     const ValueKind kind = KindOfType(column.SqlType);
     columns_.push_back({&column, kind, CellWidth(column, kind), {}, {}});
@@ -81,7 +87,7 @@ RowSource::RowSource(std::shared_ptr<OdbcLink> link, const TableShape& shape, st
   }
   std::size_t rowBytes = 0;
   for (const Column& column : columns_) rowBytes += column.Width + sizeof(SQLLEN);
-  const bool oneByOne = shape.Identity.empty() && std::ranges::count(columnOfChosen_, -1) > 0;
+  const bool oneByOne = longWithRow_ && std::ranges::count(columnOfChosen_, -1) > 0;
   if (!oneByOne)
     arraySize_ = std::clamp<std::size_t>(ArrayBytes / std::max<std::size_t>(rowBytes, 1), 1, MostArrayRows);
   longReads_.resize(chosen_.size());
@@ -93,10 +99,10 @@ std::string RowSource::SelectText() const {
   std::string list;
   const auto add = [&](const std::string& name) { list += (list.empty() ? "" : ", ") + name; };
   for (const TableColumn& column : shape_->Identity) add(column.Shown.Name);
-  // Without an identity the long columns stand at the end, to be read from the row itself.
+  // Long columns that are read from the row itself stand at the end.
   for (const bool isLong : {false, true})
     for (std::size_t i = 0; i < chosen_.size(); ++i)
-      if ((columnOfChosen_[i] < 0) == isLong && (!isLong || shape_->Identity.empty()))
+      if ((columnOfChosen_[i] < 0) == isLong && (!isLong || longWithRow_))
         add(link_->Quoted(shape_->Columns[chosen_[i]].Shown.Name));
   if (list.empty()) list = "1";
   std::string sql = "SELECT " + list + " FROM " + shape_->Name;
@@ -148,10 +154,12 @@ DbResult<void> RowSource::Open() {
     auto prepared = Statement::Prepared(link_, SelectText());
     if (!prepared) return tl::unexpected(prepared.error());
     select_ = std::move(*prepared);
-    for (Selection::Condition& condition : conditions_)
-      if (!IsNull(condition.Wanted))
-        parameters_.emplace_back().Set(condition.Wanted, link_->Maker(),
-                                       shape_->Columns[*shape_->Find(condition.Column)].SqlType);
+    for (const Selection::Condition& condition : conditions_)
+      for (const DbValue& wanted :
+           condition.How == Compare::OneOf ? condition.Among : std::vector{condition.Wanted})
+        if (!IsNull(wanted))
+          parameters_.emplace_back().Set(wanted, link_->Maker(),
+                                         shape_->Columns[*shape_->Find(condition.Column)].SqlType);
     if (InChunks()) parameters_.resize(parameters_.size() + 3);
     if (const auto bound = BindColumns(); !bound) return bound;
   }
@@ -261,13 +269,13 @@ DbResult<DbValue> RowSource::Value(std::size_t position) {
     value = DbBinary{std::move(bytes)};
   else if (*read)
     value = std::move(bytes);
-  if (shape_->Identity.empty()) longValues_[position] = value;
+  if (longWithRow_) longValues_[position] = value;
   return value;
 }
 
 DbResult<void> RowSource::ReadPieces(std::size_t position,
                                      const std::function<bool(std::string_view)>& take) {
-  if (columnOfChosen_[position] >= 0 || shape_->Identity.empty()) {
+  if (columnOfChosen_[position] >= 0 || longWithRow_) {
     const auto value = Value(position);
     if (!value) return tl::unexpected(value.error());
     if (!IsNull(*value)) take(TextOf(*value));
@@ -282,12 +290,10 @@ DbResult<bool> RowSource::ReadLongValue(std::size_t position,
                                         const std::function<bool(std::string_view)>& take) {
   const TableColumn& column = shape_->Columns[chosen_[position]];
   const bool binary = KindOfType(column.SqlType) == ValueKind::Binary;
-  if (shape_->Identity.empty()) {
-    if (longAt_[position] == 0)
-      return OdbcFailure(db_error::StatementFailed,
-                         "The text in " + column.Shown.Name + " is longer than its column");
-    return select_.ReadLong(longAt_[position], binary, take);
-  }
+  if (longWithRow_ && longAt_[position] != 0) return select_.ReadLong(longAt_[position], binary, take);
+  if (shape_->Identity.empty())
+    return OdbcFailure(db_error::StatementFailed,
+                       "The text in " + column.Shown.Name + " is longer than its column");
   auto row = CurrentRow();
   if (!row) return tl::unexpected(row.error());
   Statement& statement = longReads_[position];
@@ -312,8 +318,8 @@ DbResult<bool> RowSource::ReadLongValue(std::size_t position,
   return read;
 }
 
-DbResult<RowSource::RowCondition> RowSource::CurrentRow() {
-  RowCondition row;
+DbResult<RowPlace> RowSource::CurrentRow() {
+  RowPlace row;
   const auto add = [&](const std::string& name, DbValue value, SQLSMALLINT type) {
     row.Sql += (row.Sql.empty() ? "" : " AND ") + name + (IsNull(value) ? " IS NULL" : " = ?");
     if (IsNull(value)) return;

@@ -17,7 +17,7 @@ class RowSource {
  public:
   /// `shape` must outlive it; `chosen` are positions in its columns.
   RowSource(std::shared_ptr<OdbcLink> link, const TableShape& shape, std::vector<std::size_t> chosen,
-            std::vector<Selection::Condition> conditions);
+            std::vector<Selection::Condition> conditions, bool longWithRow);
 
   /// Asks the database, anew if it was asked before, and goes to the first row.
   DbResult<void> Open();
@@ -27,13 +27,7 @@ class RowSource {
   /// The value in the current row of the chosen column at this position.
   DbResult<DbValue> Value(std::size_t position);
   DbResult<void> ReadPieces(std::size_t position, const std::function<bool(std::string_view)>& take);
-  /// What tells the current row from others, as a condition with its values.
-  struct RowCondition {
-    std::string Sql;
-    std::vector<DbValue> Values;
-    std::vector<SQLSMALLINT> Types;
-  };
-  DbResult<RowCondition> CurrentRow();
+  DbResult<RowPlace> CurrentRow();
   /// After a change gave the current row another identity; where it has none, all its chosen values.
   void SetIdentity(std::vector<DbValue> identity) { newIdentity_ = std::move(identity); }
 
@@ -61,6 +55,7 @@ class RowSource {
   const TableShape* shape_;
   std::vector<std::size_t> chosen_;
   std::vector<Selection::Condition> conditions_;
+  bool longWithRow_;
   std::vector<Column> columns_;       // the identity's, then the chosen short ones
   std::vector<int> columnOfChosen_;   // index in columns_, or -1 for a long column
   std::vector<SQLUSMALLINT> longAt_;  // where a long column stands in the SELECT, if it stands there

@@ -103,7 +103,12 @@ ValueKind KindOfType(SQLSMALLINT sqlType) {
 
 void Parameter::SetText(std::string text, DatabaseMaker maker) {
   // Servers refuse text that is no UTF-8; it goes as what it is shown as. No database keeps a NUL in text.
-  text_ = maker == DatabaseMaker::SQLite ? std::move(text) : ShownText(text);
+  if (maker != DatabaseMaker::SQLite) text = ShownText(text);
+  // In the place where the last one stood, if it fits there: a value that has moved has to be bound anew.
+  if (text.size() <= text_.capacity())
+    text_.assign(text);
+  else
+    text_ = std::move(text);
   std::replace(text_.begin(), text_.end(), '\0', ' ');
   kind_ = ValueKind::Text;
 }

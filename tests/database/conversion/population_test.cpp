@@ -198,6 +198,58 @@ TEST_P(Population, LeavesChartWholeThatTheDatabaseRefuses) {
   for (const std::string& row : before) EXPECT_THAT(Rows(), ::testing::Contains(row));
 }
 
+// One that the database refuses costs no chart beside it, wherever it stands in its group.
+TEST_P(Population, StoresAllChartsOfAGroupButTheOneThatIsRefused) {
+  constexpr int charts = 12, refused = 9;
+  std::vector<Date> dates;
+  for (int i = 0; i < charts; ++i) dates.push_back(Ten + i);
+  for (const Date date : dates) Store({.Start = date, .End = date + 0.5});
+  Run("CREATE UNIQUE INDEX one_start ON chart (start_time)");
+  Run("INSERT INTO chart (instrument_code_id, start_time) VALUES ('RG7', '1998-03-14 11:00:00')");
+  const ConversionResult result = Convert(dates);
+  EXPECT_THAT(result.Problems,
+              ElementsAre(HasSubstr("14/03/1998 10:00:00: not converted, nothing of it was changed")));
+  EXPECT_EQ(result.ChartsConverted, charts - 1);
+  EXPECT_EQ(result.RowsWritten, 4 * (charts - 1));
+  EXPECT_THAT(Rows(), SizeIs(4 * (charts - 1) + 1));
+  const auto loaded = Loaded();
+  for (int i = 0; i < charts; ++i)
+    EXPECT_EQ(loaded[static_cast<std::size_t>(i)].ends_with(i == refused ? "null" : "1"), true) << loaded[i];
+}
+
+// Charts that overlap, that the table holds twice, that give no rows and that lie years apart: together they
+// leave what they leave one after the other.
+TEST_P(Population, GivesTheSameRowsTogetherAsOneByOne) {
+  std::vector<Date> dates;
+  const auto store = [&](Date start, double days, const std::string& depth) {
+    Store({.Start = start, .End = start + days, .Digitized = depth, .Selected = depth});
+    if (std::find(dates.begin(), dates.end(), start) == dates.end()) dates.push_back(start);
+  };
+  for (int i = 0; i < 4; ++i) store(Ten + i, 1, std::to_string(10 + i));  // each ends where the next begins
+  store(Ten + 4, 1, "20");
+  store(Ten + 4.25, 0.25, "5");  // within the one before
+  store(Ten + 3.5, 3, "30");     // over several
+  store(Ten + 4, 1, "40");       // twice
+  store(Ten + 4000, 1, "6");
+  StoreText("RG12", Ten + 8, "RG12-19980313-1000.dat\r\nrubbish");
+  dates.push_back(Ten + 8);
+  store(Ten + 9, 1, "7");
+  Options.Overwrite = true;
+  for (const char* run : {"first", "second, over the rows of the first"}) {
+    for (const Date date : dates) Convert({date});
+    const auto rows = Rows(), loaded = Loaded();
+    Run("DELETE FROM chart");
+    Run("UPDATE chart_ascii SET loaded = NULL");
+    for (int i = 0; i < 2; ++i) {
+      const ConversionResult result = Convert(dates);
+      EXPECT_EQ(result.ChartsConverted, 10) << run;
+      EXPECT_THAT(result.Problems, SizeIs(1));
+    }
+    EXPECT_EQ(Loaded(), loaded) << run;
+    EXPECT_EQ(Rows(), rows) << run;
+  }
+}
+
 TEST_P(Population, ShowsAnErrorOnceThatAilsAllCharts) {
   Store({});
   Store({.Start = Ten + 1, .End = Ten + 2});

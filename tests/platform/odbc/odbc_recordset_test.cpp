@@ -176,6 +176,27 @@ TEST_P(OdbcTest, WalksOnThroughItsOwnChangesAndTransactions) {
 }
 
 // A result that broke off must never look like one that came to its end.
+TEST_P(OdbcTest, ReadsAndChangesSomeRowsAtOnce) {
+  Fill(50);
+  Recordset some =
+      Rain({.Columns = {"steps", "file", "code"},
+            .Where = {{.Column = "code", .How = Compare::OneOf, .Among = {"RG3", "RG40", "RG7"}}},
+            .LongWithRow = true});
+  std::vector<RowPlace> places;
+  std::vector<std::string> read;
+  Must(ForEachRow(some, [&]() -> DbResult<bool> {
+    places.push_back(Must(some.Place()));
+    read.push_back(TextOf(Must(some.Value("file"))) + " of " + TextOf(Must(some.Value("code"))));
+    return true;
+  }));
+  some.Close();
+  EXPECT_THAT(read, testing::ElementsAre("text 3 of RG3", "text 7 of RG7", "text 40 of RG40"));
+  Must(Recordset::SetInRows(Db, "rain", "Zone", std::int64_t{1}, places));
+  EXPECT_EQ(Must(Db.Execute("DELETE FROM rain WHERE zone = 1 AND steps IN (3, 7, 40)")), 3);
+  EXPECT_FALSE(Recordset::SetInRows(Db, "rain", "zone", std::int64_t{2}, places)) << "they are gone";
+  EXPECT_EQ(Must(Db.Execute("UPDATE rain SET zone = 3 WHERE zone IS NULL")), 47);
+}
+
 TEST_P(OdbcTest, NeverEndsAWalkBeforeItsLastRow) {
   constexpr int rows = 2500;
   Fill(rows);
