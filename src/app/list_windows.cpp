@@ -2,9 +2,9 @@
 #include "app/app_desk.h"
 #include "core/definitions.h"
 #include "staging/lists/list_recovery.h"
-#include "staging/windows/frmDefinitions.h"
 #include "staging/windows/frmLists.h"
 #include "staging/windows/frmProgramDefaults.h"
+#include "staging/windows/frmSettingsText.h"
 #include "staging/windows/frmTasks.h"
 
 namespace hyetex {
@@ -32,7 +32,7 @@ QWidget* AppDesk::MakeProgramDefaults() {
 QWidget* AppDesk::MakeDefinitions() {
   auto text = ReadDefinitions(program_.Settings.Folder());
   if (!text) return Tell(text.error()), nullptr;
-  return new frmDefinitions(*this, dialogs_, program_.Settings, *std::move(text));
+  return new frmSettingsText(*this, dialogs_, program_.Settings, *std::move(text));
 }
 
 }  // namespace hyetex

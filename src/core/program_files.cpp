@@ -76,9 +76,17 @@ Result<std::string> KeepCopy(const std::string& path) {
 std::string BackupName(const std::string& path) {
   const Date now = Now();
   const std::string base = path + ".bak-" + DateCode(now) + PadNumber(ToCalendar(now).Second, 2);
-  std::string name = base;
-  for (int i = 2; FileExists(name); ++i) name = base + "-" + PadNumber(i, 2);
-  return name;
+  // Behind all of this second, also where earlier ones have been let go since: the names tell their order.
+  int last = 0;
+  std::error_code error;
+  for (const auto& entry :
+       std::filesystem::directory_iterator(std::filesystem::absolute(path, error).parent_path(), error)) {
+    const std::string name = entry.path().filename().string();
+    if (!name.starts_with(BaseName(base))) continue;
+    const std::string_view number = std::string_view(name).substr(BaseName(base).size());
+    last = std::max<int>(last, number.empty() ? 1 : LeadingInt16(number.substr(1)));
+  }
+  return last == 0 ? base : base + "-" + PadNumber(last + 1, 2);
 }
 
 std::string Quoted(std::string_view text) {

@@ -7,9 +7,9 @@
 
 #include "app/app_desk.h"
 #include "core/definitions.h"
-#include "staging/windows/frmDefinitions.h"
 #include "staging/windows/frmInit.h"
 #include "staging/windows/frmMessageBox.h"
+#include "staging/windows/frmSettingsText.h"
 #include "windows/support.h"
 
 namespace hyetex {
@@ -156,7 +156,7 @@ TEST_F(MainMenu, OpensTheDefinitionsInAnEditorOrInItsOwnView) {
   EXPECT_TRUE(dialogs_.Boxes.empty());
 }
 
-using DefinitionsView = WindowTest<frmDefinitions>;
+using DefinitionsView = WindowTest<frmSettingsText>;
 
 TEST_F(DefinitionsView, SavesWhatWasEditedAndAsksBeforeItIsLeft) {
   const ShownBox question{"Definitions.dat", "Would you like to save the definitions before you exit?",

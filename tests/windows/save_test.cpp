@@ -2,6 +2,7 @@
 
 #include "chartfiles/traced_week.h"
 #include "core/files.h"
+#include "platform/date_box.h"
 #include "platform/up_down.h"
 #include "windows/support.h"
 
@@ -193,7 +194,7 @@ TEST_F(SaveWindow, AsksAboutDetailsThatAreNotTaken) {
       "them ?\n\nNo saves the chart with those that it had.",
       BoxButtons::YesNoCancel, BoxIcon::Question};
   frmSave& window = Open();
-  auto& end = Find<QDateEdit>(window, "dtpEndDate");
+  auto& end = Find<DateBox>(window, "dtpEndDate");
   end.setDate(QDate(1998, 3, 5));
   dialogs_.Answers = {BoxAnswer::Cancel, BoxAnswer::Yes};
   Click(window, "cmdSave");

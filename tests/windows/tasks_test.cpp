@@ -7,6 +7,7 @@
 
 #include "core/dates.h"
 #include "core/files.h"
+#include "platform/date_box.h"
 #include "staging/tasks/tasks.h"
 #include "windows/desk_fixture.h"
 
@@ -229,7 +230,7 @@ TEST_F(StagingDesk, AChartBeingDefinedIsAskedAboutBeforeTheProgramEnds) {
   Select(HillFarm);
   Click(Tasks(), "cmdAdd");
   Type("txtEyed", "7");
-  Find<QDateEdit>(Details(), "dtpEndDate").setDate(Find<QDateEdit>(Details(), "dtpBeginDate").date());
+  Find<DateBox>(Details(), "dtpEndDate").setDate(Find<DateBox>(Details(), "dtpBeginDate").date());
   dialogs_.Answers = {BoxAnswer::Cancel, BoxAnswer::Yes};
   Choose("mnuExit");
   desk_->ShellWindow()->close();
@@ -242,8 +243,8 @@ TEST_F(StagingDesk, AChartBeingDefinedIsAskedAboutBeforeTheProgramEnds) {
                   dialogs_.Boxes[0],
                   Warning("Defining a Task",
                           "The beginning time and date must be less than the ending time and date")));
-  Find<QDateEdit>(Details(), "dtpEndDate").setDate(QDate(2030, 1, 2));
-  Find<QDateEdit>(Details(), "dtpBeginDate").setDate(QDate(2030, 1, 1));
+  Find<DateBox>(Details(), "dtpEndDate").setDate(QDate(2030, 1, 2));
+  Find<DateBox>(Details(), "dtpBeginDate").setDate(QDate(2030, 1, 1));
   dialogs_.Answers = {BoxAnswer::Yes};
   Choose("mnuExit");
   EXPECT_EQ(desk_->Window(WindowId::TaskDef), nullptr);

@@ -103,7 +103,7 @@ void TakeLists(AppDesk& desk, Camera& camera) {
   desk.Open(WindowId::ProgramDefaults);
   camera.Take(desk.Window(WindowId::ProgramDefaults), "frmProgramDefaults");
   desk.Open(WindowId::Definitions);
-  camera.Take(desk.Window(WindowId::Definitions), "frmDefinitions");
+  camera.Take(desk.Window(WindowId::Definitions), "frmSettingsText");
   for (const WindowId id : {WindowId::Definitions, WindowId::ProgramDefaults, WindowId::Lists})
     if (QWidget* window = desk.Window(id)) window->close();
 }

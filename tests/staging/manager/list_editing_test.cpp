@@ -469,7 +469,7 @@ TEST_F(Editing, ChangesCommentsByCodeAndDescription) {
 TEST(ListEditing, SetsScalesFromADistanceAndWhatFitsIntoIt) {
   ChartTypeRecord type;
   ScriptedDialogs dialogs;
-  dialogs.Typed = {"50 mm", "25"};
+  dialogs.Typed = {"50", "25"};
   EXPECT_TRUE(AskScale(dialogs, type, ScaleKind::Time));
   EXPECT_EQ(ScaleText(type, ScaleKind::Time), "Time Scale: 0.5 hours / mm");
   EXPECT_EQ(dialogs.Boxes,
@@ -481,7 +481,7 @@ TEST(ListEditing, SetsScalesFromADistanceAndWhatFitsIntoIt) {
   EXPECT_TRUE(AskScale(dialogs, type, ScaleKind::Depth));
   EXPECT_EQ(type.DepthScale, 0.125F);
   for (const auto& answers : std::vector<std::deque<std::optional<std::string>>>{
-           {"0"}, {std::nullopt}, {"-3"}, {"5", "x"}, {"1e-38", "1e38"}}) {
+           {"0"}, {std::nullopt}, {"-3"}, {"50 mm"}, {"5", "x"}, {"1e-38", "1e38"}}) {
     dialogs.Typed = answers;
     EXPECT_FALSE(AskScale(dialogs, type, ScaleKind::Depth));
     EXPECT_TRUE(dialogs.Typed.empty());

@@ -1,4 +1,4 @@
-#include "staging/windows/frmDefinitions.h"
+#include "staging/windows/frmSettingsText.h"
 
 #include <QCloseEvent>
 #include <QFontDatabase>
@@ -13,9 +13,9 @@
 
 namespace hyetex {
 
-frmDefinitions::frmDefinitions(Desk& desk, Dialogs& dialogs, Settings& settings, std::string text,
-                               QWidget* parent)
-    : FormWindow("frmDefinitions", WindowId::Definitions, desk, settings, parent),
+frmSettingsText::frmSettingsText(Desk& desk, Dialogs& dialogs, Settings& settings, std::string text,
+                                 QWidget* parent)
+    : FormWindow("frmSettingsText", WindowId::Definitions, desk, settings, parent),
       dialogs_(dialogs),
       read_(std::move(text)),
       txtDefinitions(Named(new QPlainTextEdit(ToQt(ShownDefinitions(read_))), "txtDefinitions")),
@@ -48,12 +48,12 @@ frmDefinitions::frmDefinitions(Desk& desk, Dialogs& dialogs, Settings& settings,
   connect(cmdClose, &QPushButton::clicked, this, &QWidget::close);
 }
 
-QSize frmDefinitions::sizeHint() const {
+QSize frmSettingsText::sizeHint() const {
   const QFontMetrics metrics(txtDefinitions->font());
   return {metrics.horizontalAdvance('0') * 90, metrics.lineSpacing() * 30};
 }
 
-bool frmDefinitions::Save() {
+bool frmSettingsText::Save() {
   const auto saved = SaveEditedDefinitions(settings_.Folder(), read_, FromQt(txtDefinitions->toPlainText()));
   if (!saved) {
     dialogs_.MessageBox(FromQt(windowTitle()), saved.error(), BoxButtons::Ok, BoxIcon::Warning);
@@ -63,7 +63,7 @@ bool frmDefinitions::Save() {
   return true;
 }
 
-void frmDefinitions::closeEvent(QCloseEvent* event) {
+void frmSettingsText::closeEvent(QCloseEvent* event) {
   if (txtDefinitions->document()->isModified()) {
     const BoxAnswer answer =
         dialogs_.MessageBox(FromQt(windowTitle()), "Would you like to save the definitions before you exit?",

@@ -9,12 +9,12 @@
 
 namespace hyetex {
 
-class frmDefinitions : public FormWindow {
+class frmSettingsText : public FormWindow {
   Q_OBJECT
 
  public:
   /// Shows the file as it was read.
-  frmDefinitions(Desk& desk, Dialogs& dialogs, Settings& settings, std::string text,
+  frmSettingsText(Desk& desk, Dialogs& dialogs, Settings& settings, std::string text,
                  QWidget* parent = nullptr);
 
   QSize sizeHint() const override;
