@@ -480,8 +480,12 @@ TEST(ListEditing, SetsScalesFromADistanceAndWhatFitsIntoIt) {
   dialogs.Typed = {"80", "10"};
   EXPECT_TRUE(AskScale(dialogs, type, ScaleKind::Depth));
   EXPECT_EQ(type.DepthScale, 0.125F);
-  for (const auto& answers : std::vector<std::deque<std::optional<std::string>>>{
-           {"0"}, {std::nullopt}, {"-3"}, {"50 mm"}, {"5", "x"}, {"1e-38", "1e38"}}) {
+  for (const auto& answers : std::vector<std::deque<std::optional<std::string>>>{{"0"},
+                                                                                 {std::nullopt},
+                                                                                 {"-3"},
+                                                                                 {"50 mm", std::nullopt},
+                                                                                 {"5", "x", std::nullopt},
+                                                                                 {"1e-38", "1e38"}}) {
     dialogs.Typed = answers;
     EXPECT_FALSE(AskScale(dialogs, type, ScaleKind::Depth));
     EXPECT_TRUE(dialogs.Typed.empty());
