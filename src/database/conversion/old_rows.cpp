@@ -83,6 +83,13 @@ bool OldRows::DependsOn(const OldRows& other) const {
                      [&](const ChartRow& row) { return sees(SpanOf(row.Start, row.End)); });
 }
 
+bool OldRows::SameRows(const OldRows& other) const {
+  return wantQuestion_ == other.wantQuestion_ &&
+         std::ranges::equal(
+             rows_, other.rows_, {}, [](const ChartRow& row) { return SpanOf(row.Start, row.End); },
+             [](const ChartRow& row) { return SpanOf(row.Start, row.End); });
+}
+
 DbResult<std::int64_t> OldRows::Delete(Connection& connection) const {
   if (rows_.empty()) return 0;
   // Some databases tell CHART from chart.

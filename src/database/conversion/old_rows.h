@@ -29,6 +29,8 @@ class OldRows {
   bool WantQuestion() const { return wantQuestion_; }
   /// Start and end of each row that makes way.
   const std::vector<ChartRow>& Rows() const { return rows_; }
+  /// Whether just the rows of the other make way, and the same question is asked.
+  bool SameRows(const OldRows& other) const;
   /// Whether this chart's old rows cannot be told before the other chart is stored, since that writes or
   /// deletes rows where this one looks.
   bool DependsOn(const OldRows& other) const;

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <set>
 #include <utility>
 
 #include "core/dates.h"
 #include "core/text.h"
+#include "database/access/names.h"
 #include "database/conversion/data_log.h"
 #include "database/conversion/record_reader.h"
 #include "database/conversion/record_store.h"
@@ -42,15 +44,16 @@ bool SameInstrument(const RecordToConvert& a, const RecordToConvert& b) {
 class Conversion {
  public:
   Conversion(HyetexPlotDB& database, const ReferenceLists& lists, const std::string& instrumentCode,
-             const ConversionOptions& options, Dialogs& dialogs)
+             const ConversionOptions& options, Dialogs& dialogs, Progress& progress)
       : database_(database),
         options_(options),
         dialogs_(dialogs),
+        progress_(progress),
         log_(options.LogFolder, options.Log),
         reader_(database, instrumentCode, lists.Stations, options.Variables),
         store_(database, instrumentCode, log_) {}
 
-  ConversionResult Run(std::span<const ChartToConvert> charts, Progress& progress) {
+  ConversionResult Run(std::span<const ChartToConvert> charts) {
     log_.StartLog();
     std::vector<ChartToConvert> missing;
     const auto chosen = reader_.InTableOrder(charts, missing);
@@ -61,7 +64,7 @@ class Conversion {
       result_.Problems.push_back("the charts cannot be listed: " + chosen.error().Description);
       result_.Failed = true;
     } else {
-      ConvertAll(*chosen, progress);
+      ConvertAll(*chosen);
     }
     store_.Release();
     database_.Close();
@@ -75,11 +78,11 @@ class Conversion {
  private:
   // ---- Groups of charts
 
-  void ConvertAll(std::span<const ChartToConvert> charts, Progress& progress) {
+  void ConvertAll(std::span<const ChartToConvert> charts) {
     const std::size_t total = charts.size();
     const auto step = [&](std::size_t at) {
-      return progress.Step(static_cast<std::int64_t>(at), static_cast<std::int64_t>(total),
-                           "ProcespFilesing record number " + std::to_string(at + 1));
+      return progress_.Step(static_cast<std::int64_t>(at), static_cast<std::int64_t>(total),
+                            "ProcespFilesing record number " + std::to_string(at + 1));
     };
     std::size_t most = 1, done = 0;
     while (done < total && !gone_ && !result_.Cancelled) {
@@ -92,7 +95,7 @@ class Conversion {
       most =
           std::clamp<std::size_t>(reader_.TextBytes() > MostTextBytes ? most / 2 : most * 2, 1, MostCharts);
     }
-    if (done == total) progress.Step(static_cast<std::int64_t>(total), static_cast<std::int64_t>(total), "");
+    if (done == total) progress_.Step(static_cast<std::int64_t>(total), static_cast<std::int64_t>(total), "");
     if (!gone_ || done == total) return;
     result_.ChartsFailed += static_cast<int>(total - done);
     result_.Problems.push_back(std::to_string(total - done) + " more charts were not tried");
@@ -102,7 +105,10 @@ class Conversion {
   template <typename Work>
   auto Tried(Work&& work) {
     auto done = work();
-    if (done || gone_ || !database_.DatabaseConnection.IsLost(done.error())) return done;
+    if (!done) transaction_.reset();
+    if (!done && IsLocked(done.error())) gone_ = true;
+    if (!done && done.error().Number == db_error::Cancelled) result_.Cancelled = true;
+    if (done || gone_ || result_.Cancelled || !database_.DatabaseConnection.IsLost(done.error())) return done;
     store_.Release();
     database_.Close();
     gone_ = !database_.OpenDatabase();
@@ -112,11 +118,13 @@ class Conversion {
   // A group that cannot be read whole is read chart by chart.
   void Convert(std::span<const ChartToConvert> charts) {
     auto records = Tried([&]() -> DbResult<std::vector<RecordToConvert>> {
-      if (const auto opened = store_.Open(); !opened) return tl::unexpected(opened.error());
+      if (const auto begun = BeginWriting(); !begun) return tl::unexpected(begun.error());
       return reader_.Read(charts);
     });
+    if (result_.Cancelled) return;
     if (records) {
       Store(*records);
+      transaction_.reset();
     } else if (charts.size() == 1 || gone_) {
       for (const ChartToConvert& chart : charts) Fail(chart.ChartDate, records.error());
     } else {
@@ -129,6 +137,7 @@ class Conversion {
     while (!records.empty()) {
       std::size_t count = records.size();
       const auto stored = Tried([&] { return StoreSome(records, count); });
+      if (result_.Cancelled) return;
       if (!stored && (count == 1 || gone_)) {
         for (const RecordToConvert& record : records.first(count))
           Fail(record.Chart.ChartDate, stored.error());
@@ -145,16 +154,53 @@ class Conversion {
 
   // ---- Records
 
+  // What decides the new rows is read while no other program of ours writes.
+  DbResult<void> BeginWriting() {
+    if (auto opened = store_.Open(); !opened) return opened;
+    auto transaction = Transaction::BeginWriting(database_.DatabaseConnection, table_name::Chart, progress_);
+    if (!transaction) return tl::unexpected(transaction.error());
+    transaction_.emplace(*std::move(transaction));
+    return {};
+  }
+
+  // Begins again what a commit, an error or a question has ended. Another program may have stored other texts
+  // since; a chart that the table holds twice stays as it was read.
+  DbResult<void> Resume(std::span<RecordToConvert> records) {
+    if (auto begun = BeginWriting(); !begun) return begun;
+    std::vector<ChartToConvert> charts;
+    for (const RecordToConvert& record : records) charts.push_back(record.Chart);
+    auto fresh = reader_.Read(charts);
+    if (!fresh) return tl::unexpected(fresh.error());
+    if (fresh->size() != records.size()) return {};
+    for (std::size_t i = 0; i < records.size(); ++i) {
+      (*fresh)[i].MayReplace = records[i].MayReplace;
+      records[i] = std::move((*fresh)[i]);
+    }
+    return {};
+  }
+
   // Stores the first records, as many as can be stored together, and tells how many were tried.
   DbResult<void> StoreSome(std::span<RecordToConvert> records, std::size_t& count) {
     count = records.size();
-    if (auto opened = store_.Open(); !opened) return opened;
-    for (RecordToConvert& record : records)
-      if (!record.Why) record.Why = store_.CheckStation(*record.Station);
-    if (auto found = FindOldRows(records); !found) return found;
+    std::optional<OldRows> askedAbout;
+    while (true) {
+      if (!transaction_)
+        if (auto resumed = Resume(records); !resumed) return resumed;
+      for (RecordToConvert& record : records)
+        if (!record.Why) record.Why = store_.CheckStation(*record.Station);
+      if (auto found = FindOldRows(records); !found) return found;
+      RecordToConvert& first = records.front();
+      if (askedAbout && first.Old && !first.Old->SameRows(*askedAbout)) first.MayReplace.reset();
+      if (!NeedsAnswer(first)) break;
+      // Nobody has to wait for an operator who thinks.
+      transaction_.reset();
+      askedAbout = first.Old;
+      first.MayReplace = AskToReplace(first.Rows);
+    }
     count = Independent(records);
-    if (NeedsAnswer(records.front())) records.front().MayReplace = AskToReplace(records.front().Rows);
-    return store_.Store(records.first(count), result_);
+    auto stored = store_.Store(*transaction_, records.first(count), result_);
+    transaction_.reset();
+    return stored;
   }
 
   DbResult<void> FindOldRows(std::span<RecordToConvert> records) {
@@ -222,10 +268,12 @@ class Conversion {
   HyetexPlotDB& database_;
   const ConversionOptions& options_;
   Dialogs& dialogs_;
+  Progress& progress_;
   DataLog log_;
   RecordReader reader_;
   RecordStore store_;
-  bool gone_ = false;  // the database: the run ends
+  std::optional<Transaction> transaction_;  // that holds the right to write
+  bool gone_ = false;                       // the database: the run ends
   std::set<std::pair<std::int32_t, std::string>> shown_;
   ConversionResult result_;
 };
@@ -235,7 +283,7 @@ class Conversion {
 ConversionResult WriteChartRecords(HyetexPlotDB& database, const ReferenceLists& lists,
                                    const std::string& instrumentCode, std::span<const ChartToConvert> charts,
                                    const ConversionOptions& options, Dialogs& dialogs, Progress& progress) {
-  return Conversion(database, lists, instrumentCode, options, dialogs).Run(charts, progress);
+  return Conversion(database, lists, instrumentCode, options, dialogs, progress).Run(charts);
 }
 
 std::string ConversionMessage(const ConversionResult& result, bool logged) {

@@ -36,18 +36,17 @@ DbResult<void> RecordStore::Open() {
   return {};
 }
 
-DbResult<void> RecordStore::Store(std::span<const RecordToConvert> records, ConversionResult& result) {
+DbResult<void> RecordStore::Store(Transaction& transaction, std::span<const RecordToConvert> records,
+                                  ConversionResult& result) {
   if (auto looked = LookForRows(); !looked) return looked;
   const bool hadRows = hasRows_;
   ConversionResult done;
   const auto stored = [&]() -> DbResult<void> {
-    auto transaction = Transaction::Begin(database_.DatabaseConnection);
-    if (!transaction) return tl::unexpected(transaction.error());
     for (const RecordToConvert& record : records)
       if (auto one = StoreOne(record, done); !one) return one;
     if (auto written = writer_->Finish(); !written) return written;
     if (auto marked = Mark(records); !marked) return marked;
-    return transaction->Commit();
+    return transaction.Commit();
   }();
   if (stored)
     Add(std::move(done), result);

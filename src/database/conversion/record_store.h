@@ -28,9 +28,10 @@ class RecordStore {
   std::optional<std::string> CheckStation(const StationRecord& station) const {
     return writer_->CheckStation(station);
   }
-  /// Stores records whose old rows have been looked for and do not depend on each other. Only if all of it is
-  /// done it is added to `result`.
-  DbResult<void> Store(std::span<const RecordToConvert> records, ConversionResult& result);
+  /// Stores in the transaction, and commits, records whose old rows have been looked for and do not depend on
+  /// each other. Only if all of it is done it is added to `result`.
+  DbResult<void> Store(Transaction& transaction, std::span<const RecordToConvert> records,
+                       ConversionResult& result);
 
   /// A line of the log and of the problems.
   void Problem(Date chartDate, const std::string& what, ConversionResult& result);

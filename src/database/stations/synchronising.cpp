@@ -174,7 +174,9 @@ class Synchronising {
 
   DbResult<void> Add(const StationRecord& added, Date start) {
     const std::string code = ShownText(added.InstrumentCode), key = StationKey(code);
-    auto transaction = Transaction::Begin(database_.DatabaseConnection);
+    UnwatchedProgress progress;
+    auto transaction =
+        Transaction::BeginWriting(database_.DatabaseConnection, table_name::Instrument, progress);
     if (!transaction) return tl::unexpected(transaction.error());
 
     std::vector<std::string> cut;

@@ -25,8 +25,9 @@ constexpr int MostRefusedInARow = 3;
 
 class Loader {
  public:
-  Loader(HyetexPlotDB& database, const std::vector<StationRecord>& stations, LoadResult& result)
-      : database_(database), stations_(stations), result_(result) {}
+  Loader(HyetexPlotDB& database, const std::vector<StationRecord>& stations, LoadResult& result,
+         Progress& progress)
+      : database_(database), stations_(stations), result_(result), progress_(progress) {}
 
   DbResult<void> Open() {
     auto known = ReadInstrumentCodes(database_);
@@ -108,7 +109,9 @@ class Loader {
   bool Recover(const DbError& error) {
     const std::vector<ChartToStore> group = std::exchange(group_, {});
     Forget();
-    if (database_.DatabaseConnection.IsLost(error)) {
+    if (error.Number == db_error::Cancelled) {
+      result_.Report.Cancelled = true;
+    } else if (IsLocked(error) || database_.DatabaseConnection.IsLost(error)) {
       result_.Report.Stopped = error;
     } else if (group.size() == 1) {
       Refuse(group[0].Path, NumberAndDescription(error));
@@ -123,14 +126,15 @@ class Loader {
         if (!Commit()) break;
       }
     }
-    return !result_.Report.Stopped;
+    return !result_.Report.Stopped && !result_.Report.Cancelled;
   }
 
   // Of the group what is not yet written.
   DbResult<void> WriteBatch() {
     const std::span<ChartToStore> batch = std::span(group_).subspan(written_);
     if (!transaction_) {
-      auto transaction = Transaction::Begin(database_.DatabaseConnection);
+      auto transaction =
+          Transaction::BeginWriting(database_.DatabaseConnection, table_name::ChartAscii, progress_);
       if (!transaction) return tl::unexpected(transaction.error());
       transaction_.emplace(*std::move(transaction));
     }
@@ -185,6 +189,7 @@ class Loader {
   HyetexPlotDB& database_;
   const std::vector<StationRecord>& stations_;
   LoadResult& result_;
+  Progress& progress_;
   std::set<std::string> instruments_;  // of the database
   std::vector<CatalogColumn> columns_;
   std::vector<ChartToStore> group_;  // of one transaction; what is written of it has given its row away
@@ -204,7 +209,7 @@ LoadResult LoadFiles(HyetexPlotDB& database, const ReferenceLists& lists, std::s
   const ClosedAfter closed(database);
   LoadResult result;
   RunReport& report = result.Report;
-  Loader loader(database, lists.Stations, result);
+  Loader loader(database, lists.Stations, result, progress);
   if (const auto opened = loader.Open(); !opened) {
     report.Stopped = opened.error();
     report.NotReached = paths.size();

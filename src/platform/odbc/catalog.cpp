@@ -250,6 +250,12 @@ DbResult<TableShape> ReadTableShape(const std::shared_ptr<OdbcLink>& link, std::
   if (const auto known = link->Shapes.find(table); known != link->Shapes.end()) return *known->second;
   const auto found = FindCatalogTable(link, table);
   if (!found) return tl::unexpected(found.error());
+  // SQLite's driver tells of no tables where another program's lock keeps it from reading them.
+  if (!*found && link->Maker() == DatabaseMaker::SQLite) {
+    auto probe = Statement::Prepared(link, "SELECT name FROM sqlite_master WHERE 0");
+    if (!probe) return tl::unexpected(probe.error());
+    if (const auto read = probe->Execute(); !read) return tl::unexpected(read.error());
+  }
   if (!*found)
     return OdbcFailure(db_error::StatementFailed, "The database has no table " + std::string(table));
   TableShape shape;

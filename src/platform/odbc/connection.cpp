@@ -1,6 +1,8 @@
 #include "platform/odbc/connection.h"
 
 #include <algorithm>
+#include <chrono>
+#include <thread>
 #include <utility>
 
 #include "core/text.h"
@@ -14,6 +16,49 @@ namespace {
 tl::unexpected<DbError> NotOpen() {
   return OdbcFailure(db_error::RecordsetClosed, "The connection is closed");
 }
+
+constexpr std::chrono::seconds LongestWait{60};
+constexpr std::chrono::milliseconds BetweenTries{100};
+
+DbResult<void> Run(const std::shared_ptr<OdbcLink>& link, const std::string& sql) {
+  auto statement = Statement::Make(link);
+  if (!statement) return tl::unexpected(statement.error());
+  return statement->Check(SQLExecDirect(statement->Handle(), SqlText(sql), SQL_NTS));
+}
+
+// Whether the open transaction is now the one that writes. SQLite gives its one write lock to a statement
+// that could change a row; as the first of a transaction it finds nothing that is read already and out of
+// date. In PostgreSQL only a lock that is tried, not waited for, leaves the transaction usable when it is
+// taken.
+DbResult<bool> TakeWriteLock(const std::shared_ptr<OdbcLink>& link, const std::string& table) {
+  if (link->Maker() == DatabaseMaker::SQLite) {
+    if (const auto done = Run(link, "DELETE FROM " + table + " WHERE 0"); !done) {
+      if (IsLocked(done.error())) return false;
+      return tl::unexpected(done.error());
+    }
+  } else if (link->Maker() == DatabaseMaker::PostgreSQL) {
+    auto statement = Statement::Prepared(link, "SELECT 1 WHERE pg_try_advisory_xact_lock(1215915348)");
+    if (!statement) return tl::unexpected(statement.error());
+    if (const auto done = statement->Execute(); !done) return tl::unexpected(done.error());
+    return statement->Fetch();
+  }
+  return true;
+}
+
+// While SQLite's own wait lasts nobody can cancel.
+class ShortWait {
+ public:
+  explicit ShortWait(const std::shared_ptr<OdbcLink>& link) : link_(link) { Set("PRAGMA busy_timeout=50"); }
+  ShortWait(const ShortWait&) = delete;
+  ShortWait& operator=(const ShortWait&) = delete;
+  ~ShortWait() { Set("PRAGMA busy_timeout=5000"); }
+
+ private:
+  void Set(const std::string& sql) {
+    if (link_->Maker() == DatabaseMaker::SQLite) (void)Run(link_, sql);
+  }
+  const std::shared_ptr<OdbcLink>& link_;
+};
 
 bool LeavesTables(std::string_view sql) {
   constexpr std::string_view verbs[] = {"SELECT", "INSERT", "UPDATE", "DELETE"};
@@ -114,6 +159,35 @@ DbResult<Transaction> Transaction::Begin(Connection& connection) {
   if (!connection.IsOpen()) return NotOpen();
   if (const auto begun = connection.link_->Begin(); !begun) return tl::unexpected(begun.error());
   return Transaction(connection.link_);
+}
+
+DbResult<Transaction> Transaction::BeginWriting(Connection& connection, std::string_view table,
+                                                Progress& progress) {
+  if (!connection.IsOpen()) return NotOpen();
+  const auto& link = connection.link_;
+  const auto start = std::chrono::steady_clock::now();
+  const ShortWait shortWait(link);
+  while (true) {
+    auto locked = [&]() -> DbResult<bool> {
+      const auto shape = ReadTableShape(link, table);
+      if (!shape && IsLocked(shape.error())) return false;
+      if (!shape) return tl::unexpected(shape.error());
+      const std::string name = shape->Name;
+      if (const auto begun = link->Begin(); !begun) return tl::unexpected(begun.error());
+      return TakeWriteLock(link, name);
+    }();
+    if (locked && *locked) return Transaction(link);
+    link->RollBack();
+    if (!locked) return tl::unexpected(locked.error());
+    const auto waited =
+        std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start);
+    if (waited >= LongestWait)
+      return OdbcFailure(db_error::Locked, "Another program has been writing to the database for " +
+                                               std::to_string(LongestWait.count()) + " seconds");
+    if (!progress.Step(waited.count(), LongestWait.count(), "waiting for another program"))
+      return OdbcFailure(db_error::Cancelled, "Stopped while another program was writing to the database");
+    std::this_thread::sleep_for(BetweenTries);
+  }
 }
 
 DbResult<void> Transaction::Commit() {

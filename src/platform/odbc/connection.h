@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/progress.h"
 #include "platform/odbc/values.h"
 
 namespace hyetex {
@@ -98,6 +99,11 @@ class Connection {
 class Transaction {
  public:
   static DbResult<Transaction> Begin(Connection& connection);
+  /// Begins as the only one of our programs that writes, so that what is read in it stays true until its end.
+  /// Waits up to 60 seconds for another, telling `progress` meanwhile: then Locked, or Cancelled where the
+  /// operator waits no longer. `table` is one that will be written to. To be called while no result is open.
+  static DbResult<Transaction> BeginWriting(Connection& connection, std::string_view table,
+                                            Progress& progress);
   ~Transaction();  ///< rolls back what was not committed
   Transaction(Transaction&&) noexcept;
   Transaction& operator=(Transaction&&) = delete;

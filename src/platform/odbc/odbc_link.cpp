@@ -12,7 +12,9 @@ constexpr SQLINTEGER SqliteConstraint = 19;
 
 // Text travels as UTF-8, whatever the machine's language says, and a table begins with its first row even if
 // somebody else is in the middle of reading it.
-const std::string PostgresSettings = "SET client_encoding TO 'UTF8'; SET synchronize_seqscans TO off";
+const std::string PostgresSettings =
+    "SET client_encoding TO 'UTF8'; SET synchronize_seqscans TO off; SET TIME ZONE 'UTC'; "
+    "SET lock_timeout TO '60s'";
 
 void ReplaceAll(std::string& text, std::string_view what, std::string_view with) {
   for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size())

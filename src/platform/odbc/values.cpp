@@ -39,6 +39,12 @@ Date DateOf(const DbValue& value) {
   return parsed ? parsed->Value : 0;
 }
 
+bool IsLocked(const DbError& error) {
+  const auto tells = [&](const char* words) { return error.Description.find(words) != std::string::npos; };
+  return error.Number == db_error::Locked || error.State == "55P03" || tells("database is locked") ||
+         tells("database table is locked");
+}
+
 std::string NumberAndDescription(const DbError& error) {
   return std::to_string(error.Number) + " " + error.Description;
 }

@@ -17,7 +17,9 @@ inline constexpr std::int32_t GeneralFailure =
     -2147467259;  ///< 0x80004005: the driver cannot reach its source
 inline constexpr std::int32_t ConstraintViolation = -2147217873;  ///< 0x80040E2F
 inline constexpr std::int32_t StatementFailed = -2147217900;      ///< 0x80040E14: any other failed statement
-inline constexpr std::int32_t NotUpdatable = 3210;                ///< the row does not take changes
+inline constexpr std::int32_t Locked = -2147217871;     ///< 0x80040E31: another program writes, for too long
+inline constexpr std::int32_t Cancelled = -2147217842;  ///< 0x80040E4E: by the operator, while waiting
+inline constexpr std::int32_t NotUpdatable = 3210;      ///< the row does not take changes
 inline constexpr std::int32_t NotNow = 3219;  ///< not allowed in this state (such as Update without a row)
 inline constexpr std::int32_t NoCurrentRow = 3021;  ///< before the first or behind the last row
 inline constexpr std::int32_t MissingField = 3265;  ///< no field of this name or position
@@ -30,6 +32,8 @@ struct DbError {
   std::string State;        ///< the five characters of SQLSTATE, empty for our own
 };
 
+/// Whether another program's lock was in the way.
+bool IsLocked(const DbError& error);
 /// As messages name it: the number, a blank and the description.
 std::string NumberAndDescription(const DbError& error);
 
