@@ -77,6 +77,7 @@ class Extractor {
   DbResult<void> WalkRecords(std::string_view code) {
     Selection selection = code.empty() ? Selection() : ChartAsciiOf(code);
     selection.Columns = {column::InstrumentCode, column::ChartDate, column::AsciiFile};
+    selection.LongWithRow = true;  // another program may replace the record meanwhile
     if (auto opened = database_.OpenChartAscii(std::move(selection)); !opened) return opened;
     Recordset& table = database_.ChartAsciiTable;
     return ForEachRow(table, [&]() -> DbResult<bool> {
