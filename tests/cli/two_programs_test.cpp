@@ -99,7 +99,7 @@ HYETEX_ON_ALL_ENGINES(TwoPrograms);
 TEST_P(TwoPrograms, LeaveWhatOneAfterTheOtherLeaves) {
   const char* chosen = std::getenv("HYETEX_ROUNDS");
   const int rounds = chosen == nullptr ? 1 : std::atoi(chosen);
-  const std::vector<std::string> commands = {"load", "extract", "populate", "synchronise"};
+  const std::vector<std::string> commands = {"load", "populate", "synchronise"};
   for (std::size_t i = 0; i < commands.size(); ++i)
     for (std::size_t j = i; j < commands.size(); ++j) {
       SCOPED_TRACE(commands[i] + " and " + commands[j]);
