@@ -11,7 +11,7 @@ QWidget* AppDesk::MakePrePop() {
 
 QWidget* AppDesk::MakePopulate() {
   return new frmPopulate(*this, dialogs_, program_.Settings, program_.Database, program_.Lists,
-                         program_.Computation);
+                         program_.Computation, program_.User().Name);
 }
 
 }  // namespace hyetex

@@ -24,20 +24,24 @@ class LineReader {
   void Take(std::string_view line) {
     ++number_;
     const ChartLineKind kind = KindOfChartLine(line);
-    if (kind.Kind == ChartLine::Point)
+    if (kind.Kind == ChartLine::Point) {
+      ++pointLines_;
       TakePoint(line);
-    else if (BeginsAsPoint(line))
+    } else if (BeginsAsPoint(line)) {
+      ++pointLines_;
       // One number and words: half a point, which never passes for what the chart's head says.
       Note("the point is left out, since it has no second number, but holds \"" +
            std::string(kind.Word.empty() ? ":" : kind.Word) + "\"");
-    else
+    } else {
       TakeValue(kind.Kind, ValueOfChartLine(line));
+    }
   }
 
   void Finish(std::string_view fileName) {
     ChartRecord& chart = reading_.Chart;
     chart.RawCount = static_cast<std::int16_t>(static_cast<int>(reading_.RawPoints.size()) - 1);
     GiveCentury(fileName);
+    LookForTheEnd();
     Left(leftPoints_, "point line", MaxPoint);
     Left(leftAlphas_, "alpha line", MaxAlpha);
     if (notes_ > MostNotes) reading_.Notes.push_back(AndMore(notes_ - MostNotes) + " such lines");
@@ -77,9 +81,11 @@ class LineReader {
           chart.AlphaValues[static_cast<std::size_t>(++chart.AlphaCount)] = LeadingFloat(value);
         break;
       case ChartLine::NoAlphaSelected:
+        hasLastLine_ = true;
         chart.SelectedAlpha = NoAlpha;
         break;
       case ChartLine::AlphaSelected:
+        hasLastLine_ = true;
         chart.SelectedAlpha = LeadingFloat(value);
         break;
       case ChartLine::GeneralComment:
@@ -109,11 +115,13 @@ class LineReader {
       case ChartLine::Reliability:
         chart.Reliability = LeadingInt16(value);
         break;
+      case ChartLine::PointCount:
+        counted_ = static_cast<int>(LeadingInt16(value));
+        break;
       case ChartLine::Core:
       case ChartLine::Agency:
       case ChartLine::Station:
       case ChartLine::User:
-      case ChartLine::PointCount:
       case ChartLine::PointsHeading:
       case ChartLine::Point:
       case ChartLine::Other:
@@ -151,6 +159,18 @@ class LineReader {
     return MakeDate(year, t.Month, t.Day, t.Hour, t.Minute, t.Second);
   }
 
+  // Every writer counts the points in the head and ends with the selected alpha; a text without a count is
+  // somebody else's.
+  void LookForTheEnd() {
+    std::string& lacks = reading_.CutOff;
+    lacks.clear();
+    if (!counted_) return;
+    if (pointLines_ < *counted_)
+      lacks = "its head counts " + ShortText(*counted_) + " points, and it holds " + ShortText(pointLines_);
+    else if (!hasLastLine_)
+      lacks = "its last lines are missing";
+  }
+
   void Note(std::string_view what) {
     if (++notes_ <= MostNotes)
       reading_.Notes.push_back("line " + ShortText(number_) + ": " + std::string(what));
@@ -164,7 +184,9 @@ class LineReader {
 
   ChartReading& reading_;
   const ReadingOptions& options_;
-  int number_ = 0, leftPoints_ = 0, leftAlphas_ = 0;
+  int number_ = 0, leftPoints_ = 0, leftAlphas_ = 0, pointLines_ = 0;
+  std::optional<int> counted_;
+  bool hasLastLine_ = false;
   std::size_t notes_ = 0;
   bool startHasTwoDigits_ = false, endHasTwoDigits_ = false;
 };

@@ -19,6 +19,7 @@ struct ChartReading {
   ChartRecord Chart;
   std::vector<RawPoint> RawPoints;
   std::vector<SeriesPoint> SeriesPoints;
+  std::string CutOff;              ///< what a text that ends too early lacks; empty for a whole one
   std::vector<std::string> Notes;  ///< what was left out and why, one line each
 };
 

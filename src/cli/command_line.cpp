@@ -9,6 +9,7 @@
 #include "core/definitions.h"
 #include "core/files.h"
 #include "core/records.h"
+#include "database/conversion/population.h"
 #include "database/stations/synchronising.h"
 
 namespace hyetex::cli {
@@ -16,7 +17,7 @@ namespace {
 
 using namespace commandline;
 
-constexpr double MostMinutes = 1e6, MostHours = 1e6;
+constexpr double MostMinutes = 1e6;
 
 class CommandLine : public Description {
  public:
@@ -192,7 +193,7 @@ void CommandLine::AddDatabaseCommands() {
           "refused.");
   CLI::Option* db = AddDatabase(create.Line, create.Given);
   create.Flag("--complete", &CreateTablesWords::Complete,
-              "add the column loaded of CHART_ASCII and the indexes too");
+              "add the column loaded of CHART_ASCII, the table CHART_CONVERSION and the indexes too");
   create.Flag("--print", &CreateTablesWords::Print,
               "print the statements for the database's administrator, and make nothing");
   create
@@ -245,7 +246,7 @@ void CommandLine::AddConversionCommands() {
   populate.Flag("--all", &PopulateWords::All, "charts that were converted before, too");
   populate.Flag("--alpha", &PopulateWords::Alpha, "take the pen's skew out with each chart's selected alpha");
   AddLapse(populate.Line, populate.Given.Lapse);
-  AddNumber(populate.Line, "--gmt", populate.Given.Gmt, -MostHours, MostHours, "HOURS",
+  AddNumber(populate.Line, "--gmt", populate.Given.Gmt, -MostGmtHours, MostGmtHours, "HOURS",
             "taken off local time to get GMT")
       ->capture_default_str();
   populate.Flag("--manual", &PopulateWords::Manual,

@@ -6,12 +6,21 @@
 #include "core/folder_lock.h"
 #include "database/conversion/populate_grid.h"
 #include "database/conversion/population.h"
+#include "database/store/instruments.h"
+#include "database/store/stored_text.h"
 
 namespace hyetex::cli {
 namespace {
 
 void PrintCount(std::string_view what, std::int64_t count) {
   Print(std::string(what) + ": " + std::to_string(count) + "\n");
+}
+
+DbResult<bool> Knows(HyetexPlotDB& database, const ReferenceLists& lists, const std::string& code) {
+  if (FindStationIgnoringCase(lists.Stations, code) >= 0) return true;
+  const auto codes = ReadInstrumentCodes(database);
+  if (!codes) return tl::unexpected(codes.error());
+  return codes->contains(ComparedCode(code));
 }
 
 }  // namespace
@@ -27,6 +36,8 @@ Exit RunPopulate(const PopulateWords& words) {
   }
   const auto lists = ReadLists(folder);
   if (!lists) return Fail(lists.error());
+  const auto user = Settings(folder).Read(setting::UserName);
+  if (!user) return Fail(user.error());
   CommandDatabase opened(words);
   if (const auto done = opened.Open(); !done) return Fail(done.error());
 
@@ -36,11 +47,19 @@ Exit RunPopulate(const PopulateWords& words) {
                                                 .DefaultDepthManual = words.Manual},
                                   .Overwrite = words.Overwrite,
                                   .Log = words.Log,
-                                  .LogFolder = folder};
+                                  .LogFolder = folder,
+                                  .User = *user};
   UnwatchedProgress progress;
   const auto rows =
       LoadGrid(opened.Database, words.Instrument, words.All, options.Variables, *lists, progress);
   if (!rows) return Fail(rows.error().Description);
+  if (rows->empty()) {
+    const auto known = Knows(opened.Database, *lists, words.Instrument);
+    if (!known) return Fail(known.error().Description);
+    if (!*known)
+      return Fail("There is no instrument " + words.Instrument +
+                  ", neither in the lists nor in the database");
+  }
   std::vector<ChartToConvert> charts;
   for (const PopulateRow& row : *rows) charts.push_back({row.ChartDate, row.Manual});
 

@@ -56,10 +56,18 @@ TEST_P(PopulateCommand, ConvertsSkipsAndReplaces) {
 
 TEST_P(PopulateCommand, SaysWhatIsOff) {
   EXPECT_THAT(RunCli({"populate"}).Error, HasSubstr("--instrument is required"));
-  for (const char* number : {"two", "2x", "", "inf", "1e9"})
+  for (const char* number : {"two", "2x", "", "inf", "1e9", "14.5", "-15"})
     EXPECT_EQ(Populate({"--gmt", number}).Status, 2) << number;
   EXPECT_EQ(Populate({"--lapse", "-1"}).Status, 2);
   EXPECT_EQ(Populate({"more"}).Status, 2);
+  const Ran unknown = RunCli({"populate", "--folder", Folder.Path(), "--db", Text(), "--instrument", "RG99"});
+  EXPECT_EQ(unknown.Status, 1);
+  EXPECT_THAT(unknown.Error, HasSubstr("no instrument RG99"));
+  Store({.Points = {"30,5,", "60,5,\r\nNumber of Points: 9"}});
+  const Ran cut = Populate({"--overwrite"});
+  EXPECT_EQ(cut.Out, Counts(0, 0, 1, 0));
+  EXPECT_THAT(cut.Error, HasSubstr("cut off"));
+  EXPECT_EQ(cut.Status, 1);
   Run("DROP TABLE chart_ascii");
   const Ran ran = Populate({});
   EXPECT_EQ(ran.Status, 1);

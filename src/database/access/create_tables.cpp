@@ -54,6 +54,8 @@ constexpr IndexDescription Indexes[] = {
      "chart_date, instrument_code_id"},
     {"chart_by_time", table_name::Chart, "upper(instrument_code_id), start_time",
      "start_time, instrument_code_id"},
+    {"chart_conversion_by_date", table_name::Conversion, "upper(instrument_code_id), chart_date",
+     "chart_date, instrument_code_id"},
     {"instrument_by_code", table_name::Instrument, "upper(instrument_code_id)", ""},
 };
 
@@ -86,6 +88,14 @@ DbResult<std::vector<SchemaChange>> MissingCompletion(Connection& connection) {
     const std::string column = column::Loaded;
     missing.push_back(
         {*charts + "." + column, "ALTER TABLE " + *charts + " ADD COLUMN " + column + " " + *type});
+  }
+  const SchemaTable& conversions = ConversionTable();
+  const auto book = connection.FindTable(conversions.Name);
+  if (!book) return tl::unexpected(book.error());
+  if (!*book) {
+    auto statement = CreateStatement(connection, conversions);
+    if (!statement) return tl::unexpected(statement.error());
+    missing.push_back({std::string(conversions.Name), *std::move(statement)});
   }
   const std::string maker = connection.Maker();
   const bool indexesExpressions = maker == "SQLite" || maker == "PostgreSQL";

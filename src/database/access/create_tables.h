@@ -20,9 +20,9 @@ struct SchemaChange {
 /// The tables that the database lacks, in their order. One that is there counts, whatever its columns.
 DbResult<std::vector<SchemaChange>> MissingTables(Connection& connection);
 
-/// The column `loaded` of CHART_ASCII, and indexes for the searches that would otherwise take longer the more
-/// the database holds: an instrument, and its charts and rows by their time. No catalog tells
-/// of indexes, so their statements are always among them.
+/// The column `loaded` of CHART_ASCII, the table CHART_CONVERSION, and indexes for the searches that would
+/// otherwise take longer the more the database holds: an instrument, and its charts and rows by their time.
+/// No catalog tells of indexes, so their statements are always among them.
 DbResult<std::vector<SchemaChange>> MissingCompletion(Connection& connection);
 
 struct SchemaOutcome {

@@ -221,6 +221,23 @@ constexpr SchemaTable Tables[] = {
     {table_name::Station, Station},
 };
 
+constexpr SchemaColumn Conversion[] = {
+    Text(column::InstrumentCode, 40),
+    Time(column::ChartDate),
+    Time(column::FirstTime),  // GMT, like the next
+    Time(column::LastTime),
+    Double(column::GmtHours),
+    Double(column::MinimalLapse),     // minutes
+    Double(column::Alpha),            // that was taken out
+    Text(column::SelectedDepth, 10),  // "Manual" or "Digitized"
+    Double(column::ChosenDepth),      // mm
+    Integer(column::RowCount),
+    Text(column::UserName, 50),
+    Time(column::ConversionTime),       // local
+    Integer(column::ConversionNumber),  // of two charts that overlap the later one's rows stand there
+};
+constexpr SchemaTable ConversionDescription{table_name::Conversion, Conversion};
+
 template <typename Entry>
 const Entry* FindByName(std::span<const Entry> entries, std::string_view name) {
   const auto found = std::find_if(entries.begin(), entries.end(),
@@ -231,6 +248,7 @@ const Entry* FindByName(std::span<const Entry> entries, std::string_view name) {
 }  // namespace
 
 std::span<const SchemaTable> SchemaTables() { return Tables; }
+const SchemaTable& ConversionTable() { return ConversionDescription; }
 const SchemaTable* FindSchemaTable(std::string_view name) { return FindByName(SchemaTables(), name); }
 const SchemaColumn* FindSchemaColumn(const SchemaTable& table, std::string_view name) {
   return FindByName(table.Columns, name);

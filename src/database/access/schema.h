@@ -25,6 +25,9 @@ struct SchemaTable {
 
 /// All tables, in the order in which they are made.
 std::span<const SchemaTable> SchemaTables();
+/// What was converted, how and by whom: one row for each chart whose rows are in CHART. Ours alone, and used
+/// where a database's keeper has made it.
+const SchemaTable& ConversionTable();
 /// The table of this name; null when it is none of ours.
 const SchemaTable* FindSchemaTable(std::string_view name);
 const SchemaColumn* FindSchemaColumn(const SchemaTable& table, std::string_view name);

@@ -1,5 +1,6 @@
 #include "database/conversion/chart_rows.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 
@@ -39,6 +40,43 @@ void ScaleToDepth(float chosen, ChartReading& reading) {
     for (SeriesPoint& point : reading.SeriesPoints)
       point.Depth = static_cast<float>(static_cast<double>(point.Depth) * chosen / base);
   reading.Chart.SelectedDepth = chosen;
+}
+
+Date ToTheSecond(Date date) { return static_cast<double>(SecondsOf(date)) / SecondsPerDay; }
+
+// A row's depth is rounded when all its steps are in it.
+void AddStep(const ChartRow& step, double& depth, ChartRow& row) {
+  depth += *step.Depth;
+  row.Depth = Round(depth, 2);
+  if (row.Comment == " " && !HasCode(step.Comment, CodeGapEnd)) row.Comment = step.Comment;
+}
+
+// Rounding to 10 seconds and moments that were moved on reach out of the chart, into the time of its
+// neighbours. At the chart's end no row is without length: one there is the next chart's first.
+void TakeRows(const std::vector<SeriesPoint>& series, ChartRows& chart) {
+  const Date start = ToTheSecond(chart.Start), end = ToTheSecond(chart.End);
+  chart.Rows.reserve(series.size());
+  double depth = 0;  // of the last row
+  for (std::size_t i = 1; i < series.size(); ++i) {
+    const ChartRow step{RoundedTime(series[i - 1].Time), RoundedTime(series[i].Time),
+                        static_cast<double>(series[i].Depth),
+                        series[i].Comment.empty() ? " " : series[i].Comment};
+    ChartRow held = step;
+    held.Start = std::clamp(step.Start, start, end);
+    held.End = std::clamp(step.End, start, end);
+    if (chart.Rows.empty() && held.Start >= end) held.Start = start;
+    const bool outside = held.Start >= end;
+    if (outside || SecondsOf(held.Start) != SecondsOf(step.Start) ||
+        SecondsOf(held.End) != SecondsOf(step.End))
+      chart.FormerRows.push_back({step.Start, step.End, Round(*step.Depth, 2), {}});
+    if (outside) {
+      AddStep(step, depth, chart.Rows.back());
+      continue;
+    }
+    depth = *step.Depth;
+    held.Depth = Round(depth, 2);
+    chart.Rows.push_back(std::move(held));
+  }
 }
 
 // Depths accumulated since the start become those of each step alone, summed in 32 bits: what the sum has
@@ -81,12 +119,15 @@ Result<void> ReadChartToConvert(std::string_view storedText, const ComputationVa
 ChartRows MakeChartRows(ChartReading& reading, bool manual, float gmtShift) {
   ShiftToGmt(gmtShift, reading);
   ChartRecord& chart = reading.Chart;
-  ChartRows rows{chart.StartTime, chart.EndTime, {}, reading.Notes};
+  ChartRows rows;
+  rows.Start = chart.StartTime;
+  rows.End = chart.EndTime;
+  rows.Notes = reading.Notes;
   if (IsDefective(chart)) {
     ChartRow& row =
         rows.Rows.emplace_back(ChartRow{chart.StartTime, chart.EndTime, {}, chart.GeneralComment});
     if (chart.ManualDepth >= 0)
-      row.Depth = LeadingNumber(ShortText(chart.ManualDepth));
+      rows.ChosenDepth = row.Depth = LeadingNumber(ShortText(chart.ManualDepth));
     else
       rows.Notes.emplace_back("no manual depth is known; the chart's one row is left without a depth");
     return rows;
@@ -99,12 +140,10 @@ ChartRows MakeChartRows(ChartReading& reading, bool manual, float gmtShift) {
     rows.Notes.emplace_back(std::string("no ") + (manual ? "manual" : "digitized") +
                             " depth is known; the chart's selected depth counts");
   std::vector<SeriesPoint>& series = reading.SeriesPoints;
+  if (chosen > 0 || BaseDepth(chart) > 0)
+    rows.ChosenDepth = LeadingNumber(ShortText(chosen > 0 ? chosen : BaseDepth(chart)));
   TakeIncrements(series);
-  rows.Rows.reserve(series.size());
-  for (std::size_t i = 1; i < series.size(); ++i)
-    rows.Rows.push_back({RoundedTime(series[i - 1].Time), RoundedTime(series[i].Time),
-                         Round(static_cast<double>(series[i].Depth), 2),
-                         series[i].Comment.empty() ? " " : series[i].Comment});
+  TakeRows(series, rows);
   return rows;
 }
 

@@ -24,7 +24,11 @@ struct ChartRow {
 struct ChartRows {
   Date Start = 0, End = 0;  ///< of the chart, GMT
   std::vector<ChartRow> Rows;
-  std::vector<std::string> Notes;  ///< what the operator should know, one line each
+  /// Rows that earlier versions wrote for this chart: their times were not held to the chart's.
+  std::vector<ChartRow> FormerRows;
+  std::optional<double> ChosenDepth;  ///< mm that the rows add up to; nothing where none is known
+  std::optional<double> Alpha;        ///< that was taken out
+  std::vector<std::string> Notes;     ///< what the operator should know, one line each
 };
 
 /// Reads a stored chart for conversion. Fails, saying why, on a chart that gives no rows: no such station, no
@@ -36,7 +40,8 @@ Result<void> ReadChartToConvert(std::string_view storedText, const ComputationVa
 
 /// The chart's rows; `reading` is left in GMT with one step's depth in each slot. A chart of code 213 gives
 /// one row with the manual gage's depth, whatever `manual` says. A chosen depth of 0 leaves the series as it
-/// was built, and so does an unknown one.
+/// was built, and so does an unknown one. No row lies outside the chart's start and end, to the second: steps
+/// that do are added to the row that ends with the chart, and so are those of no length at its end.
 ChartRows MakeChartRows(ChartReading& reading, bool manual, float gmtShift);
 
 /// To the nearest 10 seconds, an exact half to the even one.

@@ -1,6 +1,7 @@
 #include "database/conversion/old_rows.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "core/dates.h"
@@ -10,7 +11,9 @@
 namespace hyetex {
 namespace {
 
-constexpr double Second = 1.0 / SecondsPerDay;
+constexpr double Same = 0.006;  // of depths, mm
+
+DbDate DateAt(std::int64_t second) { return {static_cast<double>(second) / SecondsPerDay}; }
 
 }  // namespace
 
@@ -20,54 +23,113 @@ bool OldRows::Holds(const Span& outer, const Span& inner) {
   return inner.Start >= outer.Start && inner.End <= outer.End;
 }
 
+bool OldRows::Range::Has(const Span& row) const {
+  return Holds(Outer, row) && row.Start < Inner.End && (row.End > Inner.Start || row.Start >= Inner.Start);
+}
+
 OldRows::OldRows(std::string instrumentCode, const ChartRows& chart)
-    : instrumentCode_(std::move(instrumentCode)),
-      from_(chart.Start - Second),
-      to_(chart.End + Second),
-      lookFrom_(std::min(from_, chart.Rows.front().Start)),
-      lookTo_(std::max(to_, chart.Rows.back().End)),
-      asked_(SpanOf(chart.Start, chart.End)),
-      deleted_(SpanOf(from_, to_)),
-      looked_(SpanOf(lookFrom_, lookTo_)) {
+    : instrumentCode_(std::move(instrumentCode)), asked_(SpanOf(chart.Start, chart.End)) {
+  looked_ = {asked_.Start - 1, asked_.End + 1};
+  ranges_.push_back({looked_, {asked_.Start, std::max(asked_.End, asked_.Start + 1)}});
   written_.reserve(chart.Rows.size());
   for (const ChartRow& row : chart.Rows) written_.push_back(SpanOf(row.Start, row.End));
-  std::sort(written_.begin(), written_.end());
-  begin_ = written_.front().Start;
+  for (const ChartRow& row : chart.FormerRows) {
+    former_.push_back({SpanOf(row.Start, row.End), row.Depth.value_or(0)});
+    LookAt(former_.back().Time);
+  }
+}
+
+void OldRows::LookAt(const Span& span) {
+  looked_ = {std::min(looked_.Start, span.Start), std::max(looked_.End, span.End)};
+}
+
+void OldRows::TakeEarlier(const ConvertedSpan& earlier, std::span<const ConvertedSpan> all) {
+  const Span time = SpanOf(earlier.First, earlier.Last);
+  Earlier taken{{time, {time.Start, std::max(time.End, time.Start + 1)}}, {}};
+  for (const ConvertedSpan& other : all)
+    if (other.Number > earlier.Number) taken.Later.push_back(SpanOf(other.First, other.Last));
+  if (taken.Later.empty())
+    ranges_.push_back(taken.Whole);
+  else
+    earlier_.push_back(std::move(taken));
+  former_.clear();
+  LookAt(time);
+}
+
+bool OldRows::IsEarlier(const Span& row) const {
+  return std::ranges::any_of(earlier_, [&](const Earlier& earlier) {
+    return earlier.Whole.Has(row) &&
+           std::ranges::none_of(earlier.Later, [&](const Span& later) { return Holds(later, row); });
+  });
+}
+
+// A row that reaches into the chart from its rounded start is an earlier version's first one, however long it
+// was.
+bool OldRows::IsFormer(const Span& row, double depth) const {
+  if (former_.empty()) return false;
+  const std::int64_t begin = former_.front().Time.Start;
+  if (begin < asked_.Start && row.Start == begin && row.End > asked_.Start) return true;
+  return std::ranges::any_of(former_, [&](const FormerRow& former) {
+    return former.Time == row && std::abs(former.Depth - depth) < Same;
+  });
 }
 
 void OldRows::Look(const ChartRow& row) {
   const Span span = SpanOf(row.Start, row.End);
   if (!Holds(looked_, span)) return;
-  const bool within = Holds(deleted_, span);
-  const bool own = !within && ((span.Start == begin_ && span.End > begin_) ||
-                               std::binary_search(written_.begin(), written_.end(), span));
-  if (within || own) rows_.push_back(row);
-  if (own) outside_.push_back(row);
-  wantQuestion_ = wantQuestion_ || own || Holds(asked_, span);
+  const bool within = std::ranges::any_of(ranges_, [&](const Range& range) { return range.Has(span); });
+  const bool alone = !within && (IsEarlier(span) || IsFormer(span, row.Depth.value_or(0)));
+  if (within || alone) rows_.push_back(row);
+  if (alone) outside_.push_back(row);
+  const bool isSlack = ranges_.front().Has(span) && !Holds(asked_, span);
+  wantQuestion_ = wantQuestion_ || alone || (within && !isSlack);
 }
 
 DbResult<std::vector<OldRows>> OldRows::Find(HyetexPlotDB& database, const std::string& instrumentCode,
-                                             std::span<const ChartRows* const> charts) {
+                                             std::span<const Chart> charts, bool hasBook) {
   const std::string code = ShownText(instrumentCode);
   std::vector<OldRows> found;
-  for (const ChartRows* chart : charts) found.push_back(OldRows(code, *chart));
-  const Date from = std::ranges::min(found, {}, &OldRows::lookFrom_).lookFrom_;
-  const Date to = std::ranges::max(found, {}, &OldRows::lookTo_).lookTo_;
+  std::vector<Date> dates;
+  for (const Chart& chart : charts) {
+    found.push_back(OldRows(code, *chart.Rows));
+    dates.push_back(chart.ChartDate);
+  }
+  if (hasBook) {
+    const auto known = ConvertedSpans(database, code, dates);
+    if (!known) return tl::unexpected(known.error());
+    for (const ConvertedSpan& span : *known) {
+      // What lies within the chart's time goes anyway; who else wrote elsewhere is seldom to be asked.
+      std::vector<ConvertedSpan> all;
+      for (std::size_t i = 0; i < charts.size(); ++i) {
+        if (SecondsOf(dates[i]) != SecondsOf(span.ChartDate)) continue;
+        if (all.empty() && !Holds(found[i].ranges_.front().Outer, SpanOf(span.First, span.Last))) {
+          auto others = ConvertedSpans(database, code, span.First, span.Last);
+          if (!others) return tl::unexpected(others.error());
+          all = *std::move(others);
+        }
+        found[i].TakeEarlier(span, all);
+      }
+    }
+  }
+  const auto from = std::ranges::min_element(found, {}, [](const OldRows& old) { return old.looked_.Start; });
+  const auto to = std::ranges::max_element(found, {}, [](const OldRows& old) { return old.looked_.End; });
 
   // No row ends before it starts: the second condition on the start keeps the search from running through all
   // later rows of the instrument.
-  Selection selection{.Columns = {column::StartTime, column::EndTime},
+  Selection selection{.Columns = {column::StartTime, column::EndTime, column::Depth},
                       .Where = {{column::InstrumentCode, Compare::EqualIgnoringCase, code},
-                                {column::StartTime, Compare::AtLeast, DbDate{from}},
-                                {column::StartTime, Compare::AtMost, DbDate{to}},
-                                {column::EndTime, Compare::AtMost, DbDate{to}}}};
+                                {column::StartTime, Compare::AtLeast, DateAt(from->looked_.Start)},
+                                {column::StartTime, Compare::AtMost, DateAt(to->looked_.End)},
+                                {column::EndTime, Compare::AtMost, DateAt(to->looked_.End)}}};
   if (const auto opened = database.OpenChart(std::move(selection)); !opened)
     return tl::unexpected(opened.error());
   Recordset& table = database.ChartTable;
   const auto walked = ForEachRow(table, [&]() -> DbResult<bool> {
-    const auto start = table.Value(0), end = table.Value(1);
-    if (!start || !end) return tl::unexpected(start ? end.error() : start.error());
-    const ChartRow row{DateOf(*start), DateOf(*end), {}, {}};
+    const auto start = table.Value(0), end = table.Value(1), depth = table.Value(2);
+    for (const auto* value : {&start, &end, &depth})
+      if (!*value) return tl::unexpected(value->error());
+    ChartRow row{DateOf(*start), DateOf(*end), {}, {}};
+    if (!IsNull(*depth)) row.Depth = NumberOf(*depth);
     for (OldRows& old : found) old.Look(row);
     return true;
   });
@@ -105,16 +167,25 @@ DbResult<std::int64_t> OldRows::Delete(Connection& connection) const {
     count += *deleted;
     return {};
   };
-  if (rows_.size() > outside_.size())
-    if (const auto done = run(start + " >= ? AND " + start + " <= ? AND " + end + " <= ?",
-                              {instrumentCode_, DbDate{from_}, DbDate{to_}, DbDate{to_}});
+  for (const Range& range : ranges_) {
+    const Span &outer = range.Outer, &inner = range.Inner;
+    if (const auto done = run(start + " >= ? AND " + start + " < ? AND " + end + " <= ? AND (" + end +
+                                  " > ? OR " + start + " >= ?)",
+                              {instrumentCode_, DateAt(outer.Start), DateAt(inner.End), DateAt(outer.End),
+                               DateAt(inner.Start), DateAt(inner.Start)});
         !done)
       return tl::unexpected(done.error());
-  for (const ChartRow& row : outside_)
-    if (const auto done =
-            run(start + " = ? AND " + end + " = ?", {instrumentCode_, DbDate{row.Start}, DbDate{row.End}});
-        !done)
-      return tl::unexpected(done.error());
+  }
+  for (const ChartRow& row : outside_) {
+    // Another chart may have a row of just these times.
+    std::string just = start + " = ? AND " + end + " = ?";
+    std::vector<DbValue> values{instrumentCode_, DbDate{row.Start}, DbDate{row.End}};
+    if (row.Depth) {
+      just += std::string(" AND ") + column::Depth + " > ? AND " + column::Depth + " < ?";
+      values.insert(values.end(), {*row.Depth - Same, *row.Depth + Same});
+    }
+    if (const auto done = run(just, std::move(values)); !done) return tl::unexpected(done.error());
+  }
   return count;
 }
 

@@ -9,22 +9,27 @@
 
 #include "database/access/plot_db.h"
 #include "database/conversion/chart_rows.h"
+#include "database/conversion/conversion_book.h"
 
 namespace hyetex {
 
 /// The steps of one instrument within a chart's time. Times count to the second, as databases hold them.
 ///
 /// An operator is asked about rows between the chart's start and end; rows up to a second outside go with
-/// them. The first and last steps can lie further out: times are rounded by up to 5 seconds, and a moment
-/// that did not ascend was moved on. A row out there is an earlier conversion's when it begins where this
-/// chart's first row begins, or spans just what one of its rows spans. Any other belongs to the chart before
-/// or after.
+/// them. A row that touches the chart's time alone is its neighbour's. What an earlier conversion wrote
+/// elsewhere goes as well: where CHART_CONVERSION tells its time, all rows in it but those of charts that
+/// were converted later; else what earlier versions wrote out there, which is the row that began with the
+/// chart's rounded start, and rows just like those that they would write today.
 class OldRows {
  public:
+  struct Chart {
+    Date ChartDate = 0;
+    const ChartRows* Rows = nullptr;
+  };
   /// For each of some charts of one instrument. One statement finds them all, and reads what lies between the
-  /// charts as well.
+  /// charts as well. With `hasBook` it is looked up what CHART_CONVERSION says of them.
   static DbResult<std::vector<OldRows>> Find(HyetexPlotDB& database, const std::string& instrumentCode,
-                                             std::span<const ChartRows* const> charts);
+                                             std::span<const Chart> charts, bool hasBook);
 
   bool WantQuestion() const { return wantQuestion_; }
   /// Start and end of each row that makes way.
@@ -42,21 +47,40 @@ class OldRows {
     std::int64_t Start = 0, End = 0;
     auto operator<=>(const Span&) const = default;
   };
+  // Whose rows a statement deletes: all within `Outer` that reach into `Inner`.
+  struct Range {
+    Span Outer, Inner;
+    bool Has(const Span& row) const;
+  };
   static Span SpanOf(Date start, Date end);
   static bool Holds(const Span& outer, const Span& inner);
 
   OldRows(std::string instrumentCode, const ChartRows& chart);
+  void LookAt(const Span& span);
+  /// Takes the time of an earlier conversion, and the later ones that reach into it.
+  void TakeEarlier(const ConvertedSpan& earlier, std::span<const ConvertedSpan> all);
+  bool IsEarlier(const Span& row) const;
+  bool IsFormer(const Span& row, double depth) const;
   /// Takes a row of the table if it is one of the chart's old ones.
   void Look(const ChartRow& row);
 
+  struct Earlier {
+    Range Whole;
+    std::vector<Span> Later;
+  };
+  struct FormerRow {
+    Span Time;
+    double Depth = 0;
+  };
+
   std::string instrumentCode_;
-  Date from_ = 0, to_ = 0;  // of the statement that deletes most rows
-  Date lookFrom_ = 0, lookTo_ = 0;
-  Span asked_, deleted_, looked_;
-  std::int64_t begin_ = 0;
-  std::vector<Span> written_;  // sorted
+  std::vector<Range> ranges_;  // whose rows all go; the first is the chart's own time
+  Span asked_, looked_;
+  std::vector<Span> written_;
+  std::vector<Earlier> earlier_;   // times of which others have taken a part since
+  std::vector<FormerRow> former_;  // none where the earlier conversion is written down
   bool wantQuestion_ = false;
-  std::vector<ChartRow> rows_, outside_;
+  std::vector<ChartRow> rows_, outside_;  // all of them, and those in no range
 };
 
 }  // namespace hyetex

@@ -21,14 +21,6 @@ namespace {
 const char* DepthWord(bool manual) { return manual ? "Manual" : "Digitized"; }
 constexpr std::string_view StoredTextName = "temp_rfs.txt";
 
-// Without the mark every chart counts as not converted.
-DbResult<bool> IsLoaded(Recordset& table) {
-  if (!table.HasField(column::Loaded)) return false;
-  const auto loaded = table.Value(column::Loaded);
-  if (!loaded) return tl::unexpected(loaded.error());
-  return NumberOf(*loaded) == 1;
-}
-
 PopulateRow RowOf(const ChartRecord& chart, Date chartDate, bool depthManual) {
   PopulateRow row;
   row.ChartDate = chartDate;

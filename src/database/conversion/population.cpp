@@ -51,9 +51,16 @@ class Conversion {
         progress_(progress),
         log_(options.LogFolder, options.Log),
         reader_(database, instrumentCode, lists.Stations, options.Variables),
-        store_(database, instrumentCode, log_) {}
+        store_(database, instrumentCode, options, log_) {}
 
   ConversionResult Run(std::span<const ChartToConvert> charts) {
+    // In 32 bits a whole number of hours is not quite one.
+    if (!(std::abs(options_.Variables.GmtShift * 24) < MostGmtHours + 0.001F)) {
+      result_.Problems.push_back("hours to GMT are " + std::to_string(-MostGmtHours) + " to " +
+                                 std::to_string(MostGmtHours) + "; nothing was converted");
+      result_.Failed = true;
+      return std::move(result_);
+    }
     log_.StartLog();
     std::vector<ChartToConvert> missing;
     const auto chosen = reader_.InTableOrder(charts, missing);
@@ -64,6 +71,7 @@ class Conversion {
       result_.Problems.push_back("the charts cannot be listed: " + chosen.error().Description);
       result_.Failed = true;
     } else {
+      SayIfRowsMayRemain();
       ConvertAll(*chosen);
     }
     store_.Release();
@@ -123,6 +131,7 @@ class Conversion {
     });
     if (result_.Cancelled) return;
     if (records) {
+      AskForCutTexts(*records);
       Store(*records);
       transaction_.reset();
     } else if (charts.size() == 1 || gone_) {
@@ -174,6 +183,8 @@ class Conversion {
     if (fresh->size() != records.size()) return {};
     for (std::size_t i = 0; i < records.size(); ++i) {
       (*fresh)[i].MayReplace = records[i].MayReplace;
+      (*fresh)[i].CutAllowed = records[i].CutAllowed && (*fresh)[i].CutOff == records[i].CutOff;
+      RefuseCutText((*fresh)[i]);
       records[i] = std::move((*fresh)[i]);
     }
     return {};
@@ -205,15 +216,15 @@ class Conversion {
 
   DbResult<void> FindOldRows(std::span<RecordToConvert> records) {
     std::vector<RecordToConvert*> wanted;
-    std::vector<const ChartRows*> rows;
+    std::vector<OldRows::Chart> charts;
     for (RecordToConvert& record : records) {
       record.Old.reset();
       if (record.Why || (!wanted.empty() && !SameInstrument(record, *wanted.front()))) continue;
       wanted.push_back(&record);
-      rows.push_back(&record.Rows);
+      charts.push_back({record.Chart.ChartDate, &record.Rows});
     }
     if (wanted.empty()) return {};
-    auto old = OldRows::Find(database_, wanted.front()->Station->InstrumentCode, rows);
+    auto old = OldRows::Find(database_, wanted.front()->Station->InstrumentCode, charts, store_.HasBook());
     if (!old) return tl::unexpected(old.error());
     for (std::size_t i = 0; i < wanted.size(); ++i) wanted[i]->Old = std::move((*old)[i]);
     return {};
@@ -237,6 +248,27 @@ class Conversion {
     return records.size();
   }
 
+  void AskForCutTexts(std::span<RecordToConvert> records) {
+    for (RecordToConvert& record : records) {
+      if (!record.CutOff) continue;
+      transaction_.reset();  // nobody has to wait for an operator who thinks
+      record.CutAllowed = AskForCutText(record);
+      RefuseCutText(record);
+    }
+  }
+
+  static void RefuseCutText(RecordToConvert& record) {
+    if (record.CutOff && !record.CutAllowed) record.Why = "its stored text is cut off: " + *record.CutOff;
+  }
+
+  bool AskForCutText(const RecordToConvert& record) {
+    return dialogs_.MessageBox("Populating CHART table",
+                               "The stored text of the chart of " + GeneralDateText(record.Chart.ChartDate) +
+                                   " is cut off: " + *record.CutOff +
+                                   ".\r\nDo you want to convert what is left of it ?",
+                               BoxButtons::NoUnlessYes, BoxIcon::Warning) == BoxAnswer::Yes;
+  }
+
   bool AskToReplace(const ChartRows& rows) {
     const auto local = [&](Date gmt) {
       return GeneralDateText(gmt + static_cast<double>(options_.Variables.GmtShift));
@@ -249,6 +281,18 @@ class Conversion {
   }
 
   // ---- What the operator is told
+
+  void SayIfRowsMayRemain() {
+    if (!reader_.AnyIsLoaded()) return;
+    const auto hasBook = HasConversionBook(database_.DatabaseConnection);
+    if (!hasBook || *hasBook) return;
+    const std::string text =
+        "The database has no table " + std::string(table_name::Conversion) +
+        ", and charts are converted again. Rows that an earlier run wrote with other hours to GMT, lapse, "
+        "alpha or depth may remain in CHART.";
+    log_.LogLine(text);
+    dialogs_.MessageBox("Populating CHART table", text, BoxButtons::Ok, BoxIcon::Warning);
+  }
 
   // The chart is as it was before; what a driver holds of the failed statements is let go.
   void Fail(Date chartDate, const DbError& error) {

@@ -28,6 +28,7 @@ struct ConversionOptions {
   bool Overwrite = false;  ///< existing rows are replaced without a question
   bool Log = false;        ///< write datalog.txt
   std::string LogFolder;   ///< where it stands
+  std::string User = {};   ///< who converts; empty where nobody can tell
 };
 
 struct ConversionResult {
@@ -43,10 +44,16 @@ struct ConversionResult {
 };
 
 /// Converts the chosen charts of one instrument, in the table's order. Asks through `dialogs` before it
-/// replaces rows; errors are handled by their numbers, and the run goes on with the next chart.
+/// replaces rows, and before it converts what is left of a text that was cut off; errors are handled by their
+/// numbers, and the run goes on with the next chart. Refuses hours to GMT that no place on earth has. Where
+/// the database has no table CHART_CONVERSION and a chosen chart was converted before, the operator is told
+/// first that rows of that run may remain.
 ConversionResult WriteChartRecords(HyetexPlotDB& database, const ReferenceLists& lists,
                                    const std::string& instrumentCode, std::span<const ChartToConvert> charts,
                                    const ConversionOptions& options, Dialogs& dialogs, Progress& progress);
+
+/// Hours to GMT are at most this many, either way.
+inline constexpr int MostGmtHours = 14;
 
 /// What the operator is told when a run is over.
 std::string ConversionMessage(const ConversionResult& result, bool logged);

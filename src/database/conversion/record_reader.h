@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
@@ -18,6 +20,8 @@ struct RecordToConvert {
   ChartToConvert Chart;
   RowPlace Place;                          ///< of the record
   std::optional<std::string> Why;          ///< it gives no rows
+  std::optional<std::string> CutOff;       ///< what its text lacks of a whole chart
+  bool CutAllowed = false;                 ///< and that what is left counts
   ChartRows Rows;                          ///< what it gives
   const StationRecord* Station = nullptr;  ///< that the chart is of
   int Reliability = 0;
@@ -37,12 +41,18 @@ class RecordReader {
   /// The chosen charts in the table's order, and behind them in `missing` those that it does not hold.
   DbResult<std::vector<ChartToConvert>> InTableOrder(std::span<const ChartToConvert> charts,
                                                      std::vector<ChartToConvert>& missing);
+  /// Whether one of them was converted before, as far as the table marks it.
+  bool AnyIsLoaded() const { return anyIsLoaded_; }
   /// The records of some charts, read by one statement: one a chart, but for a table that holds it twice.
   DbResult<std::vector<RecordToConvert>> Read(std::span<const ChartToConvert> charts);
   /// Of the texts that Read() has read last.
   std::size_t TextBytes() const { return textBytes_; }
 
  private:
+  using Places = std::map<std::int64_t, std::size_t>;  // of charts among those to read, by their seconds
+
+  DbResult<void> ReadRecords(Selection selection, std::span<const ChartToConvert> charts,
+                             const Places& wanted, std::vector<RecordToConvert>& records);
   void Convert(const std::string& text, RecordToConvert& record);
 
   HyetexPlotDB& database_;
@@ -51,6 +61,7 @@ class RecordReader {
   const ComputationVariables& variables_;
   ChartReading reading_;  // kept from chart to chart, for its tables
   std::size_t textBytes_ = 0;
+  bool anyIsLoaded_ = false;
 };
 
 }  // namespace hyetex

@@ -8,6 +8,7 @@
 #include "core/numbers.h"
 #include "core/text.h"
 #include "database/access/names.h"
+#include "database/store/chart_ascii.h"
 
 namespace hyetex {
 namespace {
@@ -26,10 +27,16 @@ DbResult<void> RecordStore::Open() {
   if (writer_) return {};
   if (!database_.DatabaseConnection.IsOpen())
     if (auto opened = database_.OpenDatabase(); !opened) return opened;
-  const auto columns = database_.DatabaseConnection.Columns(table_name::ChartAscii);
-  if (!columns) return tl::unexpected(columns.error());
-  hasMark_ = std::ranges::any_of(
-      *columns, [](const CatalogColumn& c) { return EqualIgnoringCase(c.Name, column::Loaded); });
+  const auto hasMark = HasLoadedMark(database_.DatabaseConnection);
+  if (!hasMark) return tl::unexpected(hasMark.error());
+  hasMark_ = *hasMark;
+  const auto hasBook = HasConversionBook(database_.DatabaseConnection);
+  if (!hasBook) return tl::unexpected(hasBook.error());
+  if (*hasBook) {
+    auto book = ConversionWriter::Open(database_, options_.User);
+    if (!book) return tl::unexpected(book.error());
+    book_.emplace(*std::move(book));
+  }
   auto writer = ChartWriter::Open(database_.DatabaseConnection);
   if (!writer) return tl::unexpected(writer.error());
   writer_.emplace(*std::move(writer));
@@ -45,6 +52,8 @@ DbResult<void> RecordStore::Store(Transaction& transaction, std::span<const Reco
     for (const RecordToConvert& record : records)
       if (auto one = StoreOne(record, done); !one) return one;
     if (auto written = writer_->Finish(); !written) return written;
+    if (book_)
+      if (auto written = book_->Finish(); !written) return written;
     if (auto marked = Mark(records); !marked) return marked;
     return transaction.Commit();
   }();
@@ -52,6 +61,7 @@ DbResult<void> RecordStore::Store(Transaction& transaction, std::span<const Reco
     Add(std::move(done), result);
   else
     hasRows_ = hadRows;
+  if (book_) book_->Forget();
   return stored;
 }
 
@@ -82,6 +92,16 @@ DbResult<void> RecordStore::StoreOne(const RecordToConvert& record, ConversionRe
                                     [&](const std::string& line) { Problem(date, line, result); });
       !written)
     return written;
+  if (book_)
+    book_->Add({.InstrumentCode = record.Station->InstrumentCode,
+                .ChartDate = date,
+                .First = record.Rows.Start,
+                .Last = record.Rows.End,
+                .Variables = options_.Variables,
+                .Alpha = record.Rows.Alpha,
+                .Manual = record.Chart.Manual,
+                .ChosenDepth = record.Rows.ChosenDepth,
+                .Rows = static_cast<std::int64_t>(rows.size())});
   log_.LogLine(std::string(88, '-'));
   log_.LogLine(std::to_string(rows.size()) + " records added to DB");
   for (const std::string& note : record.Rows.Notes) Problem(date, note, result);

@@ -8,6 +8,7 @@
 
 #include "database/access/plot_db.h"
 #include "database/conversion/chart_writer.h"
+#include "database/conversion/conversion_book.h"
 #include "database/conversion/data_log.h"
 #include "database/conversion/population.h"
 #include "database/conversion/record_reader.h"
@@ -16,13 +17,19 @@ namespace hyetex {
 
 class RecordStore {
  public:
-  RecordStore(HyetexPlotDB& database, const std::string& instrumentCode, DataLog& log)
-      : database_(database), code_(instrumentCode), log_(log) {}
+  RecordStore(HyetexPlotDB& database, const std::string& instrumentCode, const ConversionOptions& options,
+              DataLog& log)
+      : database_(database), code_(instrumentCode), options_(options), log_(log) {}
 
   /// To be called before others, and again after Release().
   DbResult<void> Open();
   /// Lets go of what a driver holds of the tables.
-  void Release() { writer_.reset(); }
+  void Release() {
+    writer_.reset();
+    book_.reset();
+  }
+  /// Whether what is converted is written down.
+  bool HasBook() const { return book_.has_value(); }
 
   /// Why no row of this station can be stored.
   std::optional<std::string> CheckStation(const StationRecord& station) const {
@@ -44,8 +51,10 @@ class RecordStore {
 
   HyetexPlotDB& database_;
   const std::string& code_;
+  const ConversionOptions& options_;
   DataLog& log_;
   std::optional<ChartWriter> writer_;
+  std::optional<ConversionWriter> book_;
   bool hasMark_ = false;
   bool hasRows_ = false;  // the table, as far as the log has to know
 };

@@ -14,6 +14,11 @@ Selection ChartAsciiOf(std::string_view instrumentCode, Date chartDate);
 /// All records of an instrument.
 Selection ChartAsciiOf(std::string_view instrumentCode);
 
+/// Whether the table marks what was converted.
+DbResult<bool> HasLoadedMark(Connection& connection);
+/// The mark of the current record; without the column every chart counts as not converted.
+DbResult<bool> IsLoaded(Recordset& table);
+
 /// The chart's text in the current record; empty where there is none. Ends soon after `mostBytes`.
 DbResult<std::string> ChartAsciiText(Recordset& table, std::size_t mostBytes);
 

@@ -120,12 +120,19 @@ class Extractor {
     const std::string path = JoinPath(folder_, stored.FileName);
     std::error_code error;
     if (fs::is_symlink(path, error)) return "a link of this name stands in the folder";
+    if (fs::exists(path, error) && !IsChartFile(path))
+      return "what stands there under its name is no chart file";
     if (const auto written = WriteWholeFile(path, stored.Bytes); !written) return written.error();
     ++result_.Extracted;
     if (!names_.insert(UpperAscii(stored.FileName)).second)
       result_.Report.Notes.push_back(ShownText(stored.FileName) +
                                      " stands in more than one record; the file is the last one's.");
     return std::nullopt;
+  }
+
+  static bool IsChartFile(const std::string& path) {
+    const auto bytes = ReadWholeFile(path, MostTextBytes);
+    return bytes && BeginsAsChart(*bytes);
   }
 
   static std::string Named(std::string_view name, const std::string& record) {

@@ -21,12 +21,14 @@ constexpr std::size_t MostBytesShown = 16U << 20;
 }  // namespace
 
 frmPopulate::frmPopulate(Desk& desk, Dialogs& dialogs, Settings& settings, HyetexPlotDB& database,
-                         const ReferenceLists& lists, ComputationVariables& variables, QWidget* parent)
+                         const ReferenceLists& lists, ComputationVariables& variables, std::string user,
+                         QWidget* parent)
     : FormWindow("frmPopulate", WindowId::Populate, desk, settings, parent),
       dialogs_(dialogs),
       database_(database),
       lists_(lists),
-      variables_(variables) {
+      variables_(variables),
+      user_(std::move(user)) {
   setWindowTitle(tr("Populate CHART Table in Database with Time-Depth Data "));
   MakeControls();
   MakeLayout();
@@ -128,7 +130,8 @@ void frmPopulate::WriteChartRecords() {
   const ConversionOptions options{.Variables = variables_,
                                   .Overwrite = chkOverwrite->isChecked(),
                                   .Log = chkDataLog->isChecked(),
-                                  .LogFolder = settings_.Folder()};
+                                  .LogFolder = settings_.Folder(),
+                                  .User = user_};
   ConversionResult result;
   {
     ShownProgress progress(*barProgress, *cmdCancel, [this](const std::string& what) {

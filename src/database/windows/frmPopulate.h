@@ -22,9 +22,11 @@ class frmPopulate : public FormWindow {
   Q_OBJECT
 
  public:
-  /// The variables go back to none when the window closes.
+  /// The variables go back to none when the window closes. What is converted is written down under the user's
+  /// name.
   frmPopulate(Desk& desk, Dialogs& dialogs, Settings& settings, HyetexPlotDB& database,
-              const ReferenceLists& lists, ComputationVariables& variables, QWidget* parent = nullptr);
+              const ReferenceLists& lists, ComputationVariables& variables, std::string user,
+              QWidget* parent = nullptr);
 
   /// Shows the charts of the chosen instrument; nothing happens while none is chosen.
   void LoadGrid();
@@ -53,6 +55,7 @@ class frmPopulate : public FormWindow {
   HyetexPlotDB& database_;
   const ReferenceLists& lists_;
   ComputationVariables& variables_;
+  const std::string user_;
   std::vector<std::string> instruments_;  // as the database spells them
   PopulateModel* charts_;
   PopulateOrder* order_;

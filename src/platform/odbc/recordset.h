@@ -19,8 +19,9 @@
 
 namespace hyetex {
 
-/// EqualIgnoringCase asks for UPPER(column) = UPPER(value), for which a database may have an index.
-enum class Compare { Equal, EqualIgnoringCase, AtLeast, AtMost, OneOf };
+/// EqualIgnoringCase asks for UPPER(column) = UPPER(value), for which a database may have an index;
+/// OneOfIgnoringCase the same for several values.
+enum class Compare { Equal, EqualIgnoringCase, AtLeast, AtMost, OneOf, OneOfIgnoringCase };
 
 /// Which rows and columns to ask the database for. Names are looked up in the catalog without regard to case.
 struct Selection {
@@ -28,7 +29,7 @@ struct Selection {
     std::string Column;
     Compare How = Compare::Equal;
     DbValue Wanted = {};
-    std::vector<DbValue> Among = {};  ///< of OneOf: at least one, none of them NULL
+    std::vector<DbValue> Among = {};  ///< of the OneOf kinds: at least one, none of them NULL
   };
   std::vector<std::string> Columns = {};  ///< none: all
   std::vector<Condition> Where = {};      ///< all must hold

@@ -50,7 +50,7 @@ Date DateIn(const SQL_TIMESTAMP_STRUCT& time) {
 }
 
 std::string ConditionText(const std::string& column, const Selection::Condition& condition) {
-  if (condition.How != Compare::OneOf && IsNull(condition.Wanted)) return column + " IS NULL";
+  if (condition.Among.empty() && IsNull(condition.Wanted)) return column + " IS NULL";
   switch (condition.How) {
     case Compare::EqualIgnoringCase:
       return "UPPER(" + column + ") = UPPER(?)";
@@ -62,6 +62,11 @@ std::string ConditionText(const std::string& column, const Selection::Condition&
       std::string marks = "?";
       for (std::size_t i = 1; i < condition.Among.size(); ++i) marks += ", ?";
       return column + " IN (" + marks + ")";
+    }
+    case Compare::OneOfIgnoringCase: {
+      std::string marks = "UPPER(?)";
+      for (std::size_t i = 1; i < condition.Among.size(); ++i) marks += ", UPPER(?)";
+      return "UPPER(" + column + ") IN (" + marks + ")";
     }
     case Compare::Equal:
       break;
@@ -155,8 +160,7 @@ DbResult<void> RowSource::Open() {
     if (!prepared) return tl::unexpected(prepared.error());
     select_ = std::move(*prepared);
     for (const Selection::Condition& condition : conditions_)
-      for (const DbValue& wanted :
-           condition.How == Compare::OneOf ? condition.Among : std::vector{condition.Wanted})
+      for (const DbValue& wanted : !condition.Among.empty() ? condition.Among : std::vector{condition.Wanted})
         if (!IsNull(wanted))
           parameters_.emplace_back().Set(wanted, link_->Maker(),
                                          shape_->Columns[*shape_->Find(condition.Column)].SqlType);

@@ -6,6 +6,7 @@
 
 #include <cmath>
 
+#include "database/conversion/populate_grid.h"
 #include "database/conversion/population_fixture.h"
 #include "tools/traced_chart.h"
 
@@ -81,31 +82,208 @@ TEST_P(Population, TakesOldRowsThatLieASecondOutside) {
   EXPECT_THAT(Rows(), ::testing::UnorderedElementsAreArray(rows));
 }
 
-// The start lies 3.6 seconds behind the rounded one, and the last moment did not ascend. The next chart's
-// first row is so short that it lies within the minute by which this one overhangs.
-TEST_P(Population, RunTwiceLeavesOneSetAndNeighboursAlone) {
+// Charts that follow each other, the shift off the 10 seconds, the last moments not ascending, a row of no
+// length where the next chart begins: in whatever order they are converted, each keeps its rows.
+TEST_P(Population, NeverTouchesANeighboursRows) {
+  Options.Variables.GmtShift = 1.999F / 24;
+  Options.Overwrite = true;
+  const Date before = MakeDate(1998, 3, 5, 8), behind = MakeDate(1998, 3, 5, 12);
+  Store({.Points = {"30,5,", "119,10,", "120,11,", "120,20,"}});
+  Store({.Start = behind, .End = MakeDate(1998, 3, 5, 14), .Points = {"0.01,1,", "0.5,2,", "120,20,"}});
+  Store({.Start = before, .End = Ten, .Points = {"119.5,5,", "120,6,", "120,7,"}});
+  Convert({before});
+  Convert({Ten});
+  Convert({behind});
+  const auto once = Rows();
+  EXPECT_THAT(once, SizeIs(3 + 4 + 3));
+  EXPECT_THAT(once, ::testing::Contains("1998-03-05T10:00:00 | 1998-03-05T10:00:04 | 4.5 |  "));
+  EXPECT_THAT(once, ::testing::Contains("1998-03-05T10:00:04 | 1998-03-05T10:00:04 | 0.5 |  "));
+  for (const Date date : {Ten, before, behind, Ten}) {
+    Convert({date});
+    EXPECT_EQ(Rows(), once);
+  }
+  Run("DELETE FROM chart");
+  for (const bool known : {true, false}) {
+    for (const Date date : {behind, Ten, before}) Convert({date});
+    EXPECT_EQ(Rows(), once);
+    if (known) Run("DROP TABLE chart_conversion");
+  }
+}
+
+// Rows out there were written when times were not held to the chart's.
+TEST_P(Population, TakesRowsThatEarlierVersionsWroteOutside) {
   Options.Variables.GmtShift = 1.999F / 24;
   Options.Overwrite = true;
   Store({.Points = {"30,5,", "119,10,", "120,11,", "120,20,"}});
-  Store(
-      {.Start = MakeDate(1998, 3, 5, 12), .End = MakeDate(1998, 3, 5, 14), .Points = {"0.5,1,", "120,20,"}});
-  Store({.Start = MakeDate(1998, 3, 5, 8), .End = Ten, .Points = {"119.5,5,", "120,6,"}});
-  const Date before = MakeDate(1998, 3, 5, 8), behind = MakeDate(1998, 3, 5, 12);
-  Convert({before, behind});
   Convert({Ten});
-  const auto once = Rows();
-  EXPECT_THAT(once, SizeIs(8));
-  EXPECT_THAT(once, ::testing::IsSupersetOf({"1998-03-05T08:00:00 | 1998-03-05T08:30:00 | 2.5 |  ",
-                                             "1998-03-05T10:00:00 | 1998-03-05T10:01:00 | 4.5 |  ",
-                                             "1998-03-05T10:00:00 | 1998-03-05T10:00:30 | 0.5 |  "}));
-  EXPECT_EQ(Convert({Ten}).RowsWritten, 4);
-  EXPECT_EQ(Rows(), once);
-  Convert({before});
-  EXPECT_EQ(Rows(), once);
-  Options.Overwrite = false;
-  Boxes.Answers = {BoxAnswer::No};
+  const auto now = Rows();
+  Run("DELETE FROM chart_conversion");
+  Run("DELETE FROM chart");
+  const std::string neighbour = "1998-03-05T10:00:00 | 1998-03-05T10:01:00 | 0.7 |  ";
+  Run("INSERT INTO chart (instrument_code_id, start_time, end_time, depth, comments) VALUES "
+      "('RG12', '1998-03-05 08:00:00', '1998-03-05 08:40:00', 2.5, ' '), "
+      "('RG12', '1998-03-05 09:59:00', '1998-03-05 10:00:00', 0.5, ' '), "
+      "('RG12', '1998-03-05 10:00:00', '1998-03-05 10:01:00', 4.5, ' '), "
+      "('RG12', '1998-03-05 10:00:00', '1998-03-05 10:01:00', 0.7, ' ')");
   Convert({Ten});
-  EXPECT_EQ(Rows(), once);
+  auto rows = Rows();
+  EXPECT_EQ(std::erase(rows, neighbour), 1U) << "the next chart's, since no row of this one is like it";
+  EXPECT_EQ(rows, now);
+}
+
+TEST_P(Population, WritesDownWhatItConverted) {
+  const std::vector<std::string> columns{"chart_date",     "first_time",   "last_time",        "gmt_hours",
+                                         "minimal_lapse",  "alpha",        "row_count",        "user_name",
+                                         "selected_depth", "chosen_depth", "conversion_number"};
+  Store({.Alpha = "0.01"});
+  Store({.Start = Ten + 1, .End = Ten + 1.5});
+  Options.User = "Operator";
+  Options.Overwrite = true;
+  Convert({Ten, Ten + 1});
+  Options.Variables = {.UseAlpha = true, .MinimalLapse = 45, .GmtShift = -3.5F / 24};
+  Manual = true;
+  Convert({Ten});
+  EXPECT_THAT(
+      Read("chart_conversion", columns),
+      ElementsAre("1998-03-05T10:00:00 | 1998-03-05T13:30:00 | 1998-03-05T15:30:00 | -3.5 | 45 | 0.01 "
+                  "| 2 | Operator | Manual | 12 | 3",
+                  "1998-03-06T10:00:00 | 1998-03-06T08:00:00 | 1998-03-06T20:00:00 | 2 | 0 | null | "
+                  "4 | Operator | Digitized | 10 | 2"));
+  Run("CREATE UNIQUE INDEX one_start ON chart (start_time)");
+  Run("INSERT INTO chart (instrument_code_id, start_time) VALUES ('RG7', '1998-03-05 11:00:00')");
+  const auto before = Read("chart_conversion", columns);
+  Options.Variables = {.GmtShift = -1.0F / 24};
+  EXPECT_EQ(Convert({Ten}).ChartsFailed, 1);
+  EXPECT_EQ(Read("chart_conversion", columns), before);
+}
+
+// Charts side by side, moved by an hour or four either way, the lapse and depth changed, in both orders: what
+// is left is what the last run alone leaves.
+TEST_P(Population, LeavesExactlyTheNewRowsOfARunWithOtherValues) {
+  Options.Overwrite = true;
+  const Date next = Ten + 2.0 / 24;
+  Store({});
+  Store({.Start = next, .End = next + 2.0 / 24, .Digitized = "7", .Selected = "7"});
+  const std::vector<ComputationVariables> runs{{.GmtShift = 2.0F / 24},
+                                               {.GmtShift = 1.0F / 24},
+                                               {.MinimalLapse = 45, .GmtShift = 5.0F / 24},
+                                               {.GmtShift = 1.25F / 24}};
+  for (const bool together : {true, false})
+    for (const auto& order : {std::vector{Ten, next}, std::vector{next, Ten}})
+      for (const ComputationVariables& variables : runs) {
+        Options.Variables = variables;
+        Manual = !Manual;
+        if (together)
+          Convert(order);
+        else
+          for (const Date date : order) Convert({date});
+        const auto rows = Rows();
+        Run("DELETE FROM chart");
+        Convert({Ten});
+        Convert({next});
+        EXPECT_EQ(rows, Rows()) << variables.GmtShift * 24;
+      }
+  EXPECT_THAT(Boxes.Boxes, IsEmpty());
+}
+
+TEST_P(Population, SaysFirstThatRowsMayRemainWhereNothingIsWrittenDown) {
+  Run("DROP TABLE chart_conversion");
+  Store({});
+  Store({.Start = Ten + 1, .End = Ten + 1.1});
+  Convert({Ten, Ten + 1});
+  EXPECT_THAT(Boxes.Boxes, IsEmpty()) << "nothing was converted before";
+  Options.Variables.GmtShift = -6.0F / 24;
+  Convert({Ten, Ten + 1});
+  ASSERT_THAT(Boxes.Boxes, SizeIs(1)) << "once a run";
+  EXPECT_THAT(Boxes.Boxes[0].Text, HasSubstr("CHART_CONVERSION"));
+}
+
+TEST_P(Population, AsksBeforeItConvertsATextThatWasCutOff) {
+  const std::string whole = [] {
+    std::string text = StoredChart{}.Text();
+    return text.insert(text.find("Chart Reliability"), "Number of Points: 4\r\n");
+  }();
+  StoreText("RG12", Ten, whole);
+  Options.Overwrite = true;
+  EXPECT_EQ(Convert({Ten}).ChartsConverted, 1);
+  EXPECT_THAT(Boxes.Boxes, IsEmpty());
+  const auto before = Rows();
+  const struct {
+    const char* At;
+    const char* Lacks;
+  } cuts[] = {{"90,10", "its head counts 4 points, and it holds 2"},
+              {"20,\r\nGeneral", "its last lines are missing"},
+              {"Alpha Value", "its last lines are missing"}};
+  for (const auto& cut : cuts) {
+    Run("DELETE FROM chart_ascii");
+    StoreText("RG12", Ten, whole.substr(0, whole.find(cut.At)));
+    Boxes.Answers = {BoxAnswer::No};
+    EXPECT_THAT(Convert({Ten}).Problems, ElementsAre(HasSubstr(cut.Lacks)));
+    EXPECT_EQ(Rows(), before);
+    EXPECT_THAT(Boxes.Boxes.back().Text, HasSubstr(cut.Lacks));
+  }
+  Boxes.Answers = {BoxAnswer::Yes};
+  EXPECT_EQ(Convert({Ten}).ChartsConverted, 1);
+}
+
+// As other programs write them: the database finds none of them by the chart's date.
+TEST_P(Population, ConvertsChartsWhoseDatesHaveAnotherForm) {
+  Options.Overwrite = true;
+  const bool sqlite = GetParam() == Engine::SQLite;
+  std::vector<const char*> forms{"1998-03-05 10:00:00.25"};
+  if (sqlite) forms.insert(forms.end(), {"1998-03-05T10:00:00", "1998-03-05T10:00:00.000Z"});
+  for (const char* form : forms) {
+    Store({});
+    Run("UPDATE chart_ascii SET chart_date = '" + std::string(form) + "'");
+    for (int round = 0; round < 2; ++round) {
+      UnwatchedProgress progress;
+      const auto rows = LoadGrid(Database, "RG12", true, {}, Lists, progress);
+      ASSERT_TRUE(rows) << rows.error().Description;
+      ASSERT_THAT(*rows, SizeIs(1));
+      const ConversionResult result = Convert({rows->front().ChartDate});
+      EXPECT_THAT(result.Problems, IsEmpty()) << form;
+      EXPECT_EQ(result.ChartsConverted, 1) << form;
+      EXPECT_EQ(Rows(), RowsOfTen) << form;
+      EXPECT_THAT(Read("chart_ascii", {"loaded"}), ElementsAre("1"));
+    }
+    Run("DELETE FROM chart_ascii");
+  }
+}
+
+// A column of fixed width fills a code up with blanks.
+TEST_P(Population, ConvertsChartsOfCodesWithBlanksBehind) {
+  Options.Overwrite = true;
+  const std::string padded = "RG12" + std::string(36, ' ');
+  for (const char* table : {"chart", "chart_ascii", "instrument"}) {
+    if (GetParam() == Engine::PostgreSQL)
+      Run("ALTER TABLE " + std::string(table) + " ALTER COLUMN instrument_code_id TYPE char(40)");
+  }
+  Store({});
+  Run("INSERT INTO instrument (instrument_code_id) VALUES ('RG12')");
+  if (GetParam() == Engine::SQLite)
+    for (const char* table : {"chart_ascii", "instrument"})
+      Run("UPDATE " + std::string(table) + " SET instrument_code_id = '" + padded + "'");
+  for (const std::string& code : {PopulateInstruments(Database).value().at(0), std::string("RG12")}) {
+    UnwatchedProgress progress;
+    const auto rows = LoadGrid(Database, code, true, {}, Lists, progress);
+    ASSERT_THAT(rows.value(), SizeIs(1)) << "'" << code << "'";
+    const std::vector<ChartToConvert> charts{{rows->front().ChartDate, false}};
+    EXPECT_EQ(WriteChartRecords(Database, Lists, code, charts, Options, Boxes, progress).ChartsConverted, 1);
+    EXPECT_THAT(Rows(), SizeIs(4)) << "'" << code << "'";
+  }
+}
+
+TEST_P(Population, RefusesHoursOfNoPlaceOnEarth) {
+  Store({});
+  for (const float hours : {-14.25F, 15.0F, 1e6F}) {
+    Options.Variables.GmtShift = hours / 24;
+    const ConversionResult result = Convert({Ten});
+    EXPECT_TRUE(result.Failed);
+    EXPECT_THAT(result.Problems, ElementsAre(HasSubstr("-14 to 14")));
+  }
+  EXPECT_THAT(Rows(), IsEmpty());
+  Options.Variables.GmtShift = -14.0F / 24;
+  EXPECT_EQ(Convert({Ten}).ChartsConverted, 1);
 }
 
 TEST_P(Population, KeepsTimesAndHundredthsInTheDatabase) {

@@ -291,18 +291,21 @@ TEST_P(LoadTest, NeverWritesOutsideTheFolder) {
   WriteFile(Folder / "outside.dat", "mine");
   std::filesystem::create_directories(Folder / "out");
   std::filesystem::create_symlink(Folder / "outside.dat", Folder / "out/link.dat");
-  WriteFile(Folder / "out/good one.dat", "older");
+  WriteFile(Folder / "out/good one.dat", "HYETEX88 older");
+  WriteFile(Folder / "out/notes.dat", "no chart at all");
+  PutRecord("RG12", start + 51, "notes.dat" + text);
 
   const ExtractResult extracted = Extract();
   EXPECT_EQ(extracted.Extracted, 2);
-  EXPECT_EQ(extracted.Report.Refused.size(), names.size()) << ExtractMessage(extracted, "");
+  EXPECT_EQ(ReadFile(Folder / "out/notes.dat"), "no chart at all");
+  EXPECT_EQ(extracted.Report.Refused.size(), names.size() + 1) << ExtractMessage(extracted, "");
   EXPECT_EQ(ReadFile(Folder / "outside.dat"), "mine");
   EXPECT_EQ(ReadFile(Folder / "out/good one.dat"), text.substr(2));
   EXPECT_EQ(ReadFile(Folder / "out/feeds.dat"), "HYETEX88\nInstrument Code: RG12\n");
   std::vector<std::string> there;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(Folder / "out"))
     there.push_back(entry.path().filename());
-  EXPECT_THAT(there, UnorderedElementsAre("link.dat", "good one.dat", "feeds.dat"));
+  EXPECT_THAT(there, UnorderedElementsAre("link.dat", "good one.dat", "feeds.dat", "notes.dat"));
 }
 
 TEST_P(LoadTest, ExtractsTheChosenRecordsAlone) {
