@@ -6,6 +6,7 @@
 #include "core/dates.h"
 #include "core/temporary_file.h"
 #include "core/text.h"
+#include "database/access/names.h"
 #include "platform/odbc/recordset.h"
 #include "support.h"
 
@@ -49,6 +50,9 @@ Parts ReadDatabase(const std::string& path, const std::string& name) {
     for (; !rows->Eof(); (void)rows->MoveNext()) {
       std::string row;
       for (int i = 0; i < rows->FieldCount(); ++i) {
+        if (const std::string& field = rows->FieldName(i);
+            field == column::ConversionTime || field == column::ConversionNumber)
+          continue;  // others at each run
         const auto value = rows->Value(i);
         if (!value) return fail(value.error());
         row += ValueText(*value) + "|";

@@ -187,7 +187,7 @@ TEST_F(StructureWindow, ShowsTheTablesAndWritesTheScript) {
             "Current Database: Driver=SQLite3;PWD=***;Database=" + (folder_ / "rain.sqlite"));
   auto& grid = Find<QTableWidget>(*window_, "fg");
   ASSERT_TRUE(WaitFor([&] { return grid.rowCount() > 0; }));
-  EXPECT_EQ(grid.rowCount(), 161);
+  EXPECT_EQ(grid.rowCount(), 174);
   const std::pair<int, const char*> cells[] = {{0, "CHART"}, {1, "station"}, {2, "202"}, {3, "25"}};
   for (const auto& [column, text] : cells) EXPECT_EQ(grid.item(7, column)->text(), text);
   EXPECT_FALSE(Find(*window_, "prbStructure").isVisible());

@@ -72,7 +72,9 @@ DbResult<std::vector<PopulateRow>> LoadGrid(HyetexPlotDB& database, const std::s
   std::vector<PopulateRow> rows;
   if (instrumentCode.empty()) return rows;
   const ClosedAfter closed(database);
-  if (const auto opened = database.OpenChartAscii(ChartAsciiOf(instrumentCode)); !opened)
+  Selection selection = ChartAsciiOf(instrumentCode);
+  selection.LongWithRow = true;  // another program may replace the record meanwhile
+  if (const auto opened = database.OpenChartAscii(std::move(selection)); !opened)
     return tl::unexpected(opened.error());
   Recordset& table = database.ChartAsciiTable;
   LightReader reader({.Stations = lists.Stations});

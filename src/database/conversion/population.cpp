@@ -115,8 +115,8 @@ class Conversion {
     auto done = work();
     if (!done) transaction_.reset();
     if (!done && IsLocked(done.error())) gone_ = true;
-    if (!done && done.error().Number == db_error::Cancelled) result_.Cancelled = true;
-    if (done || gone_ || result_.Cancelled || !database_.DatabaseConnection.IsLost(done.error())) return done;
+    if (!done && done.error().Number == db_error::Cancelled) result_.Cancelled = gaveUp_ = true;
+    if (done || gone_ || gaveUp_ || !database_.DatabaseConnection.IsLost(done.error())) return done;
     store_.Release();
     database_.Close();
     gone_ = !database_.OpenDatabase();
@@ -129,7 +129,7 @@ class Conversion {
       if (const auto begun = BeginWriting(); !begun) return tl::unexpected(begun.error());
       return reader_.Read(charts);
     });
-    if (result_.Cancelled) return;
+    if (gaveUp_) return;
     if (records) {
       AskForCutTexts(*records);
       Store(*records);
@@ -146,7 +146,7 @@ class Conversion {
     while (!records.empty()) {
       std::size_t count = records.size();
       const auto stored = Tried([&] { return StoreSome(records, count); });
-      if (result_.Cancelled) return;
+      if (gaveUp_) return;
       if (!stored && (count == 1 || gone_)) {
         for (const RecordToConvert& record : records.first(count))
           Fail(record.Chart.ChartDate, stored.error());
@@ -318,6 +318,7 @@ class Conversion {
   RecordStore store_;
   std::optional<Transaction> transaction_;  // that holds the right to write
   bool gone_ = false;                       // the database: the run ends
+  bool gaveUp_ = false;                     // the operator, while another program wrote
   std::set<std::pair<std::int32_t, std::string>> shown_;
   ConversionResult result_;
 };

@@ -128,7 +128,9 @@ Result<FileList> ReadFolder(const std::string& folder, std::span<const StationRe
 DbResult<FileList> ReadDatabaseList(HyetexPlotDB& database, std::span<const StationRecord> stations,
                                     Progress& progress) {
   const ClosedAfter closed(database);
-  if (const auto opened = database.OpenChartAscii(); !opened) return tl::unexpected(opened.error());
+  // Another program may replace a record while the list is read.
+  if (const auto opened = database.OpenChartAscii({.LongWithRow = true}); !opened)
+    return tl::unexpected(opened.error());
   Recordset& table = database.ChartAsciiTable;
   const bool hasLoaded = table.HasField(column::Loaded);
   LightReader reader({.Stations = stations});
