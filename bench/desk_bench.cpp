@@ -4,6 +4,7 @@
 #include <QImage>
 #include <cmath>
 
+#include "core/session.h"
 #include "digitizing/drawing.h"
 #include "digitizing/windows/picGraph.h"
 #include "digitizing/windows/shape.h"
