@@ -17,7 +17,6 @@
 namespace hyetex::cli {
 namespace {
 
-
 // What the words and the program folder say of the chart to digitize.
 struct Work {
   std::optional<FolderLock> Lock;  // the program folder's, where the chart file goes into it

@@ -41,11 +41,11 @@ struct DeskState {
   bool AlphaNext = false;         ///< the next point drawn is an alpha point
   float PageAngle = 0;            ///< angle of the paper in use, radians
 
-  double CursorX = 0, CursorY = 0;      ///< last position reported, report units
-  std::int16_t CursorButton = -1;       ///< last button reported; -1 none
-  bool ButtonHeld = false;              ///< the press now held has been acted on
-  bool WaitForRelease = false;          ///< ignore presses until the button has been released
-  bool OverToolBox = false;             ///< the last position lies on the tool board
+  double CursorX = 0, CursorY = 0;       ///< last position reported, report units
+  std::int16_t CursorButton = -1;        ///< last button reported; -1 none
+  bool ButtonHeld = false;               ///< the press now held has been acted on
+  bool WaitForRelease = false;           ///< ignore presses until the button has been released
+  bool OverToolBox = false;              ///< the last position lies on the tool board
   std::optional<CursorReading> Reading;  ///< under the cursor; none where there is no chart
 
   float CornerX = 0, CornerY = 0;  ///< first corner of a page or paper while its second is awaited

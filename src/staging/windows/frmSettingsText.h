@@ -15,7 +15,7 @@ class frmSettingsText : public FormWindow {
  public:
   /// Shows the file as it was read.
   frmSettingsText(Desk& desk, Dialogs& dialogs, Settings& settings, std::string text,
-                 QWidget* parent = nullptr);
+                  QWidget* parent = nullptr);
 
   QSize sizeHint() const override;
 
