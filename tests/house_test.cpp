@@ -25,6 +25,8 @@ struct Room {
 const std::vector<Room> Rooms = {
     {"core", ""},
     {"platform", "core"},
+    {"graph", "core platform"},
+    {"platform/cairo", "core platform"},
     {"platform/odbc", "core"},
     {"digitizing", "core platform"},
     {"commandline", "core digitizing"},
@@ -38,6 +40,7 @@ const std::vector<Room> Rooms = {
     {"database/conversion",
      "core platform platform/odbc staging/lists chartfiles database/access database/store"},
     {"database/stations", "core platform staging/lists database/access database/store"},
+    {"editor", "core platform graph platform/odbc staging/lists chartfiles database/access database/store"},
     {"digitizing/windows", "core platform digitizing"},
     {"staging/windows",
      "core platform platform/odbc digitizing staging/lists staging/tasks staging/manager staging"},
@@ -45,9 +48,11 @@ const std::vector<Room> Rooms = {
     {"database/windows",
      "core platform platform/odbc staging/lists chartfiles database/access database/store "
      "database/conversion database/stations"},
+    {"editor/windows", "core platform graph chartfiles editor"},
     {"cli",
-     "core commandline platform platform/odbc digitizing staging/lists staging/tasks chartfiles "
-     "database/access database/store database/conversion database/stations"},
+     "core commandline platform graph platform/cairo platform/odbc digitizing staging/lists staging/tasks "
+     "chartfiles "
+     "database/access database/store database/conversion database/stations editor"},
     {"app", "*"},
     {"tools/tracing", "core digitizing"},
     {"tools/tablet", "core"},

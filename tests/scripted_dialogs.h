@@ -49,6 +49,7 @@ class ScriptedDialogs : public Dialogs {
   std::deque<std::optional<std::string>> Typed;  ///< into input boxes; nothing: cancelled
   std::vector<ShownInput> Inputs;
   std::deque<std::optional<std::string>> Folders;  ///< that are chosen
+  std::deque<std::optional<std::string>> Files;    ///< to save in
 
   BoxAnswer MessageBox(const std::string& title, const std::string& text, BoxButtons buttons,
                        BoxIcon icon) override {
@@ -78,7 +79,10 @@ class ScriptedDialogs : public Dialogs {
     return chosen;
   }
   std::optional<std::string> ChooseFileToSave(const std::string& title, const std::string&) override {
-    return Unexpected(title);
+    if (Files.empty()) return Unexpected(title);
+    const auto chosen = Files.front();
+    Files.pop_front();
+    return chosen;
   }
 
  private:

@@ -152,16 +152,18 @@ Result<void> Make(Order order) {
   return {};
 }
 
-}  // namespace
-}  // namespace hyetex
-
-int main(int argc, char** argv) {
-  using namespace hyetex;
-  using namespace hyetex::commandline;
+commandline::Exit Run(const std::vector<std::string>& words) {
+  using namespace commandline;
   Order order;
   CommandLine line(order);
-  const std::vector<std::string> words(argv + 1, argv + argc);
   if (const auto answer = Parse(line, words)) return Give(line.get_name(), *answer);
   const auto made = Make(std::move(order));
   return made ? Done : Fail(line.get_name(), made.error());
 }
+
+}  // namespace
+}  // namespace hyetex
+
+// Only a mistake in the description of the words above throws, and then at every start.
+// NOLINTNEXTLINE(bugprone-exception-escape)
+int main(int argc, char** argv) { return hyetex::Run(std::vector<std::string>(argv + 1, argv + argc)); }

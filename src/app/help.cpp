@@ -21,6 +21,20 @@ std::string HelpFile() {
   return JoinPath(FromQt(QDir::cleanPath(programs.filePath("../share/hyetex/help"))), BaseName(HelpPagePath));
 }
 
+// Its paragraphs on lines that can be read without a scroll bar, and printed.
+QString InLines(const QString& text) {
+  constexpr qsizetype Widest = 80;
+  QStringList lines;
+  for (const QString& paragraph : text.split('\n')) {
+    lines << QString();
+    for (const QString& word : paragraph.split(' ')) {
+      if (!lines.last().isEmpty() && lines.last().size() + word.size() >= Widest) lines << QString();
+      lines.last() += (lines.last().isEmpty() ? "" : " ") + word;
+    }
+  }
+  return lines.join('\n');
+}
+
 }  // namespace
 
 void AppDesk::ShowHelp() {
@@ -47,7 +61,7 @@ void AppDesk::ShowHelp() {
   }
   QTextDocument words;
   words.setHtml(ToQt(*page));
-  OpenLargeView("Help", FromQt(words.toPlainText()));
+  OpenLargeView("Help", FromQt(InLines(words.toPlainText())));
 }
 
 }  // namespace hyetex

@@ -2,6 +2,9 @@
 #include "database/stations/synchronising.h"
 
 #include <QApplication>
+#include <QProgressDialog>
+#include <QTimer>
+#include <memory>
 
 #include "app/app_desk.h"
 #include "database/windows/frmLoad.h"
@@ -10,6 +13,41 @@
 #include "staging/windows/frmLists.h"
 
 namespace hyetex {
+namespace {
+
+// Shows itself while there is something to wait for; each wait says so several times a second.
+class WaitBox : public Progress {
+ public:
+  explicit WaitBox(QWidget* parent) : parent_(parent) {
+    over_.setSingleShot(true);
+    QObject::connect(&over_, &QTimer::timeout, [this] { box_.reset(); });
+  }
+
+  bool Step(std::int64_t done, std::int64_t total, std::string_view what) override {
+    constexpr int longestSilenceMs = 2000;
+    over_.start(longestSilenceMs);
+    if (box_ == nullptr) {
+      box_ = std::make_unique<QProgressDialog>(parent_);
+      box_->setWindowTitle("Syncronize Stations Lists");
+      box_->setWindowModality(Qt::ApplicationModal);
+      box_->setMinimumDuration(0);
+      box_->setAutoClose(false);
+      box_->setLabelText("Hyetex is " + ToQt(std::string(what)) + ".");
+      box_->setMaximum(static_cast<int>(total));
+      box_->show();
+    }
+    box_->setValue(static_cast<int>(done));
+    QCoreApplication::processEvents();
+    return !box_->wasCanceled();
+  }
+
+ private:
+  QWidget* parent_;
+  QTimer over_;
+  std::unique_ptr<QProgressDialog> box_;
+};
+
+}  // namespace
 
 void AppDesk::AddSynchronising() {
   QAction& command = shell_->Fix();
@@ -44,7 +82,9 @@ void AppDesk::SynchroniseStations() {
   // On a connection of its own: a window may stand on a row of the program's.
   HyetexPlotDB database(program_.Settings, dialogs_);
   database.ConnectionText = program_.Database.ChosenConnection();
-  const Synchronised done = Synchronise(database, program_.Lists, program_.Settings.Folder(), dialogs_);
+  WaitBox waits(shell_.get());
+  const Synchronised done =
+      Synchronise(database, program_.Lists, program_.Settings.Folder(), dialogs_, waits);
   if (done == Synchronised::Not) return;
   if (load != nullptr) load->UpdateList();
   if (manager != nullptr) manager->StationsRead(done != Synchronised::Unsaved);

@@ -10,10 +10,6 @@ namespace {
 
 constexpr double Minute = 1.0 / 24 / 60;
 
-bool IsLeftOut(const std::string& comment) {
-  return HasCode(comment, CodeNewSegment) || HasCode(comment, CodeAlpha) || HasCode(comment, CodeNewSheet);
-}
-
 bool AddsNoDepth(const std::string& comment) {
   return HasCode(comment, CodeLeveled) || HasCode(comment, CodeGapEnd);
 }
@@ -37,7 +33,7 @@ void SumSteps(const ChartReading& reading, std::vector<SeriesPoint>& series) {
   float along = 0, rise = 0;
   for (std::size_t i = 1; i < points.size(); ++i) {
     const bool coded = !points[i].Comment.empty();
-    if (coded && IsLeftOut(points[i].Comment)) continue;
+    if (coded && IsLeftOutOfSeries(points[i].Comment)) continue;
     along = static_cast<float>(along + (points[i].X - points[i - 1].X));
     const double step = points[i].Y - points[i - 1].Y;
     if ((step >= 0 || fallsCount) && !(coded && AddsNoDepth(points[i].Comment)))
@@ -68,6 +64,16 @@ void JoinShortSteps(float minimalLapse, std::vector<SeriesPoint>& series) {
 }
 
 }  // namespace
+
+bool IsLeftOutOfSeries(const std::string& comment) {
+  return HasCode(comment, CodeNewSegment) || HasCode(comment, CodeAlpha) || HasCode(comment, CodeNewSheet);
+}
+
+TraceLength LengthOfTrace(const ChartReading& reading) {
+  std::vector<SeriesPoint> steps(1);
+  SumSteps(reading, steps);
+  return {static_cast<float>(steps.back().Time), steps.back().Depth};
+}
 
 float BaseDepth(const ChartRecord& chart) {
   if (chart.SelectedDepth > 0) return chart.SelectedDepth;

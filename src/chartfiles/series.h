@@ -14,6 +14,15 @@ namespace hyetex {
 /// counts nothing, the step away from them does. A chart whose points span no time has slot 0 alone.
 void BuildSeries(bool useAlpha, float minimalLapse, ChartReading& reading);
 
+/// Whether a point with this comment has no slot in the series.
+bool IsLeftOutOfSeries(const std::string& comment);
+
+/// What the steps of a trace that count come to, in millimetres of the tablet: along the paper, and up.
+struct TraceLength {
+  float AlongMm = 0, RiseMm = 0;
+};
+TraceLength LengthOfTrace(const ChartReading& reading);
+
 /// The depth that the series of a chart ends with, mm: its selected depth, else the manual gage's, else 0. A
 /// depth of -1 is no value and never becomes rain.
 float BaseDepth(const ChartRecord& chart);

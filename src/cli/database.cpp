@@ -10,6 +10,15 @@ BoxAnswer SaidBoxes::MessageBox(const std::string& title, const std::string& tex
   return UnattendedDialogs::MessageBox(title, text, buttons, icon);
 }
 
+bool SaidWaits::Step(std::int64_t done, std::int64_t total, std::string_view what) {
+  constexpr std::int64_t everySeconds = 10;
+  if (what != Transaction::Waiting || (told_ >= 0 && done >= told_ && done < told_ + everySeconds))
+    return true;
+  told_ = done;
+  Say(std::string(what) + ", " + std::to_string(total - done) + " seconds more at most");
+  return true;
+}
+
 CommandDatabase::CommandDatabase(const DatabaseWords& words)
     : settings_(words.Folder), Database(settings_, Boxes) {
   Database.ConnectionText = words.Database;

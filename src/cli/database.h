@@ -4,6 +4,7 @@
 #include <string>
 
 #include "cli/commands.h"
+#include "core/progress.h"
 #include "core/result.h"
 #include "database/access/plot_db.h"
 #include "platform/dialogs.h"
@@ -15,6 +16,15 @@ class SaidBoxes : public UnattendedDialogs {
  public:
   BoxAnswer MessageBox(const std::string& title, const std::string& text, BoxButtons buttons,
                        BoxIcon icon) override;
+};
+
+/// What a command tells of its work: that it waits for another program.
+class SaidWaits : public Progress {
+ public:
+  bool Step(std::int64_t done, std::int64_t total, std::string_view what) override;
+
+ private:
+  std::int64_t told_ = -1;
 };
 
 /// As a command opens it:

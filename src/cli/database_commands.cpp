@@ -37,7 +37,7 @@ Exit NewFile(const std::string& path) {
 Exit RunStructure(const StructureWords& words) {
   CommandDatabase opened(words);
   if (const auto done = opened.Open(); !done) return Fail(done.error());
-  UnwatchedProgress progress;
+  SaidWaits progress;
   if (words.Keys) {
     const auto keys = ShowKeys(opened.Database.DatabaseConnection, progress);
     if (!keys) return Fail(keys.error().Description);

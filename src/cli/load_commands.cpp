@@ -11,7 +11,7 @@ Exit RunLoad(const LoadWords& words) {
   if (!lists) return Fail(lists.error());
   CommandDatabase opened(words);
   if (const auto done = opened.Open(); !done) return Fail(done.error());
-  UnwatchedProgress progress;
+  SaidWaits progress;
   const LoadResult result = LoadFiles(opened.Database, *lists, words.Files, progress);
   Print(LoadMessage(result) + "\n");
   return result.Report.IsClean() ? Done : Failed;
@@ -20,7 +20,7 @@ Exit RunLoad(const LoadWords& words) {
 Exit RunExtract(const ExtractWords& words) {
   CommandDatabase opened(words);
   if (const auto done = opened.Open(); !done) return Fail(done.error());
-  UnwatchedProgress progress;
+  SaidWaits progress;
   const ExtractResult result = ExtractInstrument(opened.Database, words.Instrument, words.To, progress);
   Print(ExtractMessage(result, words.To) + "\n");
   return result.Report.IsClean() ? Done : Failed;

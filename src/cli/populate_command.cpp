@@ -49,7 +49,7 @@ Exit RunPopulate(const PopulateWords& words) {
                                   .Log = words.Log,
                                   .LogFolder = folder,
                                   .User = *user};
-  UnwatchedProgress progress;
+  SaidWaits progress;
   const auto rows =
       LoadGrid(opened.Database, words.Instrument, words.All, options.Variables, *lists, progress);
   if (!rows) return Fail(rows.error().Description);

@@ -33,7 +33,8 @@ Exit RunSynchronise(const SynchroniseWords& words) {
   CommandDatabase opened(words);
   if (const auto done = opened.Open(); !done) return Fail(done.error());
   OneStartDate boxes(words.Start);
-  return Synchronise(opened.Database, *lists, folder, boxes) == Synchronised::Saved ? Done : Failed;
+  SaidWaits progress;
+  return Synchronise(opened.Database, *lists, folder, boxes, progress) == Synchronised::Saved ? Done : Failed;
 }
 
 }  // namespace hyetex::cli

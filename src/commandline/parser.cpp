@@ -1,5 +1,6 @@
 #include "commandline/parser.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -36,7 +37,30 @@ const CLI::App& Asked(const CLI::App& program) {
   return commands.empty() ? program : Asked(*commands.front());
 }
 
-Answer WhatIsOff(const CLI::App& program, std::string text) {
+// The parser takes a word in brackets for a list where there may be several words, and drops the brackets, as
+// it would of a file's name. Such words get a mark in front, which is taken off when their option has them.
+constexpr char Mark = '\x01';
+
+std::string Marked(const std::string& word) {
+  const bool inBrackets = word.size() > 1 && word.front() == '[' && word.back() == ']';
+  return inBrackets || word.starts_with(Mark) ? Mark + word : word;
+}
+
+std::string Unmarked(std::string word) {
+  if (word.starts_with(Mark)) word.erase(0, 1);
+  return word;
+}
+
+void Unmark(CLI::App& program) {
+  const auto unmark = [](std::string& word) {
+    word = Unmarked(std::move(word));
+    return std::string();
+  };
+  for (CLI::Option* option : program.get_options()) option->transform(CLI::Validator(unmark, ""));
+  for (CLI::App* command : program.get_subcommands([](CLI::App*) { return true; })) Unmark(*command);
+}
+
+Answer WhatIsOff(const CLI::App& program, const std::string& text) {
   const CLI::App& asked = Asked(program);
   std::string name = asked.get_name();
   for (const CLI::App* above = asked.get_parent(); above != nullptr; above = above->get_parent())
@@ -52,8 +76,11 @@ Description::Description(const std::string& name, const std::string& does) : CLI
 }
 
 std::optional<Answer> Parse(CLI::App& program, std::span<const std::string> words) {
+  std::vector<std::string> marked;  // the parser takes them from the back
+  std::transform(words.rbegin(), words.rend(), std::back_inserter(marked), Marked);
+  Unmark(program);
   try {
-    program.parse(std::vector<std::string>(words.rbegin(), words.rend()));  // it takes them from the back
+    program.parse(std::move(marked));
     return std::nullopt;
   } catch (const CLI::CallForHelp&) {
     return Answer{Done, program.help()};
@@ -64,7 +91,7 @@ std::optional<Answer> Parse(CLI::App& program, std::span<const std::string> word
   } catch (const CLI::ParseError& error) {
     // Of a misspelled word follows more, such as what is missing for want of it: the word is what is told.
     for (const std::string& unknown : program.remaining(true))
-      if (unknown != "--") return WhatIsOff(program, CLI::ExtrasError({unknown}).what());
+      if (unknown != "--") return WhatIsOff(program, CLI::ExtrasError({Unmarked(unknown)}).what());
     return WhatIsOff(program, error.what());
   }
 }

@@ -73,8 +73,7 @@ class Desk {
   /// Closes all windows that hold something, each with its question, and ends; a window that stays open keeps
   /// the program open.
   virtual void EndProgram() = 0;
-  /// Whether windows close because the program ends: one that otherwise just gives up what has been entered
-  /// asks about it first.
+  /// Whether windows close because the program ends.
   virtual bool IsEnding() const { return false; }
 };
 

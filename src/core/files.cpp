@@ -98,6 +98,22 @@ Result<std::string> ReadWholeFile(const std::string& path, std::size_t mostBytes
   }
 }
 
+Result<std::string> ReadFirstBytes(const std::string& path, std::size_t most) {
+  const Descriptor fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  if (!fd.Valid()) return FailureOf("Cannot read", path, errno);
+  std::string bytes(most, '\0');
+  std::size_t got = 0;
+  while (got < most) {
+    const ssize_t more = ::read(fd.Get(), bytes.data() + got, most - got);
+    if (more < 0 && errno == EINTR) continue;
+    if (more < 0) return FailureOf("Cannot read", path, errno);
+    if (more == 0) break;
+    got += static_cast<std::size_t>(more);
+  }
+  bytes.resize(got);
+  return bytes;
+}
+
 Result<void> WriteWholeFile(const std::string& path, std::string_view bytes, std::optional<unsigned> mode) {
   // A link keeps pointing where it points: the file behind it is the one that is replaced.
   std::error_code noTarget;
@@ -109,6 +125,15 @@ Result<void> WriteWholeFile(const std::string& path, std::string_view bytes, std
   if (!WriteAll(file->Get(), bytes)) return FailureOf("Cannot write", path, errno);
   if (!mode) mode = ModeOf(target).value_or(NewFileMode());
   if (const auto placed = file->Replace(target, *mode); !placed)
+    return Failure("Cannot write " + path + ": " + placed.error());
+  return {};
+}
+
+Result<void> WriteNewFile(const std::string& path, std::string_view bytes, unsigned mode) {
+  auto file = TemporaryFile::In(std::filesystem::path(path).parent_path().string());
+  if (!file) return Failure("Cannot write " + path + ": " + file.error());
+  if (!WriteAll(file->Get(), bytes)) return FailureOf("Cannot write", path, errno);
+  if (const auto placed = file->Become(path, mode); !placed)
     return Failure("Cannot write " + path + ": " + placed.error());
   return {};
 }

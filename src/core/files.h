@@ -40,6 +40,9 @@ std::string DefaultProgramFolder();
 /// a file of more than `mostBytes`.
 Result<std::string> ReadWholeFile(const std::string& path, std::size_t mostBytes);
 
+/// Up to `most` bytes from the file's beginning, whatever its length: enough to tell what it is.
+Result<std::string> ReadFirstBytes(const std::string& path, std::size_t most);
+
 /// The permissions of a file that holds passwords or users.
 inline constexpr unsigned OwnerOnly = 0600;
 /// The permissions that the user's mask leaves to a new file.
@@ -51,6 +54,8 @@ std::optional<unsigned> ModeOf(const std::string& path);
 /// was there.
 Result<void> WriteWholeFile(const std::string& path, std::string_view bytes,
                             std::optional<unsigned> mode = std::nullopt);
+/// The same for a new file, which never takes the place of one that is there.
+Result<void> WriteNewFile(const std::string& path, std::string_view bytes, unsigned mode = NewFileMode());
 /// Adds `bytes` to the file's end, all or nothing as long as the program lives; makes a missing file.
 Result<void> AppendToFile(const std::string& path, std::string_view bytes);
 

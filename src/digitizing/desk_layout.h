@@ -7,16 +7,10 @@
 #include <utility>
 
 #include "core/geometry.h"
+#include "core/rect.h"
 #include "digitizing/tools.h"
 
 namespace hyetex {
-
-struct Rect {
-  double Left = 0, Top = 0, Width = 0, Height = 0;
-
-  /// Strictly inside: a position on the edge is outside.
-  bool Holds(double x, double y) const { return x > Left && x < Left + Width && y > Top && y < Top + Height; }
-};
 
 /// How far the point of the board's cursor lies from its left and its top.
 inline constexpr double ToolCursorPoint = 120;

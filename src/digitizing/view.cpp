@@ -9,6 +9,18 @@ namespace {
 // Beyond this a unit of the coarsest tablet is as large as a tool's square.
 constexpr double MostZoom = 50;
 
+// The part of the tablet in which a page lies; from its lowest side on.
+Rect BoundsOf(const ChartScales& scales, const ChartPaper& paper) {
+  const double across = paper.BottomRightX - paper.BottomLeftX, up = paper.BottomRightY - paper.BottomLeftY;
+  const double high = scales.HeightUnits() / std::hypot(across, up);
+  const auto [left, right] = std::minmax(
+      {paper.BottomLeftX, paper.BottomRightX, paper.BottomLeftX - up * high, paper.BottomRightX - up * high});
+  const auto [bottom, top] =
+      std::minmax({paper.BottomLeftY, paper.BottomRightY, paper.BottomLeftY + across * high,
+                   paper.BottomRightY + across * high});
+  return {left, bottom, right - left, top - bottom};
+}
+
 }  // namespace
 
 ViewSize KeepProportions(ViewSize before, ViewSize now, const TabletExtents& tablet) {
@@ -44,6 +56,18 @@ void ShowPaper(DeskLayout& layout, const ChartScales& scales, const ChartPaper& 
   layout.ViewX0 = static_cast<float>(paper.BottomLeftX - width * 0.05);
   layout.ViewY0 = static_cast<float>(paper.BottomLeftY - scales.HeightUnits());
   layout.ScaleX = layout.ScaleY = static_cast<float>(layout.ScaleWidth / (width * 1.2));
+
+  const Rect page = BoundsOf(scales, paper);
+  const double right = page.Left + page.Width, top = page.Top + page.Height;  // upwards, as the tablet
+  if (layout.ScreenX(page.Left) >= 0 && layout.ScreenX(right) <= layout.ScaleWidth &&
+      layout.ScreenY(page.Top) <= layout.ScaleHeight && layout.ScreenY(top) >= 0)
+    return;
+  // A high or a tilted page would lie outside: it is put in the middle.
+  const double scale =
+      std::min(layout.ScaleWidth / (page.Width * 1.2), layout.ScaleHeight / (page.Height * 1.2));
+  layout.ViewX0 = static_cast<float>((page.Left + right - layout.ScaleWidth / scale) / 2);
+  layout.ViewY0 = static_cast<float>((page.Top + top - layout.ScaleHeight / scale) / 2);
+  layout.ScaleX = layout.ScaleY = static_cast<float>(scale);
 }
 
 void ResizeView(DeskLayout& layout, const TabletExtents& tablet, double scaleWidth, double scaleHeight) {

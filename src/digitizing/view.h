@@ -22,7 +22,8 @@ void KeepBoardInside(DeskLayout& layout);
 
 /// Shows what lies in `area`, a rectangle of the view as it is; a very small one with what is around it.
 void ShowArea(DeskLayout& layout, const TabletExtents& tablet, const Rect& area);
-/// Shows a paper, which must have a width, as large as the view allows; the same scale in X and Y.
+/// Shows a paper, which must have a width, whole and about as large as the view allows; the same scale in X
+/// and Y.
 void ShowPaper(DeskLayout& layout, const ChartScales& scales, const ChartPaper& paper);
 /// Fits the scales to the view's new size; the part in view stays when zoomed.
 void ResizeView(DeskLayout& layout, const TabletExtents& tablet, double scaleWidth, double scaleHeight);

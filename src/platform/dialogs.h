@@ -32,6 +32,14 @@ class Dialogs {
   virtual std::optional<std::string> ChooseFileToSave(const std::string& title, const std::string& start) = 0;
 };
 
+/// Asks, before a window closes, about what was entered in it and not taken. `take` takes it, and tells the
+/// operator where it cannot. Whether the window may close.
+template <typename Take>
+bool MayCloseAfter(Dialogs& dialogs, const std::string& title, const std::string& question, Take take) {
+  const BoxAnswer answer = dialogs.MessageBox(title, question, BoxButtons::YesNoCancel, BoxIcon::Question);
+  return answer == BoxAnswer::No || (answer == BoxAnswer::Yes && take());
+}
+
 /// With nobody at the desk: messages are passed over, questions all get one answer, nothing is typed or
 /// chosen.
 class UnattendedDialogs : public Dialogs {

@@ -42,8 +42,14 @@ bool EntryBox::event(QEvent* event) {
   if (!asks && !leaves) return done;
   const auto refusal = Refusal();
   Mark(refusal.has_value());
-  if (refusal) QToolTip::showText(mapToGlobal(rect().bottomLeft()), ToQt(*refusal), this);
+  // Behind the events that bring the focus elsewhere, which would hide it.
+  if (refusal) QMetaObject::invokeMethod(this, &EntryBox::TellRefusal, Qt::QueuedConnection);
   return done || asks;
+}
+
+void EntryBox::TellRefusal() {
+  const auto refusal = Refusal();
+  if (refusal && isVisible()) QToolTip::showText(mapToGlobal(rect().bottomLeft()), ToQt(*refusal), this);
 }
 
 bool RefusesEntries(QWidget& window, Dialogs& dialogs, const std::string& title) {

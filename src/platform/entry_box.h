@@ -31,6 +31,7 @@ class EntryBox : public QLineEdit {
  private:
   /// Whoever leaves the box is told beside it, and it stays marked until it is mended.
   void Mark(bool refused);
+  void TellRefusal();
 
   Rule rule_;
   bool isMarked_ = false;

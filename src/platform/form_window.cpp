@@ -28,8 +28,14 @@ void FormWindow::showEvent(QShowEvent* event) {
   if (!std::exchange(placed_, true)) RestorePlace(*this, settings_);
 }
 
+void FormWindow::Leave() {
+  leaves_ = true;
+  close();
+}
+
 void FormWindow::closeEvent(QCloseEvent* event) {
   event->accept();
+  if (!closed_ && !leaves_ && !MayLeave()) return event->ignore();
   if (std::exchange(closed_, true)) return;
   StorePlace(*this, settings_);
   Closing();

@@ -20,6 +20,11 @@ class FormWindow : public QWidget {
  protected:
   /// Return, where no other control wants it, presses `accept`, which may be null; Escape presses `cancel`.
   void SetKeyButtons(QPushButton* accept, QPushButton* cancel);
+  /// Whether the window may close: where something was entered and not taken it asks. Not asked on the way
+  /// out by Leave().
+  virtual bool MayLeave() { return true; }
+  /// Closes without a question: what was entered is taken, or given up by the button that says so.
+  void Leave();
   /// Runs once, when the window closes, by whatever way, before the desk hears of it.
   virtual void Closing() {}
 
@@ -34,7 +39,7 @@ class FormWindow : public QWidget {
   WindowId id_;
   QPushButton* accept_ = nullptr;
   QPushButton* cancel_ = nullptr;
-  bool placed_ = false, closed_ = false;
+  bool placed_ = false, leaves_ = false, closed_ = false;
 };
 
 }  // namespace hyetex

@@ -1,7 +1,11 @@
 #include "platform/shown_progress.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QKeyEvent>
+#include <QMenu>
+#include <QMenuBar>
+#include <algorithm>
 
 #include "core/text.h"
 
@@ -30,11 +34,48 @@ bool IsInput(QEvent::Type type) {
   }
 }
 
+// Of all menus only the entry that ends the program can be reached.
+bool LeadsOut(const QObject* watched, const QEvent& event) {
+  const auto isOut = [](const QAction* action) { return action->menuRole() == QAction::QuitRole; };
+  if (const auto* action = qobject_cast<const QAction*>(watched)) return isOut(action);
+  const auto* menu = qobject_cast<const QMenu*>(watched);
+  const auto* bar = qobject_cast<const QMenuBar*>(watched);
+  if (menu == nullptr && bar == nullptr) return false;
+  const QAction* meant = menu ? menu->activeAction() : bar->activeAction();
+  QKeySequence letter;
+  if (const auto* mouse = dynamic_cast<const QMouseEvent*>(&event)) {
+    const QPoint at = mouse->position().toPoint();
+    meant = menu ? menu->actionAt(at) : bar->actionAt(at);
+  } else if (const auto* shortcut = dynamic_cast<const QShortcutEvent*>(&event)) {
+    letter = shortcut->key();
+  } else if (const auto* key = dynamic_cast<const QKeyEvent*>(&event);
+             key && !key->text().trimmed().isEmpty()) {
+    letter = QKeySequence(Qt::ALT | static_cast<Qt::Key>(key->key()));
+  }
+  if (!letter.isEmpty()) {
+    const QList<QAction*> actions = menu ? menu->actions() : bar->actions();
+    const auto named = std::ranges::find(
+        actions, letter, [](const QAction* action) { return QKeySequence::mnemonic(action->text()); });
+    if (named == actions.end()) return false;
+    meant = *named;
+  }
+  return meant == nullptr || meant->menu() != nullptr || isOut(meant);
+}
+
+/// Closes a frame when it goes.
+struct ClosedBehind : QObject {
+  explicit ClosedBehind(QWidget* frame) : Frame(frame) {}
+  ~ClosedBehind() override {
+    if (Frame) Frame->close();
+  }
+  QPointer<QWidget> Frame;
+};
+
 }  // namespace
 
 ShownProgress::ShownProgress(QProgressBar& bar, QPushButton& cancel,
                              std::function<void(const std::string&)> tell)
-    : bar_(bar), cancel_(cancel), tell_(std::move(tell)) {
+    : bar_(bar), cancel_(cancel), caption_(cancel.text()), tell_(std::move(tell)) {
   bar_.setRange(0, 0);
   bar_.show();
   cancel_.setEnabled(true);
@@ -50,6 +91,17 @@ ShownProgress::~ShownProgress() {
   QApplication::restoreOverrideCursor();
   cancel_.hide();
   bar_.hide();
+  if (!closesAfter_) return;
+  cancel_.setText(caption_);
+  // A deferred deletion waits for the loops of all boxes that are shown from here on.
+  (new ClosedBehind(closesAfter_))->deleteLater();
+}
+
+void ShownProgress::StopAndClose(QWidget& frame) {
+  cancelled_ = true;
+  closesAfter_ = &frame;
+  cancel_.setEnabled(false);
+  cancel_.setText(tr("Stopping, then the program ends"));
 }
 
 bool ShownProgress::Step(std::int64_t done, std::int64_t total, std::string_view what) {
@@ -68,9 +120,14 @@ bool ShownProgress::eventFilter(QObject* watched, QEvent* event) {
   // stops.
   // What comes to a window is on its way to one of the widgets in it.
   if (!IsInput(event->type()) || watched == &cancel_ || watched->isWindowType() ||
-      QApplication::activeModalWidget() != nullptr)
+      QApplication::activeModalWidget() != nullptr || LeadsOut(watched, *event))
     return false;
-  if (event->type() == QEvent::Close) event->ignore();
+  if (event->type() == QEvent::Close) {
+    auto* widget = qobject_cast<QWidget*>(watched);
+    if (widget != nullptr && widget->windowType() == Qt::Popup) return false;
+    event->ignore();
+    if (widget != nullptr && widget->isWindow()) StopAndClose(*widget);
+  }
   if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape)
     cancelled_ = true;
   return true;

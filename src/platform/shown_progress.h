@@ -4,6 +4,7 @@
 
 #include <QElapsedTimer>
 #include <QObject>
+#include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
 #include <functional>
@@ -16,7 +17,9 @@ namespace hyetex {
 class ShownProgress : public QObject, public Progress {
  public:
   /// Shows both for as long as this lives, with the pointer of busy windows. `tell` gets what each step is
-  /// about, as UTF-8. Escape stops the work too.
+  /// about, as UTF-8. Escape stops the work too. So does the frame's way out, by its button or the action of
+  /// the role Quit: the button says so, and the frame closes once the routine that does the work has ended
+  /// and all of its boxes are answered.
   ShownProgress(QProgressBar& bar, QPushButton& cancel, std::function<void(const std::string&)> tell = {});
   ~ShownProgress() override;
 
@@ -28,8 +31,12 @@ class ShownProgress : public QObject, public Progress {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  void StopAndClose(QWidget& frame);
+
   QProgressBar& bar_;
   QPushButton& cancel_;
+  const QString caption_;
+  QPointer<QWidget> closesAfter_;
   std::function<void(const std::string&)> tell_;
   QElapsedTimer sinceEvents_;
   bool cancelled_ = false;

@@ -31,10 +31,11 @@ TEST(Cli, LoadsAndExtractsCharts) {
   const auto load = [&](const std::string& path) {
     return RunCli({"load", "--db", db, "--folder", folder / "program", file, path});
   };
-  Ran ran = load(folder / "missing.dat");
+  std::filesystem::copy(file, folder / "copy.dat");
+  Ran ran = load(folder / "copy.dat");
   EXPECT_EQ(ran.Status, 1);
   EXPECT_THAT(ran.Out, AllOf(HasSubstr("1 files transferred from file to Database chart_ascii table\n"),
-                             HasSubstr("\nLeft out:\nmissing.dat: ")));
+                             HasSubstr("\nLeft out:\ncopy.dat: the name is not ")));
   ran = RunCli({"extract", "--db", db, "--to", folder / "out", "--instrument", "nm-hill farm-01"});
   EXPECT_EQ(ran.Status, 0) << ran.Error;
   EXPECT_EQ(ran.Out, "1 Files extracted to " + (folder / "out") + "\n");

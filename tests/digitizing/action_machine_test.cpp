@@ -314,6 +314,29 @@ TEST(ActionMachine, ZoomsToTheDraggedAreaAndBack) {
   EXPECT_EQ(view(), (std::vector<double>{350, -500, 12000 / 3600.0F, 12000 / 3600.0F}));
 }
 
+TEST(ActionMachine, ShowsTheWholeOfAnyPage) {
+  const ChartScales scales = Desk().Line().Scales();
+  ChartPaper pages[] = {
+      {500, 500, 3500, 500}, {500, 500, 800, 500}, {3000, 2900, 3100, 2950}, {400, 3000, 2400, 1000}};
+  for (const ChartPaper& page : pages)
+    for (const double wide : {12000.0, 30000.0}) {
+      DeskLayout view = DefaultDeskLayout(DeskTablet.Extents, 12000);
+      view.ScaleWidth = wide;
+      ShowPaper(view, scales, page);
+      EXPECT_EQ(view.ScaleX, view.ScaleY);
+      const double across = page.BottomRightX - page.BottomLeftX, up = page.BottomRightY - page.BottomLeftY;
+      const double high = scales.HeightUnits() / std::hypot(across, up);
+      for (const double along : {0.0, 1.0})
+        for (const double height : {0.0, high}) {
+          const double x = view.ScreenX(page.BottomLeftX + along * across - height * up);
+          const double y = view.ScreenY(page.BottomLeftY + along * up + height * across);
+          EXPECT_TRUE(x >= 0 && x <= view.ScaleWidth && y >= 0 && y <= view.ScaleHeight)
+              << page.BottomLeftX << " " << wide << " at " << x << " " << y;
+        }
+      EXPECT_GT(std::max(std::hypot(across, up), scales.HeightUnits()) * view.ScaleX, 12000 * 0.5) << "large";
+    }
+}
+
 TEST(ActionMachine, TheBoardOpensClosesMovesAndTellsItsTools) {
   Desk desk;
   EXPECT_FALSE(desk.Calibrated().OnSquare(tool::CloseBoard, 0).View.Board);

@@ -5,6 +5,7 @@
 #include "core/comments.h"
 #include "digitizing/desk.h"
 #include "digitizing/view.h"
+#include "surfaces.h"
 
 namespace hyetex {
 namespace {
@@ -13,7 +14,7 @@ using test::Desk;
 using ::testing::ElementsAre;
 
 // What was drawn, as text: "line x1,y1 x2,y2 colour width" in whole screen units.
-struct Canvas : Surface {
+struct Canvas : test::BlankSurface {
   void Clear() override { Drawn = {"clear"}; }
   void Line(double x1, double y1, double x2, double y2, Rgb colour, int width) override {
     Drawn.push_back("line " + At(x1, y1) + " " + At(x2, y2) + " " + Name(colour) +

@@ -166,6 +166,7 @@ class StructureWindow : public WindowTest<frmCreateTable> {
     database_.ConnectionText = text;
     Show(database_, StructureServices{.Help = [this] { ++helped_; },
                                       .OpenText = [this](const std::string& path) -> Result<void> {
+                                        if (!hasEditor_) return Failure("No application opens it");
                                         opened_.push_back(path);
                                         return {};
                                       }});
@@ -173,6 +174,7 @@ class StructureWindow : public WindowTest<frmCreateTable> {
 
   HyetexPlotDB database_{settings_, dialogs_};
   int helped_ = 0;
+  bool hasEditor_ = true;
   std::vector<std::string> opened_;
 };
 
@@ -195,6 +197,10 @@ TEST_F(StructureWindow, ShowsTheTablesAndWritesTheScript) {
   Click(*window_, "cmdOutput");
   EXPECT_THAT(opened_, ElementsAre(folder_ / "script.txt"));
   EXPECT_THAT(ReadFile(folder_ / "script.txt"), HasSubstr("create table CHART(\r\nstation VARCHAR(25),\r\n"));
+  hasEditor_ = false;
+  Click(*window_, "cmdOutput");
+  EXPECT_THAT(desk_.LargeViews, ElementsAre(HasSubstr("script.txt: ")));
+  EXPECT_THAT(desk_.LargeViews[0], HasSubstr("create table CHART("));
   Click(*window_, "cmdCreate");
   EXPECT_EQ(helped_, 1);
   QTest::keyClick(window_.get(), Qt::Key_Escape);

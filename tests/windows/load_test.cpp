@@ -1,6 +1,9 @@
 // The load window: both tabs by the mouse and the keys, on an embedded database.
+#include <QAction>
 #include <QLabel>
 #include <QListView>
+#include <QMainWindow>
+#include <QMenuBar>
 #include <QProgressBar>
 #include <QTabBar>
 #include <QTimer>
@@ -214,6 +217,40 @@ TEST_F(LoadWindow, StopsReadingAFolder) {
   EXPECT_TRUE(window_->isVisible());
   EXPECT_LT(Files().size(), 28U);
   EXPECT_EQ(Text("labNotes"), "The list was stopped before its end.");
+}
+
+// The frame's way out stops the work, says so, and goes on once the work has ended and told what it did.
+TEST_F(LoadWindow, ClosesItsFrameBehindTheWorkThatItStops) {
+  AddInstrument("NM-Hill-1");
+  for (int day = 1; day < 29; ++day) Put("NM-Hill-1", day);
+  QMainWindow frame;
+  QAction& exit = *frame.menuBar()->addMenu("&File")->addAction("E&xit", &frame, [&] { frame.close(); });
+  exit.setMenuRole(QAction::QuitRole);
+  exit.setShortcut(Qt::CTRL | Qt::Key_Q);
+  int others = 0;
+  QAction& other = *frame.menuBar()->addAction("&Other", &frame, [&] { ++others; });
+  other.setShortcut(Qt::CTRL | Qt::Key_O);
+  Open();
+  frame.setCentralWidget(window_.get());
+  frame.show();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&frame));
+  Find(*window_, "lstFile").setFocus();
+  Click(*window_, "cmdAll");
+  std::string told;
+  QTimer::singleShot(0, &frame, [&] {
+    QTest::keyClick(frame.windowHandle(), Qt::Key_O, Qt::ControlModifier);
+    QTest::keyClick(frame.windowHandle(), Qt::Key_O, Qt::AltModifier);
+    QTest::keyClick(frame.windowHandle(), Qt::Key_Q, Qt::ControlModifier);
+    told = Find<QPushButton>(*window_, "cmdStop").text().toStdString();
+  });
+  Click(*window_, "cmdLoad");
+  EXPECT_EQ(told, "Stopping, then the program ends");
+  EXPECT_EQ(others, 0);
+  EXPECT_TRUE(frame.isVisible()) << "not before the routine has ended";
+  ASSERT_FALSE(dialogs_.Boxes.empty());
+  EXPECT_THAT(dialogs_.Boxes[0].Text, HasSubstr("stopped before its end."));
+  EXPECT_TRUE(WaitFor([&] { return !frame.isVisible(); }));
+  frame.takeCentralWidget();
 }
 
 TEST_F(LoadWindow, TellsThatThereIsNoDatabase) {

@@ -6,10 +6,6 @@
 #include <QStyleFactory>
 #include <cstdio>
 
-// The font library keeps what it has read of the machine's fonts to its end.
-extern "C" const char* __lsan_default_suppressions();  // NOLINT
-extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig\n"; }
-
 // Leaves out what the offscreen platform says of every window, and what a machine without a login session
 // says.
 static void ShowMessage(QtMsgType type, const QMessageLogContext& context, const QString& text) {

@@ -204,7 +204,9 @@ TEST_F(FolderTest, HelpOpensThePageThatComesWithTheProgramUnlessASiteIsNamed) {
   Click(*menu, "cmdHelp");  // no browser
   QWidget* view = desk.Window(WindowId::LargeView);
   ASSERT_NE(view, nullptr);
-  EXPECT_TRUE(Find<QPlainTextEdit>(*view, "txtView").toPlainText().contains("Tracing a chart"));
+  const QString words = Find<QPlainTextEdit>(*view, "txtView").toPlainText();
+  EXPECT_TRUE(words.contains("Tracing a chart"));
+  for (const QString& line : words.split('\n')) EXPECT_LE(line.size(), 80) << line.toStdString();
   EXPECT_TRUE(dialogs_.Boxes.empty());
 
   Remember("HelpSite", "https://www.example.org");

@@ -8,6 +8,7 @@
 #include <QTableView>
 #include <QTextBrowser>
 #include <QTimer>
+#include <QToolTip>
 #include <functional>
 
 #include "app/app_desk.h"
@@ -143,6 +144,8 @@ TEST_F(Populating, StepsTheNumbersByKeysAndArrowsAndKeepsHoursAndAlphaOnly) {
     EXPECT_EQ(gmt->text(), refused) << "to be mended";
   }
   EXPECT_EQ(watched_.Boxes.front().Text, "The hours to GMT must be from -14 to 14.");
+  QTest::keyClick(gmt, Qt::Key_Tab);
+  EXPECT_TRUE(WaitFor([] { return QToolTip::isVisible(); })) << "beside the box that was left";
   gmt->setText("-0,5");
   Find<QAbstractButton>(Find(PrePop(), "udnLapse"), "").click();
   EXPECT_EQ(lapse->text(), "1");

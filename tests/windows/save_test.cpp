@@ -21,7 +21,8 @@ class SaveWindow : public WindowTest<frmSave> {
                               [this] {
                                 calls_ += "redigitize ";
                                 return redigitizes_;
-                              }});
+                              },
+                              comment_, [this](std::string comment) { comment_ = std::move(comment); }});
   }
   std::string Label(const char* label) { return Find<QLabel>(*window_, label).text().toStdString(); }
   std::string Text(const char* box) { return Find<QLineEdit>(*window_, box).text().toStdString(); }
@@ -29,7 +30,7 @@ class SaveWindow : public WindowTest<frmSave> {
 
   std::string path_ = folder_ / WeekFile;
   Session session_ = TracedWeek();
-  std::string calls_;
+  std::string calls_, comment_;
   bool redigitizes_ = true;
 };
 
@@ -207,7 +208,8 @@ TEST_F(SaveWindow, AsksAboutDetailsThatAreNotTaken) {
   EXPECT_TRUE(window.isVisible());
   EXPECT_FALSE(FileExists(path_));
   end.setDate(QDate(1998, 3, 11));
-  dialogs_.Answers = {BoxAnswer::Yes};
+  dialogs_.Answers = {BoxAnswer::Cancel, BoxAnswer::Yes};
+  EXPECT_FALSE(window.close());
   Click(window, "cmdSave");
   EXPECT_THAT(ReadFile(path_), testing::HasSubstr("End: 11/03/98 12:30"));
 }
@@ -220,17 +222,22 @@ TEST_F(SaveWindow, ShowsWhatIsOnlyShown) {
     EXPECT_TRUE(box.isReadOnly()) << name;
     EXPECT_EQ(box.palette().color(QPalette::Base), window.palette().color(QPalette::Window)) << name;
     EXPECT_FALSE(box.focusPolicy() & Qt::TabFocus) << name;
+    window.setPalette(QPalette(QColor(45, 48, 52)));
+    EXPECT_EQ(box.palette().color(QPalette::Base), QColor(45, 48, 52)) << name;
+    window.setPalette({});
   }
 }
 
 TEST_F(SaveWindow, GoesBackWithEscapeAndRemembersItsPlace) {
   Open().move(40, 30);
+  Find<QLineEdit>(*window_, "txtComment").setText("pen skipped");
   QTest::keyClick(&Find(*window_, "txtComment"), Qt::Key_Escape);
   EXPECT_FALSE(window_->isVisible());
   EXPECT_EQ(calls_, "enable ");
   EXPECT_FALSE(FileExists(path_));
   EXPECT_EQ(Remembered("frmSave-Left"), "600");
   EXPECT_EQ(Open().pos(), QPoint(40, 30));
+  EXPECT_EQ(Text("txtComment"), "pen skipped");
 }
 
 TEST_F(SaveWindow, SelectsTheWholeCommentOnFocus) {

@@ -1,6 +1,5 @@
 #include "chartfiles/windows/frmComment.h"
 
-#include <QCloseEvent>
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -55,7 +54,7 @@ frmComment::frmComment(Desk& desk, Dialogs& dialogs, Settings& settings,
   cmdClear = button("cmdClear", "C&lear all comments", [this] { target_->Clear(); });
   cmdClear->setVisible(target_->CanClear());
   cmdList = button("cmdList", "&View Comments List", [this] { ShowList(); });
-  cmdCancel = button("cmdCancel", "&Cancel", [this] { close(); });
+  cmdCancel = button("cmdCancel", "&Cancel", [this] { Leave(); });
 
   MakeLayout(udnCode);
   SetKeyButtons(cmdAdd, cmdCancel);
@@ -121,7 +120,7 @@ bool frmComment::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void frmComment::Add() {
-  if (Take()) close();
+  if (Take()) Leave();
 }
 
 bool frmComment::Take() {
@@ -132,14 +131,10 @@ bool frmComment::Take() {
   return !refusal;
 }
 
-void frmComment::closeEvent(QCloseEvent* event) {
-  if (desk_.IsEnding() && !txtComment->text().isEmpty()) {
-    const BoxAnswer answer =
-        dialogs_.MessageBox(OwnTitle, "The comment has not been added. Do you want to add it ?",
-                            BoxButtons::YesNoCancel, BoxIcon::Question);
-    if (answer == BoxAnswer::Cancel || (answer == BoxAnswer::Yes && !Take())) return event->ignore();
-  }
-  FormWindow::closeEvent(event);
+bool frmComment::MayLeave() {
+  return txtComment->text().isEmpty() ||
+         MayCloseAfter(dialogs_, OwnTitle, "The comment has not been added. Do you want to add it ?",
+                       [this] { return Take(); });
 }
 
 void frmComment::ShowList() { desk_.OpenLargeView(ListTitle, CommentListText(userComments_)); }

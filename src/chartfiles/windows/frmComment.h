@@ -22,7 +22,7 @@ class frmComment : public FormWindow {
              std::unique_ptr<CommentTarget> target, QWidget* parent = nullptr);
 
  protected:
-  void closeEvent(QCloseEvent* event) override;
+  bool MayLeave() override;
   void Closing() override;
   void showEvent(QShowEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;

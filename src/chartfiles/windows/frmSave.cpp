@@ -15,6 +15,8 @@ namespace hyetex {
 namespace {
 
 constexpr const char* SavingTitle = "Saving the digitation";
+constexpr const char* PendingQuestion =
+    "The times and depths that have been changed are not yet taken. Do you want to take them ?";
 constexpr int BlinkMilliseconds = 500;
 
 Rgb ToRgb(const QColor& colour) { return {colour.red(), colour.green(), colour.blue()}; }
@@ -30,6 +32,7 @@ frmSave::frmSave(Desk& desk, Dialogs& dialogs, Settings& settings, Session& sess
       callbacks_(std::move(callbacks)) {
   setWindowTitle("Save digitization");
   MakeLayout();
+  txtComment->setText(ToQt(callbacks_.Comment));
 
   timPrompt = new QTimer(this);
   timPrompt->setObjectName("timPrompt");
@@ -134,12 +137,9 @@ void frmSave::MarkPendingDetails() {
 
 bool frmSave::TakesPendingDetails() {
   if (labPending->text().isEmpty()) return true;
-  const BoxAnswer answer = dialogs_.MessageBox(SavingTitle,
-                                               "The times and depths that have been changed are not yet "
-                                               "taken. Do you want to take them ?\n\nNo saves the "
-                                               "chart with those that it had.",
-                                               BoxButtons::YesNoCancel, BoxIcon::Question);
-  return answer == BoxAnswer::No || (answer == BoxAnswer::Yes && ResetDefinitions());
+  return MayCloseAfter(dialogs_, SavingTitle,
+                       std::string(PendingQuestion) + "\n\nNo saves the chart with those that it had.",
+                       [this] { return ResetDefinitions(); });
 }
 
 bool frmSave::SaveFile() {
@@ -169,14 +169,22 @@ bool frmSave::SaveFile() {
 void frmSave::Save() {
   if (!SaveFile()) return;
   const auto newFile = callbacks_.NewFile;
-  close();
+  Leave();
   newFile();
 }
 
 void frmSave::Redigitize() {
-  if (callbacks_.Redigitize()) close();
+  if (callbacks_.Redigitize()) Leave();
 }
 
-void frmSave::Closing() { callbacks_.EnableDesk(); }
+bool frmSave::MayLeave() {
+  return labPending->text().isEmpty() ||
+         MayCloseAfter(dialogs_, SavingTitle, PendingQuestion, [this] { return ResetDefinitions(); });
+}
+
+void frmSave::Closing() {
+  if (callbacks_.KeepComment) callbacks_.KeepComment(FromQt(txtComment->text()));
+  callbacks_.EnableDesk();
+}
 
 }  // namespace hyetex

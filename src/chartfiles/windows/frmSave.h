@@ -25,6 +25,8 @@ struct SaveCallbacks {
   std::function<void()> NewFile;     ///< ends the session, with its question if the chart is not saved
   /// Takes all points away, as the tool of that name does, after its question; false if they stay.
   std::function<bool()> Redigitize;
+  std::string Comment = {};  ///< the digitizer's, as an earlier save window of this chart left it
+  std::function<void(std::string comment)> KeepComment = {};
 };
 
 class frmSave : public FormWindow, public FocusListener {
@@ -42,8 +44,10 @@ class frmSave : public FormWindow, public FocusListener {
   void FocusChanged(bool focused) override;
 
  protected:
+  bool MayLeave() override;
   void Closing() override;
   void showEvent(QShowEvent* event) override;
+  void changeEvent(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
@@ -51,6 +55,8 @@ class frmSave : public FormWindow, public FocusListener {
   void AddDetails(QGridLayout& layout);
   void AddChoices(QGridLayout& layout);
   void ShowOnly(QLineEdit* box);
+  /// In the window's own colour, also after the desktop has gone dark.
+  void ShadeShownOnly();
   void AddRow(QGridLayout& layout, const char* caption, QWidget* buddy, QWidget* shown = nullptr);
   QWidget* MakeButtons();
   QWidget* MakeStepped(QLineEdit*& box, const char* name, double step, std::optional<double> lowest);
@@ -76,7 +82,7 @@ class frmSave : public FormWindow, public FocusListener {
 
   QPlainTextEdit* txtPrompt;
   std::array<QLabel*, 3> labPrompt;
-  QLineEdit *txtEyed, *txtManual, *txtRain, *txtAlpha, *txtComment;
+  QLineEdit *txtEyed, *txtManual, *txtRain = nullptr, *txtAlpha = nullptr, *txtComment;
   DateBox *dtpBeginDate, *dtpEndDate;
   QTimeEdit *dtpBeginTime, *dtpEndTime;
   QComboBox *comRain, *comChart;

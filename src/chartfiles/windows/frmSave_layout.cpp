@@ -96,11 +96,21 @@ void frmSave::AddDetails(QGridLayout& layout) {
 
 // Boxes that nothing is taken from look so, and the Tab key passes them over.
 void frmSave::ShowOnly(QLineEdit* box) {
-  QPalette colours = box->palette();
-  colours.setColor(QPalette::Base, palette().color(QPalette::Window));
-  box->setPalette(colours);
   box->setReadOnly(true);
   box->setFocusPolicy(Qt::ClickFocus);
+  ShadeShownOnly();
+}
+
+void frmSave::ShadeShownOnly() {
+  QPalette colours;
+  colours.setColor(QPalette::Base, palette().color(QPalette::Window));
+  for (QLineEdit* box : {txtRain, txtAlpha})
+    if (box != nullptr) box->setPalette(colours);
+}
+
+void frmSave::changeEvent(QEvent* event) {
+  FormWindow::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange) ShadeShownOnly();
 }
 
 void frmSave::AddChoices(QGridLayout& layout) {
@@ -156,7 +166,7 @@ QWidget* frmSave::MakeButtons() {
   cmdBack->hide();
   cmdNext->hide();
   add(cmdSave, "cmdSave", "&Save Digitization", [this] { Save(); });
-  add(cmdCancel, "cmdCancel", "&Cancel", [this] { close(); });
+  add(cmdCancel, "cmdCancel", "&Cancel", [this] { Leave(); });
   return buttons;
 }
 

@@ -27,37 +27,51 @@ DbResult<std::string> CreateStatement(Connection& connection, const SchemaTable&
   return "CREATE TABLE " + std::string(table.Name) + " (" + columns + ")";
 }
 
-// The table as the catalog spells it, which some databases insist on; as we do where it is still missing.
-DbResult<std::string> Spelled(Connection& connection, std::string_view table) {
-  const auto found = connection.FindTable(table);
-  if (!found) return tl::unexpected(found.error());
-  return found->value_or(std::string(table));
-}
+// A table as the database has it, in names that are ready for a statement; in our own, which no quotes keep
+// from being folded, where it has none.
+struct TableAsItIs {
+  std::string Name;
+  std::vector<CatalogColumn> Columns;
 
-DbResult<bool> HasLoaded(Connection& connection, const std::string& table) {
-  const auto found = connection.FindTable(table);
+  bool Has(std::string_view column) const { return HasName(Columns, column); }
+  std::string Column(const Connection& connection, std::string_view column) const {
+    for (const CatalogColumn& each : Columns)
+      if (EqualIgnoringCase(each.Name, column)) return connection.Quoted(each.Name);
+    return std::string(column);
+  }
+};
+
+DbResult<TableAsItIs> FindAsItIs(Connection& connection, std::string_view name) {
+  const auto found = connection.FindTable(name);
   if (!found) return tl::unexpected(found.error());
-  if (!*found) return false;
-  const auto columns = connection.Columns(table);
+  if (!*found) return TableAsItIs{std::string(name), {}};
+  auto columns = connection.Columns(**found);
   if (!columns) return tl::unexpected(columns.error());
-  return HasName(*columns, column::Loaded);
+  return TableAsItIs{connection.Quoted(**found), *std::move(columns)};
 }
 
 // A search for an instrument compares codes in capitals. Where such an expression can be indexed it leads;
 // elsewhere the time does, which narrows a search to the charts of those days.
 struct IndexDescription {
-  std::string_view Name, Table;
-  std::string_view ByCode, ByTime;  // nothing where no index helps
+  const char *Name, *Table;
+  const char* Time;  // that is looked for beside the code, if any
 };
 constexpr IndexDescription Indexes[] = {
-    {"chart_ascii_by_date", table_name::ChartAscii, "upper(instrument_code_id), chart_date",
-     "chart_date, instrument_code_id"},
-    {"chart_by_time", table_name::Chart, "upper(instrument_code_id), start_time",
-     "start_time, instrument_code_id"},
-    {"chart_conversion_by_date", table_name::Conversion, "upper(instrument_code_id), chart_date",
-     "chart_date, instrument_code_id"},
-    {"instrument_by_code", table_name::Instrument, "upper(instrument_code_id)", ""},
+    {"chart_ascii_by_date", table_name::ChartAscii, column::ChartDate},
+    {"chart_by_time", table_name::Chart, column::StartTime},
+    {"chart_conversion_by_date", table_name::Conversion, column::ChartDate},
+    {"instrument_by_code", table_name::Instrument, nullptr},
 };
+
+// Nothing where no index helps.
+std::string IndexedColumns(const Connection& connection, const TableAsItIs& table, const char* time) {
+  const std::string maker = connection.Maker();
+  const std::string code = table.Column(connection, column::InstrumentCode);
+  const bool indexesExpressions = maker == "SQLite" || maker == "PostgreSQL";
+  if (time == nullptr) return indexesExpressions ? "upper(" + code + ")" : "";
+  const std::string at = table.Column(connection, time);
+  return indexesExpressions ? "upper(" + code + "), " + at : at + ", " + code;
+}
 
 }  // namespace
 
@@ -78,16 +92,14 @@ DbResult<std::vector<SchemaChange>> MissingTables(Connection& connection) {
 DbResult<std::vector<SchemaChange>> MissingCompletion(Connection& connection) {
   if (!connection.IsOpen()) return tl::unexpected(DbError{db_error::NotNow, NotOpen, {}});
   std::vector<SchemaChange> missing;
-  const auto charts = Spelled(connection, table_name::ChartAscii);
+  const auto charts = FindAsItIs(connection, table_name::ChartAscii);
   if (!charts) return tl::unexpected(charts.error());
-  const auto hasLoaded = HasLoaded(connection, *charts);
-  if (!hasLoaded) return tl::unexpected(hasLoaded.error());
-  if (!*hasLoaded) {
+  if (!charts->Has(column::Loaded)) {
     const auto type = connection.TypeWord(ColumnType::Integer, 0);
     if (!type) return tl::unexpected(type.error());
     const std::string column = column::Loaded;
-    missing.push_back(
-        {*charts + "." + column, "ALTER TABLE " + *charts + " ADD COLUMN " + column + " " + *type});
+    missing.push_back({table_name::ChartAscii + ("." + column),
+                       "ALTER TABLE " + charts->Name + " ADD COLUMN " + column + " " + *type});
   }
   const SchemaTable& conversions = ConversionTable();
   const auto book = connection.FindTable(conversions.Name);
@@ -97,16 +109,14 @@ DbResult<std::vector<SchemaChange>> MissingCompletion(Connection& connection) {
     if (!statement) return tl::unexpected(statement.error());
     missing.push_back({std::string(conversions.Name), *std::move(statement)});
   }
-  const std::string maker = connection.Maker();
-  const bool indexesExpressions = maker == "SQLite" || maker == "PostgreSQL";
   for (const IndexDescription& index : Indexes) {
-    const std::string columns(indexesExpressions ? index.ByCode : index.ByTime);
-    if (columns.empty()) continue;
-    const auto table = Spelled(connection, index.Table);
+    const auto table = FindAsItIs(connection, index.Table);
     if (!table) return tl::unexpected(table.error());
-    const std::string name(index.Name);
-    missing.push_back({"index " + name,
-                       "CREATE INDEX IF NOT EXISTS " + name + " ON " + *table + " (" + columns + ")", true});
+    const std::string columns = IndexedColumns(connection, *table, index.Time), name = index.Name;
+    if (!columns.empty())
+      missing.push_back({"index " + name,
+                         "CREATE INDEX IF NOT EXISTS " + name + " ON " + table->Name + " (" + columns + ")",
+                         true});
   }
   return missing;
 }

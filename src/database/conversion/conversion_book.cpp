@@ -1,6 +1,7 @@
 #include "database/conversion/conversion_book.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "core/dates.h"
@@ -12,25 +13,38 @@
 namespace hyetex {
 namespace {
 
-DbResult<std::vector<ConvertedSpan>> ReadSpans(HyetexPlotDB& database, Selection selection) {
-  selection.Columns = {column::ChartDate, column::FirstTime, column::LastTime, column::ConversionNumber};
+// `visit(span)` hears of each one while its row is the current one of the table.
+template <typename Visit>
+DbResult<void> ForEachSpan(HyetexPlotDB& database, Selection selection, Visit&& visit) {
+  selection.Columns = {column::ChartDate, column::FirstTime, column::LastTime, column::ConversionNumber,
+                       column::InstrumentCode};
   if (const auto opened = database.OpenAnyTable(table_name::Conversion, std::move(selection)); !opened)
-    return tl::unexpected(opened.error());
-  std::vector<ConvertedSpan> spans;
+    return opened;
   Recordset& table = database.AnyTable;
-  const auto walked = ForEachRow(table, [&]() -> DbResult<bool> {
+  auto walked = ForEachRow(table, [&]() -> DbResult<bool> {
     DbValue values[4];
     for (int i = 0; i < 4; ++i) {
       auto value = table.Value(i);
       if (!value) return tl::unexpected(value.error());
       values[i] = *std::move(value);
     }
-    spans.push_back({DateOf(values[0]), DateOf(values[1]), DateOf(values[2]),
-                     static_cast<std::int64_t>(NumberOf(values[3]))});
+    const auto visited = visit(ConvertedSpan{DateOf(values[0]), DateOf(values[1]), DateOf(values[2]),
+                                             static_cast<std::int64_t>(NumberOf(values[3]))});
+    if (!visited) return tl::unexpected(visited.error());
     return true;
   });
   table.Close();
-  if (!walked) return tl::unexpected(walked.error());
+  return walked;
+}
+
+DbResult<std::vector<ConvertedSpan>> ReadSpans(HyetexPlotDB& database, Selection selection) {
+  std::vector<ConvertedSpan> spans;
+  const auto read =
+      ForEachSpan(database, std::move(selection), [&](const ConvertedSpan& span) -> DbResult<void> {
+        spans.push_back(span);
+        return {};
+      });
+  if (!read) return tl::unexpected(read.error());
   return spans;
 }
 
@@ -66,36 +80,30 @@ DbResult<std::vector<ConvertedSpan>> ConvertedSpans(HyetexPlotDB& database, cons
   return ReadSpans(database, std::move(selection));
 }
 
-DbResult<ConversionWriter> ConversionWriter::Open(HyetexPlotDB& database, std::string user) {
-  const auto table = database.DatabaseConnection.FindTable(table_name::Conversion);
-  if (!table) return tl::unexpected(table.error());
-  return ConversionWriter(database, std::move(user), table->value_or(table_name::Conversion));
-}
-
 DbResult<void> ConversionWriter::Finish() {
   const std::vector<ChartConversion> charts = std::exchange(waiting_, {});
   if (charts.empty()) return {};
   const std::string code = ShownText(charts.front().InstrumentCode);
-  std::string marks;
-  std::vector<DbValue> parameters{code};
-  for (const ChartConversion& chart : charts) {
-    marks += marks.empty() ? "?" : ", ?";
-    parameters.emplace_back(DbDate{chart.ChartDate});
-  }
+  std::set<std::int64_t> dates;
+  for (const ChartConversion& chart : charts) dates.insert(SecondsOf(chart.ChartDate));
   // Within the transaction, since another program may have converted charts meanwhile.
-  const auto spans = ReadSpans(*database_, OfInstrument(code));
-  if (!spans) return tl::unexpected(spans.error());
   std::int64_t number = 0;
-  for (const ConvertedSpan& span : *spans) number = std::max(number, span.Number);
+  std::vector<RowPlace> old;
+  auto read = ForEachSpan(*database_, OfInstrument(code), [&](const ConvertedSpan& span) -> DbResult<void> {
+    number = std::max(number, span.Number);
+    if (!dates.contains(SecondsOf(span.ChartDate))) return {};
+    auto place = database_->AnyTable.Place();
+    if (!place) return tl::unexpected(place.error());
+    old.push_back(*std::move(place));
+    return {};
+  });
+  if (!read) return read;
   Connection& connection = database_->DatabaseConnection;
-  const auto deleted = connection.Execute("DELETE FROM " + table_ + " WHERE UPPER(" + column::InstrumentCode +
-                                              ") = UPPER(?) AND " + column::ChartDate + " IN (" + marks + ")",
-                                          parameters);
-  if (!deleted) return tl::unexpected(deleted.error());
+  if (auto deleted = Recordset::DeleteRows(connection, table_name::Conversion, old); !deleted) return deleted;
 
   std::vector<std::string> columns;
   for (const SchemaColumn& column : ConversionTable().Columns) columns.emplace_back(column.Name);
-  auto rows = RowWriter::Open(connection, table_, columns);
+  auto rows = RowWriter::Open(connection, table_name::Conversion, columns);
   if (!rows) return tl::unexpected(rows.error());
   const DbDate now{Now()};
   for (const ChartConversion& chart : charts) {

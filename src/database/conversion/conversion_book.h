@@ -45,7 +45,7 @@ DbResult<std::vector<ConvertedSpan>> ConvertedSpans(HyetexPlotDB& database, cons
 /// Writes down the charts of one transaction after another.
 class ConversionWriter {
  public:
-  static DbResult<ConversionWriter> Open(HyetexPlotDB& database, std::string user);
+  ConversionWriter(HyetexPlotDB& database, std::string user) : database_(&database), user_(std::move(user)) {}
   void Add(ChartConversion conversion) { waiting_.push_back(std::move(conversion)); }
   /// Writes down what was added since the last time; each chart's old entry goes.
   DbResult<void> Finish();
@@ -53,11 +53,8 @@ class ConversionWriter {
   void Forget() { waiting_.clear(); }
 
  private:
-  ConversionWriter(HyetexPlotDB& database, std::string user, std::string table)
-      : database_(&database), user_(std::move(user)), table_(std::move(table)) {}
-
   HyetexPlotDB* database_;
-  std::string user_, table_;
+  std::string user_;
   std::vector<ChartConversion> waiting_;
 };
 

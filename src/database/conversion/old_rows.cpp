@@ -74,15 +74,19 @@ bool OldRows::IsFormer(const Span& row, double depth) const {
   });
 }
 
-void OldRows::Look(const ChartRow& row) {
+DbResult<void> OldRows::Look(const ChartRow& row, Recordset& table) {
   const Span span = SpanOf(row.Start, row.End);
-  if (!Holds(looked_, span)) return;
+  if (!Holds(looked_, span)) return {};
   const bool within = std::ranges::any_of(ranges_, [&](const Range& range) { return range.Has(span); });
   const bool alone = !within && (IsEarlier(span) || IsFormer(span, row.Depth.value_or(0)));
-  if (within || alone) rows_.push_back(row);
-  if (alone) outside_.push_back(row);
-  const bool isSlack = ranges_.front().Has(span) && !Holds(asked_, span);
-  wantQuestion_ = wantQuestion_ || alone || (within && !isSlack);
+  if (!within && !alone) return {};
+  auto place = table.Place();
+  if (!place) return tl::unexpected(place.error());
+  rows_.push_back(row);
+  places_.push_back(*std::move(place));
+  const bool isSlack = within && ranges_.front().Has(span) && !Holds(asked_, span);
+  wantQuestion_ = wantQuestion_ || !isSlack;
+  return {};
 }
 
 DbResult<std::vector<OldRows>> OldRows::Find(HyetexPlotDB& database, const std::string& instrumentCode,
@@ -116,7 +120,7 @@ DbResult<std::vector<OldRows>> OldRows::Find(HyetexPlotDB& database, const std::
 
   // No row ends before it starts: the second condition on the start keeps the search from running through all
   // later rows of the instrument.
-  Selection selection{.Columns = {column::StartTime, column::EndTime, column::Depth},
+  Selection selection{.Columns = {column::StartTime, column::EndTime, column::Depth, column::InstrumentCode},
                       .Where = {{column::InstrumentCode, Compare::EqualIgnoringCase, code},
                                 {column::StartTime, Compare::AtLeast, DateAt(from->looked_.Start)},
                                 {column::StartTime, Compare::AtMost, DateAt(to->looked_.End)},
@@ -130,7 +134,8 @@ DbResult<std::vector<OldRows>> OldRows::Find(HyetexPlotDB& database, const std::
       if (!*value) return tl::unexpected(value->error());
     ChartRow row{DateOf(*start), DateOf(*end), {}, {}};
     if (!IsNull(*depth)) row.Depth = NumberOf(*depth);
-    for (OldRows& old : found) old.Look(row);
+    for (OldRows& old : found)
+      if (const auto looked = old.Look(row, table); !looked) return tl::unexpected(looked.error());
     return true;
   });
   table.Close();
@@ -152,41 +157,8 @@ bool OldRows::SameRows(const OldRows& other) const {
              [](const ChartRow& row) { return SpanOf(row.Start, row.End); });
 }
 
-DbResult<std::int64_t> OldRows::Delete(Connection& connection) const {
-  if (rows_.empty()) return 0;
-  // Some databases tell CHART from chart.
-  const auto table = connection.FindTable(table_name::Chart);
-  if (!table) return tl::unexpected(table.error());
-  const std::string start = column::StartTime, end = column::EndTime;
-  const std::string of = "DELETE FROM " + table->value_or(table_name::Chart) + " WHERE upper(" +
-                         column::InstrumentCode + ") = upper(?) AND ";
-  std::int64_t count = 0;
-  const auto run = [&](const std::string& conditions, std::vector<DbValue> parameters) -> DbResult<void> {
-    const auto deleted = connection.Execute(of + conditions, parameters);
-    if (!deleted) return tl::unexpected(deleted.error());
-    count += *deleted;
-    return {};
-  };
-  for (const Range& range : ranges_) {
-    const Span &outer = range.Outer, &inner = range.Inner;
-    if (const auto done = run(start + " >= ? AND " + start + " < ? AND " + end + " <= ? AND (" + end +
-                                  " > ? OR " + start + " >= ?)",
-                              {instrumentCode_, DateAt(outer.Start), DateAt(inner.End), DateAt(outer.End),
-                               DateAt(inner.Start), DateAt(inner.Start)});
-        !done)
-      return tl::unexpected(done.error());
-  }
-  for (const ChartRow& row : outside_) {
-    // Another chart may have a row of just these times.
-    std::string just = start + " = ? AND " + end + " = ?";
-    std::vector<DbValue> values{instrumentCode_, DbDate{row.Start}, DbDate{row.End}};
-    if (row.Depth) {
-      just += std::string(" AND ") + column::Depth + " > ? AND " + column::Depth + " < ?";
-      values.insert(values.end(), {*row.Depth - Same, *row.Depth + Same});
-    }
-    if (const auto done = run(just, std::move(values)); !done) return tl::unexpected(done.error());
-  }
-  return count;
+DbResult<void> OldRows::Delete(Connection& connection) const {
+  return Recordset::DeleteRows(connection, table_name::Chart, places_);
 }
 
 }  // namespace hyetex

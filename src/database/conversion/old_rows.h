@@ -39,15 +39,15 @@ class OldRows {
   /// Whether this chart's old rows cannot be told before the other chart is stored, since that writes or
   /// deletes rows where this one looks.
   bool DependsOn(const OldRows& other) const;
-  /// Gives the number of rows deleted.
-  DbResult<std::int64_t> Delete(Connection& connection) const;
+  /// Deletes just those rows. Fails where one of them is no longer there.
+  DbResult<void> Delete(Connection& connection) const;
 
  private:
   struct Span {
     std::int64_t Start = 0, End = 0;
-    auto operator<=>(const Span&) const = default;
+    auto operator<=>(const Span&) const = default;  // NOLINT(modernize-use-nullptr)
   };
-  // Whose rows a statement deletes: all within `Outer` that reach into `Inner`.
+  // Whose rows all go: those within `Outer` that reach into `Inner`.
   struct Range {
     Span Outer, Inner;
     bool Has(const Span& row) const;
@@ -61,8 +61,8 @@ class OldRows {
   void TakeEarlier(const ConvertedSpan& earlier, std::span<const ConvertedSpan> all);
   bool IsEarlier(const Span& row) const;
   bool IsFormer(const Span& row, double depth) const;
-  /// Takes a row of the table if it is one of the chart's old ones.
-  void Look(const ChartRow& row);
+  /// Takes the table's current row if it is one of the chart's old ones.
+  DbResult<void> Look(const ChartRow& row, Recordset& table);
 
   struct Earlier {
     Range Whole;
@@ -80,7 +80,8 @@ class OldRows {
   std::vector<Earlier> earlier_;   // times of which others have taken a part since
   std::vector<FormerRow> former_;  // none where the earlier conversion is written down
   bool wantQuestion_ = false;
-  std::vector<ChartRow> rows_, outside_;  // all of them, and those in no range
+  std::vector<ChartRow> rows_;
+  std::vector<RowPlace> places_;  // of them
 };
 
 }  // namespace hyetex

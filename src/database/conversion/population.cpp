@@ -12,14 +12,13 @@
 #include "database/conversion/data_log.h"
 #include "database/conversion/record_reader.h"
 #include "database/conversion/record_store.h"
+#include "database/store/chart_ascii.h"
 
 namespace hyetex {
 namespace {
 
-// Charts go in groups, each a transaction: so many that what a statement and a commit cost does not count, so
-// few that the windows do not wait. Charts of a group lie close together, since their old rows are looked for
-// all at once.
-constexpr std::size_t MostCharts = 32, MostTextBytes = 128U << 10;
+// Charts go in groups, each a transaction. Charts of a group lie close together, since their old rows are
+// looked for all at once.
 constexpr double MostDaysBetween = 31;
 
 // Errors that cost no more than the chart at hand: a constraint of the table, and two of a row that is not
@@ -63,7 +62,7 @@ class Conversion {
     }
     log_.StartLog();
     std::vector<ChartToConvert> missing;
-    const auto chosen = reader_.InTableOrder(charts, missing);
+    const auto chosen = reader_.InOrder(charts, missing);
     for (const ChartToConvert& chart : missing)
       store_.Unconvertible(chart.ChartDate, "it is no longer in the database", result_);
     if (!chosen) {
@@ -92,16 +91,16 @@ class Conversion {
       return progress_.Step(static_cast<std::int64_t>(at), static_cast<std::int64_t>(total),
                             "ProcespFilesing record number " + std::to_string(at + 1));
     };
-    std::size_t most = 1, done = 0;
+    ChartGroup group;
+    std::size_t done = 0;
     while (done < total && !gone_ && !result_.Cancelled) {
-      const std::size_t wanted = GroupSize(charts.subspan(done), most);
+      const std::size_t wanted = GroupSize(charts.subspan(done), group.Size());
       std::size_t taken = 0;
       while (taken < wanted && step(done + taken)) ++taken;
       result_.Cancelled = taken < wanted;
       if (taken > 0) Convert(charts.subspan(done, taken));
       done += taken;
-      most =
-          std::clamp<std::size_t>(reader_.TextBytes() > MostTextBytes ? most / 2 : most * 2, 1, MostCharts);
+      group.Took(reader_.TextBytes());
     }
     if (done == total) progress_.Step(static_cast<std::int64_t>(total), static_cast<std::int64_t>(total), "");
     if (!gone_ || done == total) return;

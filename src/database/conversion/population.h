@@ -43,11 +43,11 @@ struct ConversionResult {
   std::vector<std::string> Problems;
 };
 
-/// Converts the chosen charts of one instrument, in the table's order. Asks through `dialogs` before it
-/// replaces rows, and before it converts what is left of a text that was cut off; errors are handled by their
-/// numbers, and the run goes on with the next chart. Refuses hours to GMT that no place on earth has. Where
-/// the database has no table CHART_CONVERSION and a chosen chart was converted before, the operator is told
-/// first that rows of that run may remain.
+/// Converts the chosen charts of one instrument, in the order of their dates. Asks through `dialogs` before
+/// it replaces rows, and before it converts what is left of a text that was cut off; errors are handled by
+/// their numbers, and the run goes on with the next chart. Refuses hours to GMT that no place on earth has.
+/// Where the database has no table CHART_CONVERSION and a chosen chart was converted before, the operator is
+/// told first that rows of that run may remain.
 ConversionResult WriteChartRecords(HyetexPlotDB& database, const ReferenceLists& lists,
                                    const std::string& instrumentCode, std::span<const ChartToConvert> charts,
                                    const ConversionOptions& options, Dialogs& dialogs, Progress& progress);

@@ -12,8 +12,8 @@
 namespace hyetex {
 
 // Without their texts, so that a run over any number of charts needs no more memory than one over few.
-DbResult<std::vector<ChartToConvert>> RecordReader::InTableOrder(std::span<const ChartToConvert> charts,
-                                                                 std::vector<ChartToConvert>& missing) {
+DbResult<std::vector<ChartToConvert>> RecordReader::InOrder(std::span<const ChartToConvert> charts,
+                                                            std::vector<ChartToConvert>& missing) {
   std::vector<ChartToConvert> found;
   Selection selection = ChartAsciiOf(code_);
   selection.Columns = {column::ChartDate};
@@ -41,67 +41,41 @@ DbResult<std::vector<ChartToConvert>> RecordReader::InTableOrder(std::span<const
   table.Close();
   if (!walked) return tl::unexpected(walked.error());
   for (const auto& [second, chart] : open) missing.push_back(*chart);
+  std::ranges::stable_sort(found, {}, [](const ChartToConvert& chart) { return SecondsOf(chart.ChartDate); });
   return found;
 }
 
 DbResult<std::vector<RecordToConvert>> RecordReader::Read(std::span<const ChartToConvert> charts) {
   textBytes_ = 0;
-  std::vector<RecordToConvert> records;
-  Places wanted;
-  Selection::Condition dates{.Column = column::ChartDate, .How = Compare::OneOf};
-  for (std::size_t i = 0; i < charts.size(); ++i) {
-    wanted.emplace(SecondsOf(charts[i].ChartDate), i);
-    dates.Among.emplace_back(DbDate{charts[i].ChartDate});
-  }
-  Selection selection = ChartAsciiOf(code_);
-  selection.Where.push_back(std::move(dates));
-  selection.LongWithRow = true;
-  if (auto read = ReadRecords(std::move(selection), charts, wanted, records); !read)
-    return tl::unexpected(read.error());
-  // A date that is stored in another form, or with a fraction of a second, is none of those to the database.
-  Places left = wanted;
-  for (const RecordToConvert& record : records) left.erase(SecondsOf(record.Chart.ChartDate));
-  if (!left.empty()) {
-    if (auto read = ReadRecords(ChartAsciiOf(code_), charts, left, records); !read)
-      return tl::unexpected(read.error());
-    for (const RecordToConvert& record : records) left.erase(SecondsOf(record.Chart.ChartDate));
-    for (const auto& [second, at] : left) {
-      RecordToConvert& record = records.emplace_back();
-      record.Chart = charts[at];
-      record.Why = "no record with its date is found in the database";
-    }
-  }
-  // A chart that stands twice in the table is converted twice in a row, however charts come to be read
-  // together.
-  std::ranges::stable_sort(records, {}, [&](const RecordToConvert& record) {
-    return wanted.at(SecondsOf(record.Chart.ChartDate));
-  });
-  return records;
-}
-
-DbResult<void> RecordReader::ReadRecords(Selection selection, std::span<const ChartToConvert> charts,
-                                         const Places& wanted, std::vector<RecordToConvert>& records) {
-  selection.Columns = {column::ChartDate, column::InstrumentCode, column::AsciiFile};
-  if (auto opened = database_.OpenChartAscii(std::move(selection)); !opened) return opened;
+  std::vector<Date> dates;
+  for (const ChartToConvert& chart : charts) dates.push_back(chart.ChartDate);
+  // A chart that stands twice in the table is converted twice in a row, always in the same order, which no
+  // database promises for its records.
+  std::vector<std::multimap<std::string, RecordToConvert>> found(charts.size());
   Recordset& table = database_.ChartAsciiTable;
-  auto walked = ForEachRow(table, [&]() -> DbResult<bool> {
-    const auto date = table.Value(0);
-    if (!date) return tl::unexpected(date.error());
-    const auto chart = wanted.find(SecondsOf(DateOf(*date)));
-    if (chart == wanted.end()) return true;
+  const auto read = ForEachRecordOf(database_, code_, dates, [&](std::size_t chart) -> DbResult<void> {
     auto place = table.Place();
     if (!place) return tl::unexpected(place.error());
-    const auto text = ChartAsciiText(table, MostChartBytes);
+    auto text = ChartAsciiText(table, MostChartBytes);
     if (!text) return tl::unexpected(text.error());
     textBytes_ += text->size();
-    RecordToConvert& record = records.emplace_back();
-    record.Chart = charts[chart->second];
+    RecordToConvert record;
+    record.Chart = charts[chart];
     record.Place = *std::move(place);
     Convert(*text, record);
-    return true;
+    found[chart].emplace(*std::move(text), std::move(record));
+    return {};
   });
-  table.Close();
-  return walked;
+  if (!read) return tl::unexpected(read.error());
+  std::vector<RecordToConvert> records;
+  for (std::size_t i = 0; i < charts.size(); ++i) {
+    for (auto& [text, record] : found[i]) records.push_back(std::move(record));
+    if (!found[i].empty()) continue;
+    RecordToConvert& record = records.emplace_back();
+    record.Chart = charts[i];
+    record.Why = "no record with its date is found in the database";
+  }
+  return records;
 }
 
 void RecordReader::Convert(const std::string& text, RecordToConvert& record) {

@@ -38,9 +38,10 @@ class RecordReader {
                std::span<const StationRecord> stations, const ComputationVariables& variables)
       : database_(database), code_(instrumentCode), stations_(stations), variables_(variables) {}
 
-  /// The chosen charts in the table's order, and behind them in `missing` those that it does not hold.
-  DbResult<std::vector<ChartToConvert>> InTableOrder(std::span<const ChartToConvert> charts,
-                                                     std::vector<ChartToConvert>& missing);
+  /// The chosen charts in the order of their dates, and in `missing` those that the table does not hold. Of
+  /// charts that overlap the later one counts, whatever order a database keeps its records in.
+  DbResult<std::vector<ChartToConvert>> InOrder(std::span<const ChartToConvert> charts,
+                                                std::vector<ChartToConvert>& missing);
   /// Whether one of them was converted before, as far as the table marks it.
   bool AnyIsLoaded() const { return anyIsLoaded_; }
   /// The records of some charts, read by one statement: one a chart, but for a table that holds it twice.
@@ -49,10 +50,6 @@ class RecordReader {
   std::size_t TextBytes() const { return textBytes_; }
 
  private:
-  using Places = std::map<std::int64_t, std::size_t>;  // of charts among those to read, by their seconds
-
-  DbResult<void> ReadRecords(Selection selection, std::span<const ChartToConvert> charts,
-                             const Places& wanted, std::vector<RecordToConvert>& records);
   void Convert(const std::string& text, RecordToConvert& record);
 
   HyetexPlotDB& database_;

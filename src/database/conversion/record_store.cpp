@@ -32,11 +32,7 @@ DbResult<void> RecordStore::Open() {
   hasMark_ = *hasMark;
   const auto hasBook = HasConversionBook(database_.DatabaseConnection);
   if (!hasBook) return tl::unexpected(hasBook.error());
-  if (*hasBook) {
-    auto book = ConversionWriter::Open(database_, options_.User);
-    if (!book) return tl::unexpected(book.error());
-    book_.emplace(*std::move(book));
-  }
+  if (*hasBook) book_.emplace(database_, options_.User);
   auto writer = ChartWriter::Open(database_.DatabaseConnection);
   if (!writer) return tl::unexpected(writer.error());
   writer_.emplace(*std::move(writer));
@@ -79,9 +75,8 @@ DbResult<void> RecordStore::StoreOne(const RecordToConvert& record, ConversionRe
   if (hasRows_) log_.LogLine("Deleted records for ");
   for (const ChartRow& row : record.Old->Rows())
     log_.LogLine(DateText(row.Start) + " to " + DateText(row.End));
-  const auto deleted = record.Old->Delete(database_.DatabaseConnection);
-  if (!deleted) return tl::unexpected(deleted.error());
-  log_.LogLine(std::to_string(*deleted) + " records deleted from DB");
+  if (auto deleted = record.Old->Delete(database_.DatabaseConnection); !deleted) return deleted;
+  log_.LogLine(std::to_string(record.Old->Rows().size()) + " records deleted from DB");
 
   const std::vector<ChartRow>& rows = record.Rows.Rows;
   if (log_.IsKept())

@@ -43,8 +43,8 @@ std::string CodeNote(std::string_view code, std::string_view why) {
 
 class Synchronising {
  public:
-  Synchronising(HyetexPlotDB& database, ReferenceLists& lists, Dialogs& dialogs)
-      : database_(database), lists_(lists), dialogs_(dialogs) {}
+  Synchronising(HyetexPlotDB& database, ReferenceLists& lists, Dialogs& dialogs, Progress& progress)
+      : database_(database), lists_(lists), dialogs_(dialogs), progress_(progress) {}
 
   /// Whether there was a database to work on.
   Synchronised Run() {
@@ -174,9 +174,8 @@ class Synchronising {
 
   DbResult<void> Add(const StationRecord& added, Date start) {
     const std::string code = ShownText(added.InstrumentCode), key = StationKey(code);
-    UnwatchedProgress progress;
     auto transaction =
-        Transaction::BeginWriting(database_.DatabaseConnection, table_name::Instrument, progress);
+        Transaction::BeginWriting(database_.DatabaseConnection, table_name::Instrument, progress_);
     if (!transaction) return tl::unexpected(transaction.error());
 
     std::vector<std::string> cut;
@@ -224,7 +223,7 @@ class Synchronising {
   }
 
   // A new row; texts that their column cannot hold are cut to its width and named in `cut`.
-  static DbResult<void> Store(Recordset& table, std::vector<std::pair<int, DbValue>> values,
+  static DbResult<void> Store(Recordset& table, std::vector<std::pair<int, DbValue>>&& values,
                               std::vector<std::string>& cut) {
     if (auto row = table.AddNew(); !row) return row;
     for (auto& [column, value] : values) {
@@ -266,6 +265,7 @@ class Synchronising {
   HyetexPlotDB& database_;
   ReferenceLists& lists_;
   Dialogs& dialogs_;
+  Progress& progress_;
 
   std::set<std::string> inDatabase_;  // instrument codes, as they are compared
   int taken_ = 0;
@@ -290,8 +290,8 @@ std::optional<Date> ConvertStartDate(std::string_view typed) {
 }
 
 Synchronised Synchronise(HyetexPlotDB& database, ReferenceLists& lists, const std::string& programFolder,
-                         Dialogs& dialogs) {
-  const Synchronised done = Synchronising(database, lists, dialogs).Run();
+                         Dialogs& dialogs, Progress& progress) {
+  const Synchronised done = Synchronising(database, lists, dialogs, progress).Run();
   if (done == Synchronised::Not) return done;
   const auto saved = SaveLists(programFolder, lists);
   if (saved) return done;

@@ -28,7 +28,8 @@ enum class Synchronised {
 /// Goes through the database and the lists in both directions, tells what has changed and saves the lists. A
 /// database error ends it there: it is shown, and what has been added by then stays. One instrument and its
 /// station are added together or not at all. What the lists or the tables cannot hold is left out and told.
+/// `progress` hears of waits for another program that writes.
 Synchronised Synchronise(HyetexPlotDB& database, ReferenceLists& lists, const std::string& programFolder,
-                         Dialogs& dialogs);
+                         Dialogs& dialogs, Progress& progress);
 
 }  // namespace hyetex

@@ -1,10 +1,13 @@
 #include "database/store/extracting.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <optional>
 #include <set>
+#include <span>
 #include <utility>
+#include <vector>
 
 #include "core/dates.h"
 #include "core/files.h"
@@ -74,24 +77,51 @@ class Extractor {
     return walked && !result_.Report.Cancelled;
   }
 
+  struct Stored {
+    std::string Code;
+    Date Start = 0;
+  };
+
+  // Which charts there are is read first, then some of them at a time: in SQLite nobody can write while a
+  // result is read, and files take their time.
   DbResult<void> WalkRecords(std::string_view code) {
+    const auto charts = ChartsOf(code);
+    if (!charts) return tl::unexpected(charts.error());
+    ChartGroup group;
+    std::span<const Stored> open = *charts;
+    while (!open.empty() && !result_.Report.Cancelled) {
+      const std::size_t most = std::min(open.size(), group.Size());
+      std::size_t count = 1;
+      while (count < most && open[count].Code == open[0].Code) ++count;
+      textBytes_ = 0;
+      if (auto taken = TakeCharts(open.first(count)); !taken) return taken;
+      group.Took(textBytes_);
+      open = open.subspan(count);
+    }
+    return {};
+  }
+
+  // Those of an instrument, or all, in the table's order; each once.
+  DbResult<std::vector<Stored>> ChartsOf(std::string_view code) {
+    std::vector<Stored> charts;
+    std::set<ChartKey> known;
     Selection selection = code.empty() ? Selection() : ChartAsciiOf(code);
-    selection.Columns = {column::InstrumentCode, column::ChartDate, column::AsciiFile};
-    selection.LongWithRow = true;  // another program may replace the record meanwhile
-    if (auto opened = database_.OpenChartAscii(std::move(selection)); !opened) return opened;
+    selection.Columns = {column::InstrumentCode, column::ChartDate};
+    if (const auto opened = database_.OpenChartAscii(std::move(selection)); !opened)
+      return tl::unexpected(opened.error());
     Recordset& table = database_.ChartAsciiTable;
-    return ForEachRow(table, [&]() -> DbResult<bool> {
+    const auto walked = ForEachRow(table, [&]() -> DbResult<bool> {
       const auto stored = table.Value(0), date = table.Value(1);
       if (!stored) return tl::unexpected(stored.error());
       if (!date) return tl::unexpected(date.error());
       const ChartKey key(TextOf(*stored), DateOf(*date));
-      if (chosenOnly_ && !IsWanted(key)) return true;
-      result_.Report.Cancelled = !progress_.Step(done_++, total_, name_);
-      if (result_.Report.Cancelled) return false;
-      const auto taken = TakeRecord(key, TextOf(*stored) + " " + GeneralDateText(DateOf(*date)));
-      if (!taken) return tl::unexpected(taken.error());
+      if ((!chosenOnly_ || IsWanted(key)) && known.insert(key).second)
+        charts.push_back({TextOf(*stored), DateOf(*date)});
       return true;
     });
+    table.Close();
+    if (!walked) return tl::unexpected(walked.error());
+    return charts;
   }
 
   bool IsWanted(const ChartKey& key) const {
@@ -99,21 +129,41 @@ class Extractor {
     return found != wanted_.end() && found->first.first == key;
   }
 
-  DbResult<void> TakeRecord(const ChartKey& key, const std::string& record) {
-    const auto text = ChartAsciiText(database_.ChartAsciiTable, MostTextBytes);
-    if (!text) return tl::unexpected(text.error());
-    const StoredText stored = SplitStoredText(*text);
+  DbResult<void> TakeCharts(std::span<const Stored> charts) {
+    std::vector<Date> dates;
+    for (const Stored& chart : charts) dates.push_back(chart.Start);
+    std::vector<std::vector<std::string>> texts(charts.size());
+    const auto read =
+        ForEachRecordOf(database_, charts[0].Code, dates, [&](std::size_t chart) -> DbResult<void> {
+          auto text = ChartAsciiText(database_.ChartAsciiTable, MostTextBytes);
+          if (!text) return tl::unexpected(text.error());
+          textBytes_ += text->size();
+          texts[chart].push_back(*std::move(text));
+          return {};
+        });
+    if (!read) return read;
+    for (std::size_t i = 0; i < charts.size(); ++i) {
+      result_.Report.Cancelled = !progress_.Step(done_++, total_, name_);
+      if (result_.Report.Cancelled) break;
+      for (const std::string& text : texts[i]) TakeText(charts[i], text);
+    }
+    return {};
+  }
+
+  void TakeText(const Stored& chart, const std::string& text) {
+    const StoredText stored = SplitStoredText(text);
+    const ChartKey key(chart.Code, chart.Start);
     if (const auto wanted = wanted_.find({key, UpperAscii(stored.FileName)}); wanted != wanted_.end())
       wanted->second = true;
     else if (chosenOnly_)
-      return {};
+      return;
     name_ = stored.FileName;
     auto why = CheckStoredName(stored.FileName);
-    if (text->size() > MostTextBytes)
+    if (text.size() > MostTextBytes)
       why = "its text is longer than " + std::to_string(MostTextBytes) + " bytes";
     if (!why) why = Write(stored);
+    const std::string record = chart.Code + " " + GeneralDateText(chart.Start);
     if (why) result_.Report.Refused.push_back(Named(stored.FileName, record) + ": " + *why);
-    return {};
   }
 
   std::optional<std::string> Write(const StoredText& stored) {
@@ -149,6 +199,7 @@ class Extractor {
   std::set<std::string> names_;  // that were written, in capitals
   std::string name_;
   std::int64_t done_ = 0, total_ = 0;
+  std::size_t textBytes_ = 0;  // that were read last
 };
 
 }  // namespace

@@ -19,8 +19,8 @@ struct ExtractResult {
 };
 
 /// Writes the files of the listed records into the folder, which is made when it is missing; what stands
-/// there under their names is replaced. No more than one text is in memory. A name that would lead out of the
-/// folder is refused, and so is a link that stands there under the name.
+/// there under their names is replaced. No more than a few texts are in memory. A name that would lead out of
+/// the folder is refused, and so is a link that stands there under the name.
 ExtractResult ExtractFiles(HyetexPlotDB& database, std::span<const FileSummary> rows,
                            const std::string& folder, Progress& progress);
 /// The same for all records of an instrument, or of all where no code is given.

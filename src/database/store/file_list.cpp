@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <set>
 
@@ -44,16 +43,6 @@ Result<std::vector<std::string>> ChartNames(const std::string& folder, Progress&
   if (error) return Failure("The folder " + folder + " cannot be read: " + error.message());
   std::sort(names.begin(), names.end());
   return names;
-}
-
-// Enough to tell a chart file; other files may have any length.
-std::optional<std::string> FirstBytes(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::string bytes(512, '\0');
-  file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  if (!file && !file.eof()) return std::nullopt;
-  bytes.resize(static_cast<std::size_t>(file.gcount()));
-  return bytes;
 }
 
 DbResult<FileSummary> ReadRecord(Recordset& table, bool hasLoaded, std::span<const StationRecord> stations,
@@ -105,7 +94,7 @@ Result<FileList> ReadFolder(const std::string& folder, std::span<const StationRe
       break;
     }
     const std::string path = JoinPath(folder, name);
-    const auto first = FirstBytes(path);
+    const auto first = ReadFirstBytes(path, BytesThatTellAChart);
     if (first && !BeginsAsChart(*first)) continue;
     if (list.Files.size() == MostListed) {
       list.Notes.push_back(TooMany("folder"));

@@ -31,8 +31,10 @@ LoadResult LoadFiles(HyetexPlotDB& database, const ReferenceLists& lists, std::s
 /// The number of files, and what else there is to tell.
 std::string LoadMessage(const LoadResult& result);
 
-/// Moves files into the folder, which is made when it is missing. No file takes another's place. Fails with
-/// the message to show at the first file that cannot be moved.
+/// Moves files into the folder, which is made when it is missing. No file takes another's place. Onto another
+/// file system a file is copied and flushed before it is removed here: who is killed in between leaves it in
+/// both places, and the next move of it, which finds its own bytes there, ends the work. Fails with the
+/// message to show at the first file that cannot be moved.
 Result<void> MoveFilesAfterLoading(std::span<const std::string> paths, const std::string& folder,
                                    Progress& progress);
 

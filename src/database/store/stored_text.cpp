@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "chartfiles/chart_text.h"
 #include "core/dates.h"
 #include "core/files.h"
 #include "core/text.h"
@@ -30,6 +31,9 @@ std::optional<std::string> CheckStoredName(std::string_view name) {
   if (name.size() > 1 && name[1] == ':') return "the name leads to another drive";
   if (std::any_of(name.begin(), name.end(), [](char c) { return (c >= 0 && c < ' ') || c == 127; }))
     return "the name holds control characters";
+  const auto parsed = ParseChartFileName(name);
+  if (!parsed || Trim(parsed->InstrumentCode).empty())
+    return "the name is not of a chart file's form, CODE-YYYYMMDD-HHMM.dat";
   return std::nullopt;
 }
 
@@ -37,7 +41,9 @@ bool BeginsAsChart(std::string_view bytes) {
   return UpperAscii(bytes.substr(0, bytes.find('\n'))).find("HYETEX88") != std::string::npos;
 }
 
-std::string ComparedCode(std::string_view code) { return UpperAscii(ShownText(code)); }
+std::string ComparedCode(std::string_view code) {
+  return UpperAscii(ShownText(code.substr(0, code.find_last_not_of(' ') + 1)));
+}
 
 ChartKey::ChartKey(std::string_view code, Date start) : Code(ComparedCode(code)), Second(SecondsOf(start)) {}
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <compare>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -23,14 +24,18 @@ struct StoredText {
 };
 StoredText SplitStoredText(std::string_view text);
 
-/// Why a file of this name is neither stored nor written: it is no plain name, but leads to another folder or
-/// drive, or it holds control characters. Nothing if it is one.
+/// Why a file of this name is neither stored nor written: it leads to another folder or drive, holds control
+/// characters, or is not "CODE-YYYYMMDD-HHMM.dat", so that no other file of an operator is ever taken for a
+/// chart or replaced by one. Nothing if it is a chart file's.
 std::optional<std::string> CheckStoredName(std::string_view name);
 
 /// Whether the text is a chart file's: its first line holds "HYETEX88", in any case.
 bool BeginsAsChart(std::string_view bytes);
+/// Enough of a file for that; other files may have any length.
+inline constexpr std::size_t BytesThatTellAChart = 512;
 
-/// An instrument code as codes are compared: as the letters that its bytes show, without regard to case.
+/// An instrument code as codes are compared: as the letters that its bytes show, without regard to case or to
+/// blanks behind it, which a column of fixed width adds.
 std::string ComparedCode(std::string_view code);
 
 /// What makes two records the same chart: the instrument code, and the start to the second.
@@ -40,7 +45,7 @@ struct ChartKey {
 
   std::string Code;
   std::int64_t Second = 0;
-  auto operator<=>(const ChartKey&) const = default;
+  auto operator<=>(const ChartKey&) const = default;  // NOLINT(modernize-use-nullptr)
 };
 
 }  // namespace hyetex

@@ -137,9 +137,11 @@ void frmCreateTable::Output() {
   const auto tables = Show();
   if (!tables) return;
   const std::string path = JoinPath(settings_.Folder(), ScriptFileName);
-  auto done = WriteWholeFile(path, StructureScript(*tables));
-  if (done) done = services_.OpenText(path);
-  if (!done) dialogs_.MessageBox(FromQt(windowTitle()), done.error(), BoxButtons::Ok, BoxIcon::Warning);
+  const std::string script = StructureScript(*tables);
+  if (const auto written = WriteWholeFile(path, script); !written)
+    dialogs_.MessageBox(FromQt(windowTitle()), written.error(), BoxButtons::Ok, BoxIcon::Warning);
+  else if (!services_.OpenText(path))
+    desk_.OpenLargeView(path, script);  // the system has no editor
 }
 
 }  // namespace hyetex

@@ -26,20 +26,23 @@ frmODBCLogon::frmODBCLogon(Desk& desk, Dialogs& dialogs, Settings& settings, Hye
   MakeLayout({cmdOK, cmdCancel, nullptr, cmdCreateDB, cmdNewFile, cmdOther});
 
   connect(cmdOK, &QPushButton::clicked, this, [this] {
-    if (Take()) close();
+    if (Take()) Leave();
   });
-  connect(cmdCancel, &QPushButton::clicked, this, &QWidget::close);
+  connect(cmdCancel, &QPushButton::clicked, this, &frmODBCLogon::Leave);
   connect(cmdCreateDB, &QPushButton::clicked, this, [this] {
     if (Take()) desk_.Open(WindowId::CreateTable);
   });
   connect(cmdNewFile, &QPushButton::clicked, this, &frmODBCLogon::NewDatabaseFile);
   connect(cmdOther, &QPushButton::clicked, this, [this] {
     desk_.Open(WindowId::Logon);
-    close();
+    Leave();
   });
 
   FillLists(ConnectionText(settings_.Get(setting::DatabaseName)).Find("DSN").value_or(""));
+  TakeAsChosen();
 }
+
+std::string frmODBCLogon::Choice() const { return FromQt(cboDSNList->currentText()); }
 
 bool frmODBCLogon::Take() {
   // A connection that names no data source shows as none, and stays what it is until one is chosen.
@@ -49,6 +52,7 @@ bool frmODBCLogon::Take() {
   const auto taken = keeps ? KeepConnection(database_, settings_, stored)
                            : TakeDataSource(database_, settings_, FromQt(cboDSNList->currentText()));
   if (!taken) return Tell(taken.error()), false;
+  TakeAsChosen();
   emit Chosen();
   return true;
 }

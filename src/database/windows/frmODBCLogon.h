@@ -5,7 +5,7 @@
 
 namespace hyetex {
 
-class frmODBCLogon : public LogonForm {
+class frmODBCLogon final : public LogonForm {
   Q_OBJECT
 
  public:
@@ -13,8 +13,9 @@ class frmODBCLogon : public LogonForm {
                QWidget* parent = nullptr);
 
  private:
-  /// Makes the shown data source the database's; tells why that cannot be.
-  bool Take();
+  /// A data source has its values itself.
+  std::string Choice() const override;
+  bool Take() override;
   void NewDatabaseFile();
 
   QPushButton *cmdOK, *cmdCancel, *cmdCreateDB, *cmdNewFile, *cmdOther;

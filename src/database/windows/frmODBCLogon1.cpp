@@ -23,9 +23,12 @@ frmODBCLogon1::frmODBCLogon1(Desk& desk, Dialogs& dialogs, Settings& settings, H
   note->setWordWrap(true);
   static_cast<QFormLayout*>(frmValues->layout())->addRow(note);
 
-  connect(cmdOK, &QPushButton::clicked, this, &frmODBCLogon1::Ok);
+  connect(cmdOK, &QPushButton::clicked, this, [this] {
+    if (Take()) Leave();
+  });
   connect(cmdCancel, &QPushButton::clicked, this, &QWidget::close);
   ShowStored();
+  TakeAsChosen();
 }
 
 // All but the password, which is not for the next to sit here.
@@ -41,13 +44,14 @@ void frmODBCLogon1::ShowStored() {
   txtDatabase->setText(ToQt(value("Database")));
 }
 
-void frmODBCLogon1::Ok() {
+bool frmODBCLogon1::Take() {
   QApplication::setOverrideCursor(Qt::BusyCursor);
   const auto done = Logon(database_, settings_, Values());
   QApplication::restoreOverrideCursor();
-  if (!done) return Tell(done.error());
+  if (!done) return Tell(done.error()), false;
+  TakeAsChosen();
   emit Chosen();
-  close();
+  return true;
 }
 
 }  // namespace hyetex

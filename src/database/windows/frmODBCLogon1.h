@@ -6,7 +6,7 @@
 
 namespace hyetex {
 
-class frmODBCLogon1 : public LogonForm {
+class frmODBCLogon1 final : public LogonForm {
   Q_OBJECT
 
  public:
@@ -15,7 +15,7 @@ class frmODBCLogon1 : public LogonForm {
 
  private:
   void ShowStored();
-  void Ok();
+  bool Take() override;
 
   QPushButton *cmdOK, *cmdCancel;
 };

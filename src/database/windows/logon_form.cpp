@@ -91,6 +91,12 @@ LogonValues LogonForm::Values() const {
           .Database = FromQt(txtDatabase->text())};
 }
 
+bool LogonForm::MayLeave() {
+  return Choice() == chosen_ || MayCloseAfter(dialogs_, FromQt(windowTitle()),
+                                              "The connection has not been taken. Do you want to take it ?",
+                                              [this] { return Take(); });
+}
+
 void LogonForm::Tell(const std::string& text) {
   dialogs_.MessageBox(FromQt(windowTitle()), text, BoxButtons::Ok, BoxIcon::Warning);
 }

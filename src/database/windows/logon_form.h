@@ -33,6 +33,13 @@ class LogonForm : public FormWindow {
   /// Adds drivers that have no data source to their list.
   void AddDrivers(const std::vector<std::string>& drivers);
   LogonValues Values() const;
+  /// What the operator chooses in this window, as one text.
+  virtual std::string Choice() const { return LogonText(Values()); }
+  /// From now on the choice is the one that the window shows at this moment: only another one is asked about.
+  void TakeAsChosen() { chosen_ = Choice(); }
+  /// Makes the choice the database's; tells why that cannot be.
+  virtual bool Take() = 0;
+  bool MayLeave() override;
   void Tell(const std::string& text);
 
   Dialogs& dialogs_;
@@ -41,6 +48,9 @@ class LogonForm : public FormWindow {
   QComboBox *cboDSNList, *cboDrivers;
   QLineEdit *txtServer, *txtUID, *txtPWD, *txtDatabase;
   QGroupBox* frmValues;
+
+ private:
+  std::string chosen_;
 };
 
 }  // namespace hyetex

@@ -90,7 +90,7 @@ void frmHyetex::StartSession() {
 // The board's place comes before the first size, so that the view it is brought into is the right one.
 void frmHyetex::RestoreLayout() {
   const TabletExtents& tablet = session_.Line.Scales().Tablet;
-  machine_.Layout = DefaultDeskLayout(tablet, sizeHint().height() * UnitsPerPixel);
+  machine_.Layout = DefaultDeskLayout(tablet, frmHyetex::sizeHint().height() * UnitsPerPixel);
   const std::string place = settings_.Get(setting::BoardPlace);
   if (const double left = LeadingNumber(place); left != 0) {
     const std::size_t comma = place.find(',');

@@ -84,7 +84,9 @@ void mdiHyetex::MakeMenus() {
   mnuNew->setShortcut(QKeySequence::New);
   mnuSave = AddItem(mnuFile, "mnuSave", "&Save Digitation", tell([](SessionCommands& c) { c.SaveFile(); }));
   mnuSave->setShortcut(QKeySequence::Save);
-  AddItem(mnuFile, "mnuExit", "E&xit", [this] { emit ExitChosen(); })->setShortcut(Qt::CTRL | Qt::Key_Q);
+  QAction* exit = AddItem(mnuFile, "mnuExit", "E&xit", [this] { close(); });
+  exit->setShortcut(Qt::CTRL | Qt::Key_Q);
+  exit->setMenuRole(QAction::QuitRole);
 
   mnuView = AddMenu("mnuView", "&View");
   AddItem(mnuView, "mnuToolBox", "&ToolBox", tell([](SessionCommands& c) { c.ShowBoard(); }));

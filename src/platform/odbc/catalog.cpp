@@ -40,18 +40,23 @@ std::int64_t NumberIn(const CatalogRow& row, std::size_t column) {
   return static_cast<std::int64_t>(LeadingNumber(row[column]));
 }
 
-// Where tables are looked for whose name stands alone.
-struct Place {
-  std::string Catalog, Schema;
+// Where the database looks for tables whose name stands alone: in one catalog, and in these schemas one after
+// the other; an empty name stands for all there are.
+struct Places {
+  std::string Catalog;
+  std::vector<std::string> Schemas{""};
 };
-DbResult<Place> CurrentPlace(const std::shared_ptr<OdbcLink>& link) {
-  if (link->Maker() == DatabaseMaker::SQLite) return Place();
-  if (link->Maker() != DatabaseMaker::PostgreSQL) return Place{link->Info(SQL_DATABASE_NAME), {}};
-  static const std::string sql = "SELECT current_schema()";
+DbResult<Places> SearchedPlaces(const std::shared_ptr<OdbcLink>& link) {
+  if (link->Maker() == DatabaseMaker::SQLite) return Places();
+  if (link->Maker() != DatabaseMaker::PostgreSQL) return Places{.Catalog = link->Info(SQL_DATABASE_NAME)};
+  static const std::string sql =
+      "SELECT name FROM unnest(current_schemas(false)) WITH ORDINALITY AS path (name, place) ORDER BY place";
   const auto rows =
       ReadAnswer(link, 1, [](SQLHSTMT handle) { return SQLExecDirect(handle, SqlText(sql), SQL_NTS); });
   if (!rows) return tl::unexpected(rows.error());
-  return Place{{}, rows->empty() ? std::string() : rows->front()[1]};
+  Places places{.Catalog = {}, .Schemas = {}};
+  for (const CatalogRow& row : *rows) places.Schemas.push_back(row[1]);
+  return places;
 }
 
 // A pattern that a catalog function takes: nothing for an empty text.
@@ -118,19 +123,31 @@ ColumnType TypeOf(SQLSMALLINT sql) {
   }
 }
 
+// SQLite's driver tells of nothing where another program's lock keeps it from reading.
+DbResult<void> CheckReadable(const std::shared_ptr<OdbcLink>& link) {
+  if (link->Maker() != DatabaseMaker::SQLite) return {};
+  auto probe = Statement::Prepared(link, "SELECT COUNT(*) FROM sqlite_master");
+  if (!probe) return tl::unexpected(probe.error());
+  if (auto asked = probe->Execute(); !asked) return asked;
+  if (const auto read = probe->Fetch(); !read) return tl::unexpected(read.error());
+  return {};
+}
+
 DbResult<std::vector<TableColumn>> ReadColumns(const std::shared_ptr<OdbcLink>& link,
-                                               const std::string& table) {
-  const auto place = CurrentPlace(link);
-  if (!place) return tl::unexpected(place.error());
-  const std::string pattern = AsPattern(*link, table);
+                                               const CatalogTable& table) {
+  const std::string catalog =
+      link->Maker() == DatabaseMaker::Other ? link->Info(SQL_DATABASE_NAME) : std::string();
+  const std::string name = AsPattern(*link, table.Name), schema = AsPattern(*link, table.Schema);
   const auto rows = ReadAnswer(link, 7, [&](SQLHSTMT handle) {
-    return SQLColumns(handle, PatternOrNull(place->Catalog), SQL_NTS, PatternOrNull(place->Schema), SQL_NTS,
-                      SqlText(pattern), SQL_NTS, nullptr, 0);
+    return SQLColumns(handle, PatternOrNull(catalog), SQL_NTS, PatternOrNull(schema), SQL_NTS, SqlText(name),
+                      SQL_NTS, nullptr, 0);
   });
   if (!rows) return tl::unexpected(rows.error());
+  if (rows->empty())
+    if (const auto readable = CheckReadable(link); !readable) return tl::unexpected(readable.error());
   std::vector<TableColumn> columns;
   for (const CatalogRow& row : *rows) {
-    if (row[3] != table) continue;
+    if (row[3] != table.Name) continue;
     TableColumn& column = columns.emplace_back();
     column.SqlType = static_cast<SQLSMALLINT>(NumberIn(row, 5));
     column.Shown.Name = row[4];
@@ -145,14 +162,15 @@ DbResult<std::vector<TableColumn>> ReadColumns(const std::shared_ptr<OdbcLink>& 
 
 // SQLite's driver names a unique column before the row's own number, though it may hold NULL many times; and
 // tables may have been made without such numbers.
+constexpr const char* RowNumber = "_ROWID_";
 bool HasRowNumbers(const std::shared_ptr<OdbcLink>& link, const std::string& quotedTable) {
   auto statement = Statement::Make(link);
-  const std::string sql = "SELECT _ROWID_ FROM " + quotedTable;
+  const std::string sql = std::string("SELECT ") + RowNumber + " FROM " + quotedTable;
   return statement && SQL_SUCCEEDED(SQLPrepare(statement->Handle(), SqlText(sql), SQL_NTS));
 }
 
 DbResult<std::vector<TableColumn>> ReadIdentity(const std::shared_ptr<OdbcLink>& link,
-                                                const CatalogTable& table, const std::string& quotedTable) {
+                                                const CatalogTable& table, TableShape& shape) {
   if (table.Type != "TABLE") return std::vector<TableColumn>();
   const auto own = [](const char* name, SQLSMALLINT type) {
     TableColumn column;
@@ -162,19 +180,37 @@ DbResult<std::vector<TableColumn>> ReadIdentity(const std::shared_ptr<OdbcLink>&
     return std::vector<TableColumn>{column};
   };
   if (link->Maker() == DatabaseMaker::PostgreSQL) return own("ctid", SQL_VARCHAR);
-  if (link->Maker() == DatabaseMaker::SQLite && HasRowNumbers(link, quotedTable))
-    return own("_ROWID_", SQL_BIGINT);
+  const bool sqlite = link->Maker() == DatabaseMaker::SQLite;
+  if (sqlite && HasRowNumbers(link, shape.Name)) {
+    shape.HasRowNumbers = true;
+    return own(RowNumber, SQL_BIGINT);
+  }
+  // A table of SQLite that has no row numbers has a primary key.
+  constexpr std::size_t keyColumn = 4, rowIdColumn = 2;
   const auto rows = ReadAnswer(link, 5, [&](SQLHSTMT handle) {
-    return SQLSpecialColumns(handle, SQL_BEST_ROWID, nullptr, 0, nullptr, 0, SqlText(table.Name), SQL_NTS,
-                             SQL_SCOPE_CURROW, SQL_NO_NULLS);
+    return sqlite ? SQLPrimaryKeys(handle, nullptr, 0, nullptr, 0, SqlText(table.Name), SQL_NTS)
+                  : SQLSpecialColumns(handle, SQL_BEST_ROWID, nullptr, 0, nullptr, 0, SqlText(table.Name),
+                                      SQL_NTS, SQL_SCOPE_CURROW, SQL_NO_NULLS);
   });
   if (!rows) return tl::unexpected(rows.error());
   std::vector<TableColumn> identity;
   for (const CatalogRow& row : *rows) {
-    TableColumn& column = identity.emplace_back();
-    column.Shown.Name = link->Quoted(row[2]);
-    column.SqlType = static_cast<SQLSMALLINT>(NumberIn(row, 3));
-    column.Shown.Size = NumberIn(row, 5);
+    const std::string& name = row[sqlite ? keyColumn : rowIdColumn];
+    TableColumn column;
+    if (const auto known = shape.Find(name)) {
+      column = shape.Columns[*known];
+    } else {
+      column.SqlType = static_cast<SQLSMALLINT>(NumberIn(row, 3));
+      column.Shown.Size = NumberIn(row, 5);
+    }
+    column.Shown.Name = link->Quoted(name);
+    // A time finds its row again only in the form in which it is stored.
+    if (sqlite && KindOfType(column.SqlType) == ValueKind::Time) column.SqlType = SQL_VARCHAR;
+    constexpr std::int64_t widestKey = 255;
+    if (KindOfType(column.SqlType) == ValueKind::Text &&
+        (column.Shown.Size < 32 || column.Shown.Size > widestKey))
+      column.Shown.Size = widestKey;
+    identity.push_back(std::move(column));
   }
   return identity;
 }
@@ -201,22 +237,37 @@ std::optional<std::size_t> TableShape::Find(std::string_view column) const {
 }
 
 DbResult<std::vector<CatalogTable>> ReadTables(const std::shared_ptr<OdbcLink>& link) {
-  const auto place = CurrentPlace(link);
-  if (!place) return tl::unexpected(place.error());
-  const auto rows = ReadAnswer(link, 4, [&](SQLHSTMT handle) {
-    return SQLTables(handle, PatternOrNull(place->Catalog), SQL_NTS, PatternOrNull(place->Schema), SQL_NTS,
-                     nullptr, 0, nullptr, 0);
-  });
-  if (!rows) return tl::unexpected(rows.error());
+  const auto places = SearchedPlaces(link);
+  if (!places) return tl::unexpected(places.error());
   std::vector<CatalogTable> tables;
-  for (const CatalogRow& row : *rows) tables.push_back({row[3], row[4]});
+  for (const std::string& schema : places->Schemas) {
+    const std::string pattern = AsPattern(*link, schema);
+    const auto rows = ReadAnswer(link, 4, [&](SQLHSTMT handle) {
+      return SQLTables(handle, PatternOrNull(places->Catalog), SQL_NTS, PatternOrNull(pattern), SQL_NTS,
+                       nullptr, 0, nullptr, 0);
+    });
+    if (!rows) return tl::unexpected(rows.error());
+    const std::size_t before = tables.size();
+    for (const CatalogRow& row : *rows) {
+      if (!schema.empty() && row[2] != schema) continue;
+      const bool hidden =
+          std::any_of(tables.begin(), tables.begin() + static_cast<std::ptrdiff_t>(before),
+                      [&](const CatalogTable& table) { return EqualIgnoringCase(table.Name, row[3]); });
+      if (!hidden) tables.push_back({row[3], row[4], schema});
+    }
+  }
+  if (tables.empty())
+    if (const auto readable = CheckReadable(link); !readable) return tl::unexpected(readable.error());
   return tables;
 }
 
 DbResult<std::vector<CatalogKey>> ReadKeys(const std::shared_ptr<OdbcLink>& link, const std::string& table) {
-  const auto place = CurrentPlace(link);
-  if (!place) return tl::unexpected(place.error());
-  SQLCHAR *const catalog = PatternOrNull(place->Catalog), *const schema = PatternOrNull(place->Schema);
+  const auto found = FindCatalogTable(link, table);
+  if (!found) return tl::unexpected(found.error());
+  const std::string place =
+      link->Maker() == DatabaseMaker::Other ? link->Info(SQL_DATABASE_NAME) : std::string();
+  const std::string schemaName = *found ? (*found)->Schema : std::string();
+  SQLCHAR *const catalog = PatternOrNull(place), *const schema = PatternOrNull(schemaName);
   const auto primary = ReadAnswer(link, 6, [&](SQLHSTMT handle) {
     return SQLPrimaryKeys(handle, catalog, SQL_NTS, schema, SQL_NTS, SqlText(table), SQL_NTS);
   });
@@ -250,20 +301,14 @@ DbResult<TableShape> ReadTableShape(const std::shared_ptr<OdbcLink>& link, std::
   if (const auto known = link->Shapes.find(table); known != link->Shapes.end()) return *known->second;
   const auto found = FindCatalogTable(link, table);
   if (!found) return tl::unexpected(found.error());
-  // SQLite's driver tells of no tables where another program's lock keeps it from reading them.
-  if (!*found && link->Maker() == DatabaseMaker::SQLite) {
-    auto probe = Statement::Prepared(link, "SELECT name FROM sqlite_master WHERE 0");
-    if (!probe) return tl::unexpected(probe.error());
-    if (const auto read = probe->Execute(); !read) return tl::unexpected(read.error());
-  }
   if (!*found)
     return OdbcFailure(db_error::StatementFailed, "The database has no table " + std::string(table));
   TableShape shape;
   shape.Name = link->Quoted((*found)->Name);
-  auto columns = ReadColumns(link, (*found)->Name);
+  auto columns = ReadColumns(link, **found);
   if (!columns) return tl::unexpected(columns.error());
   shape.Columns = std::move(*columns);
-  auto identity = ReadIdentity(link, **found, shape.Name);
+  auto identity = ReadIdentity(link, **found, shape);
   if (!identity) return tl::unexpected(identity.error());
   shape.Identity = std::move(*identity);
   link->Shapes[std::string(table)] = std::make_shared<const TableShape>(shape);

@@ -23,6 +23,7 @@ struct TableShape {
   std::vector<TableColumn> Columns;
   /// What tells one row from all others, ready to stand in a statement; empty where the database has none.
   std::vector<TableColumn> Identity;
+  bool HasRowNumbers = false;  ///< the identity is one number that ascends with the rows
 
   std::optional<std::size_t> Find(std::string_view column) const;
 };

@@ -13,10 +13,6 @@
 namespace hyetex {
 namespace {
 
-tl::unexpected<DbError> NotOpen() {
-  return OdbcFailure(db_error::RecordsetClosed, "The connection is closed");
-}
-
 constexpr std::chrono::seconds LongestWait{60};
 constexpr std::chrono::milliseconds BetweenTries{100};
 
@@ -45,19 +41,33 @@ DbResult<bool> TakeWriteLock(const std::shared_ptr<OdbcLink>& link, const std::s
   return true;
 }
 
-// While SQLite's own wait lasts nobody can cancel.
-class ShortWait {
+// Waits for others, with a sign of life, as long as the operator does and no longer than it says.
+class LockWait {
  public:
-  explicit ShortWait(const std::shared_ptr<OdbcLink>& link) : link_(link) { Set("PRAGMA busy_timeout=50"); }
-  ShortWait(const ShortWait&) = delete;
-  ShortWait& operator=(const ShortWait&) = delete;
-  ~ShortWait() { Set("PRAGMA busy_timeout=5000"); }
+  LockWait(std::shared_ptr<OdbcLink> link, Progress& progress) : link_(std::move(link)), progress_(progress) {
+    link_->WaitForLocks(true);
+  }
+  LockWait(const LockWait&) = delete;
+  LockWait& operator=(const LockWait&) = delete;
+  ~LockWait() { link_->WaitForLocks(false); }
+
+  /// Gives the reason to wait no longer.
+  DbResult<void> Next() {
+    const auto waited =
+        std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start_);
+    if (waited >= LongestWait)
+      return OdbcFailure(db_error::Locked, "Another program has been using the database for " +
+                                               std::to_string(LongestWait.count()) + " seconds");
+    if (!progress_.Step(waited.count(), LongestWait.count(), Transaction::Waiting))
+      return OdbcFailure(db_error::Cancelled, "Stopped while another program was using the database");
+    std::this_thread::sleep_for(BetweenTries);
+    return {};
+  }
 
  private:
-  void Set(const std::string& sql) {
-    if (link_->Maker() == DatabaseMaker::SQLite) (void)Run(link_, sql);
-  }
-  const std::shared_ptr<OdbcLink>& link_;
+  std::shared_ptr<OdbcLink> link_;
+  Progress& progress_;
+  const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 
 bool LeavesTables(std::string_view sql) {
@@ -96,12 +106,12 @@ void Connection::Close() {
 }
 
 DbResult<std::vector<CatalogTable>> Connection::Tables() {
-  if (!IsOpen()) return NotOpen();
+  if (!IsOpen()) return ConnectionIsClosed();
   return ReadTables(link_);
 }
 
 DbResult<std::vector<CatalogColumn>> Connection::Columns(std::string_view table) {
-  if (!IsOpen()) return NotOpen();
+  if (!IsOpen()) return ConnectionIsClosed();
   const auto shape = ReadTableShape(link_, table);
   if (!shape) return tl::unexpected(shape.error());
   std::vector<CatalogColumn> columns;
@@ -110,24 +120,28 @@ DbResult<std::vector<CatalogColumn>> Connection::Columns(std::string_view table)
 }
 
 DbResult<std::vector<CatalogKey>> Connection::Keys(std::string_view table) {
-  if (!IsOpen()) return NotOpen();
+  if (!IsOpen()) return ConnectionIsClosed();
   return ReadKeys(link_, std::string(table));
 }
 
 DbResult<std::optional<std::string>> Connection::FindTable(std::string_view name) {
-  if (!IsOpen()) return NotOpen();
+  if (!IsOpen()) return ConnectionIsClosed();
   const auto table = FindCatalogTable(link_, name);
   if (!table) return tl::unexpected(table.error());
   return *table ? std::optional((*table)->Name) : std::nullopt;
 }
 
+std::string Connection::Quoted(std::string_view name) const {
+  return IsOpen() ? link_->Quoted(name) : std::string(name);
+}
+
 DbResult<std::string> Connection::TypeWord(ColumnType type, std::int64_t size) {
-  if (!IsOpen()) return NotOpen();
+  if (!IsOpen()) return ConnectionIsClosed();
   return TypeWordFor(link_, type, size);
 }
 
 DbResult<std::int64_t> Connection::Execute(std::string_view sql, std::span<const DbValue> parameters) {
-  if (!IsOpen()) return NotOpen();
+  if (!IsOpen()) return ConnectionIsClosed();
   const std::string text(sql);
   std::vector<Parameter> values(parameters.size());
   for (std::size_t i = 0; i < values.size(); ++i) values[i].Set(parameters[i], link_->Maker());
@@ -136,7 +150,7 @@ DbResult<std::int64_t> Connection::Execute(std::string_view sql, std::span<const
   if (const auto bound = statement->Bind(values); !bound) return tl::unexpected(bound.error());
   link_->KeepResults();
   const auto done = statement->Check(SQLExecDirect(statement->Handle(), SqlText(text), SQL_NTS));
-  if (!LeavesTables(text)) link_->Shapes.clear();
+  if (!LeavesTables(text)) link_->ForgetTables();
   if (!done) return tl::unexpected(done.error());
   return statement->RowCount();
 }
@@ -149,24 +163,24 @@ bool Connection::IsLost(const DbError& error) {
 
 std::string Connection::Maker() const { return IsOpen() ? link_->MakerName() : std::string(); }
 
-Transaction::Transaction(std::shared_ptr<OdbcLink> link) : link_(std::move(link)) {}
+Transaction::Transaction(std::shared_ptr<OdbcLink> link, Progress* progress)
+    : link_(std::move(link)), progress_(progress) {}
 Transaction::Transaction(Transaction&&) noexcept = default;
 Transaction::~Transaction() {
   if (link_ != nullptr) link_->RollBack();
 }
 
 DbResult<Transaction> Transaction::Begin(Connection& connection) {
-  if (!connection.IsOpen()) return NotOpen();
+  if (!connection.IsOpen()) return ConnectionIsClosed();
   if (const auto begun = connection.link_->Begin(); !begun) return tl::unexpected(begun.error());
   return Transaction(connection.link_);
 }
 
 DbResult<Transaction> Transaction::BeginWriting(Connection& connection, std::string_view table,
                                                 Progress& progress) {
-  if (!connection.IsOpen()) return NotOpen();
+  if (!connection.IsOpen()) return ConnectionIsClosed();
   const auto& link = connection.link_;
-  const auto start = std::chrono::steady_clock::now();
-  const ShortWait shortWait(link);
+  LockWait wait(link, progress);
   while (true) {
     auto locked = [&]() -> DbResult<bool> {
       const auto shape = ReadTableShape(link, table);
@@ -176,23 +190,24 @@ DbResult<Transaction> Transaction::BeginWriting(Connection& connection, std::str
       if (const auto begun = link->Begin(); !begun) return tl::unexpected(begun.error());
       return TakeWriteLock(link, name);
     }();
-    if (locked && *locked) return Transaction(link);
+    if (locked && *locked) return Transaction(link, &progress);
     link->RollBack();
     if (!locked) return tl::unexpected(locked.error());
-    const auto waited =
-        std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start);
-    if (waited >= LongestWait)
-      return OdbcFailure(db_error::Locked, "Another program has been writing to the database for " +
-                                               std::to_string(LongestWait.count()) + " seconds");
-    if (!progress.Step(waited.count(), LongestWait.count(), "waiting for another program"))
-      return OdbcFailure(db_error::Cancelled, "Stopped while another program was writing to the database");
-    std::this_thread::sleep_for(BetweenTries);
+    if (const auto next = wait.Next(); !next) return tl::unexpected(next.error());
   }
 }
 
 DbResult<void> Transaction::Commit() {
   if (link_ == nullptr) return OdbcFailure(db_error::NotNow, "The transaction has ended");
-  return std::exchange(link_, nullptr)->Commit();
+  const auto link = std::exchange(link_, nullptr);
+  if (progress_ == nullptr) return link->Commit();
+  LockWait wait(link, *progress_);
+  DbResult<void> waited;
+  auto done = link->Commit([&] {
+    waited = wait.Next();
+    return waited.has_value();
+  });
+  return waited ? done : waited;
 }
 
 }  // namespace hyetex

@@ -18,7 +18,8 @@ class OdbcLink;
 
 struct CatalogTable {
   std::string Name;
-  std::string Type;  ///< "TABLE", "VIEW", "SYSTEM TABLE"...
+  std::string Type;    ///< "TABLE", "VIEW", "SYSTEM TABLE"...
+  std::string Schema;  ///< where the database has more than one
 };
 
 /// The types that our tables are made of, by their numbers in a desktop database's catalog.
@@ -64,7 +65,8 @@ class Connection {
   bool IsOpen() const;
   void Close();
 
-  /// The tables, views and system tables, in the catalog's order.
+  /// The tables, views and system tables that a statement finds by their names alone, in the catalog's order,
+  /// the schemas in the order in which the database searches them.
   DbResult<std::vector<CatalogTable>> Tables();
   /// The columns in their order; fails on a table that the catalog does not have.
   DbResult<std::vector<CatalogColumn>> Columns(std::string_view table);
@@ -76,8 +78,12 @@ class Connection {
   /// database lacks a type the next wider one stands in.
   DbResult<std::string> TypeWord(ColumnType type, std::int64_t size);
 
-  /// Runs one statement; gives the number of rows that it changed. Names in it must come from the catalog or
-  /// from our own tables; all values travel as parameters, marked "?".
+  /// The name of a table or column as the catalog spells it, ready to stand in a statement.
+  std::string Quoted(std::string_view name) const;
+
+  /// Runs one statement; gives the number of rows that it changed. A name in it is one that is to be made, or
+  /// Quoted() as the catalog has it; all values travel as parameters, marked "?". Rows are read, changed and
+  /// deleted through Recordset and RowWriter, which know names, codes and times by themselves.
   DbResult<std::int64_t> Execute(std::string_view sql, std::span<const DbValue> parameters = {});
 
   /// After an error, outside a transaction: whether the connection itself is gone, so that only a new one can
@@ -98,10 +104,14 @@ class Connection {
 /// in it rolls back, and Commit() then fails with that error.
 class Transaction {
  public:
+  /// What progress hears while another program is waited for, with the seconds of the wait as its steps.
+  static constexpr std::string_view Waiting = "waiting for another program";
+
   static DbResult<Transaction> Begin(Connection& connection);
   /// Begins as the only one of our programs that writes, so that what is read in it stays true until its end.
   /// Waits up to 60 seconds for another, telling `progress` meanwhile: then Locked, or Cancelled where the
-  /// operator waits no longer. `table` is one that will be written to. To be called while no result is open.
+  /// operator waits no longer. Commit() waits like this for readers of SQLite's file, so `progress` lives as
+  /// long as the transaction. `table` is one that will be written to. To be called while no result is open.
   static DbResult<Transaction> BeginWriting(Connection& connection, std::string_view table,
                                             Progress& progress);
   ~Transaction();  ///< rolls back what was not committed
@@ -110,8 +120,9 @@ class Transaction {
   DbResult<void> Commit();
 
  private:
-  explicit Transaction(std::shared_ptr<OdbcLink> link);
+  explicit Transaction(std::shared_ptr<OdbcLink> link, Progress* progress = nullptr);
   std::shared_ptr<OdbcLink> link_;
+  Progress* progress_;  // that hears of waits
 };
 
 }  // namespace hyetex

@@ -39,14 +39,15 @@ constexpr DriverOption DriverOptions[] = {
     {"SQLITE", "StepAPI", "1"},
     {"SQLITE", "FKSupport", "1"},
     {"SQLITE", "NoCreat", "1"},
-    {"SQLITE", "Timeout", "5000"},
+    {"SQLITE", "Timeout", "100"},  // the link waits itself
     {"PSQL", "UseDeclareFetch", "1"},
     {"PSQL", "Fetch", "1000"},
     {"PSQL", "ByteaAsLongVarBinary", "1"},
-    {"PSQL", "Protocol",
-     "7.4-0"},  // no savepoint before each statement: the first error ends our transactions
+    {"PSQL", "Protocol", "7.4-0"},  // no savepoint before each statement: the first error ends our
+                                    // transactions
     {"MAODBC", "Charset", "utf8mb4"},
-    {"MAODBC", "OPTION", "2"},  // count the rows that an update found, not only those that it changed
+    {"MAODBC", "OPTION", "2"},  // count the rows that an update found, not
+                                // only those that it changed
 };
 
 constexpr std::string_view Hidden = "***";

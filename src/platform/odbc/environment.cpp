@@ -1,12 +1,9 @@
 #include "platform/odbc/environment.h"
 
-#include <sql.h>
-#include <sqlext.h>
-
 #include <array>
-#include <cstdint>
 
 #include "core/text.h"
+#include "platform/odbc/odbc_link.h"
 
 namespace hyetex {
 namespace {
@@ -17,10 +14,7 @@ class Environment {
   Environment() {
     if (!SQL_SUCCEEDED(::SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &handle_))) handle_ = SQL_NULL_HENV;
     if (handle_ == SQL_NULL_HENV) return;
-    // The interface wants a number in the place of a pointer.
-    // NOLINTNEXTLINE(performance-no-int-to-ptr)
-    ::SQLSetEnvAttr(handle_, SQL_ATTR_ODBC_VERSION,
-                    reinterpret_cast<SQLPOINTER>(std::uintptr_t{SQL_OV_ODBC3}), 0);
+    ::SQLSetEnvAttr(handle_, SQL_ATTR_ODBC_VERSION, SqlNumber(SQL_OV_ODBC3), 0);
   }
   ~Environment() {
     if (handle_ != SQL_NULL_HENV) ::SQLFreeHandle(SQL_HANDLE_ENV, handle_);

@@ -1,7 +1,9 @@
 #include "platform/odbc/odbc_link.h"
 
+#include <algorithm>
 #include <array>
 
+#include "core/numbers.h"
 #include "platform/odbc/connection_text.h"
 
 namespace hyetex {
@@ -33,6 +35,8 @@ std::int32_t NumberOfState(std::string_view state, SQLINTEGER native, DatabaseMa
 DbResult<void> OdbcLink::Open(std::string_view connectionText) {
   Close();
   ConnectionText text(connectionText);
+  const double wait = LeadingNumber(text.Find("Timeout").value_or("5000"));
+  lockWait_ = std::to_string(static_cast<int>(std::clamp(wait, 0.0, 1e9)));
   text.AddDriverOptions();
   passwords_ = text.Passwords();
 
@@ -67,6 +71,7 @@ DbResult<void> OdbcLink::Open(std::string_view connectionText) {
   quote_ = Info(SQL_IDENTIFIER_QUOTE_CHAR);
   if (quote_ == " ") quote_.clear();
   if (maker_ == DatabaseMaker::PostgreSQL) Run(PostgresSettings);
+  WaitForLocks(false);
   return {};
 }
 
@@ -77,7 +82,7 @@ void OdbcLink::Close() {
   }
   open_ = false;
   lost_.reset();
-  Shapes.clear();
+  ForgetTables();
   if (connection_ != SQL_NULL_HDBC) SQLFreeHandle(SQL_HANDLE_DBC, connection_);
   if (environment_ != SQL_NULL_HENV) SQLFreeHandle(SQL_HANDLE_ENV, environment_);
   connection_ = SQL_NULL_HDBC;
@@ -98,7 +103,7 @@ std::string OdbcLink::Quoted(std::string_view name) const {
 }
 
 DbResult<void> OdbcLink::Ready() const {
-  if (!open_) return OdbcFailure(db_error::RecordsetClosed, "The connection is closed");
+  if (!open_) return ConnectionIsClosed();
   if (lost_) return tl::unexpected(*lost_);
   if (failed_) return tl::unexpected(*failed_);
   return {};
@@ -136,6 +141,9 @@ DbError OdbcLink::Fail(DbError error) {
     UndoAll();
   } else if (!inTransaction_) {
     EndWork(maker_ == DatabaseMaker::PostgreSQL);
+    // The driver's own transaction around a result would refuse all that follows. After a ROLLBACK the driver
+    // would take other results for closed that the server keeps.
+    if (!lost_ && maker_ == DatabaseMaker::PostgreSQL) Run("COMMIT");
   }
   return error;
 }
@@ -157,9 +165,15 @@ void OdbcLink::EndWork(bool undone) {
 // close it.
 void OdbcLink::UndoAll() {
   EndWork(true);
-  Shapes.clear();
+  ForgetTables();
   if (maker_ != DatabaseMaker::PostgreSQL || !Run("ROLLBACK"))
     SQLEndTran(SQL_HANDLE_DBC, connection_, SQL_ROLLBACK);
+}
+
+// The driver's own wait, which no statement changes, is kept short by its option Timeout.
+void OdbcLink::WaitForLocks(bool shortly) {
+  if (maker_ == DatabaseMaker::SQLite)
+    Run("PRAGMA busy_timeout=" + (shortly ? std::string("50") : lockWait_));
 }
 
 void OdbcLink::KeepResults() {
@@ -169,6 +183,7 @@ void OdbcLink::KeepResults() {
 }
 
 DbResult<void> OdbcLink::SetAutocommit(bool on) {
+  ++turns_;
   const SQLRETURN result =
       SQLSetConnectAttr(connection_, SQL_ATTR_AUTOCOMMIT,
                         SqlNumber(on ? SQL_AUTOCOMMIT_ON : SQL_AUTOCOMMIT_OFF), SQL_IS_UINTEGER);
@@ -186,11 +201,14 @@ DbResult<void> OdbcLink::Begin() {
   return {};
 }
 
-DbResult<void> OdbcLink::Commit() {
+DbResult<void> OdbcLink::Commit(const std::function<bool()>& waitsOn) {
   if (!inTransaction_) return OdbcFailure(db_error::NotNow, "No transaction is open on this connection");
   DbResult<void> result = Ready();
-  if (result && !SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, connection_, SQL_COMMIT)))
-    result = tl::unexpected(Fail(SQL_HANDLE_DBC, connection_));
+  while (result && !SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, connection_, SQL_COMMIT))) {
+    DbError error = ErrorOf(SQL_HANDLE_DBC, connection_);
+    if (maker_ == DatabaseMaker::SQLite && IsLocked(error) && waitsOn && waitsOn()) continue;
+    result = tl::unexpected(Fail(std::move(error)));
+  }
   if (result) EndWork(false);
   EndTransaction();
   return result;

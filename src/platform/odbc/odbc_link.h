@@ -5,6 +5,7 @@
 #include <sql.h>
 #include <sqlext.h>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -45,20 +46,36 @@ class OdbcLink {
 
   bool InTransaction() const { return inTransaction_; }
   DbResult<void> Begin();
-  DbResult<void> Commit();
+  /// `waitsOn` is asked where a reader still holds SQLite's file: the transaction stands, and is tried again
+  /// as long as it says so.
+  DbResult<void> Commit(const std::function<bool()>& waitsOn = {});
   void RollBack();
 
   /// Becomes true when what is being read or written now is lost by a rollback. Whoever holds it has a result
   /// open, or rows that wait.
   std::shared_ptr<const bool> Undone() const { return undone_; }
+  /// How long SQLite waits for a lock before a statement fails: shortly, or as long as the connection text
+  /// says; other databases have a limit of their own.
+  /// Nobody can cancel while it waits.
+  void WaitForLocks(bool shortly);
   /// To be called ahead of a statement that changes something. Outside a transaction PostgreSQL's driver
   /// keeps open results in one of its own; the first failed statement would end them, as if they had no more
   /// rows.
   void KeepResults();
 
+  /// How often a transaction has begun or ended. SQLite's driver then ends results that it has not read
+  /// whole.
+  std::uint64_t Turns() const { return turns_; }
+
   /// What the catalog has told of tables so far, by the names that were asked for: asking takes longer than
   /// writing a chart's rows. A statement that may change a table empties it.
   std::map<std::string, std::shared_ptr<const TableShape>, std::less<>> Shapes;
+  /// Which columns hold which codes with blanks behind them.
+  std::map<std::string, bool, std::less<>> HasPadded;
+  void ForgetTables() {
+    Shapes.clear();
+    HasPadded.clear();
+  }
 
  private:
   DbError ErrorOf(SQLSMALLINT type, SQLHANDLE handle) const;
@@ -73,8 +90,10 @@ class OdbcLink {
   bool open_ = false;
   DatabaseMaker maker_ = DatabaseMaker::Other;
   std::string makerName_, quote_;
+  std::string lockWait_;  ///< SQLite's, in milliseconds
   std::vector<std::string> passwords_;
   bool inTransaction_ = false;
+  std::uint64_t turns_ = 0;
   std::shared_ptr<bool> undone_ = std::make_shared<bool>(false);
   std::optional<DbError> lost_;    ///< why the server is gone
   std::optional<DbError> failed_;  ///< why the transaction was rolled back before its end
@@ -82,6 +101,9 @@ class OdbcLink {
 
 inline tl::unexpected<DbError> OdbcFailure(std::int32_t number, std::string description) {
   return tl::unexpected(DbError{number, std::move(description), {}});
+}
+inline tl::unexpected<DbError> ConnectionIsClosed() {
+  return OdbcFailure(db_error::RecordsetClosed, "The connection is closed");
 }
 /// A number where the interface takes numbers as pointers.
 inline SQLPOINTER SqlNumber(std::uintptr_t value) {

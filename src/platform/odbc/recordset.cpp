@@ -13,7 +13,7 @@ Recordset::Recordset(Recordset&&) noexcept = default;
 Recordset& Recordset::operator=(Recordset&&) noexcept = default;
 
 DbResult<Recordset> Recordset::Open(Connection& connection, std::string_view table, Selection selection) {
-  if (!connection.IsOpen()) return OdbcFailure(db_error::RecordsetClosed, "The connection is closed");
+  if (!connection.IsOpen()) return ConnectionIsClosed();
   auto state = std::make_unique<State>();
   state->Link = connection.link_;
   auto shape = ReadTableShape(state->Link, table);

@@ -19,17 +19,18 @@
 
 namespace hyetex {
 
-/// EqualIgnoringCase asks for UPPER(column) = UPPER(value), for which a database may have an index;
-/// OneOfIgnoringCase the same for several values.
-enum class Compare { Equal, EqualIgnoringCase, AtLeast, AtMost, OneOf, OneOfIgnoringCase };
+/// EqualIgnoringCase asks for UPPER(column) = UPPER(value), for which a database may have an index. Blanks
+/// behind a text do not count there, since columns of fixed width add them.
+enum class Compare { Equal, EqualIgnoringCase, AtLeast, AtMost, OneOf };
 
-/// Which rows and columns to ask the database for. Names are looked up in the catalog without regard to case.
+/// Which rows and columns to ask the database for. Names are looked up in the catalog without regard to case;
+/// times are compared to the second, whatever their form.
 struct Selection {
   struct Condition {
     std::string Column;
     Compare How = Compare::Equal;
     DbValue Wanted = {};
-    std::vector<DbValue> Among = {};  ///< of the OneOf kinds: at least one, none of them NULL
+    std::vector<DbValue> Among = {};  ///< of OneOf: at least one, none of them NULL
   };
   std::vector<std::string> Columns = {};  ///< none: all
   std::vector<Condition> Where = {};      ///< all must hold
@@ -38,9 +39,9 @@ struct Selection {
   bool LongWithRow = false;
 };
 
-/// What finds a row again for as long as nobody changes it: a condition with its values.
+/// What finds a row again for as long as nobody changes it: columns, ready for a statement, and their values.
 struct RowPlace {
-  std::string Sql;
+  std::vector<std::string> Columns;
   std::vector<DbValue> Values;
   std::vector<std::int16_t> Types;  ///< of the values, by ODBC's numbers
 };
@@ -90,6 +91,9 @@ class Recordset {
   /// more, or one stands for several that are alike.
   static DbResult<void> SetInRows(Connection& connection, std::string_view table, std::string_view column,
                                   const DbValue& value, std::span<const RowPlace> rows);
+  /// Deletes some rows of a table, which fails in the same way.
+  static DbResult<void> DeleteRows(Connection& connection, std::string_view table,
+                                   std::span<const RowPlace> rows);
   /// Deletes the current row; the next move goes on behind it.
   DbResult<void> Delete();
 

@@ -1,4 +1,5 @@
 // Adding, changing and deleting rows of a recordset.
+#include <algorithm>
 #include <utility>
 
 #include "platform/odbc/recordset.h"
@@ -59,34 +60,58 @@ DbResult<RowPlace> Recordset::Place() {
   return state_->Rows->CurrentRow();
 }
 
+namespace {
+
+// Older SQLite takes at most 999 parameters, and no expression may be too deep.
+constexpr std::size_t MostValues = 900, MostRowsAtOnce = 200;
+
+// Runs a statement for some rows, as many at once as a driver takes, with `given` ahead of what finds them.
+DbResult<void> ChangeRows(const std::shared_ptr<OdbcLink>& link, const std::string& sql,
+                          const std::vector<Parameter>& given, std::span<const RowPlace> rows) {
+  link->KeepResults();
+  while (!rows.empty()) {
+    const std::size_t columns = std::max<std::size_t>(rows.front().Columns.size(), 1);
+    const auto some = rows.first(std::min({rows.size(), MostRowsAtOnce, MostValues / columns}));
+    std::vector<Parameter> parameters = given;
+    auto statement = Statement::Prepared(link, sql + " WHERE " + RowsText(some, link->Maker(), parameters));
+    if (!statement) return tl::unexpected(statement.error());
+    if (auto bound = statement->Bind(parameters); !bound) return bound;
+    if (auto executed = statement->Execute(); !executed) return executed;
+    if (statement->RowCount() != static_cast<std::int64_t>(some.size()))
+      return tl::unexpected(
+          link->Fail({db_error::StatementFailed,
+                      "Rows were changed or deleted by somebody else meanwhile, or are alike",
+                      {}}));
+    rows = rows.subspan(some.size());
+  }
+  return {};
+}
+
+}  // namespace
+
 DbResult<void> Recordset::SetInRows(Connection& connection, std::string_view table, std::string_view column,
                                     const DbValue& value, std::span<const RowPlace> rows) {
   if (rows.empty()) return {};
-  if (!connection.IsOpen()) return OdbcFailure(db_error::RecordsetClosed, "The connection is closed");
+  if (!connection.IsOpen()) return ConnectionIsClosed();
   const std::shared_ptr<OdbcLink>& link = connection.link_;
   const auto shape = ReadTableShape(link, table);
   if (!shape) return tl::unexpected(shape.error());
   const auto position = shape->Find(column);
   if (!position) return NoSuchField(column);
   const TableColumn& field = shape->Columns[*position];
-  std::string sql = "UPDATE " + shape->Name + " SET " + link->Quoted(field.Shown.Name) + " = ? WHERE ";
-  std::vector<Parameter> parameters(1);
-  parameters[0].Set(value, link->Maker(), field.SqlType);
-  for (const RowPlace& row : rows) {
-    if (&row != &rows.front()) sql += " OR ";
-    sql += "(" + row.Sql + ")";
-    for (std::size_t i = 0; i < row.Values.size(); ++i)
-      parameters.emplace_back().Set(row.Values[i], link->Maker(), row.Types[i]);
-  }
-  link->KeepResults();
-  auto statement = Statement::Prepared(link, sql);
-  if (!statement) return tl::unexpected(statement.error());
-  if (auto bound = statement->Bind(parameters); !bound) return bound;
-  if (auto executed = statement->Execute(); !executed) return executed;
-  if (statement->RowCount() == static_cast<std::int64_t>(rows.size())) return {};
-  return tl::unexpected(link->Fail({db_error::StatementFailed,
-                                    "Rows were changed or deleted by somebody else meanwhile, or are alike",
-                                    {}}));
+  std::vector<Parameter> given(1);
+  given[0].Set(value, link->Maker(), field.SqlType);
+  return ChangeRows(link, "UPDATE " + shape->Name + " SET " + link->Quoted(field.Shown.Name) + " = ?", given,
+                    rows);
+}
+
+DbResult<void> Recordset::DeleteRows(Connection& connection, std::string_view table,
+                                     std::span<const RowPlace> rows) {
+  if (rows.empty()) return {};
+  if (!connection.IsOpen()) return ConnectionIsClosed();
+  const auto shape = ReadTableShape(connection.link_, table);
+  if (!shape) return tl::unexpected(shape.error());
+  return ChangeRows(connection.link_, "DELETE FROM " + shape->Name, {}, rows);
 }
 
 DbResult<void> Recordset::State::Store() {
@@ -157,14 +182,13 @@ DbResult<void> Recordset::State::ChangeRow(const std::string& sql, std::vector<P
                                            bool keepsRow) {
   auto row = Rows->CurrentRow();
   if (!row) return tl::unexpected(row.error());
-  for (std::size_t i = 0; i < row->Values.size(); ++i)
-    parameters.emplace_back().Set(std::move(row->Values[i]), Link->Maker(), row->Types[i]);
+  const std::string place = RowsText({&*row, 1}, Link->Maker(), parameters);
   // In PostgreSQL a changed row is another row, with another identity.
   const bool moves = keepsRow && Link->Maker() == DatabaseMaker::PostgreSQL && !Shape.Identity.empty();
   const bool ownTransaction = Shape.Identity.empty() && !Link->InTransaction();
   if (ownTransaction)
     if (const auto begun = Link->Begin(); !begun) return begun;
-  auto changed = Run(sql + " WHERE " + row->Sql + (moves ? " RETURNING ctid" : ""), parameters);
+  auto changed = Run(sql + " WHERE " + place + (moves ? " RETURNING ctid" : ""), parameters);
   const std::int64_t rows = changed ? Prepared.RowCount() : 0;
   if (moves && rows == 1) {  // where there is none, the driver has nothing that could be fetched
     std::string identity;

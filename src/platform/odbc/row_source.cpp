@@ -12,6 +12,7 @@ namespace {
 constexpr std::size_t MostShortText = 1000;   // characters; longer columns are read when asked for
 constexpr std::size_t ArrayBytes = 1U << 20;  // of one array of rows
 constexpr std::size_t MostArrayRows = 1000;
+constexpr std::size_t WidestTimeText = 64;
 constexpr std::size_t FirstChunkRows = 32;  // many who open a table want its first rows only, or none
 
 bool IsLong(const TableColumn& column) {
@@ -44,52 +45,33 @@ T Read(const char* cell) {
 }
 
 Date DateIn(const SQL_TIMESTAMP_STRUCT& time) {
-  constexpr SQLUINTEGER half = 500'000'000;  // nanoseconds: to the nearest second
+  constexpr double nanosecond = 1e-9;
   return MakeDate(time.year, time.month, time.day, time.hour, time.minute,
-                  time.second + (time.fraction >= half ? 1 : 0));
+                  time.second + SecondsOfFraction(time.fraction * nanosecond));
 }
 
-std::string ConditionText(const std::string& column, const Selection::Condition& condition) {
-  if (condition.Among.empty() && IsNull(condition.Wanted)) return column + " IS NULL";
-  switch (condition.How) {
-    case Compare::EqualIgnoringCase:
-      return "UPPER(" + column + ") = UPPER(?)";
-    case Compare::AtLeast:
-      return column + " >= ?";
-    case Compare::AtMost:
-      return column + " <= ?";
-    case Compare::OneOf: {
-      std::string marks = "?";
-      for (std::size_t i = 1; i < condition.Among.size(); ++i) marks += ", ?";
-      return column + " IN (" + marks + ")";
-    }
-    case Compare::OneOfIgnoringCase: {
-      std::string marks = "UPPER(?)";
-      for (std::size_t i = 1; i < condition.Among.size(); ++i) marks += ", UPPER(?)";
-      return "UPPER(" + column + ") IN (" + marks + ")";
-    }
-    case Compare::Equal:
-      break;
-  }
-  return column + " = ?";
+DbValue TimeOfText(std::string text) {
+  const Date time = DateOf(DbValue(std::move(text)));
+  if (time == 0) return {};
+  return DbDate{time};
 }
 
 }  // namespace
 
 RowSource::RowSource(std::shared_ptr<OdbcLink> link, const TableShape& shape, std::vector<std::size_t> chosen,
                      std::vector<Selection::Condition> conditions, bool longWithRow)
-    : link_(std::move(link)), shape_(&shape), chosen_(std::move(chosen)), conditions_(std::move(conditions)) {
+    : link_(std::move(link)),
+      shape_(&shape),
+      chosen_(std::move(chosen)),
+      conditions_(link_, shape, std::move(conditions)) {
   longWithRow_ = shape.Identity.empty() || (longWithRow && !InChunks());
-  const auto add = [&](const TableColumn& column) {
-    const ValueKind kind = KindOfType(column.SqlType);
-    columns_.push_back({&column, kind, CellWidth(column, kind), {}, {}});
-  };
-  for (const TableColumn& column : shape.Identity) add(column);
+  for (const TableColumn& column : shape.Identity) AddColumn(column);
   for (const std::size_t position : chosen_) {
     const bool isLong = IsLong(shape.Columns[position]);
     columnOfChosen_.push_back(isLong ? -1 : static_cast<int>(columns_.size()));
-    if (!isLong) add(shape.Columns[position]);
+    if (!isLong) AddColumn(shape.Columns[position]);
   }
+  for (const std::size_t position : conditions_.Checked()) checked_.push_back(AddChecked(position));
   std::size_t rowBytes = 0;
   for (const Column& column : columns_) rowBytes += column.Width + sizeof(SQLLEN);
   const bool oneByOne = longWithRow_ && std::ranges::count(columnOfChosen_, -1) > 0;
@@ -100,34 +82,52 @@ RowSource::RowSource(std::shared_ptr<OdbcLink> link, const TableShape& shape, st
   longAt_.resize(chosen_.size());
 }
 
-std::string RowSource::SelectText() const {
-  std::string list;
-  const auto add = [&](const std::string& name) { list += (list.empty() ? "" : ", ") + name; };
-  for (const TableColumn& column : shape_->Identity) add(column.Shown.Name);
+void RowSource::AddColumn(const TableColumn& column) {
+  const ValueKind kind = KindOfType(column.SqlType);
+  const bool isTimeAsText = kind == ValueKind::Time && link_->Maker() == DatabaseMaker::SQLite;
+  columns_.push_back({.Table = &column,
+                      .Kind = kind,
+                      .CType = isTimeAsText ? static_cast<SQLSMALLINT>(SQL_C_CHAR) : CTypeOf(kind),
+                      .Width = isTimeAsText ? WidestTimeText : CellWidth(column, kind)});
+}
+
+std::size_t RowSource::AddChecked(std::size_t position) {
+  const TableColumn& wanted = shape_->Columns[position];
+  for (std::size_t i = shape_->Identity.size(); i < columns_.size(); ++i)
+    if (columns_[i].Table == &wanted) return i;
+  AddColumn(wanted);
+  if (IsLong(wanted)) columns_.back().Width = WidestTimeText;
+  return columns_.size() - 1;
+}
+
+DbResult<std::string> RowSource::SelectText() {
+  std::string list, order;
+  const auto add = [](std::string& names, const std::string& name) {
+    names += (names.empty() ? "" : ", ") + name;
+  };
+  for (const TableColumn& column : shape_->Identity) add(order, column.Shown.Name);
+  list = order;
+  for (std::size_t i = shape_->Identity.size(); i < columns_.size(); ++i)
+    add(list, link_->Quoted(columns_[i].Table->Shown.Name));
   // Long columns that are read from the row itself stand at the end.
-  for (const bool isLong : {false, true})
-    for (std::size_t i = 0; i < chosen_.size(); ++i)
-      if ((columnOfChosen_[i] < 0) == isLong && (!isLong || longWithRow_))
-        add(link_->Quoted(shape_->Columns[chosen_[i]].Shown.Name));
+  for (std::size_t i = 0; longWithRow_ && i < chosen_.size(); ++i)
+    if (columnOfChosen_[i] < 0) add(list, link_->Quoted(shape_->Columns[chosen_[i]].Shown.Name));
   if (list.empty()) list = "1";
   std::string sql = "SELECT " + list + " FROM " + shape_->Name;
-  for (std::size_t i = 0; i < conditions_.size(); ++i)
-    sql +=
-        (i == 0 ? " WHERE " : " AND ") + ConditionText(link_->Quoted(conditions_[i].Column), conditions_[i]);
+  const auto conditions = conditions_.Text();
+  if (!conditions) return tl::unexpected(conditions.error());
+  if (!conditions->empty()) sql += " WHERE " + *conditions;
   if (InChunks()) {
-    const std::string& number = shape_->Identity.front().Shown.Name;
-    sql += (conditions_.empty() ? " WHERE " : " AND ") + number + " > ? AND " + number + " <= ? ORDER BY " +
-           number + " LIMIT ?";
-  } else if (!conditions_.empty() && !shape_->Identity.empty()) {
+    sql += (conditions->empty() ? " WHERE " : " AND ") + order + " > ? AND " + order + " <= ? ORDER BY " +
+           order + " LIMIT ?";
+  } else if (!conditions->empty() && !order.empty()) {
     // An index would give them in its own order, not in the table's.
-    sql += " ORDER BY " + shape_->Identity.front().Shown.Name;
+    sql += " ORDER BY " + order;
   }
   return sql;
 }
 
-bool RowSource::InChunks() const {
-  return link_->Maker() == DatabaseMaker::SQLite && !shape_->Identity.empty();
-}
+bool RowSource::InChunks() const { return link_->Maker() == DatabaseMaker::SQLite && shape_->HasRowNumbers; }
 
 DbResult<void> RowSource::BindColumns() {
   const auto set = [&](SQLINTEGER attribute, SQLPOINTER value) {
@@ -141,7 +141,7 @@ DbResult<void> RowSource::BindColumns() {
     column.Cells = std::make_unique_for_overwrite<char[]>(column.Width * arraySize_);
     column.Lengths.resize(arraySize_);
     const auto bound =
-        select_.Check(SQLBindCol(select_.Handle(), ++at, CTypeOf(column.Kind), column.Cells.get(),
+        select_.Check(SQLBindCol(select_.Handle(), ++at, column.CType, column.Cells.get(),
                                  static_cast<SQLLEN>(column.Width), column.Lengths.data()));
     if (!bound) return bound;
   }
@@ -150,34 +150,38 @@ DbResult<void> RowSource::BindColumns() {
   return {};
 }
 
+DbResult<void> RowSource::Prepare() {
+  const auto sql = SelectText();
+  if (!sql) return tl::unexpected(sql.error());
+  auto prepared = Statement::Prepared(link_, *sql);
+  if (!prepared) return tl::unexpected(prepared.error());
+  select_ = std::move(*prepared);
+  parameters_ = conditions_.Parameters();
+  if (InChunks()) parameters_.resize(parameters_.size() + 3);
+  return BindColumns();
+}
+
 DbResult<void> RowSource::Open() {
   rowsHere_ = row_ = 0;
   undone_.reset();
-  if (select_) {
+  if (select_)
     select_.CloseCursor();
-  } else {
-    auto prepared = Statement::Prepared(link_, SelectText());
-    if (!prepared) return tl::unexpected(prepared.error());
-    select_ = std::move(*prepared);
-    for (const Selection::Condition& condition : conditions_)
-      for (const DbValue& wanted : !condition.Among.empty() ? condition.Among : std::vector{condition.Wanted})
-        if (!IsNull(wanted))
-          parameters_.emplace_back().Set(wanted, link_->Maker(),
-                                         shape_->Columns[*shape_->Find(condition.Column)].SqlType);
-    if (InChunks()) parameters_.resize(parameters_.size() + 3);
-    if (const auto bound = BindColumns(); !bound) return bound;
-  }
+  else if (auto prepared = Prepare(); !prepared)
+    return prepared;
   if (!InChunks()) {
-    if (const auto bound = select_.Bind(parameters_); !bound) return bound;
-    if (const auto executed = select_.Execute(); !executed) return executed;
+    if (auto bound = select_.Bind(parameters_); !bound) return bound;
+    if (auto executed = select_.Execute(); !executed) return executed;
     undone_ = link_->Undone();
-    return FetchRows();
+    turns_ = link_->Turns();
+    if (auto fetched = FetchRows(); !fetched) return fetched;
+    return SkipOthers();
   }
   const auto last = LastRowNumber();
   if (!last) return tl::unexpected(last.error());
   parameters_[parameters_.size() - 2].Set(*last, link_->Maker(), SQL_BIGINT);
   chunkSize_ = std::min(FirstChunkRows, arraySize_);
-  return FetchChunk(std::numeric_limits<std::int64_t>::min());
+  if (auto fetched = FetchChunk(std::numeric_limits<std::int64_t>::min()); !fetched) return fetched;
+  return SkipOthers();
 }
 
 // Rows that are added from now on are not walked, as in the other databases.
@@ -212,6 +216,9 @@ DbResult<void> RowSource::FetchRows() {
   if (undone_ != nullptr && *undone_)
     return OdbcFailure(db_error::StatementFailed,
                        "The rows were opened in a transaction that was rolled back");
+  if (link_->Maker() == DatabaseMaker::SQLite && !InChunks() && turns_ != link_->Turns())
+    return OdbcFailure(db_error::StatementFailed,
+                       "The rows of " + shape_->Name + " have no numbers to go on by in another transaction");
   const auto fetched = select_.Fetch();
   if (!fetched) return tl::unexpected(fetched.error());
   if (*fetched) {
@@ -224,6 +231,11 @@ DbResult<void> RowSource::FetchRows() {
 }
 
 DbResult<void> RowSource::Next() {
+  if (auto stepped = Step(); !stepped) return stepped;
+  return SkipOthers();
+}
+
+DbResult<void> RowSource::Step() {
   if (AtEnd()) return {};
   newIdentity_.clear();
   for (auto& value : longValues_) value.reset();
@@ -236,10 +248,31 @@ DbResult<void> RowSource::Next() {
   return FetchChunk(behind);
 }
 
+bool RowSource::IsMeant() const {
+  for (std::size_t i = 0; i < checked_.size(); ++i) {
+    const Column& column = columns_[checked_[i]];
+    if (IsCut(column)) return false;
+    const DbValue value = CellValue(column);
+    if (IsNull(value) || !conditions_.Allows(i, DateOf(value))) return false;
+  }
+  return true;
+}
+
+DbResult<void> RowSource::SkipOthers() {
+  while (!AtEnd() && !IsMeant())
+    if (auto stepped = Step(); !stepped) return stepped;
+  return {};
+}
+
 bool RowSource::IsCut(const Column& column) const {
   const SQLLEN length = column.Lengths[row_];
-  return column.Kind == ValueKind::Text &&
+  return column.CType == SQL_C_CHAR &&
          (length == SQL_NO_TOTAL || length >= static_cast<SQLLEN>(column.Width));
+}
+
+std::string RowSource::TextCell(const Column& column) const {
+  const char* cell = column.Cells.get() + row_ * column.Width;
+  return {cell, IsCut(column) ? column.Width - 1 : static_cast<std::size_t>(column.Lengths[row_])};
 }
 
 DbValue RowSource::CellValue(const Column& column) const {
@@ -251,9 +284,10 @@ DbValue RowSource::CellValue(const Column& column) const {
     case ValueKind::Real:
       return Read<double>(cell);
     case ValueKind::Time:
+      if (column.CType == SQL_C_CHAR) return TimeOfText(TextCell(column));
       return DbDate{DateIn(Read<SQL_TIMESTAMP_STRUCT>(cell))};
-    default:
-      return std::string(cell, static_cast<std::size_t>(column.Lengths[row_]));
+    default:  // a cut one is read whole where it is asked for; the place of a row does with its beginning
+      return TextCell(column);
   }
 }
 
@@ -301,15 +335,14 @@ DbResult<bool> RowSource::ReadLongValue(std::size_t position,
   auto row = CurrentRow();
   if (!row) return tl::unexpected(row.error());
   Statement& statement = longReads_[position];
+  std::vector<Parameter> identity;
+  const std::string place = RowsText({&*row, 1}, link_->Maker(), identity);
   if (!statement) {
     auto prepared = Statement::Prepared(
-        link_, "SELECT " + link_->Quoted(column.Shown.Name) + " FROM " + shape_->Name + " WHERE " + row->Sql);
+        link_, "SELECT " + link_->Quoted(column.Shown.Name) + " FROM " + shape_->Name + " WHERE " + place);
     if (!prepared) return tl::unexpected(prepared.error());
     statement = std::move(*prepared);
   }
-  std::vector<Parameter> identity(row->Values.size());
-  for (std::size_t i = 0; i < identity.size(); ++i)
-    identity[i].Set(std::move(row->Values[i]), link_->Maker(), row->Types[i]);
   if (const auto bound = statement.Bind(identity); !bound) return tl::unexpected(bound.error());
   if (const auto executed = statement.Execute(); !executed) return tl::unexpected(executed.error());
   const auto fetched = statement.Fetch();
@@ -325,8 +358,7 @@ DbResult<bool> RowSource::ReadLongValue(std::size_t position,
 DbResult<RowPlace> RowSource::CurrentRow() {
   RowPlace row;
   const auto add = [&](const std::string& name, DbValue value, SQLSMALLINT type) {
-    row.Sql += (row.Sql.empty() ? "" : " AND ") + name + (IsNull(value) ? " IS NULL" : " = ?");
-    if (IsNull(value)) return;
+    row.Columns.push_back(name);
     row.Values.push_back(std::move(value));
     row.Types.push_back(type);
   };

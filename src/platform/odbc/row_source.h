@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/odbc/catalog.h"
+#include "platform/odbc/conditions.h"
 #include "platform/odbc/recordset.h"
 #include "platform/odbc/statement.h"
 
@@ -35,11 +36,19 @@ class RowSource {
   struct Column {  // one that travels with the rows
     const TableColumn* Table;
     ValueKind Kind;
+    SQLSMALLINT CType;  // SQLite's driver leaves parts of a time undefined that its text does not have
     std::size_t Width;
-    std::unique_ptr<char[]> Cells;
-    std::vector<SQLLEN> Lengths;
+    std::unique_ptr<char[]> Cells = nullptr;
+    std::vector<SQLLEN> Lengths = {};
   };
-  std::string SelectText() const;
+  DbResult<std::string> SelectText();
+  void AddColumn(const TableColumn& column);
+  /// The position in columns_ of a column that conditions want to see.
+  std::size_t AddChecked(std::size_t position);
+  DbResult<void> Prepare();
+  DbResult<void> Step();
+  bool IsMeant() const;
+  DbResult<void> SkipOthers();
   DbResult<void> BindColumns();
   DbResult<void> FetchRows();
   // SQLite's driver ends a result without a word when a transaction begins or ends. There the rows are asked
@@ -47,6 +56,7 @@ class RowSource {
   bool InChunks() const;
   DbResult<void> FetchChunk(std::int64_t behind);
   DbResult<DbValue> LastRowNumber();
+  std::string TextCell(const Column& column) const;
   DbValue CellValue(const Column& column) const;
   bool IsCut(const Column& column) const;
   DbResult<bool> ReadLongValue(std::size_t position, const std::function<bool(std::string_view)>& take);
@@ -54,9 +64,10 @@ class RowSource {
   std::shared_ptr<OdbcLink> link_;
   const TableShape* shape_;
   std::vector<std::size_t> chosen_;
-  std::vector<Selection::Condition> conditions_;
+  Conditions conditions_;
   bool longWithRow_;
-  std::vector<Column> columns_;       // the identity's, then the chosen short ones
+  std::vector<Column> columns_;  // the identity's, the chosen short ones, others that conditions want to see
+  std::vector<std::size_t> checked_;  // those that they want to see, by their index in columns_
   std::vector<int> columnOfChosen_;   // index in columns_, or -1 for a long column
   std::vector<SQLUSMALLINT> longAt_;  // where a long column stands in the SELECT, if it stands there
   Statement select_;
@@ -66,6 +77,7 @@ class RowSource {
   SQLULEN fetched_ = 0;
   std::size_t rowsHere_ = 0, row_ = 0;
   std::shared_ptr<const bool> undone_;  ///< of an open result
+  std::uint64_t turns_ = 0;             ///< when it was opened
   std::vector<DbValue> newIdentity_;
   std::vector<std::optional<DbValue>> longValues_;  // of the current row, where they can be read but once
 };

@@ -48,7 +48,7 @@ RowWriter& RowWriter::operator=(RowWriter&&) noexcept = default;
 
 DbResult<RowWriter> RowWriter::Open(Connection& connection, std::string_view table,
                                     const std::vector<std::string>& columns) {
-  if (!connection.IsOpen()) return OdbcFailure(db_error::RecordsetClosed, "The connection is closed");
+  if (!connection.IsOpen()) return ConnectionIsClosed();
   auto state = std::make_unique<State>();
   state->Link = connection.link_;
   auto shape = ReadTableShape(state->Link, table);

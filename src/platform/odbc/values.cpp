@@ -1,10 +1,15 @@
 #include "platform/odbc/values.h"
 
+#include <algorithm>
+
 #include "core/dates.h"
 #include "core/numbers.h"
+#include "core/text.h"
 
 namespace hyetex {
 namespace {
+
+constexpr std::size_t YearMonthDay = 10;  // characters
 
 template <typename... Cases>
 struct Overloaded : Cases... {
@@ -33,11 +38,19 @@ double NumberOf(const DbValue& value) {
 }
 
 Date DateOf(const DbValue& value) {
-  const auto* text = std::get_if<std::string>(&value);
-  if (text == nullptr) return NumberOf(value);
-  const auto parsed = ParseDateText(*text);
-  return parsed ? parsed->Value : 0;
+  const auto* stored = std::get_if<std::string>(&value);
+  if (stored == nullptr) return NumberOf(value);
+  const std::string_view text = Trim(*stored);
+  const std::size_t end = std::min(text.find_first_of(".Z+", YearMonthDay), text.size());
+  const auto parsed = ParseDateText(text.substr(0, end));
+  if (!parsed) return 0;
+  const std::string_view fraction = text.substr(end);
+  const int more =
+      fraction.starts_with('.') ? SecondsOfFraction(LeadingNumber("0" + std::string(fraction))) : 0;
+  return parsed->Value + more / static_cast<double>(SecondsPerDay);
 }
+
+int SecondsOfFraction(double fraction) { return fraction >= 0.95 ? 1 : 0; }
 
 bool IsLocked(const DbError& error) {
   const auto tells = [&](const char* words) { return error.Description.find(words) != std::string::npos; };

@@ -44,7 +44,8 @@ struct DbBinary {
   std::string Bytes;
   bool operator==(const DbBinary&) const = default;
 };
-/// A date and time without a zone, to the second in the database.
+/// A date and time without a zone, to the second in the database. Of a stored fraction of a second only what
+/// a computation with days leaves just before the next second counts.
 struct DbDate {
   Date Value = 0;
   bool operator==(const DbDate&) const = default;
@@ -58,6 +59,9 @@ inline bool IsNull(const DbValue& value) { return std::holds_alternative<DbNull>
 /// an empty text or 0. Binary gives its bytes as text.
 std::string TextOf(const DbValue& value);
 double NumberOf(const DbValue& value);
+/// A text is read in the forms of ParseDateText, and with a fraction of a second or a zone behind it.
 Date DateOf(const DbValue& value);
+/// The whole seconds, none or one, that a fraction of one counts as.
+int SecondsOfFraction(double fraction);
 
 }  // namespace hyetex

@@ -6,6 +6,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "core/number_entry.h"
 #include "core/numbers.h"
 #include "core/text.h"
 #include "staging/lists/instrument_codes.h"
@@ -22,6 +23,7 @@ constexpr std::array<std::int16_t, 3> Levels{AdministratorLevel, DatabaseLevel, 
 constexpr std::array ChartTypeKeys{setting::CurrentChart, setting::EditorChart};
 
 std::string CodeOrNone(const std::string& code) { return code.empty() ? "None" : code; }
+float CommentCode(std::string_view typed) { return static_cast<float>(TypedOrLeading(typed)); }
 
 }  // namespace
 
@@ -69,6 +71,8 @@ bool ListEditor::Put(Compose compose) {
   if (const auto full = CheckRoomFor(lists_, Place.Kind)) return refuse(*full);
   const auto check = [&](const std::string& first, const std::string& second) {
     const auto record = compose(first, second);
+    if constexpr (std::is_same_v<decltype(record), const CommentRecord>)
+      if (auto why = CheckNumber(first, CodeEntry)) return why;
     const auto why = CheckEntry(record);
     return why ? why : CheckUnique(lists_, record);
   };
@@ -119,7 +123,7 @@ void ListEditor::Add() {
       break;
     case ListKind::Comment:
       Put([](const std::string& code, const std::string& description) {
-        return CommentRecord{description, LeadingFloat(code)};
+        return CommentRecord{description, CommentCode(code)};
       });
       break;
     case ListKind::Task:
@@ -208,11 +212,14 @@ void ListEditor::OfferCode(StationRecord& station, const Prompt& prompt) {
 }
 
 void ListEditor::ChangeComment(CommentRecord& comment, const Prompts& ask) {
-  const auto code = Ask(ask.First, ShortText(comment.Code), [&](const std::string& typed) {
-    return CheckUnique(lists_, CommentRecord{comment.Description, LeadingFloat(typed)}, Place.Index);
+  const std::string old = ShortText(comment.Code);
+  const auto code = Ask(ask.First, old, [&](const std::string& typed) {
+    const auto why = typed == old ? std::nullopt : CheckNumber(typed, CodeEntry);
+    return why ? why
+               : CheckUnique(lists_, CommentRecord{comment.Description, CommentCode(typed)}, Place.Index);
   });
   if (!code || code->empty()) return;
-  comment.Code = LeadingFloat(*code);
+  if (*code != old) comment.Code = CommentCode(*code);
   isUnsaved_ = true;
   ChangeText(
       comment, [](CommentRecord& each) -> std::string& { return each.Description; }, ask.Second);

@@ -15,7 +15,7 @@ namespace hyetex {
 namespace {
 
 constexpr Date EightOClock = 1.0 / 3;
-constexpr long long LongestSeconds = 10 * SecondsPerDay;
+constexpr long long LongestSeconds = 10LL * SecondsPerDay;
 
 Date Joined(Date date, Date time) { return std::floor(date) + (time - std::floor(time)); }
 

@@ -77,7 +77,7 @@ QWidget* frmLists::MakeChartTypes() {
 void frmLists::MakeLayout() {
   tvwStations = Named(new StationView, "tvwStations");
   tvwStations->setAccessibleName(tr("Core Parties, Agencies, and Stations"));
-  tvwStations->setMinimumWidth(fontMetrics().averageCharWidth() * 44);
+  tvwStations->setMinimumWidth(fontMetrics().averageCharWidth() * 54);
   lstComment = MakeList("lstComment", "Comments");
   cmdSave = Named(new QPushButton(tr("&Save Lists")), "cmdSave");
   cmdCancel = Named(new QPushButton(tr("&Return to Main Menu")), "cmdCancel");

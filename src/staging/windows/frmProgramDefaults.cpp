@@ -65,11 +65,28 @@ frmProgramDefaults::frmProgramDefaults(Desk& desk, Dialogs& dialogs, Settings& s
   SetKeyButtons(cmdDone, cmdCancel);
 
   connect(comChartType, &QComboBox::currentIndexChanged, this, &frmProgramDefaults::ShowChartType);
-  connect(cmdDone, &QPushButton::clicked, this, &frmProgramDefaults::Done);
-  connect(cmdCancel, &QPushButton::clicked, this, &QWidget::close);
+  connect(cmdDone, &QPushButton::clicked, this, [this] {
+    if (Take()) Leave();
+  });
+  connect(cmdCancel, &QPushButton::clicked, this, &frmProgramDefaults::Leave);
   const int last = static_cast<int>(lists_.ChartTypes.size()) - 1;
   comChartType->setCurrentIndex(std::clamp(static_cast<int>(currentChart_), 0, last));
   ShowChartType(comChartType->currentIndex());
+  opened_ = Shown();
+}
+
+QStringList frmProgramDefaults::Shown() const {
+  QStringList shown(QString::number(comChartType->currentIndex()));
+  for (const QComboBox* port : cboPort) shown << port->currentText();
+  return shown;
+}
+
+bool frmProgramDefaults::MayLeave() {
+  return Shown() == opened_ ||
+         MayCloseAfter(
+             dialogs_, FromQt(windowTitle()),
+             "The program defaults that have been changed are not yet kept. Do you want to keep them ?",
+             [this] { return Take(); });
 }
 
 void frmProgramDefaults::FillPorts() {
@@ -118,16 +135,17 @@ void frmProgramDefaults::ShowChartType(int index) {
   labHeight->setText(ToQt(texts.Height));
 }
 
-void frmProgramDefaults::Done() {
+bool frmProgramDefaults::Take() {
   const int index = comChartType->currentIndex();
-  if (index < 0 || index >= static_cast<int>(lists_.ChartTypes.size()) || !KeepPorts()) return;
+  if (index < 0 || index >= static_cast<int>(lists_.ChartTypes.size()) || !KeepPorts()) return false;
   currentChart_ = static_cast<std::int16_t>(index);
   for (const Int16Key& key : {setting::DefaultsChart, setting::CurrentChart})
-    if (const auto kept = settings_.Set(key, index); !kept)
-      return static_cast<void>(
-          dialogs_.MessageBox(FromQt(windowTitle()), kept.error(), BoxButtons::Ok, BoxIcon::Warning));
+    if (const auto kept = settings_.Set(key, index); !kept) {
+      dialogs_.MessageBox(FromQt(windowTitle()), kept.error(), BoxButtons::Ok, BoxIcon::Warning);
+      return false;
+    }
   if (chosen_) chosen_();
-  close();
+  return true;
 }
 
 }  // namespace hyetex

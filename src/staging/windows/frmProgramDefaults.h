@@ -4,6 +4,7 @@
 
 #include <QComboBox>
 #include <QLabel>
+#include <QStringList>
 #include <array>
 #include <cstdint>
 #include <functional>
@@ -30,12 +31,16 @@ class frmProgramDefaults : public FormWindow {
   /// False if something was told, or the operator would rather correct it.
   bool KeepPorts();
   void ShowChartType(int index);
-  void Done();
+  bool Take();
+  /// The chart type's index and the devices, as the boxes have them.
+  QStringList Shown() const;
+  bool MayLeave() override;
 
   Dialogs& dialogs_;
   const ReferenceLists& lists_;
   std::int16_t& currentChart_;
   const std::function<void()> chosen_;
+  QStringList opened_;  // what was shown first
 
   QComboBox* comChartType;
   /// Empty: the machine's own device of that number.

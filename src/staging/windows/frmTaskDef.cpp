@@ -1,6 +1,5 @@
 #include "staging/windows/frmTaskDef.h"
 
-#include <QCloseEvent>
 #include <QKeyEvent>
 #include <utility>
 
@@ -127,7 +126,7 @@ QWidget* frmTaskDef::ControlOf(TaskField field) const {
 }
 
 void frmTaskDef::Confirm() {
-  if (Take()) close();
+  if (Take()) Leave();
 }
 
 bool frmTaskDef::Take() {
@@ -150,17 +149,11 @@ bool frmTaskDef::Take() {
 }
 
 bool frmTaskDef::MayLeave() {
-  if (!desk_.IsEnding() || ShownDetails() == opened_) return true;
-  const BoxAnswer answer =
-      dialogs_.MessageBox(std::string(TaskDetailsTitle),
-                          "The details of this chart have not been taken. Do you want to take them ?",
-                          BoxButtons::YesNoCancel, BoxIcon::Question);
-  return answer == BoxAnswer::No || (answer == BoxAnswer::Yes && Take());
-}
-
-void frmTaskDef::closeEvent(QCloseEvent* event) {
-  event->ignore();
-  if (isEnabled() && MayLeave()) FormWindow::closeEvent(event);  // else the comment window is open
+  if (!isEnabled()) return false;  // the comment window is open
+  return ShownDetails() == opened_ ||
+         MayCloseAfter(dialogs_, std::string(TaskDetailsTitle),
+                       "The details of this chart have not been taken. Do you want to take them ?",
+                       [this] { return Take(); });
 }
 
 void frmTaskDef::Closing() {

@@ -46,7 +46,7 @@ class frmTaskDef : public FormWindow {
   void EnableDetails(bool enabled);
 
  protected:
-  void closeEvent(QCloseEvent* event) override;
+  bool MayLeave() override;
   void Closing() override;
   void showEvent(QShowEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -67,8 +67,6 @@ class frmTaskDef : public FormWindow {
   void Confirm();
   /// Hands the chart on; false if it cannot be, which the operator has been told.
   bool Take();
-  /// When the program ends, asks about details that have not been taken.
-  bool MayLeave();
   QList<QWidget*> EnterOrder() const;
   QWidget* ControlOf(TaskField field) const;
 

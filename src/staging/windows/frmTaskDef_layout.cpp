@@ -98,7 +98,7 @@ QWidget* frmTaskDef::MakeButtons() {
   cmdOK = Named(new QPushButton(tr("&OK")), "cmdOK");
   connect(cmdOK, &QPushButton::clicked, this, &frmTaskDef::Confirm);
   cmdCancel = Named(new QPushButton(tr("Cance&l")), "cmdCancel");
-  connect(cmdCancel, &QPushButton::clicked, this, [this] { close(); });
+  connect(cmdCancel, &QPushButton::clicked, this, [this] { Leave(); });
   auto* buttons = new QWidget;
   auto* layout = new QHBoxLayout(buttons);
   layout->setContentsMargins(0, 0, 0, 0);

@@ -42,6 +42,7 @@ void StationView::Show(const ReferenceLists& lists) {
   for (const TreeNode& node : tree_) {
     const auto depth = static_cast<std::size_t>(node.Depth);
     auto* item = new QTreeWidgetItem(QStringList(ToQt(node.Text)));
+    item->setToolTip(0, item->text(0));
     item->setIcon(0, style()->standardIcon(Icons[depth]));
     item->setData(0, PositionRole, static_cast<int>(items_.size()));
     if (depth == 0)

@@ -412,11 +412,9 @@ TEST_P(Population, GivesTheSameRowsTogetherAsOneByOne) {
   StoreText("RG12", Ten + 8, "RG12-19980313-1000.dat\r\nrubbish");
   dates.push_back(Ten + 8);
   store(Ten + 9, 1, "7");
+  std::ranges::sort(dates);  // as they are converted together
   Options.Overwrite = true;
   for (const char* run : {"first", "second, over the rows of the first"}) {
-    // A marked record may move in PostgreSQL's table, and of charts that overlap the later in the table
-    // counts.
-    if (run[0] == 's' && GetParam() == Engine::PostgreSQL) break;
     for (const Date date : dates) Convert({date});
     const auto rows = Rows(), loaded = Loaded();
     Run("DELETE FROM chart");

@@ -138,7 +138,10 @@ class SynchronisingTest : public PopulationFixture {
     std::erase_if(rows, [](const std::string& row) { return row.find("null") != std::string::npos; });
     return rows;
   }
-  Synchronised Synchronise() { return hyetex::Synchronise(Database, Lists, Folder.Path(), Boxes); }
+  Synchronised Synchronise() {
+    UnwatchedProgress progress;
+    return hyetex::Synchronise(Database, Lists, Folder.Path(), Boxes, progress);
+  }
 };
 HYETEX_ON_ALL_ENGINES(SynchronisingTest);
 

@@ -20,9 +20,11 @@ namespace {
 
 using namespace hyetex::test;
 using ::testing::AllOf;
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
 using ::testing::UnorderedElementsAre;
 
 // Does something before a file.
@@ -129,7 +131,7 @@ TEST_P(LoadTest, GivesEveryFileBackByteForByteAndReadsItAlike) {
       head + "13/03/98\r\n" + std::string(300'000, ' ') + "\r\nEyed Depth: 3\r\n"};
   std::vector<std::string> paths;
   for (std::size_t i = 0; i < texts.size(); ++i)
-    paths.push_back(Put("chart " + std::to_string(i) + ".dat", texts[i]));
+    paths.push_back(Put("chart " + std::to_string(i) + "-19980305-0000.dat", texts[i]));
   const LoadResult loaded = Load(paths);
   EXPECT_EQ(LoadMessage(loaded), "9 files transferred from file to Database chart_ascii table");
   EXPECT_THAT(Values("comments"),
@@ -164,10 +166,11 @@ TEST_P(LoadTest, LeavesOneRecordOfAChartThatCountsAsNotConverted) {
   chart.Comment = "new";
   Put(chart);
   chart.Comment = "newest";
-  const std::string copy = Put("copy.dat", std::string(SplitStoredText(chart.Text()).Bytes));
+  const std::string copy = Put("copy-19980305-1000.dat", std::string(SplitStoredText(chart.Text()).Bytes));
   const LoadResult loaded = Load({path, copy});
   EXPECT_EQ(loaded.Loaded.size(), 2U);
-  EXPECT_THAT(loaded.Report.Notes, ElementsAre(HasSubstr("copy.dat holds the same chart as RG12-")));
+  EXPECT_THAT(loaded.Report.Notes,
+              ElementsAre(HasSubstr("copy-19980305-1000.dat holds the same chart as RG12-")));
   EXPECT_THAT(GeneralComments(), UnorderedElementsAre("", "newest"));
   for (const FileSummary& file : List()) EXPECT_EQ(file.Loaded, 0);
 }
@@ -176,7 +179,7 @@ TEST_P(LoadTest, LeavesOneRecordOfAChartThatComesTwiceInARun) {
   StoredChart chart{.Comment = "first"};
   const std::string path = Put(chart);
   chart.Comment = "second";
-  const std::string copy = Put("copy.dat", std::string(SplitStoredText(chart.Text()).Bytes));
+  const std::string copy = Put("copy-19980305-1000.dat", std::string(SplitStoredText(chart.Text()).Bytes));
   const std::string other = Put(StoredChart{.Instrument = "RG7"});
   EXPECT_EQ(Load({path, other, copy, path, copy}).Loaded.size(), 5U);
   EXPECT_THAT(GeneralComments(), UnorderedElementsAre("", "second"));
@@ -186,25 +189,30 @@ TEST_P(LoadTest, LoadsTheGoodFilesAndNamesTheOthers) {
   StoredChart good;
   const std::string text(SplitStoredText(good.Text()).Bytes);
   lists_.Stations.push_back({"Elsewhere", "RG99", 0, 0});
+  const std::string stamp = "-19980305-0000.dat",
+                    form = ": the name is not of a chart file's form, CODE-YYYY";
   const std::vector<std::string> paths{
-      Put("none.dat", "Hyetex\r\nHYETEX88\r\n"),
-      Put("long.dat", text + std::string(MostChartBytes, ' ')),
-      Put("unlisted.dat", "HYETEX88\r\nInstrument Code: RG13\r\nStart: 05/03/98\r\n"),
-      Put("unknown.dat", "HYETEX88\r\nInstrument Code: RG99\r\nStart: 05/03/98\r\n"),
-      Put("undated.dat", "HYETEX88\r\nInstrument Code: RG12\r\n"),
-      Put("two\nlines.dat", text),
-      Folder / "in/gone.dat",
+      Put("none" + stamp, "Hyetex\r\nHYETEX88\r\n"),
+      Put("long" + stamp, text + std::string(MostChartBytes, ' ')),
+      Put("unlisted" + stamp, "HYETEX88\r\nInstrument Code: RG13\r\nStart: 05/03/98\r\n"),
+      Put("unknown" + stamp, "HYETEX88\r\nInstrument Code: RG99\r\nStart: 05/03/98\r\n"),
+      Put("undated" + stamp, "HYETEX88\r\nInstrument Code: RG12\r\n"),
+      Put("two\nlines" + stamp, text),
+      Folder / ("in/gone" + stamp),
+      Put("lists.dat", text),
+      Put("RG12" + stamp + ".bak", text),
+      Put(" " + stamp, text),
       Put(good)};
   const LoadResult loaded = Load(paths);
   EXPECT_THAT(loaded.Loaded, ElementsAre(paths.back()));
-  EXPECT_THAT(
-      loaded.Report.Refused,
-      ElementsAre("none.dat: it is no chart file", HasSubstr("longer than 4194304 bytes"),
-                  HasSubstr("RG13 is not in the list"), HasSubstr("RG99 is not in the database"),
-                  HasSubstr("no start date"), HasSubstr("control characters"), HasSubstr("gone.dat")));
+  EXPECT_THAT(loaded.Report.Refused,
+              ElementsAre("none" + stamp + ": it is no chart file", HasSubstr("longer than 4194304 bytes"),
+                          HasSubstr("RG13 is not in the list"), HasSubstr("RG99 is not in the database"),
+                          HasSubstr("no start date"), HasSubstr("control characters"), HasSubstr("gone-"),
+                          HasSubstr("lists.dat" + form), HasSubstr(stamp + ".bak" + form), HasSubstr(form)));
   EXPECT_THAT(LoadMessage(loaded),
               AllOf(HasSubstr("1 files transferred from file to Database chart_ascii table\n\nLeft out:\n"),
-                    HasSubstr("\nundated.dat: it has no start date")));
+                    HasSubstr("\nundated" + stamp + ": it has no start date")));
 }
 
 TEST_P(LoadTest, CutsTextsToTheirColumnsOnWholeCharacters) {
@@ -273,39 +281,49 @@ TEST_P(LoadTest, TellsWhatIsDoneWhenTheDatabaseOrTheOperatorEndsIt) {
 TEST_P(LoadTest, NeverWritesOutsideTheFolder) {
   const std::string text = "\r\nHYETEX88\r\nInstrument Code: RG12\r\n";
   const Date start = MakeDate(1998, 3, 5);
-  const std::vector<std::string> names{"../../x.dat",
-                                       "C:\\x.dat",
-                                       "/tmp/x.dat",
+  const std::string stamp = "-19980305-1000.dat";
+  const std::vector<std::string> names{"../../x" + stamp,
+                                       "C:\\x" + stamp,
+                                       "/tmp/x" + stamp,
                                        "",
                                        ".",
                                        "..",
-                                       "C:x.dat",
-                                       "x\x07.dat",
-                                       std::string("x\0y.dat", 7),
-                                       "link.dat",
-                                       "good one.dat"};
+                                       "C:x" + stamp,
+                                       "x\x07" + stamp,
+                                       std::string("x\0y", 3) + stamp,
+                                       "lists.dat",
+                                       ".bashrc",
+                                       "link" + stamp,
+                                       "good one" + stamp};
   for (std::size_t i = 0; i < names.size(); ++i)
     PutRecord("RG12", start + static_cast<double>(i), names[i] + text);
   Run("INSERT INTO CHART_ASCII (station) VALUES ('nothing else')");
-  PutRecord("RG12", start + 50, "feeds.dat\nHYETEX88\nInstrument Code: RG12\n");
+  PutRecord("RG12", start + 50, "feeds" + stamp + "\nHYETEX88\nInstrument Code: RG12\n");
   WriteFile(Folder / "outside.dat", "mine");
-  std::filesystem::create_directories(Folder / "out");
-  std::filesystem::create_symlink(Folder / "outside.dat", Folder / "out/link.dat");
-  WriteFile(Folder / "out/good one.dat", "HYETEX88 older");
-  WriteFile(Folder / "out/notes.dat", "no chart at all");
-  PutRecord("RG12", start + 51, "notes.dat" + text);
+  const std::string out = Folder / "out/";
+  std::filesystem::create_directories(out);
+  std::filesystem::create_symlink(Folder / "outside.dat", out + "link" + stamp);
+  WriteFile(out + "good one" + stamp, "HYETEX88 older");
+  WriteFile(out + "lists.dat", "HYETEX88 all lists");
+  WriteFile(out + "notes" + stamp, "no chart at all");
+  PutRecord("RG12", start + 51, "notes" + stamp + text);
 
   const ExtractResult extracted = Extract();
   EXPECT_EQ(extracted.Extracted, 2);
-  EXPECT_EQ(ReadFile(Folder / "out/notes.dat"), "no chart at all");
-  EXPECT_EQ(extracted.Report.Refused.size(), names.size() + 1) << ExtractMessage(extracted, "");
+  EXPECT_EQ(ReadFile(out + "lists.dat"), "HYETEX88 all lists");
+  EXPECT_EQ(ReadFile(out + "notes" + stamp), "no chart at all");
+  EXPECT_THAT(extracted.Report.Refused,
+              AllOf(SizeIs(names.size() + 1),
+                    Contains("notes" + stamp + ": what stands there under its name is no chart file")))
+      << ExtractMessage(extracted, "");
   EXPECT_EQ(ReadFile(Folder / "outside.dat"), "mine");
-  EXPECT_EQ(ReadFile(Folder / "out/good one.dat"), text.substr(2));
-  EXPECT_EQ(ReadFile(Folder / "out/feeds.dat"), "HYETEX88\nInstrument Code: RG12\n");
+  EXPECT_EQ(ReadFile(out + "good one" + stamp), text.substr(2));
+  EXPECT_EQ(ReadFile(out + "feeds" + stamp), "HYETEX88\nInstrument Code: RG12\n");
   std::vector<std::string> there;
-  for (const auto& entry : std::filesystem::recursive_directory_iterator(Folder / "out"))
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(out))
     there.push_back(entry.path().filename());
-  EXPECT_THAT(there, UnorderedElementsAre("link.dat", "good one.dat", "feeds.dat", "notes.dat"));
+  EXPECT_THAT(there, UnorderedElementsAre("link" + stamp, "good one" + stamp, "feeds" + stamp,
+                                          "notes" + stamp, "lists.dat"));
 }
 
 TEST_P(LoadTest, ExtractsTheChosenRecordsAlone) {

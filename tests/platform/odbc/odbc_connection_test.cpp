@@ -2,15 +2,15 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
+#include <optional>
+
+#include "core/dates.h"
 #include "core/text.h"
 #include "database/engines.h"
 #include "own_data_sources.h"
 #include "platform/odbc/connection_text.h"
 #include "platform/odbc/recordset.h"
-
-// PostgreSQL's driver forgets a statement's memory when its server is gone.
-extern "C" const char* __lsan_default_suppressions();  // NOLINT
-extern "C" const char* __lsan_default_suppressions() { return "leak:psqlodbc\n"; }
 
 namespace hyetex {
 namespace {
@@ -140,6 +140,111 @@ TEST_P(OdbcConnectionTest, TransactionIsAllOrNothing) {
   Must(Db.Execute("INSERT INTO t VALUES (5)"));
   Db = Must(Connection::Open(Text()));
   EXPECT_EQ(Rows("t"), 2);
+}
+
+TEST_P(OdbcConnectionTest, TellsTablesApartWhoseNamesAreAlike) {
+  std::vector<std::string> names{"rain_1", "rainx1", "rain%", "ra\"in", "rain"};
+  if (GetParam() == test::Engine::SQLite)
+    names.emplace_back("ra\\in_1");  // not for PostgreSQL's driver
+  else
+    names.insert(names.end(), {"Rain_1", "RAIN"});
+  std::string columns = "c0 integer";
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    Must(Db.Execute("CREATE TABLE " + Db.Quoted(names[i]) + " (" + columns + ")"));
+    columns += ", c" + std::to_string(i + 1) + " integer";
+  }
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    EXPECT_EQ(Must(Db.Columns(names[i])).size(), i + 1) << names[i];
+    EXPECT_EQ(Rows(names[i]), 0) << names[i];
+  }
+}
+
+TEST_P(OdbcConnectionTest, ForgetsATableThatIsMadeAnew) {
+  Must(Db.Execute("CREATE TABLE t (a integer, b integer)"));
+  EXPECT_EQ(Must(Db.Columns("t")).size(), 2U);
+  {
+    const Transaction undone = Must(Transaction::Begin(Db));
+    Must(Db.Execute("ALTER TABLE t ADD COLUMN c integer"));
+    EXPECT_EQ(Must(Db.Columns("t")).size(), 3U);
+  }
+  EXPECT_EQ(Must(Db.Columns("t")).size(), 2U);
+  Must(Db.Execute("DROP TABLE t"));
+  EXPECT_FALSE(Db.Columns("t"));
+  Must(Db.Execute("CREATE TABLE t (c varchar(9))"));
+  RowWriter writer = Must(RowWriter::Open(Db, "t", {"c"}));
+  Must(writer.Add({"text"}));
+  EXPECT_EQ(Must(writer.Finish()), 1);
+}
+
+// SQLite's driver tells of an empty catalog where it cannot read it.
+TEST_P(OdbcConnectionTest, NeverTakesALockForAMissingTable) {
+  const bool sqlite = GetParam() == test::Engine::SQLite;
+  Must(Db.Execute("CREATE TABLE t (a integer)"));
+  Connection reader = Must(Connection::Open(Text() + (sqlite ? ";Timeout=50" : "")));
+  std::optional<Transaction> holds;
+  if (sqlite) {
+    Must(Db.Execute("PRAGMA locking_mode = EXCLUSIVE"));
+    Must(Db.Execute("INSERT INTO t VALUES (1)"));
+  } else {
+    Must(reader.Execute("SET lock_timeout TO '50ms'"));
+    holds.emplace(Must(Transaction::Begin(Db)));
+    Must(Db.Execute("LOCK TABLE t IN ACCESS EXCLUSIVE MODE"));
+  }
+  const auto opened = Recordset::Open(reader, "t");
+  ASSERT_FALSE(opened);
+  EXPECT_TRUE(IsLocked(opened.error())) << opened.error().Description;
+  const auto found = reader.FindTable("t");
+  const auto columns = reader.Columns("t");
+  const auto tables = reader.Tables();
+  if (sqlite) {
+    ASSERT_FALSE(found || columns || tables);
+    for (const DbError& error : {found.error(), columns.error(), tables.error()})
+      EXPECT_TRUE(IsLocked(error)) << error.Description;
+  } else {
+    EXPECT_EQ(Must(found), "t");
+  }
+  holds.reset();
+  Db.Close();
+  EXPECT_EQ(Must(reader.Columns("t")).size(), 1U);
+}
+
+TEST_P(OdbcConnectionTest, TakesOptionsOfTheTextBeforeItsOwn) {
+  const bool sqlite = GetParam() == test::Engine::SQLite;
+  ConnectionText text(sqlite ? "Driver=SQLite3;stepapi=0;TIMEOUT=40"
+                             : "Driver=PostgreSQL Unicode;usedeclarefetch=0;Fetch=7;Protocol=7.4-1");
+  const std::string before = text.Text();
+  text.AddDriverOptions();
+  EXPECT_THAT(text.Text(), ::testing::StartsWith(before));
+  const std::string added = UpperAscii(text.Text().substr(before.size()));
+  for (const char* key : {"STEPAPI", "TIMEOUT", "USEDECLAREFETCH", "FETCH=", "PROTOCOL"})
+    EXPECT_THAT(added, Not(HasSubstr(key)));
+  EXPECT_THAT(added, HasSubstr(sqlite ? "NOCREAT=1" : "BYTEAASLONGVARBINARY=1"));
+  if (!sqlite) return;
+  // Also behind a wait of the program's own.
+  Must(Db.Execute("CREATE TABLE t (a integer)"));
+  Connection impatient = Must(Connection::Open(Text() + ";Timeout=40"));
+  UnwatchedProgress progress;
+  { const auto waited = Must(Transaction::BeginWriting(impatient, "t", progress)); }
+  const Transaction holds = Must(Transaction::BeginWriting(Db, "t", progress));
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_TRUE(IsLocked(impatient.Execute("INSERT INTO t VALUES (1)").error()));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+}
+
+// An hour that the clocks of that zone leave out.
+TEST_P(OdbcConnectionTest, ReadsTimesWithAZoneAsTheyWereWritten) {
+  if (GetParam() == test::Engine::SQLite) return;
+  OnServer("ALTER DATABASE " + DatabaseName() + " SET timezone TO 'Europe/Berlin'");
+  Db = Must(Connection::Open(Text()));
+  Must(Db.Execute("CREATE TABLE t (at timestamptz)"));
+  const DbDate gap{MakeDate(1998, 3, 29, 2, 30)};
+  RowWriter writer = Must(RowWriter::Open(Db, "t", {"at"}));
+  Must(writer.Add({gap}));
+  Must(writer.Finish());
+  Recordset rows = Must(Recordset::Open(Db, "t", {.Where = {{"at", Compare::Equal, gap}}}));
+  EXPECT_TRUE(Must(rows.Value(0)) == DbValue(gap));
+  rows.Close();
+  EXPECT_EQ(Must(Db.Execute("DELETE FROM t WHERE at = '1998-03-29 02:30:00+00'")), 1);
 }
 
 // A data source gets the same options as a text that names the driver.

@@ -77,6 +77,22 @@ TEST_P(OdbcTest, GivesValuesBackAsTheyWentIn) {
   EXPECT_TRUE(rain.Eof());
 }
 
+TEST_P(OdbcTest, KeepsTextsThatJustFillTheirColumn) {
+  std::string clouds;
+  for (int i = 0; i < 12; ++i) clouds += "\xF0\x9F\x8C\xA7";
+  std::vector<std::string> texts{"123456789012", clouds, "a\0b"s};
+  if (GetParam() == test::Engine::SQLite) texts.push_back(clouds + clouds);  // it keeps more than that
+  auto writer = Must(RowWriter::Open(Db, "rain", {"code"}));
+  for (const std::string& text : texts) Must(writer.Add({text}));
+  Must(writer.Finish());
+  texts[2] = "a b";
+  Recordset rain = Rain();
+  for (const std::string& text : texts) {
+    EXPECT_EQ(TextOf(Must(rain.Value("code"))), text);
+    Must(rain.MoveNext());
+  }
+}
+
 // The database itself must see the letters that we mean, or others that read it would not.
 TEST_P(OdbcTest, StoresUtf8WhateverTheMachinesLanguage) {
   ::setenv("PGCLIENTENCODING", "LATIN1", 1);

@@ -454,16 +454,23 @@ TEST_F(Editing, FollowsTheOperatorAndTheDefaultChartTypeWhenTheyMove) {
 }
 
 TEST_F(Editing, ChangesCommentsByCodeAndDescription) {
-  Type({"12.5 and more", "Rain", "7", ""});
+  lists_.Comments[0].Code = -4;  // from the time before
+  Type({"12.5 and more", "-1", "12,5", "Rain", "7", "", "-4", "Ink spilt"});
   At(ListKind::Comment, 0);
   editor_.Add();
+  ASSERT_EQ(dialogs_.Boxes.size(), 2U);
+  EXPECT_EQ(dialogs_.Boxes[0].Text, "\"12.5 and more\" is no number. Type a number alone, as 2.5.");
+  EXPECT_EQ(dialogs_.Boxes[1].Text, "A comment code must be no less than 0.");
   EXPECT_EQ(lists_.Comments[1].Code, 12.5F);
   EXPECT_EQ(lists_.Comments[1].Description, "Rain");
   editor_.Change();
-  EXPECT_EQ(dialogs_.Inputs[2],
+  EXPECT_EQ(dialogs_.Inputs[4],
             (ShownInput{"Changing a Comment", "Please write a new code for the Comment", "12.5"}));
   EXPECT_EQ(lists_.Comments[1].Code, 7);
   EXPECT_EQ(lists_.Comments[1].Description, "Rain");
+  At(ListKind::Comment, 0);
+  editor_.Change();
+  EXPECT_EQ(lists_.Comments[0].Description, "Ink spilt") << "under the code that it has";
 }
 
 TEST(ListEditing, SetsScalesFromADistanceAndWhatFitsIntoIt) {
