@@ -1,9 +1,9 @@
 // The digitizing window's drawing: the whole graph of a full chart in a view of 1600 x 1000 (to fit into one
 // frame of a 60 Hz screen), and what a report's cursor move costs against it.
-#include <QApplication>
 #include <QImage>
 #include <cmath>
 
+#include "application.h"
 #include "core/session.h"
 #include "digitizing/drawing.h"
 #include "digitizing/windows/picGraph.h"
@@ -17,16 +17,6 @@ namespace {
 
 constexpr double FrameSeconds = 1.0 / 60;
 constexpr int Width = 1600, Height = 1000;
-
-// Made by each benchmark for itself: one that lived to the end of the program would outlive what the toolkit
-// keeps of its devices.
-class Application {
- private:
-  char words_[3][10] = {"bench", "-platform", "offscreen"};
-  char* argv_[4] = {words_[0], words_[1], words_[2], nullptr};
-  int argc_ = 3;
-  QApplication application_{argc_, argv_};
-};
 
 // A line that rises and falls over the whole band, with all that has a colour of its own.
 struct FullGraph {

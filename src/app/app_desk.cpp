@@ -37,15 +37,16 @@ const AppDesk::WindowKind AppDesk::Windows[] = {
     {WindowId::Digitizing, true, true, &AppDesk::MakeDigitizing},
     {WindowId::Tasks, true, true, &AppDesk::MakeTasks},
     {WindowId::Lists, true, true, &AppDesk::MakeLists},
+    {WindowId::Editor, true, true, &AppDesk::MakeEditor},
     {WindowId::Definitions, false, true, &AppDesk::MakeDefinitions},
+    {WindowId::ProgramDefaults, false, true, &AppDesk::MakeProgramDefaults},
+    {WindowId::Connection, false, true, &AppDesk::MakeConnection},
+    {WindowId::Logon, false, true, &AppDesk::MakeLogon},
     {WindowId::Load, true, false, &AppDesk::MakeLoad},
     {WindowId::PrePop, true, false, &AppDesk::MakePrePop},
     {WindowId::Populate, true, false, &AppDesk::MakePopulate},
     {WindowId::MainMenu, false, false, &AppDesk::MakeMainMenu},
     {WindowId::LargeView, false, false, &AppDesk::MakeLargeView},
-    {WindowId::ProgramDefaults, false, false, &AppDesk::MakeProgramDefaults},
-    {WindowId::Connection, false, false, &AppDesk::MakeConnection},
-    {WindowId::Logon, false, false, &AppDesk::MakeLogon},
     {WindowId::CreateTable, false, false, &AppDesk::MakeCreateTable},
 };
 
@@ -225,7 +226,10 @@ QWidget* AppDesk::MakeSave() {
   return new frmSave(*this, dialogs_, program_.Settings, program_.Active->Session, program_.Active->Origin,
                      {.EnableDesk = [digitizing] { digitizing->EnableDesk(true); },
                       .NewFile = [digitizing] { digitizing->NewFile(); },
-                      .Redigitize = [digitizing] { return digitizing->Redigitize(); }});
+                      .Redigitize = [digitizing] { return digitizing->Redigitize(); },
+                      .Comment = program_.Active->Comment,
+                      .KeepComment = [chart = program_.Active](
+                                         std::string comment) { chart->Comment = std::move(comment); }});
 }
 
 QWidget* AppDesk::MakeComment() {

@@ -76,6 +76,7 @@ class AppDesk : public Desk {
   QWidget* MakeLoad();    // load_windows.cpp
   QWidget* MakePrePop();  // populate_windows.cpp
   QWidget* MakePopulate();
+  QWidget* MakeEditor();  // editor_windows.cpp
 
   // The menu entry that does without a window: synchronising.cpp.
   void AddSynchronising();

@@ -32,6 +32,7 @@ struct ActiveChart {
   ChartOrigin Origin;
   int Tablet = 0;
   std::string Device;
+  std::string Comment = {};  ///< what the digitizer says of it, once it was typed
 };
 
 struct Program {

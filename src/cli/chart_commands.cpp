@@ -1,10 +1,11 @@
-// show and series: what a chart file says.
+// show, series and report: what chart files say.
 #include "chartfiles/chart_reader.h"
 #include "cli/commands.h"
 #include "core/dates.h"
 #include "core/files.h"
 #include "core/numbers.h"
 #include "core/text.h"
+#include "editor/chart_summary.h"
 #include "staging/lists/lists.h"
 
 namespace hyetex::cli {
@@ -13,22 +14,6 @@ namespace {
 // A bare name is a file here, if there is one; else it is looked for in the program folder.
 std::string PathOf(const std::string& name) {
   return !HasSeparator(name) && FileExists(name) ? JoinPath(".", name) : name;
-}
-
-bool Read(const std::string& folder, const std::string& name, ReadingOptions options, ChartReading& reading) {
-  ReferenceLists lists;
-  if (FileExists(JoinPath(folder, ListsFileName))) {
-    auto read = ReadLists(folder);
-    if (read)
-      lists = std::move(*read);
-    else
-      Say(read.error());
-  }
-  options.Stations = lists.Stations;
-  if (const auto done = ReadChartFile(PathOf(name), folder, options, reading); !done)
-    return Fail(done.error()), false;
-  for (const std::string& note : reading.Notes) Say(name + ": " + note);
-  return true;
 }
 
 std::string AlphaTexts(const ChartRecord& chart) {
@@ -48,12 +33,29 @@ std::string CsvField(std::string text) {
 
 }  // namespace
 
+bool ReadChart(const std::string& folder, const std::string& name, ReadingOptions options,
+               ChartReading& reading) {
+  ReferenceLists lists;
+  if (FileExists(JoinPath(folder, ListsFileName))) {
+    auto read = ReadLists(folder);
+    if (read)
+      lists = std::move(*read);
+    else
+      Say(read.error());
+  }
+  options.Stations = lists.Stations;
+  if (const auto done = ReadChartFile(PathOf(name), folder, options, reading); !done)
+    return Fail(done.error()), false;
+  for (const std::string& note : reading.Notes) Say(name + ": " + note);
+  return true;
+}
+
 Exit RunShow(const ShowWords& words) {
   Exit exit = Done;
   ChartReading reading;
   bool first = true;
   for (const std::string& name : words.Files) {
-    if (!Read(words.Folder, name, {}, reading)) {
+    if (!ReadChart(words.Folder, name, {}, reading)) {
       exit = Failed;
       continue;
     }
@@ -87,10 +89,31 @@ Exit RunShow(const ShowWords& words) {
   return exit;
 }
 
+Exit RunReport(const ShowWords& words) {
+  Exit exit = Done;
+  ChartSummary summary;
+  ChartReading reading;
+  for (std::size_t i = 0; i < words.Files.size(); ++i) {
+    const std::string& name = words.Files[i];
+    const auto read = ReadChartFile(PathOf(name), words.Folder, {}, reading);
+    const ChartRecord& chart = reading.Chart;
+    if (!read) {
+      exit = Fail(read.error());
+    } else if (chart.InstrumentCode.empty() && chart.StartTime == 0) {
+      exit = Fail(name + ": it is no chart file");
+    } else if (!summary.Add(chart)) {
+      exit = Fail(LeftOutOfSummary(words.Files.size() - i));
+      break;
+    }
+  }
+  if (!summary.IsEmpty()) Print(summary.Text());
+  return exit;
+}
+
 Exit RunSeries(const SeriesWords& words) {
   const ReadingOptions options{.UseAlpha = words.Alpha, .MinimalLapse = static_cast<float>(words.Lapse)};
   ChartReading reading;
-  if (!Read(words.Folder, words.File, options, reading)) return Failed;
+  if (!ReadChart(words.Folder, words.File, options, reading)) return Failed;
   if (reading.Chart.SeriesCount == 0)
     return Fail(words.File + ": the chart's points span no time, so it has no series");
   Print("time,depth,comment\n");

@@ -11,6 +11,7 @@
 #include "core/records.h"
 #include "database/conversion/population.h"
 #include "database/stations/synchronising.h"
+#include "editor/chart_views.h"
 
 namespace hyetex::cli {
 namespace {
@@ -71,6 +72,7 @@ class CommandLine : public Description {
 
   void AddTabletCommands();
   void AddChartCommands();
+  void AddPlot();
   void AddFolderCommands();
   void AddDatabaseCommands();
   void AddConversionCommands();
@@ -142,6 +144,13 @@ void CommandLine::AddChartCommands() {
   AddFolder(show.Line, show.Given);
   AddFiles(show.Line, show.Given.Files);
 
+  const auto report =
+      Add("report", "Sums chart files up, a line each, as the editor's file summary does.", RunReport,
+          "Depths are mm, times hours, factors percent. A file that cannot be read is named, and "
+          "the rest goes on.");
+  AddFolder(report.Line, report.Given);
+  AddFiles(report.Line, report.Given.Files);
+
   auto series = Add("series", "Prints a chart's time-depth series as CSV: time,depth,comment.", RunSeries,
                     "Depths are mm of water since the chart's start; times are ISO 8601, without a zone.");
   AddFolder(series.Line, series.Given);
@@ -150,6 +159,40 @@ void CommandLine::AddChartCommands() {
   series.Flag("--exact", &SeriesWords::Exact,
               "days and depths in the shortest form that reads back the same");
   AddWord(series.Line, "FILE", series.Given.File, "a chart file")->required();
+
+  AddPlot();
+}
+
+void CommandLine::AddPlot() {
+  auto plot = Add(
+      "plot", "Draws a chart as pictures of an A4 page: its trace, or its depth over time.", RunPlot,
+      "At least one of --pdf, --png and --svg is wanted; a file that is there is replaced. A chart without\n"
+      "points or series gives a page that says so, which is said on standard error too.");
+  AddFolder(plot.Line, plot.Given);
+  plot.Line.add_option("--view", plot.Given.Series, "what is drawn")
+      ->type_name("trace|series")
+      ->required()
+      ->transform(CLI::Validator(
+          [](std::string& view) {
+            if (view != "trace" && view != "series") return "trace or series is wanted, not \"" + view + "\"";
+            view = view == "series" ? "true" : "false";
+            return std::string();
+          },
+          {}));
+  AddNumber(plot.Line, "--step", plot.Given.Step, LeastHyetographMinutes, MostHyetographMinutes, "MINUTES",
+            "the intensity too, in bars of this step (series)");
+  plot.Flag("--alpha", &PlotWords::Alpha, "take the pen's skew out with the selected alpha");
+  CLI::Option* portrait = plot.Line.add_flag("--portrait", plot.Given.Portrait, "an upright page");
+  plot.Line.add_flag("--landscape", plot.Given.Landscape, "a page that lies (this is so without either)")
+      ->excludes(portrait);
+  plot.Flag("--no-grid", &PlotWords::NoGrid, "without grid and day marks");
+  AddNumber(plot.Line, "--font-size", plot.Given.FontSize, LeastFontPoints, MostFontPoints, "POINTS",
+            "of all texts but the title")
+      ->capture_default_str();
+  plot.Name("--pdf", &PlotWords::Pdf, "OUT", "a page as PDF");
+  plot.Name("--png", &PlotWords::Png, "OUT", "a picture of 150 pixels an inch as PNG");
+  plot.Name("--svg", &PlotWords::Svg, "OUT", "a drawing as SVG");
+  AddWord(plot.Line, "FILE", plot.Given.File, "a chart file")->required();
 }
 
 void CommandLine::AddFolderCommands() {
@@ -223,12 +266,14 @@ void CommandLine::AddDatabaseCommands() {
 void CommandLine::AddConversionCommands() {
   const auto load =
       Add("load", "Loads chart files into the database; a chart that is there is replaced.", RunLoad,
-          "The instruments must be in the program folder's list of stations and in the database.");
+          "The instruments must be in the program folder's list of stations and in the database. Files are\n"
+          "named CODE-YYYYMMDD-HHMM.dat; others are left out.");
   AddDatabase(load.Line, load.Given);
   AddFiles(load.Line, load.Given.Files);
 
-  auto extract = Add("extract", "Writes the database's charts as files, as they were loaded.", RunExtract,
-                     "They stay in the database. Files of their names that are in the folder are replaced.");
+  auto extract =
+      Add("extract", "Writes the database's charts as files, as they were loaded.", RunExtract,
+          "They stay in the database. Chart files of their names that are in the folder are replaced.");
   AddDatabase(extract.Line, extract.Given);
   extract.Name("--to", &ExtractWords::To, "DIR", "the folder to write to; made when it is missing")
       ->required();

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "chartfiles/chart_reader.h"
 #include "commandline/answer.h"
 #include "digitizing/desk_view.h"
 
@@ -51,7 +52,24 @@ struct SeriesWords : FolderWords {
   std::string File;
 };
 Exit RunShow(const ShowWords& words);  // chart_commands.cpp
+Exit RunReport(const ShowWords& words);
 Exit RunSeries(const SeriesWords& words);
+
+struct PlotWords : FolderWords {
+  bool Series = false;  ///< the view of time and depth, else the trace
+  double Step = 0;      ///< minutes of the intensity bars; 0 for none
+  bool Alpha = false, NoGrid = false;
+  bool Portrait = false, Landscape = false;  ///< neither is landscape
+  double FontSize = 10;
+  std::string Pdf, Png, Svg;  ///< where the pictures go; empty for none
+  std::string File;
+};
+Exit RunPlot(const PlotWords& words);  // plot_command.cpp
+
+/// Reads a chart file by the name that the words give, with the folder's stations, and says what was left out
+/// of it. False, and said, where it cannot be read.
+bool ReadChart(const std::string& folder, const std::string& name, ReadingOptions options,
+               ChartReading& reading);
 
 struct SettingWords : FolderWords {
   std::string Key, Value;

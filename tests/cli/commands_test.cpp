@@ -52,6 +52,8 @@ TEST(Cli, ExitStatusTellsWhoIsAtFault) {
                      {{"create-tables", "--db", "DSN=a", "--new", "b"}, 2, "--new"},
                      {{"setting", "--folder", folder.Path(), "get"}, 2, "KEY"},
                      {{"lists", "more"}, 2, "more"},
+                     {{"lists", "[more]"}, 2, " [more];"},
+                     {{"show", "--folder", folder.Path(), "[none,one]"}, 1, "[none,one]"},
                      {{"show", "--folder", folder.Path(), "none.dat"}, 1, "none.dat"},
                      {{"show", folder.Path()}, 1, "it is no file"},
                      {{"decode", "--tablet", "1", folder / "none"}, 1, "none"},
@@ -74,7 +76,8 @@ TEST(Cli, ExitStatusTellsWhoIsAtFault) {
 TEST(Cli, EveryCommandExplainsItself) {
   const Ran all = RunCli({"--help"});
   EXPECT_EQ(all.Status, 0);
-  for (const char* name : {"decode", "trace", "digitize", "show", "series", "setting", "lists", "tasks"}) {
+  for (const char* name :
+       {"decode", "trace", "digitize", "show", "series", "plot", "setting", "lists", "tasks"}) {
     const Ran ran = RunCli({name, "--help"});
     EXPECT_EQ(ran.Status, 0);
     EXPECT_THAT(ran.Out, HasSubstr(std::string("Usage: hyetex-cli ") + name));

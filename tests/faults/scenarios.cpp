@@ -1,5 +1,6 @@
 #include "faults/scenarios.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -15,6 +16,8 @@
 #include "database/store/stored_text.h"
 #include "database/stored_charts.h"
 #include "digitizing/resume.h"
+#include "editor/database_charts.h"
+#include "editor/folder_charts.h"
 #include "paths.h"
 #include "staging/lists/lists.h"
 #include "staging/tasks/tasks.h"
@@ -140,6 +143,33 @@ void WithDamagedLists(const std::string& folder) {
   WriteFile(path, bytes + "xx");
 }
 
+// The editor's way to change the first chart: its depth, and its start for another name.
+int SaveFirstChart(ChartSource& source, bool renames) {
+  const auto fail = [](const std::string& why) { return std::fprintf(stderr, "%s\n", why.c_str()), 1; };
+  UnwatchedProgress progress;
+  const auto list = source.List({}, progress);
+  if (!list) return fail(list.error());
+  ChartRecord edited;
+  edited.StartTime = ChartOfDay(0, "").Start;
+  edited.EndTime = ChartOfDay(0, "").End;
+  edited.SelectedDepth = 7;
+  if (renames) edited.StartTime += 0.5 / 24;
+  const std::string old = ChartFileName(Hill, ChartOfDay(0, "").Start);
+  const auto file = std::ranges::find(list->Files, old, &ChartFileInfo::FileName);
+  if (file == list->Files.end() && !list->Notes.empty()) return fail(list->Notes.front());
+  if (file == list->Files.end()) return renames ? 0 : fail(old + " is gone");
+  const auto opened = source.Open(*file, {});
+  if (!opened) return fail(opened.error());
+  edited.InstrumentCode = Hill;
+  const Confirm yes = [](const std::string&) { return true; };
+  const auto saved = source.Save(*opened, edited, {yes, yes, yes}, progress);
+  if (!saved) return fail(saved.error());
+  // What became of the chart's conversion is no failure; a file that stays is.
+  for (const std::string& note : (*saved)->Notes)
+    if (note.find("cannot be removed") != std::string::npos) return fail(note);
+  return 0;
+}
+
 }  // namespace
 
 std::vector<Scenario> AllScenarios() {
@@ -205,6 +235,10 @@ std::vector<Scenario> AllScenarios() {
       {"damaged lists", WithDamagedLists, Task("damaged lists")},
       {"journal", Program, Task("journal"), false, "program/Journal.txt"},
       {"move", Database, Task("move"), true},
+      {"save in the editor", Database, Task("save")},
+      {"save under another name", Database, Task("rename")},
+      {"save in the database", Converted, Task("save stored")},
+      {"rename in the database", Converted, Task("rename stored")},
       {"data source",
        [](const std::string& folder) {
          Need(CreateDatabaseFile(folder + "/rain.sqlite"));
@@ -225,6 +259,18 @@ int DoTask(const std::string& name, const std::string& folder) {
   if (name == "data source") {
     ::setenv("ODBCINI", (folder + "/odbc.ini").c_str(), 1);
     return tell(RegisterDatabaseFile(folder + "/rain.sqlite"));
+  }
+  if (name == "save" || name == "rename" || name.ends_with(" stored")) {
+    ClearTemporaries(folder + "/charts");
+    const std::vector<StationRecord> stations;
+    UnattendedDialogs dialogs;
+    const Settings settings(program);
+    HyetexPlotDB database(settings, dialogs);
+    database.ConnectionText = Db(folder);
+    FolderCharts files(folder + "/charts", stations);
+    DatabaseCharts stored(database, stations);
+    return SaveFirstChart(name.ends_with("stored") ? static_cast<ChartSource&>(stored) : files,
+                          name.starts_with("rename"));
   }
   if (name == "move") {
     std::vector<std::string> paths;

@@ -6,6 +6,7 @@
 
 #include "app/app_desk.h"
 #include "digitizing/windows/mdiHyetex.h"
+#include "paths.h"
 #include "platform/qt_text.h"
 #include "platform/serial_devices.h"
 #include "staging/windows/frmProgramDefaults.h"
@@ -344,6 +345,66 @@ TEST_F(FolderTest, TheTabletsPortsAreChosenAmongTheProgramDefaults) {
   EXPECT_FALSE(window.isVisible());
   EXPECT_EQ(SerialDevice(settings_, 1), folder_ / "tty");
   EXPECT_EQ(Remembered("SerialPort2"), "");
+}
+
+// A window of entries, as the desk closes it and as its frame does; only its Cancel gives them up unasked.
+TEST_F(FolderTest, ProgramDefaultsAndConnectionsAreAskedAboutByEveryWayOut) {
+  std::filesystem::copy(Demo("program"), folder_.Path());
+  AppDesk desk({.Folder = folder_.Path()}, dialogs_);
+  desk.ShellSize = {1200, 800};
+  desk.Start();
+  desk.LoggedIn();
+  const struct {
+    WindowId Id;
+    const char *Box, *Question, *Key;
+  } windows[] = {
+      {WindowId::ProgramDefaults, "cboPort1",
+       "The program defaults that have been changed are not yet kept. Do you want to keep them ?",
+       "SerialPort1"},
+      {WindowId::Connection, "cboDSNList", "The connection has not been taken. Do you want to take it ?",
+       "DataBaseName"},
+      {WindowId::Logon, "txtServer", "The connection has not been taken. Do you want to take it ?", nullptr},
+  };
+  for (const auto& [id, box, question, key] : windows) {
+    SCOPED_TRACE(box);
+    const auto enter = [&] {
+      desk.Open(id);
+      if (auto* list = desk.Window(id)->findChild<QComboBox*>(box)) {
+        if (!list->isEditable()) list->addItem("COM9");
+        list->setCurrentText("COM9");
+      } else {
+        Find<QLineEdit>(*desk.Window(id), box).setText("COM9");
+      }
+    };
+    desk.Open(id);
+    desk.Window(id)->parentWidget()->close();  // nothing was entered
+    EXPECT_EQ(desk.Window(id), nullptr);
+    enter();
+    dialogs_.Boxes.clear();
+    if (id == WindowId::Logon) dialogs_.Answers = {BoxAnswer::No};  // it says nothing of giving up
+    Click(*desk.Window(id), "cmdCancel");
+    EXPECT_EQ(desk.Window(id), nullptr);
+    EXPECT_EQ(dialogs_.Boxes.size(), id == WindowId::Logon ? 1U : 0U);
+    enter();
+    const std::function<void()> waysOut[] = {
+        [&] { desk.ShellWindow()->findChild<QAction*>("mnuExit")->trigger(); },
+        [&] { desk.ShellWindow()->close(); },
+        [&] { desk.Window(id)->parentWidget()->close(); },
+    };
+    for (const auto& leave : waysOut) {
+      dialogs_.Boxes.clear();
+      dialogs_.Answers = {BoxAnswer::Cancel};
+      leave();
+      ASSERT_EQ(dialogs_.Boxes.size(), 1U);
+      EXPECT_EQ(dialogs_.Boxes[0].Text, question);
+      ASSERT_NE(desk.Window(id), nullptr);
+    }
+    dialogs_.Boxes.clear();
+    dialogs_.Answers = {key != nullptr ? BoxAnswer::Yes : BoxAnswer::No};
+    waysOut[2]();
+    EXPECT_EQ(desk.Window(id), nullptr);
+    EXPECT_EQ(key == nullptr || Remembered(key).find("COM9") != std::string::npos, true);
+  }
 }
 
 }  // namespace

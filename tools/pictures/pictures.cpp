@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QListView>
 #include <QPixmap>
 #include <QStyleFactory>
 #include <QTabBar>
@@ -173,6 +174,40 @@ void TakePopulating(AppDesk& desk, Camera& camera) {
     if (QWidget* window = desk.Window(id)) window->close();
 }
 
+// On the charts of the demonstration, where they stand in "charts" of the program folder.
+void TakeEditor(AppDesk& desk, Camera& camera) {
+  desk.Open(WindowId::Editor);
+  QWidget* editor = desk.Window(WindowId::Editor);
+  auto* list = camera.Find<QListView>(editor, "lstAscii");
+  auto* tabs = camera.Find<QTabBar>(editor, "tbsFileView");
+  if (list == nullptr || tabs == nullptr) return;
+  const auto open = [&](int row) {
+    for (int i = 0; i < 40; ++i) {
+      QThread::msleep(10);
+      QApplication::processEvents();
+    }
+    list->setCurrentIndex(list->model()->index(std::min(row, list->model()->rowCount() - 1), 0));
+  };
+  open(3);
+  camera.Take(editor, "frmEditor");
+  tabs->setCurrentIndex(1);
+  if (auto* steps = camera.Find<QComboBox>(editor, "comHyetograph")) steps->setCurrentIndex(4);
+  open(1);
+  camera.Take(editor, "frmEditor-series");
+  tabs->setCurrentIndex(2);
+  open(6);
+  camera.Take(editor, "frmEditor-details");
+  tabs->setCurrentIndex(0);
+  list->selectAll();
+  if (auto* summary = camera.Find<QPushButton>(editor, "cmdLargeView");
+      summary && list->model()->rowCount() > 0) {
+    summary->click();
+    camera.Take(desk.Window(WindowId::LargeView), "frmLargeView-summary");
+  }
+  for (const WindowId id : {WindowId::LargeView, WindowId::Editor})
+    if (QWidget* window = desk.Window(id)) window->close();
+}
+
 }  // namespace
 
 Result<void> TakePictures(const std::string& programFolder, const std::string& pictures) {
@@ -193,6 +228,8 @@ Result<void> TakePictures(const std::string& programFolder, const std::string& p
   // The search for the tablet leaves the machine's own ports alone.
   for (const char* port : {"1", "2"}) (void)settings.Set(setting::SerialPort, port, "none");
   (void)settings.Set(setting::LoadSource, JoinPath(copy, "Data"));
+  if (const std::string charts = JoinPath(copy, "charts"); FolderExists(charts))
+    (void)settings.Set(setting::TargetFolder, charts);
   Camera camera(pictures);
   StartWords words;
   words.Folder = copy;
@@ -213,6 +250,7 @@ Result<void> TakePictures(const std::string& programFolder, const std::string& p
     TakeConnections(desk, camera);
     TakeLoading(desk, camera);
     TakePopulating(desk, camera);
+    TakeEditor(desk, camera);
   }
   words.Task = 0;
   AppDesk desk(words, dialogs);
