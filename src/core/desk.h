@@ -30,6 +30,8 @@ enum class WindowId : int {
   Exchange = 18,
   Logon = 19,
   Definitions = 20,
+  TableEditor = 21,
+  TableExchange = 22,
 };
 
 /// One flag for each window: -1 when it gets or loses the focus, 0 when it closes.
@@ -41,7 +43,7 @@ class OpenFlags {
   }
 
  private:
-  std::array<std::int16_t, 21> flags_{};
+  std::array<std::int16_t, 23> flags_{};
 };
 
 /// A window that acts on gaining and losing the focus among the windows of the shell. A box that is shown

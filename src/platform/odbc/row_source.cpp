@@ -140,9 +140,8 @@ DbResult<void> RowSource::BindColumns() {
     // Not filled: who reads a few rows should not pay for a thousand.
     column.Cells = std::make_unique_for_overwrite<char[]>(column.Width * arraySize_);
     column.Lengths.resize(arraySize_);
-    const auto bound =
-        select_.Check(SQLBindCol(select_.Handle(), ++at, column.CType, column.Cells.get(),
-                                 static_cast<SQLLEN>(column.Width), column.Lengths.data()));
+    const auto bound = select_.Check(SQLBindCol(select_.Handle(), ++at, column.CType, column.Cells.get(),
+                                                static_cast<SQLLEN>(column.Width), column.Lengths.data()));
     if (!bound) return bound;
   }
   for (std::size_t i = 0; i < chosen_.size(); ++i)
