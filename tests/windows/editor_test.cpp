@@ -115,7 +115,7 @@ TEST_F(EditorWindow, ReviewsCorrectsSavesAndDeletesByKeysAlone) {
   Key(Qt::Key_S, Qt::ControlModifier);
   EXPECT_THAT(Chart(Second),
               ::testing::AllOf(HasSubstr("\r\nManual Depth: 11.2\r\n"), HasSubstr("2-Marginal")));
-  EXPECT_EQ(Text("labUnsaved"), "");
+  EXPECT_EQ(Text("labUnsaved"), "Saved");
 
   // On to the next one from the box, with something unsaved: the answers stay, save, and drop.
   Key(Qt::Key_Up);
@@ -279,7 +279,7 @@ TEST_F(EditorWindow, WorksOnTheChartsOfTheDatabase) {
   const std::string first = OpenName();
   Key(Qt::Key_3, Qt::AltModifier);
   Key(Qt::Key_S, Qt::ControlModifier);
-  EXPECT_EQ(Text("labUnsaved"), "");
+  EXPECT_EQ(Text("labUnsaved"), "Saved");
   EXPECT_EQ(Part<QComboBox>("comReliability").currentText(), "Unreliable");
 
   dialogs_.Boxes.clear();

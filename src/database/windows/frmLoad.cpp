@@ -1,10 +1,7 @@
 #include "database/windows/frmLoad.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QKeyEvent>
-#include <QScrollBar>
-#include <QTimer>
 #include <algorithm>
 #include <utility>
 
@@ -22,8 +19,6 @@
 
 namespace hyetex {
 namespace {
-
-constexpr int SortedAfterMs = 250;
 
 constexpr const char* LoadTitle = "Loading Files into Database";
 constexpr const char* ExtractTitle = "Extract Files";
@@ -76,17 +71,7 @@ frmLoad::frmLoad(Desk& desk, Dialogs& dialogs, Settings& settings, ReferenceList
   ShowTarget();
 
   connect(tspLR, &QTabBar::currentChanged, this, &frmLoad::ChangeTab);
-  connect(drvSource, &QLineEdit::returnPressed, this, [this] { SetFolder(FromQt(drvSource->text())); });
-  connect(cmdBrowse, &QPushButton::clicked, this, [this] {
-    if (const auto folder = dialogs_.ChooseFolder(FromQt(frmFolder->title()), Folder())) SetFolder(*folder);
-  });
-  const auto take = [this](const QModelIndex& index) { SetFolder(FromQt(folders_->filePath(index))); };
-  connect(dirSource, &QTreeView::clicked, this, take);
-  connect(dirSource, &QTreeView::activated, this, take);
-  // The model reads folders in the background, and sorts them a while after it has told so.
-  connect(folders_, &QFileSystemModel::directoryLoaded, this, [this](const QString& read) {
-    if (ToQt(Folder()).startsWith(read)) QTimer::singleShot(SortedAfterMs, this, &frmLoad::ShowInTree);
-  });
+  connect(dirFolder_, &FolderBox::FolderChosen, this, &frmLoad::ChangeFolder);
   connect(cmdSetTarget, &QPushButton::clicked, this, [this] {
     target_ = source_;
     ShowTarget();
@@ -122,7 +107,7 @@ void frmLoad::showEvent(QShowEvent* event) {
 
 // In the folder's controls Return means the folder.
 void frmLoad::keyPressEvent(QKeyEvent* event) {
-  if (IsReturn(*event) && (drvSource->hasFocus() || dirSource->hasFocus())) return;
+  if (IsReturn(*event) && dirFolder_->TakesReturn()) return;
   FormWindow::keyPressEvent(event);
 }
 
@@ -140,16 +125,8 @@ void frmLoad::ChangeTab() {
   ReadFiles();
 }
 
-void frmLoad::SetFolder(const std::string& folder) {
-  std::string& current = Folder();
-  if (folder.empty() || folder == current) return;
-  if (!FolderExists(folder)) {
-    dialogs_.MessageBox(FromQt(frmFolder->title()), "There is no folder " + ShownText(folder), BoxButtons::Ok,
-                        BoxIcon::Warning);
-    return;
-  }
-  current = folder;
-  ShowFolder();
+void frmLoad::ChangeFolder() {
+  (Loads() ? source_ : target_) = dirFolder_->Folder();
   ShowTarget();
   if (Loads()) ReadFiles();
 }
@@ -158,20 +135,8 @@ void frmLoad::ShowFolder() {
   frmFolder->setTitle(Loads() ? tr("Source Folder") : tr("Target Folder"));
   cmdLoad->setText(Loads() ? tr("&Load Files to Database") : tr("&Extract Files"));
   moving_->setVisible(Loads());
-  const QString folder = ToQt(Folder());
-  drvSource->setText(folder);
-  drvSource->setCursorPosition(0);
-  drvSource->setToolTip(folder);
-  ShowInTree();
-}
-
-void frmLoad::ShowInTree() {
-  const QModelIndex index = folders_->index(QDir::cleanPath(ToQt(Folder())));
-  dirSource->setCurrentIndex(index);
-  dirSource->scrollTo(index, QAbstractItemView::PositionAtCenter);
-  // A folder's name counts more than how deep it stands.
-  QScrollBar& across = *dirSource->horizontalScrollBar();
-  across.setValue(across.value() + dirSource->visualRect(index).left() - 2 * dirSource->indentation());
+  dirFolder_->SetTitle(FromQt(frmFolder->title()));
+  dirFolder_->ShowFolder(Loads() ? source_ : target_);
 }
 
 void frmLoad::ShowTarget() { labTarget->setText(ToQt(target_)); }

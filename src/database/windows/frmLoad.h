@@ -3,15 +3,12 @@
 
 #include <QAbstractListModel>
 #include <QCheckBox>
-#include <QFileSystemModel>
 #include <QGroupBox>
 #include <QLabel>
-#include <QLineEdit>
 #include <QListView>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTabBar>
-#include <QTreeView>
 #include <QTreeWidget>
 #include <memory>
 #include <string>
@@ -21,6 +18,7 @@
 #include "database/store/file_list.h"
 #include "platform/date_box.h"
 #include "platform/dialogs.h"
+#include "platform/folder_box.h"
 #include "platform/form_window.h"
 #include "platform/shown_progress.h"
 #include "staging/lists/lists.h"
@@ -72,11 +70,9 @@ class frmLoad : public FormWindow {
   QWidget* MakeButtons();
 
   bool Loads() const { return tspLR->currentIndex() == 0; }
-  std::string& Folder() { return Loads() ? source_ : target_; }
   void ChangeTab();
-  void SetFolder(const std::string& folder);
+  void ChangeFolder();
   void ShowFolder();
-  void ShowInTree();
   void ShowTarget();
 
   /// The files of the folder or of the database, into the lists.
@@ -105,10 +101,7 @@ class frmLoad : public FormWindow {
 
   QTabBar* tspLR;
   QGroupBox* frmFolder;
-  QLineEdit* drvSource;
-  QPushButton* cmdBrowse;
-  QTreeView* dirSource;
-  QFileSystemModel* folders_;
+  FolderBox* dirFolder_;
   QWidget* moving_;  ///< what is about moving files, shown on Load only
   QCheckBox *chkTarget, *chkDate;
   QPushButton *cmdSetTarget, *cmdAll, *cmdLoad, *cmdClose, *cmdStop;

@@ -1,6 +1,5 @@
 // The controls of the load window and where they stand.
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QSplitter>
 #include <QVBoxLayout>
 
@@ -77,25 +76,15 @@ void frmLoad::MakeLayout() {
                           static_cast<QWidget*>(prgFiles), static_cast<QWidget*>(cmdStop)})
     hidden->hide();
 
-  LinkTabs({tspLR, drvSource, cmdBrowse, dirSource, chkTarget, cmdSetTarget, tvwStations, lstFile, cmdAll,
-            chkDate, dtpBegin, dtpEnd, cmdLoad, cmdClose, cmdStop});
+  QList<QWidget*> tabs{tspLR};
+  tabs << dirFolder_->Controls()
+       << QList<QWidget*>{chkTarget, cmdSetTarget, tvwStations, lstFile,  cmdAll, chkDate,
+                          dtpBegin,  dtpEnd,       cmdLoad,     cmdClose, cmdStop};
+  LinkTabs(tabs);
 }
 
 QWidget* frmLoad::MakeFolder() {
-  drvSource = Named(new QLineEdit, "drvSource");
-  drvSource->setAccessibleName(tr("Folder"));
-  cmdBrowse = Named(new QPushButton(tr("&Browse...")), "cmdBrowse");
-  folders_ = new QFileSystemModel(this);
-  folders_->setFilter(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Drives);
-  folders_->setRootPath(QDir::rootPath());
-  dirSource = Named(new QTreeView, "dirSource");
-  dirSource->setAccessibleName(tr("Folders"));
-  dirSource->setModel(folders_);
-  dirSource->setHeaderHidden(true);
-  for (int column = 1; column < folders_->columnCount(); ++column) dirSource->hideColumn(column);
-  dirSource->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
-  dirSource->header()->setStretchLastSection(false);
-
+  dirFolder_ = new FolderBox(dialogs_, "drvSource", "dirSource", "");
   chkTarget = Named(new QCheckBox(tr("&Move Files ToTarget Folder Afterwards")), "chkTarget");
   cmdSetTarget = Named(new QPushButton(tr("&Set Folder From Directory Tree Above")), "cmdSetTarget");
   labTarget = WrappedLabel("labTarget");
@@ -107,12 +96,8 @@ QWidget* frmLoad::MakeFolder() {
   moving->addWidget(labTarget);
 
   frmFolder = Named(new QGroupBox, "frmFolder");
-  auto* line = new QHBoxLayout;
-  line->addWidget(drvSource);
-  line->addWidget(cmdBrowse);
   auto* layout = new QVBoxLayout(frmFolder);
-  layout->addLayout(line);
-  layout->addWidget(dirSource, 1);
+  layout->addWidget(dirFolder_, 1);
   layout->addWidget(moving_);
   return frmFolder;
 }

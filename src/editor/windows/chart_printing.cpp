@@ -47,8 +47,9 @@ void PreviewChart(ChartView& view, QPageLayout::Orientation orientation, Dialogs
   dialog.exec();
 }
 
-void SaveChartAsPdf(ChartView& view, QPageLayout::Orientation orientation, Dialogs& dialogs) {
-  const auto path = dialogs.ChooseFileToSave("Save the chart as PDF", "chart.pdf");
+void SaveChartAsPdf(ChartView& view, QPageLayout::Orientation orientation, const std::string& proposed,
+                    Dialogs& dialogs) {
+  const auto path = dialogs.ChooseFileToSave("Save the chart as PDF", proposed);
   if (!path) return;
   QBuffer bytes;
   bytes.open(QIODevice::WriteOnly);

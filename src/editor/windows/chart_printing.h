@@ -11,6 +11,8 @@ namespace hyetex {
 // Each tells the operator what fails; without any printer there still is the PDF.
 void PrintChart(ChartView& view, QPageLayout::Orientation orientation, Dialogs& dialogs);
 void PreviewChart(ChartView& view, QPageLayout::Orientation orientation, Dialogs& dialogs);
-void SaveChartAsPdf(ChartView& view, QPageLayout::Orientation orientation, Dialogs& dialogs);
+/// `proposed` is a path or a name for the file.
+void SaveChartAsPdf(ChartView& view, QPageLayout::Orientation orientation, const std::string& proposed,
+                    Dialogs& dialogs);
 
 }  // namespace hyetex

@@ -417,6 +417,7 @@ bool frmEditor::SaveChart() {
   else
     Take(std::nullopt, chart.error());
   if (isRenamed) UpdateList();
+  labUnsaved->setText(tr("Saved"));
   if (!(*saved)->Notes.empty())
     dialogs_.MessageBox(SaveTitle, Lines((*saved)->Notes, MostLinesTold), BoxButtons::Ok,
                         BoxIcon::Information);

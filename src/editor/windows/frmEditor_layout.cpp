@@ -8,6 +8,7 @@
 #include <QVBoxLayout>
 
 #include "chartfiles/chart_text.h"
+#include "core/files.h"
 #include "core/numbers.h"
 #include "editor/windows/chart_printing.h"
 #include "editor/windows/frmEditor.h"
@@ -170,11 +171,16 @@ QWidget* frmEditor::MakeToolBox() {
   auto* menu = new QMenu(cmdPrint);
   const auto entry = [&](const char* name, const QString& caption, auto run) {
     QAction* action = Named(menu->addAction(caption), name);
-    connect(action, &QAction::triggered, this, [this, run] { run(*picPreview, Orientation(), dialogs_); });
+    connect(action, &QAction::triggered, this, run);
   };
-  entry("mnuPrint", tr("&Print..."), PrintChart);
-  entry("mnuPreview", tr("Pre&view..."), PreviewChart);
-  entry("mnuPdf", tr("Save as P&DF..."), SaveChartAsPdf);
+  entry("mnuPrint", tr("&Print..."), [this] { PrintChart(*picPreview, Orientation(), dialogs_); });
+  entry("mnuPreview", tr("Pre&view..."), [this] { PreviewChart(*picPreview, Orientation(), dialogs_); });
+  entry("mnuPdf", tr("Save as P&DF..."), [this] {
+    if (!open_) return;
+    const std::string& name = open_->File.FileName;
+    const std::string pdf = JoinPath(folder_.Folder(), name.substr(0, name.rfind('.')) + ".pdf");
+    SaveChartAsPdf(*picPreview, Orientation(), pdf, dialogs_);
+  });
   cmdPrint->setMenu(menu);
   cmdSelect = MakeButton("cmdSelect", "&Zoom In", nullptr);
   cmdSelect->setCheckable(true);
