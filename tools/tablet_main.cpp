@@ -125,9 +125,9 @@ class Tablet {
     return {};
   }
   Result<void> WaitForReader() {
-    if (line_.WaitForReader(until_) == PtyLine::End::TimedOut)
-      return Failure("nobody opened " + line_.Path() + " in time");
-    return {};
+    const PtyLine::End end = line_.WaitForReader(until_);
+    if (end == PtyLine::End::TimedOut) return Failure("nobody opened " + line_.Path() + " in time");
+    return Ended(end);
   }
 
   // Or until the line has been opened `opening` times.

@@ -217,11 +217,15 @@ TEST_F(TabletSimulator, NoticesReaderThatLeavesEarly) {
 
 TEST_F(TabletSimulator, TakesItsLinkAwayWhenItIsEnded) {
   const std::string link = Folder / "tty";
-  Simulator simulator({"--tablet", "1", "--link", link, Save(StreamOf(1))});
-  ASSERT_EQ(std::filesystem::read_symlink(link).string(), simulator.Path);
-  simulator.Signal(SIGTERM);
-  EXPECT_GE(simulator.Wait(), 0) << "ended by the signal itself";
-  EXPECT_FALSE(std::filesystem::is_symlink(link));
+  for (const char* opening : {"1", "2"}) {
+    Simulator simulator(
+        {"--tablet", "1", "--opening", opening, "--wait", "5", "--stay", "--link", link, Save(StreamOf(1))});
+    ASSERT_EQ(std::filesystem::read_symlink(link).string(), simulator.Path);
+    simulator.Signal(SIGTERM);
+    EXPECT_GE(simulator.Wait(), 0) << "ended by the signal itself";
+    EXPECT_EQ(simulator.Errors(), "") << "it waited on for opening " << opening;
+    EXPECT_FALSE(std::filesystem::is_symlink(link));
+  }
 }
 
 TEST_F(TabletSimulator, RefusesBadWordsInOneLine) {
