@@ -276,7 +276,11 @@ TEST(ActionMachine, ALassoCommentsThePointsUnderIt) {
     EXPECT_TRUE(desk.Machine.OpenCommentRequest()->Choices.empty());
     EXPECT_TRUE(desk.Comment("", "Wet").IsDrawing() && desk.Last() == 3);
     for (int i = 0; i <= 3; ++i) EXPECT_EQ(desk.Line().Point(i).Comment, i == 1 || i == 2 ? "Wet" : "");
-    desk.Tool(tool::SegmentComment).Drag(650, 500, 750, 700).Machine.ClearComments();
+    desk.Tool(tool::SegmentComment).Report(650, 500).Report(650, 500, 0);
+    desk.Machine.Layout.Board = {desk.Machine.Layout.ScreenX(750) - 100,
+                                 desk.Machine.Layout.ScreenY(700) - 100, 900, 900};
+    EXPECT_FALSE(desk.Report(750, 700, 0).State().OverToolBox) << "dragged over the board";
+    desk.Report(750, 700).Machine.ClearComments();
     EXPECT_EQ(desk.Comment("7", "").Line().Point(1).Comment, "CODE7");
     EXPECT_EQ(desk.Line().Point(2).Comment, "Wet");
   }
@@ -302,6 +306,7 @@ TEST(ActionMachine, ZoomsToTheDraggedAreaAndBack) {
   EXPECT_EQ(GetToolText(tool::Zoom, true), "Zoom Out - return to normal display");
   EXPECT_TRUE(!desk.Tool(tool::Zoom).View.ZoomOutPicture && view() == whole);
   EXPECT_TRUE(desk.Tool(tool::Zoom).Click(1000, 1000).IsDrawing() && view() == whole);  // no area
+  EXPECT_TRUE(desk.Tool(tool::Zoom).Drag(1000, 1000, 2000, 1000).IsDrawing() && view() == whole);
   desk.Tool(tool::Zoom);
   ZoomAround(desk.Machine.Layout, DeskTablet.Extents, 2, 0,
              0);  // by the wheel, to 0 to 2000 and 2000 to 4000

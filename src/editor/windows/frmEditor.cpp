@@ -239,11 +239,9 @@ void frmEditor::OpenFile(int index) {
   const ChartFileInfo file = lines_.Files()[static_cast<std::size_t>(index)];
   if (!MayLeaveChart()) return SelectOpen();
   auto chart = source_.Open(file, Reading());
-  if (chart)
-    Take(*std::move(chart));
-  else
-    Take(std::nullopt, chart.error());
-  if (chart) SelectOpen();  // a save may have changed the list
+  if (!chart) return Take(std::nullopt, chart.error());
+  Take(*std::move(chart));
+  SelectOpen();  // a save may have changed the list
 }
 
 void frmEditor::Take(std::optional<OpenedChart> chart, const std::string& why) {
