@@ -271,7 +271,8 @@ DbResult<void> DatabaseCharts::DeleteAll(std::span<const ChartFileInfo> files, D
   std::map<std::string, std::set<ChartKey>> ofInstrument;
   for (const ChartFileInfo& file : files) ofInstrument[file.InstrumentCode].insert(KeyOf(file));
   std::set<ChartKey> found;  // a chart that stands there twice goes as a whole
-  for (const auto& [code, keys] : ofInstrument) {
+  for (const auto& charts : ofInstrument) {
+    const std::string& code = charts.first;
     if (!progress.Step(static_cast<std::int64_t>(found.size()), static_cast<std::int64_t>(files.size()),
                        code))
       return tl::unexpected(DbError{db_error::Cancelled, "the operator stopped it", {}});
@@ -279,7 +280,7 @@ DbResult<void> DatabaseCharts::DeleteAll(std::span<const ChartFileInfo> files, D
     selection.Columns = {column::InstrumentCode, column::ChartDate};
     if (auto opened = database_.OpenChartAscii(std::move(selection)); !opened) return opened;
     const auto places = PlacesWhere(database_.ChartAsciiTable, [&](const ChartFileInfo& here) {
-      const bool goes = keys.contains(KeyOf(here));
+      const bool goes = charts.second.contains(KeyOf(here));
       if (goes) found.insert(KeyOf(here));
       return goes;
     });

@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPointer>
 #include <algorithm>
 
 #include "core/text.h"
@@ -91,15 +92,15 @@ ShownProgress::~ShownProgress() {
   QApplication::restoreOverrideCursor();
   cancel_.hide();
   bar_.hide();
-  if (!closesAfter_) return;
+  if (closing_ == nullptr) return;
   cancel_.setText(caption_);
   // A deferred deletion waits for the loops of all boxes that are shown from here on.
-  (new ClosedBehind(closesAfter_))->deleteLater();
+  closing_->deleteLater();
 }
 
 void ShownProgress::StopAndClose(QWidget& frame) {
   cancelled_ = true;
-  closesAfter_ = &frame;
+  if (closing_ == nullptr) closing_ = new ClosedBehind(&frame);
   cancel_.setEnabled(false);
   cancel_.setText(tr("Stopping, then the program ends"));
 }

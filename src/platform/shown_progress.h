@@ -4,7 +4,6 @@
 
 #include <QElapsedTimer>
 #include <QObject>
-#include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
 #include <functional>
@@ -36,7 +35,7 @@ class ShownProgress : public QObject, public Progress {
   QProgressBar& bar_;
   QPushButton& cancel_;
   const QString caption_;
-  QPointer<QWidget> closesAfter_;
+  QObject* closing_ = nullptr;  ///< once the frame is to close behind it
   std::function<void(const std::string&)> tell_;
   QElapsedTimer sinceEvents_;
   bool cancelled_ = false;

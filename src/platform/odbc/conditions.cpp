@@ -64,7 +64,7 @@ Conditions::Conditions(std::shared_ptr<OdbcLink> link, const TableShape& shape,
     const DbValue& wanted = condition.Among.empty() ? condition.Wanted : condition.Among.front();
     if (!std::holds_alternative<DbDate>(wanted)) continue;
     checked_.push_back(*shape.Find(condition.Column));
-    Time& time = times_.emplace_back(condition.How, std::vector<std::int64_t>());
+    Time& time = times_.emplace_back(Time{condition.How, {}});
     for (const DbValue& value : condition.Among) time.Seconds.push_back(SecondsOf(DateOf(value)));
     if (condition.Among.empty()) time.Seconds.push_back(SecondsOf(DateOf(wanted)));
     std::ranges::sort(time.Seconds);

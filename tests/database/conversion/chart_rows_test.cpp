@@ -67,6 +67,7 @@ TEST(ChartRows, ScaleToTheDepthThatCounts) {
   for (const auto& c : cases) {
     const ChartRows rows = RowsOf(c.Chart, c.Manual);
     EXPECT_NEAR(Sum(rows), c.Sum, 1e-9);
+    EXPECT_NEAR(rows.ChosenDepth.value_or(0), c.Sum, 1e-9) << "is written down beside the rows";
     if (c.Note != nullptr)
       EXPECT_THAT(rows.Notes, ElementsAre(HasSubstr(c.Note)));
     else
