@@ -40,13 +40,9 @@ std::int64_t NumberIn(const CatalogRow& row, std::size_t column) {
   return static_cast<std::int64_t>(LeadingNumber(row[column]));
 }
 
-// Where the database looks for tables whose name stands alone: in one catalog, and in these schemas one after
-// the other; an empty name stands for all there are.
-struct Places {
-  std::string Catalog;
-  std::vector<std::string> Schemas{""};
-};
+using Places = OdbcLink::Places;
 DbResult<Places> SearchedPlaces(const std::shared_ptr<OdbcLink>& link) {
+  if (link->Searched) return *link->Searched;
   if (link->Maker() == DatabaseMaker::SQLite) return Places();
   if (link->Maker() != DatabaseMaker::PostgreSQL) return Places{.Catalog = link->Info(SQL_DATABASE_NAME)};
   static const std::string sql =
@@ -56,6 +52,7 @@ DbResult<Places> SearchedPlaces(const std::shared_ptr<OdbcLink>& link) {
   if (!rows) return tl::unexpected(rows.error());
   Places places{.Catalog = {}, .Schemas = {}};
   for (const CatalogRow& row : *rows) places.Schemas.push_back(row[1]);
+  link->Searched = places;
   return places;
 }
 

@@ -70,10 +70,18 @@ class OdbcLink {
   /// What the catalog has told of tables so far, by the names that were asked for: asking takes longer than
   /// writing a chart's rows. A statement that may change a table empties it.
   std::map<std::string, std::shared_ptr<const TableShape>, std::less<>> Shapes;
+  /// Where the database looks for tables whose name stands alone: in one catalog, and in these schemas one
+  /// after the other; an empty name stands for all there are.
+  struct Places {
+    std::string Catalog;
+    std::vector<std::string> Schemas{""};
+  };
+  std::optional<Places> Searched;
   /// Which columns hold which codes with blanks behind them.
   std::map<std::string, bool, std::less<>> HasPadded;
   void ForgetTables() {
     Shapes.clear();
+    Searched.reset();
     HasPadded.clear();
   }
 
