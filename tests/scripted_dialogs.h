@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <deque>
+#include <functional>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -50,11 +51,13 @@ class ScriptedDialogs : public Dialogs {
   std::vector<ShownInput> Inputs;
   std::deque<std::optional<std::string>> Folders;  ///< that are chosen
   std::deque<std::optional<std::string>> Files;    ///< to save in
+  std::function<void()> Meanwhile;                 ///< what others do while the next question stands
 
   BoxAnswer MessageBox(const std::string& title, const std::string& text, BoxButtons buttons,
                        BoxIcon icon) override {
     Boxes.push_back({title, text, buttons, icon});
     if (buttons == BoxButtons::Ok) return BoxAnswer::Ok;
+    if (const auto meanwhile = std::exchange(Meanwhile, nullptr)) meanwhile();
     if (Answers.empty()) {
       Unexpected(text);
       return buttons == BoxButtons::YesNo || buttons == BoxButtons::NoUnlessYes ? BoxAnswer::No

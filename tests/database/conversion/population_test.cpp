@@ -67,6 +67,32 @@ TEST_P(Population, AsksBeforeItReplaces) {
   EXPECT_THAT(Boxes.Boxes, SizeIs(2));
 }
 
+// What was agreed to is not what stands there now.
+TEST_P(Population, AsksAgainWhenOthersHaveChangedWhatItAskedAbout) {
+  Store({});
+  const std::string insert = "INSERT INTO chart (instrument_code_id, start_time, end_time, depth) VALUES ";
+  Run(insert + "('RG12', '1998-03-05 08:00:00', '1998-03-05 10:00:00', 1)");
+  Boxes.Meanwhile = [&] { Run(insert + "('RG12', '1998-03-05 08:30:00', '1998-03-05 09:00:00', 2)"); };
+  Boxes.Answers = {BoxAnswer::Yes, BoxAnswer::No};
+  EXPECT_EQ(Convert({Ten}).ChartsSkipped, 1);
+  EXPECT_THAT(Boxes.Boxes, SizeIs(2));
+  EXPECT_THAT(Rows(), SizeIs(2));
+
+  const std::string whole = StoredChart{}.Text();
+  const auto cut = [&](const char* at) {
+    Run("DELETE FROM chart_ascii");
+    StoreText(
+        "RG12", Ten,
+        whole.substr(0, whole.find("Chart Reliability")) + "Number of Points: 4\r\n" +
+            whole.substr(whole.find("Chart Reliability"), whole.find(at) - whole.find("Chart Reliability")));
+  };
+  cut("90,10");
+  Boxes.Meanwhile = [&] { cut("60,"); };
+  Boxes.Answers = {BoxAnswer::Yes};
+  EXPECT_THAT(Convert({Ten}).Problems, ElementsAre(HasSubstr("is cut off")));
+  EXPECT_THAT(Rows(), SizeIs(2));
+}
+
 TEST_P(Population, TakesOldRowsThatLieASecondOutside) {
   Store({});
   for (const char* times :
