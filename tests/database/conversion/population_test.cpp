@@ -219,7 +219,8 @@ TEST_P(Population, SaysFirstThatRowsMayRemainWhereNothingIsWrittenDown) {
   Convert({Ten, Ten + 1});
   EXPECT_THAT(Boxes.Boxes, IsEmpty()) << "nothing was converted before";
   Options.Variables.GmtShift = -6.0F / 24;
-  Convert({Ten, Ten + 1});
+  Store({.Start = Ten + 2, .End = Ten + 2.1});
+  Convert({Ten, Ten + 1, Ten + 2});
   ASSERT_THAT(Boxes.Boxes, SizeIs(1)) << "once a run";
   EXPECT_THAT(Boxes.Boxes[0].Text, HasSubstr("CHART_CONVERSION"));
 }
