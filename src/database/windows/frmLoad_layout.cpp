@@ -1,5 +1,6 @@
 // The controls of the load window and where they stand.
 #include <QHBoxLayout>
+#include <QHeaderView>
 #include <QSplitter>
 #include <QVBoxLayout>
 
