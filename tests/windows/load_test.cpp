@@ -184,6 +184,18 @@ TEST_F(LoadWindow, WarnsOfInstrumentsNotInCommonAndOffersToAddThem) {
   EXPECT_EQ(ReadLists(folder_.Path())->Stations.size(), 3U);
 }
 
+TEST_F(LoadWindow, TakesTheFolderOfTheTreeAsTheOneToMoveTo) {
+  Open();
+  EXPECT_EQ(Text("labTarget"), folder_ / "moved");
+  EnterFolder(folder_ / "out");
+  EXPECT_EQ(Text("labTarget"), folder_ / "moved");
+  Click(*window_, "cmdSetTarget");
+  EXPECT_EQ(Text("labTarget"), folder_ / "out");
+  window_->close();
+  EXPECT_EQ(Remembered("frmLoad-Target"), folder_ / "out");
+  EXPECT_EQ(Remembered("frmLoad-Source"), folder_ / "out");
+}
+
 TEST_F(LoadWindow, ListsChartsOnTheirLimitDays) {
   for (int day : {5, 6, 7, 8}) Put("NM-Hill-1", day);
   Open();

@@ -272,6 +272,18 @@ TEST_F(StagingDesk, LooksAtTheTargetFolderBeforeAChartIsTraced) {
   EXPECT_TRUE(std::filesystem::is_empty(other.Path())) << "the trial leaves nothing";
 }
 
+TEST_F(StagingDesk, ForgetsNoFolderThatIsAwayAndChoosesAChartTypeThatIsThere) {
+  const std::string away = folder_ / "away";
+  Remember("TargetFolder", away.c_str());
+  Remember("CurrentChart", "99");
+  OpenTasks();
+  EXPECT_EQ(Control<QListWidget>("lstChartType").currentRow(), 0);
+  Click(Tasks(), "cmdExit");
+  EXPECT_EQ(desk_->Window(WindowId::Tasks), nullptr);
+  EXPECT_EQ(Remembered("TargetFolder"), away);
+  EXPECT_EQ(Remembered("CurrentChart"), "0");
+}
+
 TEST_F(StagingDesk, KeepsTheCommentsOfAChart) {
   OpenTasks();
   Select(HillFarm);
