@@ -32,8 +32,8 @@ Range OnTicks(const Range& range) {
   const double step = RoundStep((range.To - range.From) / UsualTicks);
   const auto wholeStepsTo = [step](double value, int way) {
     const double steps = value / step, nearest = std::round(steps);
-    // A value that is a multiple but for its last bits counts as one.
-    const bool isOne = std::abs(steps - nearest) < 1e-6;
+    // What is nearly a multiple counts as one: 32-bit values seldom are, and a mark has some size.
+    const bool isOne = std::abs(steps - nearest) < 0.05;
     return (isOne ? nearest + way : way < 0 ? std::floor(steps) : std::ceil(steps)) * step;
   };
   return {wholeStepsTo(range.From, -1), wholeStepsTo(range.To, 1)};

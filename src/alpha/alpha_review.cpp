@@ -116,6 +116,7 @@ std::string AlphaReview::WriteQuestion(const RowBlock& rows, const SelectedAlpha
   add(std::ranges::count(charts, true, &AlphaChart::IsConverted),
       "One of them was converted to time-depth data, and will need converting again.",
       " of them were converted to time-depth data, and will need converting again.");
+  for (const std::string& note : list_.Notes) text += "\n\n" + note;
   return text;
 }
 

@@ -11,12 +11,11 @@
 namespace hyetex {
 namespace {
 
-// Other versions have put blanks or words of their own before the label's.
+// By its label, or with blanks or words of another version before the label's.
 bool HoldsSelectedAlpha(std::string_view line) {
-  const ChartLineKind kind = KindOfChartLine(line);
-  if (kind.Kind != ChartLine::AlphaSelected && kind.Kind != ChartLine::NoAlphaSelected) return false;
-  if (kind.Word.empty()) return true;
-  return !BeginsAsPoint(line) && UpperAscii(line).find("ALPHA VALUE SELECTED") != std::string::npos;
+  const ChartLine kind = KindOfChartLine(line).Kind;
+  return (kind == ChartLine::AlphaSelected || kind == ChartLine::NoAlphaSelected) && !BeginsAsPoint(line) &&
+         UpperAscii(line).find("ALPHA VALUE SELECTED") != std::string::npos;
 }
 
 }  // namespace

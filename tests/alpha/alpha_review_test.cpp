@@ -79,7 +79,7 @@ TEST(AlphaReview, AsksWithAllThatTheWritingWouldTouch) {
             "Write \"Alpha Value Selected: 0\" into 1 chart of RG12 in the database ?");
   review.Flip(1);
   review.Flip(2);
-  AlphaList list{.InstrumentCode = "RG12", .Charts = review.Charts()};
+  AlphaList list{.InstrumentCode = "RG12", .Charts = review.Charts(), .Notes = {"Some are not listed."}};
   list.Charts[3].IsConverted = true;
   review.Show(list);
   review.Flip(1);
@@ -87,7 +87,8 @@ TEST(AlphaReview, AsksWithAllThatTheWritingWouldTouch) {
   EXPECT_EQ(review.WriteQuestion(review.WorkedOn({}), {}),
             "Write \"Alpha Value Selected: None\" into all 4 charts of RG12 in the database ?\n\n"
             "2 excluded charts are among them, and get it too.\n\n"
-            "One of them was converted to time-depth data, and will need converting again.");
+            "One of them was converted to time-depth data, and will need converting again.\n\nSome are not "
+            "listed.");
 }
 
 const GraphMarks& Marks(const Graph& graph, std::size_t layer) {

@@ -151,6 +151,13 @@ TEST_F(AlphaWindow, ShowsTheChartsOfAnInstrumentAndAveragesWithoutTheExcluded) {
   QTest::mouseRelease(Grid().viewport(), Qt::LeftButton, {}, At(2));
   EXPECT_EQ(Rows(), "5 charts; worked on: rows 2 to 3");
   EXPECT_EQ(Drawn(), 2U);
+  QTest::mouseClick(Grid().viewport(), Qt::LeftButton, Qt::ShiftModifier, At(4));
+  EXPECT_EQ(Rows(), "5 charts; worked on: rows 2 to 5");
+  QTest::mouseClick(Grid().viewport(), Qt::LeftButton, {}, At(4));
+  EXPECT_EQ(Rows(), "5 charts; no block selected: all are worked on");
+  QTest::mouseClick(Grid().viewport(), Qt::LeftButton, Qt::ShiftModifier, At(3));
+  EXPECT_EQ(Rows(), "5 charts; worked on: rows 4 to 5");
+  QTest::mouseClick(Grid().viewport(), Qt::LeftButton, {}, At(0));
   Part<QLineEdit>("txtAlpha").setText("7");
   Grid().selectRow(3);
   EXPECT_EQ(Rows(), "5 charts; worked on: row 4");
@@ -176,6 +183,9 @@ TEST_F(AlphaWindow, IsWorkedByKeysFromTheListToTheWriting) {
   Key(Qt::Key_Down, Qt::ShiftModifier);
   EXPECT_EQ(Rows(), "5 charts, 1 excluded; worked on: rows 2 to 4, 1 excluded");
   EXPECT_EQ(Drawn(), 2U);
+  Key(Qt::Key_A, Qt::ControlModifier);
+  EXPECT_EQ(Rows(), "5 charts, 1 excluded; no block selected: all are worked on");
+  for (int i = 0; i < 2; ++i) Key(Qt::Key_Up, Qt::ShiftModifier);
   QTest::keyClick(&Window(), Qt::Key_A, Qt::AltModifier);
   EXPECT_TRUE(WaitFor([&] { return Alpha() == "0.3"; }));
 

@@ -3,6 +3,8 @@
 #include <QFont>
 #include <QMouseEvent>
 #include <QPainter>
+#include <algorithm>
+#include <utility>
 
 #include "platform/qt_surface.h"
 #include "platform/qt_text.h"
@@ -95,17 +97,31 @@ QItemSelectionModel::SelectionFlags AlphaGrid::selectionCommand(const QModelInde
                  : Model::ClearAndSelect | Model::Rows;
     case QEvent::MouseButtonPress:
     case QEvent::KeyPress:
-      if (static_cast<const QInputEvent*>(event)->modifiers() & Qt::ShiftModifier)
-        return QTableView::selectionCommand(index, event);
       return Model::Clear;
     default:
       return Model::NoUpdate;
   }
 }
 
+// The block's other end stays; without a block the active row is one end.
+void AlphaGrid::ExtendTo(const QModelIndex& to) {
+  if (!to.isValid() || !currentIndex().isValid()) return;
+  const auto block = Block();
+  int end = currentIndex().row();
+  if (block) end = end == block->First ? block->Last : block->First;
+  const auto [first, last] = std::minmax({end, to.row()});
+  selectionModel()->setCurrentIndex(to, QItemSelectionModel::NoUpdate);
+  selectionModel()->select({model()->index(first, 0), model()->index(last, model()->columnCount() - 1)},
+                           QItemSelectionModel::ClearAndSelect);
+}
+
 void AlphaGrid::mousePressEvent(QMouseEvent* event) {
-  pressedRow_ = indexAt(event->position().toPoint()).row();
-  QTableView::mousePressEvent(event);
+  const QModelIndex at = indexAt(event->position().toPoint());
+  pressedRow_ = at.row();
+  if (event->button() == Qt::LeftButton && event->modifiers() & Qt::ShiftModifier)
+    ExtendTo(at);
+  else
+    QTableView::mousePressEvent(event);
 }
 
 // A click makes the selected alpha of its row the current cell.
@@ -129,6 +145,13 @@ void AlphaGrid::keyPressEvent(QKeyEvent* event) {
   }
   // All rows are worked on without a block.
   if (event->matches(QKeySequence::SelectAll)) return clearSelection();
+  constexpr std::pair<int, CursorAction> steps[] = {
+      {Qt::Key_Up, MoveUp},         {Qt::Key_Down, MoveDown},
+      {Qt::Key_PageUp, MovePageUp}, {Qt::Key_PageDown, MovePageDown},
+      {Qt::Key_Home, MoveHome},     {Qt::Key_End, MoveEnd}};
+  if (event->modifiers() & Qt::ShiftModifier)
+    for (const auto& [key, step] : steps)
+      if (event->key() == key) return ExtendTo(moveCursor(step, event->modifiers() & Qt::ControlModifier));
   QTableView::keyPressEvent(event);
 }
 

@@ -54,6 +54,8 @@ class AlphaGrid : public QTableView {
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
+  void ExtendTo(const QModelIndex& to);
+
   int pressedRow_ = -1;
 };
 

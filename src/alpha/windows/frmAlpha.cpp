@@ -57,6 +57,8 @@ void frmAlpha::LoadSS() {
   const std::string& code = instruments_[static_cast<std::size_t>(cboSelection->currentIndex())];
   // Nobody shall take the charts of one instrument for those of another.
   charts_->Show({.InstrumentCode = code});
+  picGraph->Show({});
+  labRows->setText(tr("Reading the charts"));
   isBusy_ = true;
   auto list = [&] {
     ShownProgress progress(*prgCharts, *cmdStop);
