@@ -307,8 +307,8 @@ void CommandLine::AddConversionCommands() {
       "Prints the alpha values (pen skew) of an instrument's stored charts as CSV, and their average.",
       RunAlpha,
       "The last line is the average of all alpha values, to 5 decimals, in the place of the selected alpha.\n"
-      "With --write the value goes into all of the instrument's charts first, or into none of them; charts\n"
-      "that were converted need converting again.");
+      "With --write the value goes into the instrument's charts first; one whose text does not take it is\n"
+      "named, and after an error of the database none has it. Charts that were converted need it again.");
   AddDatabase(alpha.Line, alpha.Given);
   alpha.Name("--instrument", &AlphaWords::Instrument, "CODE", "the instrument whose charts are looked over")
       ->required();

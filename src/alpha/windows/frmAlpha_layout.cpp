@@ -69,7 +69,7 @@ void frmAlpha::MakeLayout() {
   both->addWidget(MakeGraphSide());
   both->setStretchFactor(0, 1);
   both->setStretchFactor(1, 1);
-  const int list = sizeHint().width() / 2;  // all columns of a chart with three alphas or so
+  const int list = sizeHint().width() / 2;  // the selected alpha is in sight
   both->setSizes({list, sizeHint().width() - list});
 
   auto* layout = new QVBoxLayout(this);
@@ -171,7 +171,7 @@ QLayout* frmAlpha::MakeButtons() {
 }
 
 QSize frmAlpha::sizeHint() const {
-  return {fontMetrics().averageCharWidth() * 146, fontMetrics().lineSpacing() * 36};
+  return {fontMetrics().averageCharWidth() * 140, fontMetrics().lineSpacing() * 36};
 }
 
 }  // namespace hyetex
