@@ -43,6 +43,7 @@ const AppDesk::WindowKind AppDesk::Windows[] = {
     {WindowId::Connection, false, true, &AppDesk::MakeConnection},
     {WindowId::Logon, false, true, &AppDesk::MakeLogon},
     {WindowId::Load, true, false, &AppDesk::MakeLoad},
+    {WindowId::Alpha, true, false, &AppDesk::MakeAlpha},
     {WindowId::PrePop, true, false, &AppDesk::MakePrePop},
     {WindowId::Populate, true, false, &AppDesk::MakePopulate},
     {WindowId::MainMenu, false, false, &AppDesk::MakeMainMenu},

@@ -77,6 +77,7 @@ class AppDesk : public Desk {
   QWidget* MakePrePop();  // populate_windows.cpp
   QWidget* MakePopulate();
   QWidget* MakeEditor();  // editor_windows.cpp
+  QWidget* MakeAlpha();   // alpha_windows.cpp
 
   // The menu entry that does without a window: synchronising.cpp.
   void AddSynchronising();

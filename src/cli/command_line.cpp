@@ -4,11 +4,13 @@
 #include <functional>
 #include <memory>
 
+#include "alpha/selected_alpha.h"
 #include "cli/commands.h"
 #include "commandline/parser.h"
 #include "core/definitions.h"
 #include "core/files.h"
 #include "core/records.h"
+#include "core/text.h"
 #include "database/conversion/population.h"
 #include "database/stations/synchronising.h"
 #include "editor/chart_views.h"
@@ -299,6 +301,27 @@ void CommandLine::AddConversionCommands() {
   populate.Flag("--overwrite", &PopulateWords::Overwrite,
                 "replace rows that are there; without it such charts are skipped");
   populate.Flag("--log", &PopulateWords::Log, "write datalog.txt in the program folder");
+
+  auto alpha = Add(
+      "alpha",
+      "Prints the alpha values (pen skew) of an instrument's stored charts as CSV, and their average.",
+      RunAlpha,
+      "The last line is the average of all alpha values, to 5 decimals, in the place of the selected alpha.\n"
+      "With --write the value goes into the instrument's charts first; one whose text does not take it is\n"
+      "named, and after an error of the database none has it. Charts that were converted need it again.");
+  AddDatabase(alpha.Line, alpha.Given);
+  alpha.Name("--instrument", &AlphaWords::Instrument, "CODE", "the instrument whose charts are looked over")
+      ->required();
+  alpha.Line
+      .add_option("--write", alpha.Given.Write, "the selected alpha to write into the charts' texts, or None")
+      ->type_name("VALUE")
+      ->check([](const std::string& typed) {
+        const auto value = ReadSelectedAlpha(typed);
+        if (!value) return value.error();
+        return value->Value || EqualIgnoringCase(Trim(typed), NoAlphaText)
+                   ? std::string()
+                   : "a number or None is wanted, not \"" + typed + "\"";
+      });
 }
 
 }  // namespace

@@ -108,6 +108,12 @@ struct PopulateWords : DatabaseWords {
 };
 Exit RunPopulate(const PopulateWords& words);  // populate_command.cpp
 
+struct AlphaWords : DatabaseWords {
+  std::string Instrument;
+  std::optional<std::string> Write;  ///< the value to write, or "None"
+};
+Exit RunAlpha(const AlphaWords& words);  // alpha_command.cpp
+
 struct RowsWords : DatabaseWords {
   std::string Table;
   std::string Instrument;  ///< empty for all

@@ -100,6 +100,7 @@ struct GraphEndMark {
 
 struct Graph {
   std::string Title;
+  double TitleTimes = 1.4;  ///< the title's size by the font size
   GraphAxis X, Left;
   std::optional<GraphAxis> Right;
   std::vector<GraphLayer> Layers;      ///< from the back to the front

@@ -14,7 +14,7 @@ constexpr Rgb Ink = graph_colour::Black;
 
 // All lengths are multiples of the font size.
 constexpr double Margin = 0.9;
-constexpr double TitleSize = 1.4, BelowTitle = 0.5;
+constexpr double BelowTitle = 0.5;
 constexpr double SampleWidth = 2.4, SampleGap = 0.5, EntryGap = 1.6, LegendRow = 1.35;
 constexpr double TickLength = 0.4, TickToLabel = 0.35;
 constexpr double RowGap = 0.2, TitleGap = 0.45;
@@ -100,7 +100,7 @@ class Layouter {
 
   void PlaceTitle() {
     if (graph_.Title.empty()) return;
-    const auto [text, font] = Fitted(graph_.Title, {Em(TitleSize), true}, rest_.Width);
+    const auto [text, font] = Fitted(graph_.Title, {Em(graph_.TitleTimes), true}, rest_.Width);
     const TextSize size = surface_.Measure(text, font);
     if (size.Height() > rest_.Height) return;
     Place(text, {font, Ink, TextPlace::Centred}, rest_.Left + rest_.Width / 2, rest_.Top + size.Ascent);
@@ -368,6 +368,7 @@ GraphLayout LayOut(const Graph& graph, const Surface& surface) {
   if (!layout.HasPlot && !graph.Layers.empty()) {
     Graph words;
     words.Title = graph.Title;
+    words.TitleTimes = graph.TitleTimes;
     words.FontPoints = graph.FontPoints;
     words.Notes = {"There is no room for the graph here."};
     layout = Layouter(words, surface, Room::Bare).Make();

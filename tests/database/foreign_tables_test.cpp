@@ -9,6 +9,7 @@
 #include "database/stations/synchronising.h"
 #include "database/store/extracting.h"
 #include "database/store/file_list.h"
+#include "database/store/instruments.h"
 #include "database/store/loading.h"
 #include "database/store/stored_text.h"
 
@@ -99,7 +100,7 @@ class ForeignTables : public PopulationFixture {
     EXPECT_EQ(Load("second").Loaded.size(), 2U);
     EXPECT_THAT(Read("chart_ascii", {"comments", "loaded"}), ElementsAre("second | null", "second | null"));
     others();
-    const std::string listed = PopulateInstruments(Database).value().at(0);
+    const std::string listed = ListInstruments(Database).value().at(0);
     for (const bool all : {false, true}) {
       EXPECT_EQ(ConvertOffered(listed, all, 3).ChartsConverted, 2) << all;
       EXPECT_EQ(RowsNow(), RowsAt(7)) << all;

@@ -229,6 +229,7 @@ std::vector<Scenario> AllScenarios() {
       {"populate", Loaded, OnDatabase(With(populate, {"--log"}))},
       {"populate again", Converted,
        OnDatabase(With(populate, {"--log", "--all", "--overwrite", "--lapse", "45"}))},
+      {"alpha", Converted, OnDatabase({"alpha", "--instrument", Hill, "--write", "0.0043"})},
       {"synchronise", WithNewStations, OnDatabase({"synchronise", "--start", "01/02/1990"})},
       {"tasks", Program, Task("tasks")},
       {"lists", Program, Task("lists")},

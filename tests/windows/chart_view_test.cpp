@@ -10,6 +10,7 @@
 #include <QWheelEvent>
 
 #include "core/numbers.h"
+#include "platform/page_printing.h"
 #include "platform/qt_text.h"
 #include "support.h"
 
@@ -145,20 +146,21 @@ TEST_F(ChartViewTest, DrawsOnceForEachChangeAndNeverForThePointer) {
 
 TEST_F(ChartViewTest, PrintsBothWaysRoundAndTellsOfAPageThatFails) {
   const test::TempFolder folder;
+  const auto draw = [this](Surface& surface) { View.DrawOn(surface); };
   for (const auto orientation : {QPageLayout::Portrait, QPageLayout::Landscape}) {
     QPrinter printer(QPrinter::HighResolution);
     printer.setOutputFormat(QPrinter::PdfFormat);
     printer.setOutputFileName(hyetex::ToQt(folder / "a.pdf"));
     printer.setPageSize(QPageSize(QPageSize::A4));
     printer.setPageOrientation(orientation);
-    EXPECT_TRUE(View.PrintOn(printer));
+    EXPECT_TRUE(DrawOn(printer, draw));
     const std::string pdf = test::ReadFile(folder / "a.pdf");
     EXPECT_THAT(pdf, HasSubstr(orientation == QPageLayout::Portrait ? "[0 0 595.000000 842.000000]"
                                                                     : "[0 0 842.000000 595.000000]"));
     EXPECT_GT(pdf.size(), 5000U);
   }
   QPdfWriter nowhere(hyetex::ToQt(folder / "no/a.pdf"));
-  EXPECT_FALSE(View.PrintOn(nowhere));
+  EXPECT_FALSE(DrawOn(nowhere, draw));
 }
 
 }  // namespace

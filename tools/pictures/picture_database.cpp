@@ -17,17 +17,21 @@ struct Day {
   double Overlap;            // days by which it begins before the last has ended
   float Digitized, Manual;   // mm
   const char *Alpha, *Last;  // the last lines
+  double Skew = 0;           // of its alpha points
 };
 constexpr Day Days[] = {{5, 0, 12.4F, 12.8F, "None", ""},
-                        {6, 0, 4.2F, 4, "0.00431", ""},
-                        {7, 0.05, 0, 0, "None", ""},
-                        {8, 0, 31.7F, 33.5F, "0.00428", ""},
+                        {6, 0, 4.2F, 4, "0.00431", "", 0.00425},
+                        {7, 0.05, 0, 0, "None", "", 0.0044},
+                        {8, 0, 31.7F, 33.5F, "0.00428", "", 0.00611},
                         {9, 0, 7, 7.1F, "None", "CODE213"},
-                        {10, 0, 18.9F, 18.5F, "0.00437", ""},
-                        {11, 0.1, 2.6F, 2.4F, "None", "CODE301"}};
+                        {10, 0, 18.9F, 18.5F, "0.00437", "", 0.00429},
+                        {11, 0.1, 2.6F, 2.4F, "None", "CODE301", 0.00436}};
 
 std::string ChartText(const StationRecord& station, const Day& day, Date start) {
   const auto depth = [](float mm) { return ShortText(mm); };
+  std::string alphas;
+  for (int i = 1; day.Skew > 0 && i <= 3; ++i)
+    alphas += "Alpha " + ShortText(i) + " : " + RoundedText(day.Skew + i % 3 * 0.00011, 6) + "\r\n";
   return "HYETEX88 ASCII FILE\r\nStation Name: " + station.Name +
          "\r\nInstrument Code: " + station.InstrumentCode +
          "\r\nChart Method: 0 - Linear\r\nStart: " + DateText(start) +
@@ -36,7 +40,7 @@ std::string ChartText(const StationRecord& station, const Day& day, Date start) 
          "\r\nSelected Depth: " + depth(day.Digitized) + "\r\nManual Depth: " + depth(day.Manual) +
          "\r\nNumber of Points: 4\r\nChart Reliability: 1-Acceptable\r\nDigitation Points:\r\n"
          "0,0,\r\n96,12,\r\n192,55.5,\r\n386,60,\r\nGeneral Comment: " +
-         day.Last + "\r\nDigitizer Comment: \r\nAlpha Value Selected: " + day.Alpha + "\r\n";
+         day.Last + "\r\nDigitizer Comment: \r\n" + alphas + "Alpha Value Selected: " + day.Alpha + "\r\n";
 }
 
 Result<void> AddInstruments(Connection& connection, const ReferenceLists& lists) {

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QKeyEvent>
 #include <QListView>
 #include <QPixmap>
 #include <QStyleFactory>
@@ -174,6 +175,26 @@ void TakePopulating(AppDesk& desk, Camera& camera) {
     if (QWidget* window = desk.Window(id)) window->close();
 }
 
+void TakeAlpha(AppDesk& desk, Camera& camera) {
+  desk.Open(WindowId::Alpha);
+  QWidget* alpha = desk.Window(WindowId::Alpha);
+  if (auto* instruments = camera.Find<QComboBox>(alpha, "cboSelection")) instruments->setCurrentIndex(0);
+  if (auto* grid = camera.Find<QTableView>(alpha, "ss")) {
+    const auto key = [grid](int code, Qt::KeyboardModifiers modifiers = {}) {
+      QKeyEvent press(QEvent::KeyPress, code, modifiers);
+      QApplication::sendEvent(grid, &press);
+    };
+    for (int i = 0; i < 3; ++i) key(Qt::Key_Down);
+    key(Qt::Key_Space);
+    key(Qt::Key_Up);
+    key(Qt::Key_Up);
+    for (int i = 0; i < 4; ++i) key(Qt::Key_Down, Qt::ShiftModifier);
+  }
+  if (auto* average = camera.Find<QPushButton>(alpha, "cmdUseAverage")) average->click();
+  camera.Take(alpha, "frmAlpha");
+  if (alpha) alpha->close();
+}
+
 // On the charts of the demonstration, where they stand in "charts" of the program folder.
 void TakeEditor(AppDesk& desk, Camera& camera) {
   desk.Open(WindowId::Editor);
@@ -250,6 +271,7 @@ Result<void> TakePictures(const std::string& programFolder, const std::string& p
     TakeConnections(desk, camera);
     TakeLoading(desk, camera);
     TakePopulating(desk, camera);
+    TakeAlpha(desk, camera);
     TakeEditor(desk, camera);
   }
   words.Task = 0;

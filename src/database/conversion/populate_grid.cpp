@@ -50,22 +50,6 @@ DbResult<ChartRecord> ReadHead(Recordset& table, LightReader& reader) {
 
 }  // namespace
 
-DbResult<std::vector<std::string>> PopulateInstruments(HyetexPlotDB& database) {
-  const ClosedAfter closed(database);
-  if (const auto opened = database.OpenInstrument({.Columns = {column::InstrumentCode}}); !opened)
-    return tl::unexpected(opened.error());
-  std::vector<std::string> codes;
-  Recordset& table = database.InstrumentTable;
-  const auto walked = ForEachRow(table, [&]() -> DbResult<bool> {
-    const auto code = table.Value(0);
-    if (!code) return tl::unexpected(code.error());
-    codes.push_back(TextOf(*code));
-    return true;
-  });
-  if (!walked) return tl::unexpected(walked.error());
-  return codes;
-}
-
 DbResult<std::vector<PopulateRow>> LoadGrid(HyetexPlotDB& database, const std::string& instrumentCode,
                                             bool showAll, const ComputationVariables& variables,
                                             const ReferenceLists& lists, Progress& progress) {

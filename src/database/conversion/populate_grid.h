@@ -25,9 +25,6 @@ struct PopulateRow {
   bool Manual = false;  ///< converted to the manual gage's depth, not the digitized one; the last cell tells
 };
 
-/// The codes of all instruments of the database, in the table's order.
-DbResult<std::vector<std::string>> PopulateInstruments(HyetexPlotDB& database);
-
 /// The instrument's charts that are not yet converted, or all of them, sorted by their start. Overlaps are
 /// told in the table's order.
 DbResult<std::vector<PopulateRow>> LoadGrid(HyetexPlotDB& database, const std::string& instrumentCode,

@@ -4,20 +4,36 @@
 #include "database/store/stored_text.h"
 
 namespace hyetex {
+namespace {
 
-DbResult<std::set<std::string>> ReadInstrumentCodes(HyetexPlotDB& database) {
+template <typename Take>
+DbResult<void> ForEachCode(HyetexPlotDB& database, Take&& take) {
   const ClosedAfter closed(database);
-  if (const auto opened = database.OpenInstrument({.Columns = {column::InstrumentCode}}); !opened)
-    return tl::unexpected(opened.error());
-  std::set<std::string> codes;
+  if (auto opened = database.OpenInstrument({.Columns = {column::InstrumentCode}}); !opened) return opened;
   Recordset& table = database.InstrumentTable;
-  const auto walked = ForEachRow(table, [&]() -> DbResult<bool> {
+  return ForEachRow(table, [&]() -> DbResult<bool> {
     const auto code = table.Value(0);
     if (!code) return tl::unexpected(code.error());
-    if (!IsNull(*code)) codes.insert(ComparedCode(TextOf(*code)));
+    take(*code);
     return true;
   });
-  if (!walked) return tl::unexpected(walked.error());
+}
+
+}  // namespace
+
+DbResult<std::set<std::string>> ReadInstrumentCodes(HyetexPlotDB& database) {
+  std::set<std::string> codes;
+  const auto read = ForEachCode(database, [&](const DbValue& code) {
+    if (!IsNull(code)) codes.insert(ComparedCode(TextOf(code)));
+  });
+  if (!read) return tl::unexpected(read.error());
+  return codes;
+}
+
+DbResult<std::vector<std::string>> ListInstruments(HyetexPlotDB& database) {
+  std::vector<std::string> codes;
+  const auto read = ForEachCode(database, [&](const DbValue& code) { codes.push_back(TextOf(code)); });
+  if (!read) return tl::unexpected(read.error());
   return codes;
 }
 

@@ -3,6 +3,7 @@
 
 #include <set>
 #include <string>
+#include <vector>
 
 #include "database/access/plot_db.h"
 
@@ -10,5 +11,7 @@ namespace hyetex {
 
 /// The instrument codes of the database, as codes are compared (ComparedCode).
 DbResult<std::set<std::string>> ReadInstrumentCodes(HyetexPlotDB& database);
+/// The same as the database spells them, in the table's order.
+DbResult<std::vector<std::string>> ListInstruments(HyetexPlotDB& database);
 
 }  // namespace hyetex

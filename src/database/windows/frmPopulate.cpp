@@ -4,6 +4,7 @@
 
 #include "core/files.h"
 #include "database/conversion/data_log.h"
+#include "database/store/instruments.h"
 #include "platform/qt_text.h"
 #include "platform/shell.h"
 #include "platform/shown_progress.h"
@@ -50,7 +51,7 @@ frmPopulate::frmPopulate(Desk& desk, Dialogs& dialogs, Settings& settings, Hyete
 void frmPopulate::Closing() { variables_ = {}; }
 
 void frmPopulate::FillInstruments() {
-  auto instruments = PopulateInstruments(database_);
+  auto instruments = ListInstruments(database_);
   if (!instruments) return database_.Show(instruments.error());
   instruments_ = *std::move(instruments);
   for (const std::string& code : instruments_) cboSelection->addItem(ToQt(code));

@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QPrinter>
 #include <QRubberBand>
 #include <algorithm>
 #include <cmath>
@@ -116,20 +115,7 @@ void ChartView::paintEvent(QPaintEvent*) {
   }
 }
 
-bool ChartView::PrintOn(QPagedPaintDevice& page) const {
-  QPainter painter;
-  if (!painter.begin(&page)) return false;
-  painter.setRenderHint(QPainter::Antialiasing);
-  const double scale = UnitsPerPoint(page);
-  painter.scale(scale, scale);
-  const QRectF area(QPointF(0, 0), page.pageLayout().paintRect(QPageLayout::Point).size());
-  QtSurface surface(painter, area, Qt::white);
-  Draw(graph_, surface);
-  const bool done = painter.end();
-  const auto* printer = dynamic_cast<const QPrinter*>(&page);
-  return done && (printer == nullptr || (printer->printerState() != QPrinter::Error &&
-                                         printer->printerState() != QPrinter::Aborted));
-}
+void ChartView::DrawOn(Surface& surface) const { Draw(graph_, surface); }
 
 // ---- The pointer
 

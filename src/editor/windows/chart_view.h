@@ -2,7 +2,6 @@
 // white page on any desktop, as it will be printed.
 #pragma once
 
-#include <QPagedPaintDevice>
 #include <QPixmap>
 #include <QWidget>
 #include <memory>
@@ -34,8 +33,8 @@ class ChartView : public QWidget {
   /// The next drag with the left button makes the zoom rectangle (shpSelect). Off: all is shown again.
   void SetSelecting(bool on);
   void ResetView();
-  /// Draws the view as it is on one page: of a printer, a preview or a PDF. False when the device fails.
-  bool PrintOn(QPagedPaintDevice& page) const;
+  /// Draws the view as it is on all of a surface, such as a page's.
+  void DrawOn(Surface& surface) const;
   /// How often the view has been drawn anew.
   int Drawings() const { return drawings_; }
 

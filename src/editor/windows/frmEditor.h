@@ -29,6 +29,7 @@
 #include "platform/dialogs.h"
 #include "platform/folder_box.h"
 #include "platform/form_window.h"
+#include "platform/page_printing.h"
 #include "platform/shown_progress.h"
 
 namespace hyetex {
@@ -131,6 +132,7 @@ class frmEditor : public FormWindow {
   void ShowOptions();
   void ToggleZoom(bool zooms);
   QPageLayout::Orientation Orientation() const;
+  PageToPrint Page() const;
 
   Dialogs& dialogs_;
   const std::vector<StationRecord>& stations_;

@@ -10,7 +10,6 @@
 #include "chartfiles/chart_text.h"
 #include "core/files.h"
 #include "core/numbers.h"
-#include "editor/windows/chart_printing.h"
 #include "editor/windows/frmEditor.h"
 #include "platform/controls.h"
 #include "platform/flow_layout.h"
@@ -166,6 +165,12 @@ QWidget* frmEditor::MakeViews() {
   return views;
 }
 
+PageToPrint frmEditor::Page() const {
+  const std::string name = open_ ? open_->File.FileName : "chart";
+  return {"the chart", JoinPath(folder_.Folder(), name.substr(0, name.rfind('.')) + ".pdf"),
+          [this](Surface& surface) { picPreview->DrawOn(surface); }};
+}
+
 QWidget* frmEditor::MakeToolBox() {
   cmdPrint = MakeButton("cmdPrint", "&Print", nullptr);
   auto* menu = new QMenu(cmdPrint);
@@ -173,14 +178,9 @@ QWidget* frmEditor::MakeToolBox() {
     QAction* action = Named(menu->addAction(caption), name);
     connect(action, &QAction::triggered, this, run);
   };
-  entry("mnuPrint", tr("&Print..."), [this] { PrintChart(*picPreview, Orientation(), dialogs_); });
-  entry("mnuPreview", tr("Pre&view..."), [this] { PreviewChart(*picPreview, Orientation(), dialogs_); });
-  entry("mnuPdf", tr("Save as P&DF..."), [this] {
-    if (!open_) return;
-    const std::string& name = open_->File.FileName;
-    const std::string pdf = JoinPath(folder_.Folder(), name.substr(0, name.rfind('.')) + ".pdf");
-    SaveChartAsPdf(*picPreview, Orientation(), pdf, dialogs_);
-  });
+  entry("mnuPrint", tr("&Print..."), [this] { PrintPage(*this, Page(), Orientation(), dialogs_); });
+  entry("mnuPreview", tr("Pre&view..."), [this] { PreviewPage(*this, Page(), Orientation(), dialogs_); });
+  entry("mnuPdf", tr("Save as P&DF..."), [this] { SavePageAsPdf(Page(), Orientation(), dialogs_); });
   cmdPrint->setMenu(menu);
   cmdSelect = MakeButton("cmdSelect", "&Zoom In", nullptr);
   cmdSelect->setCheckable(true);

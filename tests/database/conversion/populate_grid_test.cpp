@@ -1,6 +1,7 @@
 #include "database/conversion/populate_grid.h"
 
 #include "database/conversion/population_fixture.h"
+#include "database/store/instruments.h"
 
 namespace hyetex::test {
 namespace {
@@ -82,9 +83,9 @@ TEST_P(PopulateGrid, GivesTheStoredTextAsItIs) {
 
 TEST_P(PopulateGrid, OffersAllInstruments) {
   Run("INSERT INTO instrument (instrument_code_id) VALUES ('RG7'), ('rg12'), ('RG7')");
-  EXPECT_THAT(PopulateInstruments(Database).value(), ElementsAre("RG7", "rg12", "RG7"));
+  EXPECT_THAT(ListInstruments(Database).value(), ElementsAre("RG7", "rg12", "RG7"));
   Run("DROP TABLE instrument");
-  EXPECT_FALSE(PopulateInstruments(Database));
+  EXPECT_FALSE(ListInstruments(Database));
   EXPECT_FALSE(Database.DatabaseConnection.IsOpen());
 }
 

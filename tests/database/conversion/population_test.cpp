@@ -8,6 +8,7 @@
 
 #include "database/conversion/populate_grid.h"
 #include "database/conversion/population_fixture.h"
+#include "database/store/instruments.h"
 #include "tools/traced_chart.h"
 
 namespace hyetex::test {
@@ -290,7 +291,7 @@ TEST_P(Population, ConvertsChartsOfCodesWithBlanksBehind) {
   if (GetParam() == Engine::SQLite)
     for (const char* table : {"chart_ascii", "instrument"})
       Run("UPDATE " + std::string(table) + " SET instrument_code_id = '" + padded + "'");
-  for (const std::string& code : {PopulateInstruments(Database).value().at(0), std::string("RG12")}) {
+  for (const std::string& code : {ListInstruments(Database).value().at(0), std::string("RG12")}) {
     UnwatchedProgress progress;
     const auto rows = LoadGrid(Database, code, true, {}, Lists, progress);
     ASSERT_THAT(rows.value(), SizeIs(1)) << "'" << code << "'";
