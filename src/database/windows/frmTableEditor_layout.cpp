@@ -1,0 +1,154 @@
+// The table editor's controls and where they stand.
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QScrollBar>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "database/windows/frmTableEditor.h"
+#include "platform/controls.h"
+#include "platform/qt_text.h"
+
+namespace hyetex {
+namespace {
+
+// More boxes than this stand in two columns, and more than that in three.
+constexpr int MostInOneColumn = 8, MostInTwo = 26;
+constexpr int MostLinesInSight = 26;
+
+QPushButton* MoveButton(const char* name, const QString& caption, const QString& does, QKeySequence key) {
+  auto* button = Named(new QPushButton(caption), name);
+  button->setAccessibleName(does);
+  button->setToolTip(does + " (" + key.toString(QKeySequence::NativeText) + ")");
+  button->setShortcut(key);
+  button->setFixedWidth(button->fontMetrics().averageCharWidth() * 6);
+  return button;
+}
+
+QPushButton* Button(const char* name, const QString& caption) {
+  return Named(new QPushButton(caption), name);
+}
+
+}  // namespace
+
+void frmTableEditor::MakeControls() {
+  cmdFirst = MoveButton("cmdFirst", "|<", tr("First record"), Qt::ALT | Qt::Key_Home);
+  cmdPrevious = MoveButton("cmdPrevious", "<", tr("Previous record"), Qt::ALT | Qt::Key_PageUp);
+  cmdNext = MoveButton("cmdNext", ">", tr("Next record"), Qt::ALT | Qt::Key_PageDown);
+  cmdLast = MoveButton("cmdLast", ">|", tr("Last record"), Qt::ALT | Qt::Key_End);
+  cmdAdd = Button("cmdAdd", tr("&Add"));
+  cmdEdit = Button("cmdEdit", tr("Ed&it"));
+  cmdDelete = Button("cmdDelete", tr("&Delete"));
+  cmdRefresh = Button("cmdRefresh", tr("&Refresh"));
+  cmdClose = Button("cmdClose", tr("&Close"));
+  cmdUpdate = Button("cmdUpdate", tr("&Update"));
+  cmdCancel = Button("cmdCancel", tr("&Cancel"));
+  cmdStop = Button("cmdStop", tr("S&top"));
+  prbWaiting = Named(new QProgressBar, "prbWaiting");
+  lblStatus = Named(new QLabel, "lblStatus");
+  labCount = Named(new QLabel, "labCount");
+  labDoing = Named(new QLabel, "labDoing");
+  txtFind = Named(new QLineEdit, "txtFind");
+  txtFind->setClearButtonEnabled(true);
+  txtFind->setToolTip(tr("Goes to the first record that begins with what is typed"));
+  QString column = ToQt(editor_->Table().FindBy);
+  labFind = LabelOf("", txtFind);
+  labFind->setText(tr("Fi&nd %1:").arg(column.replace('_', ' ')));
+  int number = 0;
+  for (const Field& field : editor_->Fields())
+    boxes_.push_back(MakeFieldBox(field, QString("txtFields%1").arg(number++), dialogs_));
+}
+
+void frmTableEditor::MakeLayout() {
+  auto* all = new QVBoxLayout(this);
+  auto* find = new QHBoxLayout;
+  if (editor_->Table().HasMaster()) {
+    txtMaster = Named(new QLineEdit, "txtMaster");
+    txtMaster->setReadOnly(true);
+    txtMaster->setMinimumWidth(30 * fontMetrics().averageCharWidth());
+    find->addWidget(LabelOf("Instru&ment code id:", txtMaster));
+    find->addWidget(txtMaster, 1);
+  }
+  find->addWidget(labFind);
+  find->addWidget(txtFind, 1);
+  all->addLayout(find);
+  if (editor_->Table().ShowsGrid) all->addWidget(MakeRows(), 1);
+  all->addWidget(MakeFields(), editor_->Table().ShowsGrid ? 0 : 1);
+  auto* moves = new QHBoxLayout;
+  for (QPushButton* button : {cmdFirst, cmdPrevious}) moves->addWidget(button);
+  lblStatus->setFrameShape(QFrame::StyledPanel);
+  moves->addWidget(lblStatus, 1);
+  for (QPushButton* button : {cmdNext, cmdLast}) moves->addWidget(button);
+  all->addLayout(moves);
+  all->addWidget(MakeButtons());
+}
+
+QWidget* frmTableEditor::MakeRows() {
+  grdRows = Named(new QTableView, "grdRows");
+  grdRows->setAccessibleName(tr("Records"));
+  grdRows->setModel(&model_);
+  grdRows->setSelectionBehavior(QAbstractItemView::SelectRows);
+  grdRows->setSelectionMode(QAbstractItemView::SingleSelection);
+  grdRows->setTabKeyNavigation(false);
+  grdRows->setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
+  grdRows->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  grdRows->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
+  grdRows->setMinimumSize(70 * fontMetrics().averageCharWidth(), 9 * fontMetrics().lineSpacing());
+  auto* rows = new QWidget;
+  auto* layout = new QVBoxLayout(rows);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(grdRows, 1);
+  layout->addWidget(labCount);
+  return rows;
+}
+
+QWidget* frmTableEditor::MakeFields() {
+  auto* fields = new QWidget;
+  auto* grid = new QGridLayout(fields);
+  const int count = static_cast<int>(boxes_.size());
+  const int columns = count > MostInTwo ? 3 : count > MostInOneColumn ? 2 : 1;
+  const int lines = (count + columns - 1) / columns;
+  for (int i = 0; i < count; ++i) {
+    const auto at = static_cast<std::size_t>(i);
+    QWidget* box = &boxes_[at]->Widget();
+    auto* label = new QLabel(ToQt(editor_->Fields()[at].Label) + ":");
+    label->setTextFormat(Qt::PlainText);
+    label->setBuddy(box);
+    const bool isHigh =
+        editor_->Fields()[at].Kind == FieldKind::LongText || editor_->Fields()[at].Kind == FieldKind::Picture;
+    const int column = i / lines * 2;
+    grid->addWidget(label, i % lines, column, isHigh ? Qt::AlignTop : Qt::AlignVCenter);
+    grid->addWidget(box, i % lines, column + 1, isHigh ? Qt::Alignment() : Qt::AlignVCenter);
+  }
+  for (int column = 0; column < columns; ++column) grid->setColumnStretch(column * 2 + 1, 1);
+  grid->setRowStretch(lines, 1);
+  scrFields = Named(new QScrollArea, "scrFields");
+  scrFields->setWidget(fields);
+  scrFields->setWidgetResizable(true);
+  scrFields->setFocusPolicy(Qt::NoFocus);
+  const QSize wanted = fields->sizeHint();
+  const int inSight = (editor_->Table().ShowsGrid ? MostLinesInSight * 3 / 4 : MostLinesInSight) *
+                      fontMetrics().lineSpacing();
+  scrFields->setMinimumSize(wanted.width() + scrFields->verticalScrollBar()->sizeHint().width() + 8,
+                            std::min(wanted.height() + 4, inSight));
+  return scrFields;
+}
+
+QWidget* frmTableEditor::MakeButtons() {
+  auto* buttons = new QWidget;
+  auto* layout = new QHBoxLayout(buttons);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(prbWaiting);
+  layout->addWidget(cmdStop);
+  layout->addWidget(labDoing, 1);
+  for (QPushButton* button : {cmdAdd, cmdEdit, cmdDelete, cmdRefresh, cmdClose, cmdUpdate, cmdCancel})
+    layout->addWidget(button);
+  labDoing->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  prbWaiting->hide();
+  cmdStop->hide();
+  return buttons;
+}
+
+}  // namespace hyetex
