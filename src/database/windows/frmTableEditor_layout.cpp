@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QScrollBar>
+#include <QShortcut>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -18,11 +19,16 @@ namespace {
 constexpr int MostInOneColumn = 8, MostInTwo = 26;
 constexpr int MostLinesInSight = 26;
 
-QPushButton* MoveButton(const char* name, const QString& caption, const QString& does, QKeySequence key) {
+QPushButton* MoveButton(QWidget* window, const char* name, const QString& caption, const QString& does,
+                        QKeySequence key) {
   auto* button = Named(new QPushButton(caption), name);
   button->setAccessibleName(does);
   button->setToolTip(does + " (" + key.toString(QKeySequence::NativeText) + ")");
-  button->setShortcut(key);
+  // Not the button's own, which would press it slowly, for the eye.
+  auto* shortcut = new QShortcut(key, window);
+  QObject::connect(shortcut, &QShortcut::activated, button, [button] {
+    if (button->isVisible()) button->click();
+  });
   button->setFixedWidth(button->fontMetrics().averageCharWidth() * 6);
   return button;
 }
@@ -34,10 +40,10 @@ QPushButton* Button(const char* name, const QString& caption) {
 }  // namespace
 
 void frmTableEditor::MakeControls() {
-  cmdFirst = MoveButton("cmdFirst", "|<", tr("First record"), Qt::ALT | Qt::Key_Home);
-  cmdPrevious = MoveButton("cmdPrevious", "<", tr("Previous record"), Qt::ALT | Qt::Key_PageUp);
-  cmdNext = MoveButton("cmdNext", ">", tr("Next record"), Qt::ALT | Qt::Key_PageDown);
-  cmdLast = MoveButton("cmdLast", ">|", tr("Last record"), Qt::ALT | Qt::Key_End);
+  cmdFirst = MoveButton(this, "cmdFirst", "|<", tr("First record"), Qt::ALT | Qt::Key_Home);
+  cmdPrevious = MoveButton(this, "cmdPrevious", "<", tr("Previous record"), Qt::ALT | Qt::Key_PageUp);
+  cmdNext = MoveButton(this, "cmdNext", ">", tr("Next record"), Qt::ALT | Qt::Key_PageDown);
+  cmdLast = MoveButton(this, "cmdLast", ">|", tr("Last record"), Qt::ALT | Qt::Key_End);
   cmdAdd = Button("cmdAdd", tr("&Add"));
   cmdEdit = Button("cmdEdit", tr("Ed&it"));
   cmdDelete = Button("cmdDelete", tr("&Delete"));
