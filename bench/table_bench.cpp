@@ -14,11 +14,11 @@ constexpr int SmallRows = 1000, LargeRows = 1'000'000;
 // Each as the operator meets it. Stepping begins in the middle of what nobody has looked at.
 enum class Task { Open, Next, Previous, Last, Find };
 
-void Fill(BenchDatabase& place, const char* table, int rows) {
+void Fill(BenchDatabase& place, const char* table, const std::string& column, int rows) {
   auto transaction = Transaction::Begin(place.Open());
-  auto writer = RowWriter::Open(place.Open(), table, {"instrument_code_id", "station", "comments"});
+  auto writer = RowWriter::Open(place.Open(), table, {column, column + "_code"});
   for (int i = 0; i < rows; ++i)
-    (void)writer->Add({"NM-Hill Farm-" + std::to_string(i), std::string("Hill Farm"), std::to_string(i)});
+    (void)writer->Add({"Name of a place " + std::to_string(i), std::to_string(i % 1000)});
   (void)writer->Finish();
   (void)transaction->Commit();
 }
@@ -41,21 +41,23 @@ void Do(Task task, const EditedTable& table, const std::string& text, TableEdito
       (void)editor.Rows().MoveLast();
       break;
     case Task::Find:
-      (void)editor.Find("NM-Hill Farm-999", unwatched);
+      (void)editor.Find("No such place", unwatched);
       break;
   }
 }
 
-// INSTRUMENT holds the many rows, DATES_OF_DATA the few: both stand in their own order.
+// Two tables of one shape, both in their own order.
+constexpr const char *LargeTable = "LUT_LOCAL_BASIN", *SmallTable = "LUT_REGION";
+
 void EditTable(benchmark::State& state, bool postgres, Task task, std::optional<double> atMost) {
   BenchDatabase place(postgres);
   if (!place.IsThere()) return state.SkipWithError("there is no such database");
-  place.Empty("DATES_OF_DATA");
-  Fill(place, "INSTRUMENT", LargeRows);
-  Fill(place, "DATES_OF_DATA", SmallRows);
+  for (const char* table : {LargeTable, SmallTable}) place.Empty(table);
+  Fill(place, LargeTable, "local_basin", LargeRows);
+  Fill(place, SmallTable, "region", SmallRows);
   if (postgres) place.Run("ANALYZE");
   place.Database.Close();
-  const EditedTable &large = EditedTables()[1], &small = EditedTables()[6];
+  const EditedTable &large = EditedTables()[3], &small = EditedTables()[10];
   const std::string& text = place.Database.ConnectionText;
   auto largeEditor = TableEditor::Open(large, text), smallEditor = TableEditor::Open(small, text);
   if (!largeEditor || !smallEditor) return state.SkipWithError("the tables do not open");
@@ -64,7 +66,7 @@ void EditTable(benchmark::State& state, bool postgres, Task task, std::optional<
   CompareWithBaseline(
       state, atMost, [&] { Do(task, small, text, **smallEditor); },
       [&] { Do(task, large, text, **largeEditor); });
-  place.Empty("DATES_OF_DATA");
+  for (const char* table : {LargeTable, SmallTable}) place.Empty(table);
 }
 #define EDIT(engine, postgres, task, atMost)                                  \
   BENCHMARK_CAPTURE(EditTable, engine##_##task, postgres, Task::task, atMost) \

@@ -216,8 +216,7 @@ TEST_F(TableWindow, LoadsShowsSavesAndClearsAPicture) {
   Click(*window_, "cmdClearPicture");
   Click(*window_, "cmdUpdate");
   ASSERT_TRUE(WaitFor([&] { return kind.text() == "No picture"; }));
-  EXPECT_THAT(Stored("AREA_DESCRIPTION", "area_description"),
-              ElementsAre("A wide slope"));
+  EXPECT_THAT(Stored("AREA_DESCRIPTION", "area_description"), ElementsAre("A wide slope"));
   EXPECT_THAT(Stored("AREA_DESCRIPTION", "image_file"), ElementsAre(""));
 }
 
@@ -231,7 +230,7 @@ TEST_F(TableWindow, KeepsReadingsInStepWithTheirInstrument) {
   auto& grid = Find<QTableView>(*window_, "grdRows");
   const auto& master = Find<QLineEdit>(*window_, "txtMaster");
   EXPECT_EQ(master.text(), "NM-Hill-1");
-  EXPECT_EQ(Find<QLabel>(*window_, "labCount").text(), "150 record(s)");
+  EXPECT_EQ(Find<QLabel>(*window_, "labCount").text(), "150 records");
   EXPECT_EQ(grid.model()->rowCount(), 100) << "a page";
   grid.verticalScrollBar()->setValue(grid.verticalScrollBar()->maximum());
   EXPECT_EQ(grid.model()->rowCount(), 150);

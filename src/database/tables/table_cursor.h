@@ -29,6 +29,9 @@ struct CursorSource {
   std::vector<Selection::Condition> Where = {};
 };
 
+/// Tells a place from all others of its table.
+std::string IdOfPlace(const RowPlace& place);
+
 /// What became of a row since it was read.
 enum class RowFate { Same, Changed, Gone };
 

@@ -16,7 +16,7 @@
 namespace hyetex {
 namespace {
 
-constexpr std::int64_t NarrowestBox = 8, WidestBox = 32;  // characters
+constexpr std::int64_t NarrowestBox = 8, WidestBox = 26;  // characters
 
 QString WidthTip(const Field& field) {
   return field.Width > 0 ? QObject::tr("At most %1 characters").arg(field.Width) : QString();
@@ -32,11 +32,14 @@ class LineBox : public FieldBox {
  public:
   LineBox(const Field& field, const QString& name)
       : field_(field),
-        box_(new EntryBox([field](std::string_view text) { return CheckEntry(field, text); })) {
+        // What the database holds is not refused, whatever it is.
+        box_(new EntryBox([field, shown = shown_](std::string_view text) {
+          return ToQt(text) == *shown ? std::nullopt : CheckEntry(field, text);
+        })) {
     box_->setObjectName(name);
     const std::int64_t wide = field.Kind == FieldKind::Text     ? field.Width
                               : field.Kind == FieldKind::Moment ? 19
-                                                                : 10;
+                                                                : 8;
     box_->setMinimumWidth(static_cast<int>(std::clamp(wide, NarrowestBox, WidestBox)) *
                               box_->fontMetrics().averageCharWidth() +
                           2 * box_->fontMetrics().height());
@@ -56,10 +59,10 @@ class LineBox : public FieldBox {
     box_->setText(ToQt(ShownValue(field_, value)));
     box_->setCursorPosition(0);
     box_->setPlaceholderText(EmptyTip(value));
-    shown_ = box_->text();
+    *shown_ = box_->text();
   }
-  bool IsChanged() const override { return box_->text() != shown_; }
-  std::optional<std::string> Refusal() const override { return IsChanged() ? box_->Refusal() : std::nullopt; }
+  bool IsChanged() const override { return box_->text() != *shown_; }
+  std::optional<std::string> Refusal() const override { return box_->Refusal(); }
   DbValue Entered() const override { return EnteredValue(field_, FromQt(box_->text())); }
   void SetEditable(bool editable) override {
     box_->setReadOnly(!editable);
@@ -88,9 +91,9 @@ class LineBox : public FieldBox {
   }
 
   const Field field_;
+  const std::shared_ptr<QString> shown_ = std::make_shared<QString>();
   EntryBox* box_;
   QAction* calendar_ = nullptr;
-  QString shown_;
 };
 
 class TextBox : public FieldBox {
@@ -99,7 +102,7 @@ class TextBox : public FieldBox {
     box_->setObjectName(name);
     box_->setTabChangesFocus(true);
     box_->setToolTip(WidthTip(field));
-    box_->setMinimumWidth(36 * box_->fontMetrics().averageCharWidth());
+    box_->setMinimumWidth(26 * box_->fontMetrics().averageCharWidth());
     box_->setFixedHeight(3 * box_->fontMetrics().lineSpacing() + 12);
   }
 

@@ -319,7 +319,8 @@ void frmTableEditor::ShowGrid() {
   const auto count = editor_->Rows().Count();
   if (!count) return labCount->setText(ToQt(count.error().Description));
   labCount->setText(editor_->Rows().IsCut() ? tr("The first %1 records").arg(*count)
-                                            : tr("%n record(s)", nullptr, static_cast<int>(*count)));
+                    : *count == 1           ? tr("1 record")
+                                            : tr("%1 records").arg(*count));
 }
 
 void frmTableEditor::ShowState() {

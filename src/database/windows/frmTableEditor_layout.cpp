@@ -85,6 +85,7 @@ void frmTableEditor::MakeLayout() {
   auto* moves = new QHBoxLayout;
   for (QPushButton* button : {cmdFirst, cmdPrevious}) moves->addWidget(button);
   lblStatus->setFrameShape(QFrame::StyledPanel);
+  lblStatus->setMinimumHeight(cmdFirst->sizeHint().height());  // also while the buttons are hidden
   moves->addWidget(lblStatus, 1);
   for (QPushButton* button : {cmdNext, cmdLast}) moves->addWidget(button);
   all->addLayout(moves);
@@ -112,24 +113,30 @@ QWidget* frmTableEditor::MakeRows() {
 
 QWidget* frmTableEditor::MakeFields() {
   auto* fields = new QWidget;
-  auto* grid = new QGridLayout(fields);
+  // Each column by itself: a high box in one moves nothing in the others.
+  auto* beside = new QHBoxLayout(fields);
+  beside->setSpacing(2 * fontMetrics().averageCharWidth());
   const int count = static_cast<int>(boxes_.size());
   const int columns = count > MostInTwo ? 3 : count > MostInOneColumn ? 2 : 1;
   const int lines = (count + columns - 1) / columns;
+  QGridLayout* grid = nullptr;
   for (int i = 0; i < count; ++i) {
     const auto at = static_cast<std::size_t>(i);
+    const int line = i % lines;
+    if (line == 0) {
+      beside->addLayout(grid = new QGridLayout, 1);
+      grid->setColumnStretch(1, 1);
+      grid->setRowStretch(lines, 1);
+    }
+    const Field& field = editor_->Fields()[at];
     QWidget* box = &boxes_[at]->Widget();
-    auto* label = new QLabel(ToQt(editor_->Fields()[at].Label) + ":");
+    auto* label = new QLabel(ToQt(field.Label) + ":");
     label->setTextFormat(Qt::PlainText);
     label->setBuddy(box);
-    const bool isHigh =
-        editor_->Fields()[at].Kind == FieldKind::LongText || editor_->Fields()[at].Kind == FieldKind::Picture;
-    const int column = i / lines * 2;
-    grid->addWidget(label, i % lines, column, isHigh ? Qt::AlignTop : Qt::AlignVCenter);
-    grid->addWidget(box, i % lines, column + 1, isHigh ? Qt::Alignment() : Qt::AlignVCenter);
+    const bool isHigh = field.Kind == FieldKind::LongText || field.Kind == FieldKind::Picture;
+    grid->addWidget(label, line, 0, isHigh ? Qt::AlignTop : Qt::AlignVCenter);
+    grid->addWidget(box, line, 1);
   }
-  for (int column = 0; column < columns; ++column) grid->setColumnStretch(column * 2 + 1, 1);
-  grid->setRowStretch(lines, 1);
   scrFields = Named(new QScrollArea, "scrFields");
   scrFields->setWidget(fields);
   scrFields->setWidgetResizable(true);

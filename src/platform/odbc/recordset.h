@@ -61,7 +61,8 @@ struct Selection {
   bool LongWithRow = false;
   /// Only these rows, where there are any among those that the conditions ask for.
   std::vector<RowPlace> Rows = {};
-  /// Rows to change in the open transaction: nobody else changes them before its end.
+  /// Rows to change in the open transaction: nobody else changes them before its end. IsLocked() where
+  /// somebody is about to already; that is not waited for.
   bool ForChange = false;
   std::optional<hyetex::Page> Page = {};
 };

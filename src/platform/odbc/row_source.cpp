@@ -168,7 +168,7 @@ DbResult<std::string> RowSource::SelectText() {
     // An index would give them in its own order, not in the table's.
     sql += " ORDER BY " + order;
   }
-  if (forChange_) sql += " FOR UPDATE";
+  if (forChange_) sql += " FOR UPDATE NOWAIT";
   return sql;
 }
 

@@ -268,6 +268,30 @@ TEST_P(Tables, AreNotOverwrittenWhereSomebodyElseHasChangedTheRow) {
   EXPECT_FALSE(rows.HasRow());
 }
 
+// Not even where the other one has not finished yet; nobody waits for that without a way out.
+TEST_P(Tables, WaitForNobodyWhoIsInTheMiddleOfAChange) {
+  struct Impatient : Progress {
+    bool Step(std::int64_t, std::int64_t, std::string_view) override { return false; }
+  } impatient;
+  AddRegions(2);
+  auto editor = Open("LUT REGION");
+  TableCursor& rows = editor->Rows();
+  rows.Edit();
+  {
+    auto transaction = Must(Transaction::Begin(Db));
+    Run("UPDATE LUT_REGION SET region_code = 'x'");
+    const auto refused = rows.Update({{"region", std::string("mine")}}, impatient);
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error().Number, IsSqlite() ? db_error::Cancelled : db_error::Locked);
+    Must(transaction.Commit());
+  }
+  EXPECT_EQ(Must(rows.Update({{"region", std::string("mine")}}, impatient)), RowFate::Changed);
+  EXPECT_EQ(Must(rows.Reload()), RowFate::Same);
+  EXPECT_EQ(Change(*editor, "region", std::string("mine")), RowFate::Same);
+  EXPECT_THAT(Stored("LUT_REGION", "region"), ElementsAre("a2", "mine"));
+  EXPECT_THAT(Stored("LUT_REGION", "region_code"), ElementsAre("x", "x"));
+}
+
 TEST_P(Tables, KeepAPendingChangeThatTheDatabaseRefuses) {
   Run("DROP TABLE LUT_REGION");
   Run("CREATE TABLE LUT_REGION (region VARCHAR(60) PRIMARY KEY, region_code VARCHAR(5) NOT NULL)");
