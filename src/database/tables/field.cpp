@@ -107,7 +107,8 @@ std::string ShownValue(const Field& field, const DbValue& value) {
 }
 
 std::optional<std::string> CheckEntry(const Field& field, std::string_view typed) {
-  if (Trim(typed).empty()) return std::nullopt;
+  const bool isText = field.Kind == FieldKind::Text || field.Kind == FieldKind::LongText;
+  if (!isText && Trim(typed).empty()) return std::nullopt;
   switch (field.Kind) {
     case FieldKind::Moment:
       if (TypedMoment(typed)) return std::nullopt;

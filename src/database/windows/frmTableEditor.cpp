@@ -115,11 +115,7 @@ void frmTableEditor::FindNow() {
   find_.stop();
   if (txtFind->text().isEmpty() || editor_->Rows().EditingRecord()) return;
   WhileFinding progress;
-  setEnabled(false);
   const auto found = editor_->Find(FromQt(txtFind->text()), progress);
-  setEnabled(true);
-  txtFind->setFocus();
-  txtFind->deselect();
   if (!found) return Tell(found.error());
   labDoing->setText(*found ? QString() : tr("No record begins so"));
   if (*found) ShowRow();

@@ -37,6 +37,19 @@ QPushButton* Button(const char* name, const QString& caption) {
   return Named(new QPushButton(caption), name);
 }
 
+// As large as all boxes where there is room for them.
+class FieldsArea : public QScrollArea {
+ public:
+  explicit FieldsArea(QSize wanted) : wanted_(wanted) {
+    setMinimumSize(std::min(wanted.width(), 60 * fontMetrics().averageCharWidth()),
+                   std::min(wanted.height(), 8 * fontMetrics().lineSpacing()));
+  }
+  QSize sizeHint() const override { return wanted_; }
+
+ private:
+  const QSize wanted_;
+};
+
 }  // namespace
 
 void frmTableEditor::MakeControls() {
@@ -125,6 +138,7 @@ QWidget* frmTableEditor::MakeFields() {
     const int line = i % lines;
     if (line == 0) {
       beside->addLayout(grid = new QGridLayout, 1);
+      grid->setSpacing(6);
       grid->setColumnStretch(1, 1);
       grid->setRowStretch(lines, 1);
     }
@@ -137,15 +151,16 @@ QWidget* frmTableEditor::MakeFields() {
     grid->addWidget(label, line, 0, isHigh ? Qt::AlignTop : Qt::AlignVCenter);
     grid->addWidget(box, line, 1);
   }
-  scrFields = Named(new QScrollArea, "scrFields");
-  scrFields->setWidget(fields);
-  scrFields->setWidgetResizable(true);
-  scrFields->setFocusPolicy(Qt::NoFocus);
   const QSize wanted = fields->sizeHint();
   const int inSight = (editor_->Table().ShowsGrid ? MostLinesInSight * 3 / 4 : MostLinesInSight) *
                       fontMetrics().lineSpacing();
-  scrFields->setMinimumSize(wanted.width() + scrFields->verticalScrollBar()->sizeHint().width() + 8,
-                            std::min(wanted.height() + 4, inSight));
+  const QScrollBar bar;
+  scrFields = Named(
+      new FieldsArea({wanted.width() + bar.sizeHint().width() + 8, std::min(wanted.height() + 4, inSight)}),
+      "scrFields");
+  scrFields->setWidget(fields);
+  scrFields->setWidgetResizable(true);
+  scrFields->setFocusPolicy(Qt::NoFocus);
   return scrFields;
 }
 

@@ -1,6 +1,7 @@
 // Reading a table by pages.
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
 
 #include "platform/odbc/catalog.h"
 #include "platform/odbc/recordset.h"
@@ -63,6 +64,32 @@ DbResult<std::int64_t> BlockCount(const std::shared_ptr<OdbcLink>& link, const s
   return blocks;
 }
 
+// How many rows of SQLite are searched before progress is told.
+constexpr std::int64_t RowsInOneSearch = 50'000;
+
+// The number of the row that stands so many rows behind another one; nothing where there are fewer.
+DbResult<std::optional<std::int64_t>> RowNumberBehind(const std::shared_ptr<OdbcLink>& link,
+                                                      const TableShape& shape, std::int64_t behind) {
+  const std::string& number = shape.Identity.front().Shown.Name;
+  auto statement = Statement::Prepared(link, "SELECT " + number + " FROM " + shape.Name + " WHERE " + number +
+                                                 " > ? ORDER BY " + number + " LIMIT 1 OFFSET ?");
+  if (!statement) return tl::unexpected(statement.error());
+  std::vector<Parameter> parameters(2);
+  parameters[0].Set(behind, link->Maker(), SQL_BIGINT);
+  parameters[1].Set(RowsInOneSearch, link->Maker(), SQL_BIGINT);
+  if (auto bound = statement->Bind(parameters); !bound) return tl::unexpected(bound.error());
+  if (auto asked = statement->Execute(); !asked) return tl::unexpected(asked.error());
+  const auto fetched = statement->Fetch();
+  if (!fetched) return tl::unexpected(fetched.error());
+  if (!*fetched) return std::optional<std::int64_t>();
+  std::int64_t row = 0;
+  SQLLEN length = 0;
+  if (const auto got = statement->Check(SQLGetData(statement->Handle(), 1, SQL_C_SBIGINT, &row, 0, &length));
+      !got)
+    return tl::unexpected(got.error());
+  return std::optional(row);
+}
+
 }  // namespace
 
 DbResult<bool> Recordset::TellsRowsApart(Connection& connection, std::string_view table) {
@@ -112,6 +139,20 @@ DbResult<std::vector<PagedRow>> Recordset::ReadPage(Connection& connection, std:
     const auto count = BlockCount(link, shape->Name);
     if (!count) return tl::unexpected(count.error());
     blocks = *count;
+  }
+  if (link->Maker() == DatabaseMaker::SQLite && shape->HasRowNumbers && progress != nullptr &&
+      whole.OrderBy.empty() && !whole.Behind && !whole.Before && !whole.Backward && whole.Most > 0) {
+    std::int64_t behind = std::numeric_limits<std::int64_t>::min();
+    for (std::int64_t searched = 0;; searched += RowsInOneSearch) {
+      const auto next = RowNumberBehind(link, *shape, behind);
+      if (!next) return tl::unexpected(next.error());
+      selection.Page->Behind = RowKey{behind};
+      selection.Page->Before = *next ? std::optional(RowKey{**next}) : std::nullopt;
+      if (auto read = Append(connection, table, selection, rows); !read) return tl::unexpected(read.error());
+      if (std::ssize(rows) >= whole.Most || !*next) return rows;
+      behind = **next - 1;
+      if (!progress->Step(searched, 0, {})) return OdbcFailure(db_error::Cancelled, "Stopped");
+    }
   }
   if (blocks == 0) {
     if (auto read = Append(connection, table, selection, rows); !read) return tl::unexpected(read.error());

@@ -165,10 +165,15 @@ TEST_P(Tables, OpenInEveryEditorAddPageEditAndDelete) {
 
 TEST_P(Tables, PageExactlyBothWaysOverTenThousandRowsThatAreChangedOnTheWay) {
   constexpr int count = 10'250;
-  AddRegions(count);
+  AddRegions(count - 500);
   auto editor = Open("LUT REGION");
   TableCursor& rows = editor->Rows();
   EXPECT_EQ(rows.LoadedRows(), TableCursor::PageRows);
+  std::vector<std::string> expected = Regions(count);
+  Must(rows.MoveNext());
+  ASSERT_EQ(Change(*editor, "region", std::string("moved")), RowFate::Same);
+  expected[1] = "moved";
+  AddRegions(500, count - 499);  // behind the place where PostgreSQL has the changed one now
   // Both ends and a place in between, each by one page; then what lies between is read from either side.
   Must(rows.MoveLast());
   EXPECT_EQ(Now(*editor), "10250 a10250");
@@ -181,7 +186,6 @@ TEST_P(Tables, PageExactlyBothWaysOverTenThousandRowsThatAreChangedOnTheWay) {
   EXPECT_FALSE(Must(editor->Find("a5000%", Unwatched)));
   EXPECT_LT(rows.LoadedRows(), 300);
   // A changed row stands where it stood, wherever the database has it now; a new one at the end.
-  std::vector<std::string> expected = Regions(count);
   for (const int at : {4995, 3, 10'240}) {
     ASSERT_TRUE(Must(editor->Find("a" + std::to_string(at), Unwatched)));
     ASSERT_EQ(rows.AbsolutePosition(), at);
@@ -201,6 +205,25 @@ TEST_P(Tables, PageExactlyBothWaysOverTenThousandRowsThatAreChangedOnTheWay) {
   EXPECT_EQ(Now(*editor), "100 a101");
   expected.erase(expected.begin() + 99);
   ExpectWhole(*editor, expected);
+}
+
+TEST_P(Tables, AreSearchedByStretchesAndTheSearchCanBeStopped) {
+  constexpr int count = 120'000;
+  AddRegions(count);
+  Run("DELETE FROM LUT_REGION WHERE region_code = '7'");
+  auto editor = Open("LUT REGION");
+  for (const int at : {1, 49'999, 50'000, 50'001, 50'051, 100'100, count}) {
+    ASSERT_TRUE(Must(editor->Find("a" + std::to_string(at), Unwatched))) << at;
+    EXPECT_EQ(Now(*editor), std::to_string(at - (at + 993) / 1000) + " a" + std::to_string(at));
+  }
+  EXPECT_FALSE(Must(editor->Find("b", Unwatched)));
+  struct Stopped : Progress {
+    bool Step(std::int64_t, std::int64_t, std::string_view) override { return false; }
+  } stopped;
+  if (IsSqlite()) {
+    EXPECT_EQ(editor->Find("b", stopped).error().Number, db_error::Cancelled);
+  }
+  EXPECT_EQ(First(*editor), "a120000") << "which stays";
 }
 
 TEST_P(Tables, StandInTheOrderOfTheirColumn) {
@@ -405,6 +428,7 @@ TEST(Fields, TakeWhatTheirColumnsHold) {
                                                                              {number, "2,5.1"},
                                                                              {number, "1e99"},
                                                                              {text, "äöüßx"},
+                                                                             {text, "     "},
                                                                              {day, "31/02/1998"},
                                                                              {day, "05/03/98"},
                                                                              {day, "5/3/1998 24:00"},
