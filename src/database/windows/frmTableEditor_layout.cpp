@@ -152,8 +152,7 @@ QWidget* frmTableEditor::MakeFields() {
     grid->addWidget(box, line, 1);
   }
   const QSize wanted = fields->sizeHint();
-  const int inSight = (editor_->Table().ShowsGrid ? MostLinesInSight * 3 / 4 : MostLinesInSight) *
-                      fontMetrics().lineSpacing();
+  const int inSight = MostLinesInSight * fontMetrics().lineSpacing();
   const QScrollBar bar;
   scrFields = Named(
       new FieldsArea({wanted.width() + bar.sizeHint().width() + 8, std::min(wanted.height() + 4, inSight)}),
