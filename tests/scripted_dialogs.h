@@ -51,6 +51,7 @@ class ScriptedDialogs : public Dialogs {
   std::vector<ShownInput> Inputs;
   std::deque<std::optional<std::string>> Folders;  ///< that are chosen
   std::deque<std::optional<std::string>> Files;    ///< to save in
+  std::deque<std::optional<std::string>> Opened;   ///< files that are chosen to be read
   std::function<void()> Meanwhile;                 ///< what others do while the next question stands
 
   BoxAnswer MessageBox(const std::string& title, const std::string& text, BoxButtons buttons,
@@ -85,6 +86,12 @@ class ScriptedDialogs : public Dialogs {
     if (Files.empty()) return Unexpected(title);
     const auto chosen = Files.front();
     Files.pop_front();
+    return chosen;
+  }
+  std::optional<std::string> ChooseFileToOpen(const std::string& title, const std::string&) override {
+    if (Opened.empty()) return Unexpected(title);
+    const auto chosen = Opened.front();
+    Opened.pop_front();
     return chosen;
   }
 

@@ -42,6 +42,8 @@ const AppDesk::WindowKind AppDesk::Windows[] = {
     {WindowId::ProgramDefaults, false, true, &AppDesk::MakeProgramDefaults},
     {WindowId::Connection, false, true, &AppDesk::MakeConnection},
     {WindowId::Logon, false, true, &AppDesk::MakeLogon},
+    {WindowId::TableEditor, true, true, &AppDesk::MakeTableEditor},
+    {WindowId::SelectTable, true, false, &AppDesk::MakeSelectTable},
     {WindowId::Load, true, false, &AppDesk::MakeLoad},
     {WindowId::Alpha, true, false, &AppDesk::MakeAlpha},
     {WindowId::PrePop, true, false, &AppDesk::MakePrePop},

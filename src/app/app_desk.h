@@ -76,8 +76,11 @@ class AppDesk : public Desk {
   QWidget* MakeLoad();    // load_windows.cpp
   QWidget* MakePrePop();  // populate_windows.cpp
   QWidget* MakePopulate();
-  QWidget* MakeEditor();  // editor_windows.cpp
-  QWidget* MakeAlpha();   // alpha_windows.cpp
+  QWidget* MakeEditor();       // editor_windows.cpp
+  QWidget* MakeAlpha();        // alpha_windows.cpp
+  QWidget* MakeSelectTable();  // table_windows.cpp
+  QWidget* MakeTableEditor();
+  bool EditTable(std::size_t entry);
 
   // The menu entry that does without a window: synchronising.cpp.
   void AddSynchronising();
@@ -105,6 +108,7 @@ class AppDesk : public Desk {
   std::string largeCaption_, largeText_;          // of the large view that is about to open
   std::unique_ptr<CommentTarget> commentTarget_;  // of the comment window that is about to open
   TaskJob taskJob_;                               // of the task definition that is about to open
+  std::size_t editedTable_ = 0;                   // of the list of tables
   bool backToTasks_ = false;                      // once the digitizing window closes
   bool ending_ = false;
 

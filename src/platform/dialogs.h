@@ -30,6 +30,10 @@ class Dialogs {
   }
   virtual std::optional<std::string> ChooseFolder(const std::string& title, const std::string& start) = 0;
   virtual std::optional<std::string> ChooseFileToSave(const std::string& title, const std::string& start) = 0;
+  virtual std::optional<std::string> ChooseFileToOpen(const std::string& /*title*/,
+                                                      const std::string& /*start*/) {
+    return std::nullopt;
+  }
 };
 
 /// Asks, before a window closes, about what was entered in it and not taken. `take` takes it, and tells the

@@ -63,7 +63,7 @@ TEST_F(Keys, MeanOneThingInEachWindow) {
         std::pair{WindowId::Logon, "frmODBCLogon1"}, std::pair{WindowId::CreateTable, "frmCreateTable"},
         std::pair{WindowId::Load, "frmLoad"}, std::pair{WindowId::PrePop, "frmPrePop"},
         std::pair{WindowId::Populate, "frmPopulate"}, std::pair{WindowId::Editor, "frmEditor"},
-        std::pair{WindowId::Alpha, "frmAlpha"}}) {
+        std::pair{WindowId::Alpha, "frmAlpha"}, std::pair{WindowId::SelectTable, "frmSelectTable"}}) {
     desk_->Open(id);
     Check(id, name);
     QWidget* window = desk_->Window(id);
@@ -76,6 +76,18 @@ TEST_F(Keys, MeanOneThingInEachWindow) {
       Check(WindowId::Comment, "frmComment");
       for (const WindowId inner : {WindowId::Comment, WindowId::TaskDef}) desk_->Window(inner)->close();
     }
+    if (id == WindowId::SelectTable)
+      for (const int entry : {2, 5}) {  // a grid with its master, and a picture
+        desk_->Open(WindowId::SelectTable);
+        window = desk_->Window(WindowId::SelectTable);
+        Find<QComboBox>(*window, "cboTables").setCurrentIndex(entry);
+        Click(*window, "cmdEdit");
+        Check(WindowId::TableEditor, "frmTableEditor");
+        Click(*desk_->Window(WindowId::TableEditor), "cmdAdd");
+        Check(WindowId::TableEditor, "frmTableEditor, adding");
+        desk_->Window(WindowId::TableEditor)->close();
+        window = desk_->Window(WindowId::SelectTable);
+      }
     window->close();
   }
   desk_.reset();

@@ -53,6 +53,49 @@ Result<void> AddInstruments(Connection& connection, const ReferenceLists& lists)
   return {};
 }
 
+// What the table editors show. The picture is the smallest file of its kind that looks like something.
+Result<void> AddRecords(Connection& connection, const StationRecord& station) {
+  std::string picture = "P6 48 32 255\n";
+  for (int y = 0; y < 32; ++y)
+    for (int x = 0; x < 48; ++x) {
+      const bool hill = y > 24 - (x < 24 ? x : 48 - x) / 2;
+      picture += hill ? std::string("\x4A\x7B\x3B") : std::string("\x9C\xC4\xE8");
+    }
+  const DbValue code = station.InstrumentCode, name = station.Name;
+  const auto run = [&](const char* sql, std::vector<DbValue> values) {
+    return connection.Execute(sql, values);
+  };
+  auto done = run(
+      "UPDATE INSTRUMENT SET instrument_type = 'Siphon', manufacturer = 'Weathercraft', model_number = "
+      "'W-10', "
+      "date_start_instrument = ?, height_above_ground = 1.2, purchase_year = 1986, orifice_diameter = 200, "
+      "systematic_errors = 'Siphons late in frost', minimum_depth_unit = 0.1, comments = 'On the roof of the "
+      "school' WHERE instrument_code_id = ?",
+      {DbDate{MakeDate(1986, 10, 1)}, code});
+  if (done)
+    done =
+        run("INSERT INTO AREA_DESCRIPTION (area_description_id, station_code_id, date_of_area_description, "
+            "area_description, image_file, station) VALUES (1, ?, ?, 'A bare slope to the south; trees to "
+            "the north', "
+            "?, ?)",
+            {code, DbDate{MakeDate(1987, 4, 12)}, DbBinary{picture}, name});
+  for (int day = 5; done && day < 12; ++day) {
+    done =
+        run("INSERT INTO MANUAL_GAGE (instrument_code_id, start_date, end_date, depth, method_to_obtain, "
+            "data_Reliability_code) VALUES (?, ?, ?, ?, 'Dip stick', 'Acceptable')",
+            {code, DbDate{MakeDate(1998, 3, day, 7)}, DbDate{MakeDate(1998, 3, day + 1, 7)}, day * 1.25});
+    if (done)
+      done =
+          run("INSERT INTO JORDAN_CHARTS_By_HAND (instrument_code_id, station, chart_date, five_minute_max, "
+              "ten_minute_max, sixty_minute_max, hrly_depth_twelve_am_one, comments) VALUES (?, ?, ?, 1.5, "
+              "2.4, 6, "
+              "0.4, 'Read twice')",
+              {code, name, DbDate{MakeDate(1998, 3, day)}});
+  }
+  if (!done) return Failure(done.error().Description);
+  return {};
+}
+
 Result<std::vector<std::string>> WriteCharts(const std::string& folder, const StationRecord& station) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
@@ -81,6 +124,7 @@ Result<void> MakePictureDatabase(Settings& settings, Dialogs& dialogs) {
   HyetexPlotDB database(settings, dialogs);
   if (const auto opened = database.OpenDatabase(); !opened) return Failure(opened.error().Description);
   if (auto added = AddInstruments(database.DatabaseConnection, *lists); !added) return added;
+  if (auto added = AddRecords(database.DatabaseConnection, lists->Stations.front()); !added) return added;
   const auto charts = WriteCharts(JoinPath(settings.Folder(), "Data"), lists->Stations.front());
   if (!charts) return Failure(charts.error());
   UnwatchedProgress unwatched;

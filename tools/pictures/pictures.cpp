@@ -229,6 +229,31 @@ void TakeEditor(AppDesk& desk, Camera& camera) {
     if (QWidget* window = desk.Window(id)) window->close();
 }
 
+// Records of the demonstration's database.
+void TakeTables(AppDesk& desk, Camera& camera) {
+  for (const auto& [entry, name] :
+       {std::pair{1, "frmEditInstrument"}, std::pair{2, "frmManualGageMD"},
+        std::pair{5, "frmEdit_AreaDescription"}, std::pair{12, "frmEdit_JordanCharts"}}) {
+    desk.Open(WindowId::SelectTable);
+    QWidget* select = desk.Window(WindowId::SelectTable);
+    if (auto* tables = camera.Find<QComboBox>(select, "cboTables")) tables->setCurrentIndex(entry);
+    if (entry == 1) camera.Take(select, "frmSelectTable");
+    if (auto* edit = camera.Find<QPushButton>(select, "cmdEdit")) edit->click();
+    QWidget* editor = desk.Window(WindowId::TableEditor);
+    for (int i = 0; i < 30; ++i) {  // a picture is read a while after its record
+      QThread::msleep(10);
+      QApplication::processEvents();
+    }
+    camera.Take(editor, name);
+    if (auto* change = camera.Find<QPushButton>(editor, "cmdEdit"); change && entry == 5) {
+      change->click();
+      camera.Take(editor, std::string(name) + "-edit");
+    }
+    if (editor) editor->close();
+  }
+  if (QWidget* select = desk.Window(WindowId::SelectTable)) select->close();
+}
+
 }  // namespace
 
 Result<void> TakePictures(const std::string& programFolder, const std::string& pictures) {
@@ -273,6 +298,7 @@ Result<void> TakePictures(const std::string& programFolder, const std::string& p
     TakePopulating(desk, camera);
     TakeAlpha(desk, camera);
     TakeEditor(desk, camera);
+    TakeTables(desk, camera);
   }
   words.Task = 0;
   AppDesk desk(words, dialogs);

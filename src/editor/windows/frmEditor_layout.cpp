@@ -406,7 +406,7 @@ void frmEditor::MakeKeys() {
   for (int i = 0; i < 3; ++i)
     key(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + i), [this, i] { tbsFileView->setCurrentIndex(i); });
   key(QKeySequence::Save, [this] { Save(); });
-  key(QKeySequence::Print, [this] { PrintChart(*picPreview, Orientation(), dialogs_); });
+  key(QKeySequence::Print, [this] { PrintPage(*this, Page(), Orientation(), dialogs_); });
   key(QKeySequence::Refresh, [this] { UpdateList(); });
 }
 

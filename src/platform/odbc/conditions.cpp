@@ -21,6 +21,15 @@ std::string Marks(const std::string& mark, std::size_t count) {
   return marks;
 }
 
+std::string PrefixPattern(std::string_view prefix) {
+  std::string pattern;
+  for (const char c : prefix) {
+    if (c == '%' || c == '_' || c == '!') pattern += '!';
+    pattern += c;
+  }
+  return pattern + '%';
+}
+
 // Whether times stand there as text, in whatever form of ISO 8601: those forms only agree in the day.
 bool KeepsText(const OdbcLink& link, const TableColumn& column) {
   return link.Maker() == DatabaseMaker::SQLite || column.Shown.IsText;
@@ -183,6 +192,9 @@ DbResult<std::string> Conditions::Text() {
         case Compare::EqualIgnoringCase:
           text += "UPPER(" + column + ") = UPPER(?)";
           break;
+        case Compare::BeginsWith:
+          text += "UPPER(" + column + ") LIKE UPPER(?) ESCAPE '!'";
+          break;
         case Compare::AtLeast:
           text += column + " >= ?";
           break;
@@ -194,7 +206,10 @@ DbResult<std::string> Conditions::Text() {
           text += column + (count == 1 ? " = ?" : " IN (" + Marks("?", count) + ")");
           break;
       }
-      for (std::size_t i = 0; i < count; ++i) AddValue(one ? wanted : condition.Among[i], shape);
+      if (condition.How == Compare::BeginsWith)
+        values_.emplace_back(PrefixPattern(TextOf(wanted)), SQL_VARCHAR);
+      else
+        for (std::size_t i = 0; i < count; ++i) AddValue(one ? wanted : condition.Among[i], shape);
     }
   }
   return text;
@@ -205,6 +220,39 @@ std::vector<Parameter> Conditions::Parameters() const {
   for (std::size_t i = 0; i < values_.size(); ++i)
     parameters[i].Set(values_[i].first, link_->Maker(), values_[i].second);
   return parameters;
+}
+
+// Rows behind a key: by its first column or, where that is alike, by the rest. The first column alone stands
+// ahead, since that is what an index takes.
+std::string BeyondText(std::span<const OrderColumn> order, std::span<const DbValue> key, bool behind,
+                       DatabaseMaker maker, std::vector<Parameter>& parameters) {
+  const OrderColumn& column = order.front();
+  const auto add = [&] { parameters.emplace_back().Set(key.front(), maker, column.Type); };
+  const bool isLast = order.size() == 1;
+  // PostgreSQL has rows without a value behind all others, the rest have them ahead.
+  const bool nullsBeyond = behind == (maker == DatabaseMaker::PostgreSQL);
+  const auto rest = [&] { return BeyondText(order.subspan(1), key.subspan(1), behind, maker, parameters); };
+  if (IsNull(key.front())) {
+    const std::string others = nullsBeyond ? "" : column.Name + " IS NOT NULL";
+    if (isLast) return others.empty() ? "1 = 0" : others;
+    const std::string same = "(" + column.Name + " IS NULL AND " + rest() + ")";
+    return others.empty() ? same : "(" + others + " OR " + same + ")";
+  }
+  const std::string compare = behind ? " > " : " < ";
+  if (isLast) {
+    add();
+    const std::string beyond = column.Name + compare + "?";
+    return nullsBeyond && column.MayBeNull ? "(" + beyond + " OR " + column.Name + " IS NULL)" : beyond;
+  }
+  const std::string index =
+      nullsBeyond && column.MayBeNull ? "" : column.Name + (behind ? " >= ?" : " <= ?") + " AND ";
+  if (!index.empty()) add();
+  add();
+  std::string text = index + "(" + column.Name + compare + "?";
+  if (nullsBeyond && column.MayBeNull) text += " OR " + column.Name + " IS NULL";
+  add();
+  text += " OR (" + column.Name + " = ? AND " + rest() + "))";
+  return text;
 }
 
 std::string RowsText(std::span<const RowPlace> rows, DatabaseMaker maker,

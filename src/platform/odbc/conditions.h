@@ -52,6 +52,18 @@ class Conditions {
   std::vector<std::pair<DbValue, SQLSMALLINT>> values_;
 };
 
+/// A column that rows are ordered by, ready to stand in a statement.
+struct OrderColumn {
+  std::string Name;
+  SQLSMALLINT Type = SQL_UNKNOWN_TYPE;
+  bool MayBeNull = true;
+};
+
+/// What stands behind WHERE to find the rows behind this one in an order, or those before it; adds what
+/// travels into it.
+std::string BeyondText(std::span<const OrderColumn> order, std::span<const DbValue> key, bool behind,
+                       DatabaseMaker maker, std::vector<Parameter>& parameters);
+
 /// What stands behind WHERE to find these rows of one table; adds what travels into it.
 std::string RowsText(std::span<const RowPlace> rows, DatabaseMaker maker, std::vector<Parameter>& parameters);
 

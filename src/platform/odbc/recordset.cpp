@@ -12,6 +12,22 @@ Recordset::~Recordset() = default;
 Recordset::Recordset(Recordset&&) noexcept = default;
 Recordset& Recordset::operator=(Recordset&&) noexcept = default;
 
+namespace {
+
+DbResult<void> NameColumns(const TableShape& shape, Selection& selection) {
+  for (Selection::Condition& condition : selection.Where) {
+    const auto position = shape.Find(condition.Column);
+    if (!position) return NoSuchField(condition.Column);
+    condition.Column = shape.Columns[*position].Shown.Name;
+  }
+  if (selection.Page)
+    for (const std::string& name : selection.Page->OrderBy)
+      if (!shape.Find(name)) return NoSuchField(name);
+  return {};
+}
+
+}  // namespace
+
 DbResult<Recordset> Recordset::Open(Connection& connection, std::string_view table, Selection selection) {
   if (!connection.IsOpen()) return ConnectionIsClosed();
   auto state = std::make_unique<State>();
@@ -26,19 +42,40 @@ DbResult<Recordset> Recordset::Open(Connection& connection, std::string_view tab
     if (!position) return NoSuchField(name);
     state->Chosen.push_back(*position);
   }
-  for (Selection::Condition& condition : selection.Where) {
-    const auto position = state->Shape.Find(condition.Column);
-    if (!position) return NoSuchField(condition.Column);
-    condition.Column = state->Shape.Columns[*position].Shown.Name;
-  }
+  if (auto named = NameColumns(state->Shape, selection); !named) return tl::unexpected(named.error());
   for (const std::size_t position : state->Chosen)
     state->Fields.push_back(state->Shape.Columns[position].Shown);
-  state->Rows = std::make_unique<RowSource>(state->Link, state->Shape, state->Chosen,
-                                            std::move(selection.Where), selection.LongWithRow);
+  state->Rows = std::make_unique<RowSource>(state->Link, state->Shape, state->Chosen, std::move(selection));
   if (const auto opened = state->Rows->Open(); !opened) return tl::unexpected(opened.error());
   Recordset recordset;
   recordset.state_ = std::move(state);
   return recordset;
+}
+
+DbResult<std::int64_t> Recordset::Count(Connection& connection, std::string_view table, Selection selection) {
+  if (!connection.IsOpen()) return ConnectionIsClosed();
+  const std::shared_ptr<OdbcLink>& link = connection.link_;
+  const auto shape = ReadTableShape(link, table);
+  if (!shape) return tl::unexpected(shape.error());
+  if (auto named = NameColumns(*shape, selection); !named) return tl::unexpected(named.error());
+  Conditions conditions(link, *shape, std::move(selection.Where));
+  auto text = conditions.Text();
+  if (!text) return tl::unexpected(text.error());
+  std::vector<Parameter> parameters = conditions.Parameters();
+  const std::string part = PartText(*link, *shape, selection.Rows, selection.Page, parameters);
+  if (!text->empty() && !part.empty()) *text += " AND ";
+  *text += part;
+  auto statement = Statement::Prepared(
+      link, "SELECT COUNT(*) FROM " + shape->Name + (text->empty() ? "" : " WHERE " + *text));
+  if (!statement) return tl::unexpected(statement.error());
+  if (auto bound = statement->Bind(parameters); !bound) return tl::unexpected(bound.error());
+  if (auto asked = statement->Execute(); !asked) return tl::unexpected(asked.error());
+  if (auto fetched = statement->Fetch(); !fetched) return tl::unexpected(fetched.error());
+  std::int64_t count = 0;
+  SQLLEN length = 0;
+  const auto got = statement->Check(SQLGetData(statement->Handle(), 1, SQL_C_SBIGINT, &count, 0, &length));
+  if (!got) return tl::unexpected(got.error());
+  return count;
 }
 
 bool Recordset::IsOpen() const { return state_ != nullptr; }

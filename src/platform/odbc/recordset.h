@@ -10,9 +10,11 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/odbc/connection.h"
@@ -21,7 +23,27 @@ namespace hyetex {
 
 /// EqualIgnoringCase asks for UPPER(column) = UPPER(value), for which a database may have an index. Blanks
 /// behind a text do not count there, since columns of fixed width add them.
-enum class Compare { Equal, EqualIgnoringCase, AtLeast, AtMost, OneOf };
+/// BeginsWith is without regard to case as well.
+enum class Compare { Equal, EqualIgnoringCase, AtLeast, AtMost, OneOf, BeginsWith };
+
+/// What finds a row again for as long as nobody changes it: columns, ready for a statement, and their values.
+struct RowPlace {
+  std::vector<std::string> Columns;
+  std::vector<DbValue> Values;
+  std::vector<std::int16_t> Types;  ///< of the values, by ODBC's numbers
+};
+
+/// Where a row stands in an order: its values in the columns of the order, then those of its place.
+using RowKey = std::vector<DbValue>;
+
+/// A stretch of a table, in the order of some columns and, among rows that are alike in these, in the table's
+/// own; read from either end.
+struct Page {
+  std::vector<std::string> OrderBy = {};           ///< among the chosen columns
+  std::optional<RowKey> Behind = {}, Before = {};  ///< the rows around it, which are no part of it
+  bool Backward = false;                           ///< from its last row
+  std::int64_t Most = 0;                           ///< rows; 0: all
+};
 
 /// Which rows and columns to ask the database for. Names are looked up in the catalog without regard to case;
 /// times are compared to the second, whatever their form.
@@ -37,13 +59,19 @@ struct Selection {
   /// Long columns travel with their row, where the driver can, and not when they are asked for: less to ask
   /// for, but a driver may hold those of some hundred rows at once.
   bool LongWithRow = false;
+  /// Only these rows, where there are any among those that the conditions ask for.
+  std::vector<RowPlace> Rows = {};
+  /// Rows to change in the open transaction: nobody else changes them before its end. IsLocked() where
+  /// somebody is about to already; that is not waited for.
+  bool ForChange = false;
+  std::optional<hyetex::Page> Page = {};
 };
 
-/// What finds a row again for as long as nobody changes it: columns, ready for a statement, and their values.
-struct RowPlace {
-  std::vector<std::string> Columns;
-  std::vector<DbValue> Values;
-  std::vector<std::int16_t> Types;  ///< of the values, by ODBC's numbers
+/// A row that was read with its page.
+struct PagedRow {
+  RowPlace Place;
+  RowKey Key;
+  std::vector<DbValue> Values;  ///< of the chosen columns
 };
 
 class Recordset {
@@ -87,10 +115,28 @@ class Recordset {
   void CancelUpdate();
   /// Where the current row stands.
   DbResult<RowPlace> Place();
+  /// Where it stands in the order of the selection's page.
+  DbResult<RowKey> Key();
   /// Sets a column of some rows of a table in one statement. Fails where not every one of them is there any
   /// more, or one stands for several that are alike.
   static DbResult<void> SetInRows(Connection& connection, std::string_view table, std::string_view column,
                                   const DbValue& value, std::span<const RowPlace> rows);
+  /// Stores one row, and tells where it stands.
+  static DbResult<RowPlace> Insert(Connection& connection, std::string_view table,
+                                   const std::vector<std::pair<std::string, DbValue>>& values);
+  /// Whether the database tells a row of the table from all others. Else, as in a view, there is no order to
+  /// read pages by, and a place is made of all values.
+  static DbResult<bool> TellsRowsApart(Connection& connection, std::string_view table);
+  /// The rows of a page, beginning with its end. Costs no more the larger the table is, but where a page is
+  /// ordered by a column without an index, or has conditions. `progress`, which may be null, is for a search
+  /// through the whole table: Cancelled where it wants no more.
+  static DbResult<std::vector<PagedRow>> ReadPage(Connection& connection, std::string_view table,
+                                                  Selection selection, Progress* progress = nullptr);
+  /// Where a row stands now that somebody has changed it, in a database that moves changed rows; nothing
+  /// where that cannot be told.
+  static std::optional<RowPlace> Follow(Connection& connection, std::string_view table, const RowPlace& row);
+  /// How many rows a selection has. Not for conditions of times, which no statement tells exactly.
+  static DbResult<std::int64_t> Count(Connection& connection, std::string_view table, Selection selection);
   /// Deletes some rows of a table, which fails in the same way.
   static DbResult<void> DeleteRows(Connection& connection, std::string_view table,
                                    std::span<const RowPlace> rows);

@@ -1,5 +1,6 @@
 // Adding, changing and deleting rows of a recordset.
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 #include "platform/odbc/recordset.h"
@@ -60,6 +61,12 @@ DbResult<RowPlace> Recordset::Place() {
   return state_->Rows->CurrentRow();
 }
 
+DbResult<RowKey> Recordset::Key() {
+  if (!IsOpen()) return RecordsetIsClosed();
+  if (!state_->HasRow() || IsPending()) return NoCurrentRow();
+  return state_->Rows->CurrentKey();
+}
+
 namespace {
 
 // Older SQLite takes at most 999 parameters, and no expression may be too deep.
@@ -103,6 +110,83 @@ DbResult<void> Recordset::SetInRows(Connection& connection, std::string_view tab
   given[0].Set(value, link->Maker(), field.SqlType);
   return ChangeRows(link, "UPDATE " + shape->Name + " SET " + link->Quoted(field.Shown.Name) + " = ?", given,
                     rows);
+}
+
+namespace {
+
+// The first row that a statement tells of, as a place in the table.
+DbResult<RowPlace> ReadPlace(Statement& statement, const TableShape& shape) {
+  const auto fetched = statement.Fetch();
+  if (!fetched) return tl::unexpected(fetched.error());
+  if (!*fetched) return NoCurrentRow();
+  RowPlace place;
+  for (std::size_t i = 0; i < shape.Identity.size(); ++i) {
+    const TableColumn& column = shape.Identity[i];
+    std::string text;
+    const auto read =
+        statement.ReadLong(static_cast<SQLUSMALLINT>(i + 1), false, [&](std::string_view piece) {
+          text += piece;
+          return true;
+        });
+    if (!read) return tl::unexpected(read.error());
+    place.Columns.push_back(column.Shown.Name);
+    place.Types.push_back(column.SqlType);
+    if (KindOfType(column.SqlType) == ValueKind::Integer)
+      place.Values.emplace_back(static_cast<std::int64_t>(std::strtoll(text.c_str(), nullptr, 10)));
+    else
+      place.Values.emplace_back(std::move(text));
+  }
+  statement.CloseCursor();
+  return place;
+}
+
+}  // namespace
+
+DbResult<RowPlace> Recordset::Insert(Connection& connection, std::string_view table,
+                                     const std::vector<std::pair<std::string, DbValue>>& values) {
+  if (!connection.IsOpen()) return ConnectionIsClosed();
+  const std::shared_ptr<OdbcLink>& link = connection.link_;
+  const auto shape = ReadTableShape(link, table);
+  if (!shape) return tl::unexpected(shape.error());
+  std::string names, marks;
+  std::vector<Parameter> parameters;
+  RowPlace whole;  // of all values, for tables that name a new row in no other way
+  for (const auto& [name, value] : values) {
+    const auto position = shape->Find(name);
+    if (!position) return NoSuchField(name);
+    const TableColumn& column = shape->Columns[*position];
+    const std::string quoted = link->Quoted(column.Shown.Name);
+    names += (names.empty() ? "" : ", ") + quoted;
+    marks += marks.empty() ? "?" : ", ?";
+    parameters.emplace_back().Set(value, link->Maker(), column.SqlType);
+    if (std::holds_alternative<DbBinary>(value)) continue;
+    whole.Columns.push_back(quoted);
+    whole.Values.push_back(value);
+    whole.Types.push_back(column.SqlType);
+  }
+  if (values.empty()) return NoSuchField("to write to");
+  const bool tells = link->Maker() == DatabaseMaker::PostgreSQL && !shape->Identity.empty();
+  link->KeepResults();
+  auto insert = Statement::Prepared(link, "INSERT INTO " + shape->Name + " (" + names + ") VALUES (" + marks +
+                                              ")" + (tells ? " RETURNING ctid" : ""));
+  if (!insert) return tl::unexpected(insert.error());
+  if (auto bound = insert->Bind(parameters); !bound) return tl::unexpected(bound.error());
+  if (auto stored = insert->Execute(); !stored) return tl::unexpected(stored.error());
+  if (tells) return ReadPlace(*insert, *shape);
+  if (shape->Identity.empty()) return whole;
+  std::string sql = "SELECT last_insert_rowid()";
+  parameters.clear();
+  if (!shape->HasRowNumbers) {
+    std::string list;
+    for (const TableColumn& column : shape->Identity) list += (list.empty() ? "" : ", ") + column.Shown.Name;
+    sql = "SELECT " + list + " FROM " + shape->Name + " WHERE " +
+          RowsText({&whole, 1}, link->Maker(), parameters);
+  }
+  auto find = Statement::Prepared(link, sql);
+  if (!find) return tl::unexpected(find.error());
+  if (auto bound = find->Bind(parameters); !bound) return tl::unexpected(bound.error());
+  if (auto asked = find->Execute(); !asked) return tl::unexpected(asked.error());
+  return ReadPlace(*find, *shape);
 }
 
 DbResult<void> Recordset::DeleteRows(Connection& connection, std::string_view table,

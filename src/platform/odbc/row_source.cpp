@@ -56,15 +56,50 @@ DbValue TimeOfText(std::string text) {
   return DbDate{time};
 }
 
+std::vector<OrderColumn> OrderOf(const OdbcLink& link, const TableShape& shape,
+                                 const std::optional<Page>& page) {
+  std::vector<OrderColumn> order;
+  for (const std::string& name : page ? page->OrderBy : std::vector<std::string>())
+    if (const auto at = shape.Find(name))
+      order.push_back({link.Quoted(shape.Columns[*at].Shown.Name), shape.Columns[*at].SqlType});
+  for (const TableColumn& column : shape.Identity)
+    order.push_back({column.Shown.Name, column.SqlType, false});
+  return order;
+}
+
+std::string OrderText(const std::vector<OrderColumn>& order, bool backward) {
+  std::string text;
+  for (const OrderColumn& column : order)
+    text += (text.empty() ? " ORDER BY " : ", ") + column.Name + (backward ? " DESC" : "");
+  return text;
+}
+
 }  // namespace
 
+std::string PartText(const OdbcLink& link, const TableShape& shape, std::span<const RowPlace> rows,
+                     const std::optional<Page>& page, std::vector<Parameter>& parameters) {
+  std::string text;
+  const auto add = [&](const std::string& condition) {
+    text += (text.empty() ? "(" : " AND (") + condition + ")";
+  };
+  if (!rows.empty()) add(RowsText(rows, link.Maker(), parameters));
+  if (!page) return text;
+  const std::vector<OrderColumn> order = OrderOf(link, shape, page);
+  if (page->Behind) add(BeyondText(order, *page->Behind, true, link.Maker(), parameters));
+  if (page->Before) add(BeyondText(order, *page->Before, false, link.Maker(), parameters));
+  return text;
+}
+
 RowSource::RowSource(std::shared_ptr<OdbcLink> link, const TableShape& shape, std::vector<std::size_t> chosen,
-                     std::vector<Selection::Condition> conditions, bool longWithRow)
+                     Selection selection)
     : link_(std::move(link)),
       shape_(&shape),
       chosen_(std::move(chosen)),
-      conditions_(link_, shape, std::move(conditions)) {
-  longWithRow_ = shape.Identity.empty() || (longWithRow && !InChunks());
+      conditions_(link_, shape, std::move(selection.Where)),
+      rows_(std::move(selection.Rows)),
+      page_(std::move(selection.Page)),
+      forChange_(selection.ForChange && link_->Maker() == DatabaseMaker::PostgreSQL) {
+  longWithRow_ = shape.Identity.empty() || (selection.LongWithRow && !InChunks());
   for (const TableColumn& column : shape.Identity) AddColumn(column);
   for (const std::size_t position : chosen_) {
     const bool isLong = IsLong(shape.Columns[position]);
@@ -117,22 +152,37 @@ DbResult<std::string> RowSource::SelectText() {
   const auto conditions = conditions_.Text();
   if (!conditions) return tl::unexpected(conditions.error());
   if (!conditions->empty()) sql += " WHERE " + *conditions;
-  if (InChunks()) {
+  parameters_ = conditions_.Parameters();
+  if (IsPart()) {
+    const std::string part = PartText(*link_, *shape_, rows_, page_, parameters_);
+    if (!part.empty()) sql += (conditions->empty() ? " WHERE " : " AND ") + part;
+    sql += OrderText(OrderOf(*link_, *shape_, page_), page_ && page_->Backward);
+    if (page_ && page_->Most > 0 && link_->Maker() != DatabaseMaker::Other) {
+      sql += " LIMIT ?";
+      parameters_.emplace_back().Set(page_->Most, link_->Maker(), SQL_BIGINT);
+    }
+  } else if (InChunks()) {
     sql += (conditions->empty() ? " WHERE " : " AND ") + order + " > ? AND " + order + " <= ? ORDER BY " +
            order + " LIMIT ?";
   } else if (!conditions->empty() && !order.empty()) {
     // An index would give them in its own order, not in the table's.
     sql += " ORDER BY " + order;
   }
+  if (forChange_) sql += " FOR UPDATE NOWAIT";
   return sql;
 }
 
-bool RowSource::InChunks() const { return link_->Maker() == DatabaseMaker::SQLite && shape_->HasRowNumbers; }
+bool RowSource::InChunks() const {
+  return link_->Maker() == DatabaseMaker::SQLite && shape_->HasRowNumbers && !IsPart();
+}
 
 DbResult<void> RowSource::BindColumns() {
   const auto set = [&](SQLINTEGER attribute, SQLPOINTER value) {
     return select_.Check(SQLSetStmtAttr(select_.Handle(), attribute, value, 0));
   };
+  if (page_ && page_->Most > 0 && link_->Maker() == DatabaseMaker::Other)
+    if (const auto done = set(SQL_ATTR_MAX_ROWS, SqlNumber(static_cast<std::uintptr_t>(page_->Most))); !done)
+      return done;
   if (const auto done = set(SQL_ATTR_ROW_ARRAY_SIZE, SqlNumber(arraySize_)); !done) return done;
   if (const auto done = set(SQL_ATTR_ROWS_FETCHED_PTR, &fetched_); !done) return done;
   SQLUSMALLINT at = 0;
@@ -155,13 +205,13 @@ DbResult<void> RowSource::Prepare() {
   auto prepared = Statement::Prepared(link_, *sql);
   if (!prepared) return tl::unexpected(prepared.error());
   select_ = std::move(*prepared);
-  parameters_ = conditions_.Parameters();
   if (InChunks()) parameters_.resize(parameters_.size() + 3);
   return BindColumns();
 }
 
 DbResult<void> RowSource::Open() {
   rowsHere_ = row_ = 0;
+  hasAll_ = false;
   undone_.reset();
   if (select_)
     select_.CloseCursor();
@@ -212,6 +262,7 @@ DbResult<void> RowSource::FetchRows() {
   rowsHere_ = row_ = 0;
   newIdentity_.clear();
   for (auto& value : longValues_) value.reset();
+  if (hasAll_) return {};
   if (undone_ != nullptr && *undone_)
     return OdbcFailure(db_error::StatementFailed,
                        "The rows were opened in a transaction that was rolled back");
@@ -220,10 +271,10 @@ DbResult<void> RowSource::FetchRows() {
                        "The rows of " + shape_->Name + " have no numbers to go on by in another transaction");
   const auto fetched = select_.Fetch();
   if (!fetched) return tl::unexpected(fetched.error());
-  if (*fetched) {
-    rowsHere_ = fetched_;
-    return {};
-  }
+  if (*fetched) rowsHere_ = fetched_;
+  // Who looks at a few rows for a while should not keep locks meanwhile.
+  hasAll_ = *fetched && IsPart() && fetched_ < arraySize_;
+  if (*fetched && !hasAll_) return {};
   select_.CloseCursor();  // it keeps locks
   undone_.reset();
   return {};
@@ -352,6 +403,23 @@ DbResult<bool> RowSource::ReadLongValue(std::size_t position,
                   : statement.ReadLong(1, binary, take);
   statement.CloseCursor();
   return read;
+}
+
+DbResult<RowKey> RowSource::CurrentKey() {
+  RowKey key;
+  for (const std::string& name : page_ ? page_->OrderBy : std::vector<std::string>()) {
+    const auto column = shape_->Find(name);
+    const auto chosen = column ? std::ranges::find(chosen_, *column) : chosen_.end();
+    if (chosen == chosen_.end())
+      return OdbcFailure(db_error::MissingField, "The order's column " + name + " has not been asked for");
+    auto value = Value(static_cast<std::size_t>(chosen - chosen_.begin()));
+    if (!value) return tl::unexpected(value.error());
+    key.push_back(std::move(*value));
+  }
+  auto place = CurrentRow();
+  if (!place) return tl::unexpected(place.error());
+  key.insert(key.end(), place->Values.begin(), place->Values.end());
+  return key;
 }
 
 DbResult<RowPlace> RowSource::CurrentRow() {

@@ -14,11 +14,16 @@
 
 namespace hyetex {
 
+/// All that stands behind WHERE for a selection, but for the conditions themselves; adds what travels into
+/// it. Its columns are those of the catalog.
+std::string PartText(const OdbcLink& link, const TableShape& shape, std::span<const RowPlace> rows,
+                     const std::optional<Page>& page, std::vector<Parameter>& parameters);
+
 class RowSource {
  public:
   /// `shape` must outlive it; `chosen` are positions in its columns.
   RowSource(std::shared_ptr<OdbcLink> link, const TableShape& shape, std::vector<std::size_t> chosen,
-            std::vector<Selection::Condition> conditions, bool longWithRow);
+            Selection selection);
 
   /// Asks the database, anew if it was asked before, and goes to the first row.
   DbResult<void> Open();
@@ -29,6 +34,7 @@ class RowSource {
   DbResult<DbValue> Value(std::size_t position);
   DbResult<void> ReadPieces(std::size_t position, const std::function<bool(std::string_view)>& take);
   DbResult<RowPlace> CurrentRow();
+  DbResult<RowKey> CurrentKey();
   /// After a change gave the current row another identity; where it has none, all its chosen values.
   void SetIdentity(std::vector<DbValue> identity) { newIdentity_ = std::move(identity); }
 
@@ -42,6 +48,8 @@ class RowSource {
     std::vector<SQLLEN> Lengths = {};
   };
   DbResult<std::string> SelectText();
+  /// Whether some rows are asked for, which are few and read at once.
+  bool IsPart() const { return page_ || !rows_.empty(); }
   void AddColumn(const TableColumn& column);
   /// The position in columns_ of a column that conditions want to see.
   std::size_t AddChecked(std::size_t position);
@@ -65,7 +73,9 @@ class RowSource {
   const TableShape* shape_;
   std::vector<std::size_t> chosen_;
   Conditions conditions_;
-  bool longWithRow_;
+  std::vector<RowPlace> rows_;
+  std::optional<Page> page_;
+  bool longWithRow_, forChange_;
   std::vector<Column> columns_;  // the identity's, the chosen short ones, others that conditions want to see
   std::vector<std::size_t> checked_;  // those that they want to see, by their index in columns_
   std::vector<int> columnOfChosen_;   // index in columns_, or -1 for a long column
@@ -75,6 +85,7 @@ class RowSource {
   std::vector<Statement> longReads_;  // by chosen position
   std::size_t arraySize_ = 1, chunkSize_ = 1;
   SQLULEN fetched_ = 0;
+  bool hasAll_ = false;  ///< nothing stands behind the rows that are here
   std::size_t rowsHere_ = 0, row_ = 0;
   std::shared_ptr<const bool> undone_;  ///< of an open result
   std::uint64_t turns_ = 0;             ///< when it was opened

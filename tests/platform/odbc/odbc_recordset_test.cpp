@@ -192,6 +192,44 @@ TEST_P(OdbcTest, WalksOnThroughItsOwnChangesAndTransactions) {
 }
 
 // A result that broke off must never look like one that came to its end.
+TEST_P(OdbcTest, ReadsPagesInAnOrderBothWays) {
+  // Codes that stand several times, and rows without one.
+  for (int i = 0; i < 60; ++i)
+    Must(Recordset::Insert(Db, "rain",
+                           {{"code", i % 7 == 0 ? DbValue() : DbValue("RG_" + std::to_string(i % 5))},
+                            {"steps", std::int64_t{i}}}));
+  for (const std::vector<std::string>& order : {std::vector<std::string>(), {"code"}, {"code", "steps"}}) {
+    SCOPED_TRACE(order.size());
+    const auto read = [&](Page page) {
+      page.OrderBy = order;
+      return Must(Recordset::ReadPage(Db, "RAIN", {.Columns = {"code", "steps"}, .Page = std::move(page)}));
+    };
+    const std::vector<PagedRow> all = read({});
+    ASSERT_EQ(all.size(), 60U);
+    const auto steps = [](const PagedRow& row) { return NumberOf(row.Values[1]); };
+    for (std::size_t at = 0; at < all.size(); ++at) {
+      const std::vector<PagedRow> behind = read({.Behind = all[at].Key, .Most = 4}),
+                                  before = read({.Before = all[at].Key, .Backward = true, .Most = 4});
+      ASSERT_EQ(behind.size(), std::min<std::size_t>(4, all.size() - at - 1));
+      ASSERT_EQ(before.size(), std::min<std::size_t>(4, at));
+      for (std::size_t i = 0; i < behind.size(); ++i) ASSERT_EQ(steps(behind[i]), steps(all[at + i + 1]));
+      for (std::size_t i = 0; i < before.size(); ++i) ASSERT_EQ(steps(before[i]), steps(all[at - i - 1]));
+      const Page between{.OrderBy = order, .Behind = all[at / 2].Key, .Before = all[at].Key};
+      ASSERT_EQ(Must(Recordset::Count(Db, "rain", {.Page = between})),
+                std::max<std::int64_t>(static_cast<std::int64_t>(at - at / 2) - 1, 0));
+    }
+  }
+  const auto begins = [&](const char* text) {
+    return Must(Recordset::Count(
+        Db, "rain",
+        {.Where = {{.Column = "code", .How = Compare::BeginsWith, .Wanted = std::string(text)}}}));
+  };
+  EXPECT_EQ(begins("rg_"), 51);
+  EXPECT_EQ(begins("RG_1"), 10);
+  EXPECT_EQ(begins("R__") + begins("%") + begins("RG!"), 0) << "which stand for themselves";
+  EXPECT_FALSE(Recordset::Count(Db, "rain", {.Page = Page{.OrderBy = {"no_column"}}}));
+}
+
 TEST_P(OdbcTest, ReadsAndChangesSomeRowsAtOnce) {
   Fill(50);
   Recordset some =
