@@ -33,8 +33,9 @@ DbResult<Recordset> Recordset::Open(Connection& connection, std::string_view tab
   }
   for (const std::size_t position : state->Chosen)
     state->Fields.push_back(state->Shape.Columns[position].Shown);
-  state->Rows = std::make_unique<RowSource>(state->Link, state->Shape, state->Chosen,
-                                            std::move(selection.Where), selection.LongWithRow);
+  state->Rows =
+      std::make_unique<RowSource>(state->Link, state->Shape, state->Chosen, std::move(selection.Where),
+                                  selection.LongWithRow, selection.AsText);
   if (const auto opened = state->Rows->Open(); !opened) return tl::unexpected(opened.error());
   Recordset recordset;
   recordset.state_ = std::move(state);

@@ -18,7 +18,7 @@ class RowSource {
  public:
   /// `shape` must outlive it; `chosen` are positions in its columns.
   RowSource(std::shared_ptr<OdbcLink> link, const TableShape& shape, std::vector<std::size_t> chosen,
-            std::vector<Selection::Condition> conditions, bool longWithRow);
+            std::vector<Selection::Condition> conditions, bool longWithRow, bool asText);
 
   /// Asks the database, anew if it was asked before, and goes to the first row.
   DbResult<void> Open();
@@ -40,9 +40,11 @@ class RowSource {
     std::size_t Width;
     std::unique_ptr<char[]> Cells = nullptr;
     std::vector<SQLLEN> Lengths = {};
+    bool InAllDigits = false;  // SQLite's driver writes 15 of them
   };
   DbResult<std::string> SelectText();
-  void AddColumn(const TableColumn& column);
+  void AddColumn(const TableColumn& column, bool asText = false);
+  std::string ListedName(const Column& column) const;
   /// The position in columns_ of a column that conditions want to see.
   std::size_t AddChecked(std::size_t position);
   DbResult<void> Prepare();
