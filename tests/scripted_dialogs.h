@@ -50,6 +50,7 @@ class ScriptedDialogs : public Dialogs {
   std::vector<ShownInput> Inputs;
   std::deque<std::optional<std::string>> Folders;  ///< that are chosen
   std::deque<std::optional<std::string>> Files;    ///< to save in
+  std::deque<std::optional<std::string>> Opened;   ///< that are there, to open
 
   BoxAnswer MessageBox(const std::string& title, const std::string& text, BoxButtons buttons,
                        BoxIcon icon) override {
@@ -82,6 +83,13 @@ class ScriptedDialogs : public Dialogs {
     if (Files.empty()) return Unexpected(title);
     const auto chosen = Files.front();
     Files.pop_front();
+    return chosen;
+  }
+  std::optional<std::string> ChooseFile(const std::string& title, const std::string&,
+                                        const std::string&) override {
+    if (Opened.empty()) return Unexpected(title);
+    const auto chosen = Opened.front();
+    Opened.pop_front();
     return chosen;
   }
 

@@ -76,7 +76,10 @@ class AppDesk : public Desk {
   QWidget* MakeLoad();    // load_windows.cpp
   QWidget* MakePrePop();  // populate_windows.cpp
   QWidget* MakePopulate();
-  QWidget* MakeEditor();  // editor_windows.cpp
+  QWidget* MakeEditor();    // editor_windows.cpp
+  QWidget* MakeExchange();  // exchange_windows.cpp
+  QWidget* MakeTableExchange();
+  bool MayImport();
 
   // The menu entry that does without a window: synchronising.cpp.
   void AddSynchronising();

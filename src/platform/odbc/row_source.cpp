@@ -137,7 +137,7 @@ DbResult<std::string> RowSource::SelectText() {
 std::string RowSource::ListedName(const Column& column) const {
   const std::string name = link_->Quoted(column.Table->Shown.Name);
   if (!column.InAllDigits) return name;
-  return "CASE typeof(" + name + ") WHEN 'real' THEN printf('%!.17g', " + name + ") ELSE " + name + " END";
+  return "CASE typeof(" + name + ") WHEN 'real' THEN printf('%!.20g', " + name + ") ELSE " + name + " END";
 }
 
 bool RowSource::InChunks() const { return link_->Maker() == DatabaseMaker::SQLite && shape_->HasRowNumbers; }
