@@ -16,7 +16,7 @@ namespace hyetex {
 namespace {
 
 constexpr std::size_t WrittenAtOnce = 1U << 18;
-constexpr std::int64_t StepRows = 256;
+constexpr std::int64_t StepRows = 32;  // long values of each are asked for one by one
 
 tl::unexpected<DbError> Wrong(std::string why) {
   return tl::unexpected(DbError{db_error::StatementFailed, std::move(why), {}});
@@ -24,7 +24,8 @@ tl::unexpected<DbError> Wrong(std::string why) {
 
 class TableWriter {
  public:
-  TableWriter(WrittenTable& written, Markup markup) : written_(written), markup_(markup) {}
+  TableWriter(WrittenTable& written, Markup markup, bool roundsNumbers)
+      : written_(written), markup_(markup), roundsNumbers_(roundsNumbers) {}
 
   DbResult<void> Write(Recordset& rows, Progress& progress) {
     const std::string& table = written_.Found.Table;
@@ -93,9 +94,8 @@ class TableWriter {
     } else if (auto* binary = std::get_if<DbBinary>(&value)) {
       AddText(field, binary->Bytes);
     } else if (auto* text = std::get_if<std::string>(&value)) {
-      AddText(field, field.Kind == ColumnKind::Number || field.Kind == ColumnKind::Time
-                         ? ExchangeText(std::move(*text), field.Kind)
-                         : *text);
+      const bool asItIs = field.Kind == ColumnKind::Number && !roundsNumbers_;
+      AddText(field, asItIs ? *text : ExchangeText(std::move(*text), field.Kind));
     } else {
       AddText(field, TextOf(value));
     }
@@ -136,6 +136,7 @@ class TableWriter {
 
   WrittenTable& written_;
   const Markup markup_;
+  const bool roundsNumbers_;  // SQLite writes more digits than a number has
   std::vector<Field> fields_;
   std::string rowBegin_, rowEnd_, text_;
 };
@@ -228,7 +229,7 @@ void AddNote(std::vector<std::string>& notes, const ValueCount& count, const std
 }  // namespace
 
 Result<void> WrittenTable::Place() {
-  if (const auto placed = File.Replace(Found.Path, ModeOf(Found.Path).value_or(NewFileMode())); !placed)
+  if (const auto placed = File.Replace(Target, ModeOf(Target).value_or(NewFileMode())); !placed)
     return Failure("Cannot write " + Found.Path + ": " + placed.error());
   return {};
 }
@@ -238,10 +239,16 @@ DbResult<WrittenTable> WriteTable(HyetexPlotDB& database, const std::string& tab
   const std::string path = JoinPath(folder, XmlFileName(table));
   if (auto opened = database.OpenAnyTable(table, {.AsText = true}); !opened)
     return tl::unexpected(opened.error());
-  auto file = TemporaryFile::In(folder);
+  // A link keeps pointing where it points: the file behind it is the one that is replaced.
+  std::error_code noTarget;
+  std::string target = std::filesystem::weakly_canonical(path, noTarget).string();
+  if (noTarget || target.empty()) target = path;
+  auto file = TemporaryFile::In(std::filesystem::path(target).parent_path().string());
   if (!file) return Wrong("Cannot write " + path + ": " + file.error());
-  WrittenTable written{.Found = {.Table = table, .Path = path}, .File = *std::move(file)};
-  const auto done = TableWriter(written, markup).Write(database.AnyTable, progress);
+  WrittenTable written{
+      .Found = {.Table = table, .Path = path}, .Target = std::move(target), .File = *std::move(file)};
+  const auto done = TableWriter(written, markup, database.DatabaseConnection.Maker() == "SQLite")
+                        .Write(database.AnyTable, progress);
   database.AnyTable.Close();
   if (!done) return tl::unexpected(done.error());
   return written;

@@ -45,6 +45,7 @@ struct ExportedTable {
 /// A table that is written to a file, which has not yet taken its place; that goes when this does.
 struct WrittenTable {
   ExportedTable Found;
+  std::string Target;  ///< of the file, behind a link
   TemporaryFile File;
 
   /// Puts the file in its place. Fails with a line that names it; then the one before it stays.

@@ -153,9 +153,17 @@ class Importer {
     std::vector<DbValue> values(columns_.size());
     auto made = row.IsTooLong ? Failure("its values are longer than 256 MB") : MakeValues(row, values);
     if (missing_) return Wrong(*missing_);
+    if (made && !HasValue(values)) made = Failure("it has no value");
     if (made) return rows_->Add(number_, std::move(values));
     rows_->Refuse(number_, made.error());
     return {};
+  }
+
+  // Or a column that is NULL without one: an INSERT names at least one.
+  bool HasValue(const std::vector<DbValue>& values) const {
+    for (std::size_t i = 0; i < columns_.size(); ++i)
+      if (!IsNull(values[i]) || !columns_[i].FillsItself) return true;
+    return false;
   }
 
   Result<void> MakeValues(const XmlRow& row, std::vector<DbValue>& values) {

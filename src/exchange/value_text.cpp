@@ -107,6 +107,15 @@ std::string TimeText(const TimeParts& parts, char between) {
   return text;
 }
 
+// A day's column has no time of day, unless it holds one all the same.
+std::string TimeText(const TimeParts& parts, char between, ColumnKind kind) {
+  constexpr std::size_t dayOnly = 10;
+  const bool isMidnight = parts.Hour + parts.Minute + parts.Second == 0 && parts.Fraction.empty();
+  std::string text = TimeText(parts, between);
+  if (kind == ColumnKind::Day && isMidnight) text.resize(dayOnly);
+  return text;
+}
+
 std::optional<std::int64_t> WholeOf(std::string_view text) {
   if (text.starts_with('+')) text.remove_prefix(1);
   std::int64_t number = 0;
@@ -115,7 +124,12 @@ std::optional<std::int64_t> WholeOf(std::string_view text) {
   return number;
 }
 
-std::optional<double> NumberIn(std::string_view text) {
+struct ReadNumber {
+  double Value = 0;
+  std::string Text;  // with a point
+};
+
+std::optional<ReadNumber> NumberIn(std::string_view text) {
   std::string point(text);
   if (const std::size_t comma = point.find(',');
       comma != std::string::npos && point.find('.') == std::string::npos)
@@ -125,7 +139,14 @@ std::optional<double> NumberIn(std::string_view text) {
   const auto [end, error] = std::from_chars(begin, point.data() + point.size(), number);
   if (error != std::errc{} || end != point.data() + point.size() || !std::isfinite(number))
     return std::nullopt;
-  return number;
+  return ReadNumber{number, std::move(point)};
+}
+
+// More than a 64-bit float holds: a number of another kind.
+bool HasManyDigits(std::string_view number) {
+  constexpr int ofFloat = 17;
+  const std::string_view digits = number.substr(0, number.find_first_of("eE"));
+  return std::ranges::count_if(digits, [](char c) { return c >= '0' && c <= '9'; }) > ofFloat;
 }
 
 std::string Shown(std::string_view text) {
@@ -144,18 +165,18 @@ bool HasNoWidth(const CatalogColumn& column) {
 ColumnKind KindOf(const CatalogColumn& column) {
   if (column.IsBinary) return ColumnKind::Binary;
   if (column.IsText) return ColumnKind::Text;
-  if (column.IsTime) return ColumnKind::Time;
+  if (column.IsTime) return EqualIgnoringCase(column.TypeName, "date") ? ColumnKind::Day : ColumnKind::Time;
   return column.IsWhole ? ColumnKind::Whole : ColumnKind::Number;
 }
 
 std::string ExchangeText(std::string text, ColumnKind kind) {
-  if (kind == ColumnKind::Number) {
+  if (kind == ColumnKind::Number && text.find('.') != std::string::npos) {
     const auto number = NumberIn(text);
-    return number ? ExactText(*number) : text;
+    return number ? ExactText(number->Value) : text;
   }
-  if (kind != ColumnKind::Time) return text;
+  if (kind != ColumnKind::Time && kind != ColumnKind::Day) return text;
   const auto time = TimeOf(text);
-  return time ? TimeText(*time, 'T') : text;
+  return time ? TimeText(*time, 'T', kind) : text;
 }
 
 Result<DbValue> ValueOf(std::string text, const CatalogColumn& column, ColumnKind kind) {
@@ -167,11 +188,13 @@ Result<DbValue> ValueOf(std::string text, const CatalogColumn& column, ColumnKin
       if (const auto number = WholeOf(trimmed)) return *number;
       return Failure(Shown(text) + " is no whole number");
     case ColumnKind::Number:
-      if (const auto number = NumberIn(trimmed)) return *number;
+      if (const auto number = NumberIn(trimmed))
+        return HasManyDigits(number->Text) ? DbValue(number->Text) : DbValue(number->Value);
       return Failure(Shown(text) + " is no number");
     case ColumnKind::Time:
+    case ColumnKind::Day:
       // As text, since that keeps a fraction of a second.
-      if (const auto time = TimeOf(trimmed)) return TimeText(*time, ' ');
+      if (const auto time = TimeOf(trimmed)) return TimeText(*time, ' ', kind);
       return Failure(Shown(text) + " is no date and time, as in 1998-03-05T10:30:00");
     case ColumnKind::Text:
       break;

@@ -167,20 +167,24 @@ TEST_P(ExchangeTest, WritesAnEmptyTableAndNamesATableThatIsNotThere) {
 // What a database of others holds beyond our own precision.
 TEST_P(ExchangeTest, KeepsFractionsOfSecondsAndEveryDigit) {
   const bool sqlite = GetParam() == Engine::SQLite;
-  here_->Run("CREATE TABLE fine (t timestamp, d double precision, b bigint)");
-  here_->Run("INSERT INTO fine VALUES ('1998-03-05 10:00:00.125', 0.1234567890123456, 9007199254740993)");
-  here_->Run("INSERT INTO fine VALUES ('0033-12-31 00:00:00', 1e-300, -9223372036854775807)");
+  here_->Run("CREATE TABLE fine (t timestamp, d double precision, b bigint, n numeric(40, 10), a date)");
+  here_->Run(
+      "INSERT INTO fine VALUES ('1998-03-05 10:00:00.125', 0.1234567890123456, 9007199254740993, "
+      "1234567890123456789, "
+      "'1998-03-05')");
+  here_->Run("INSERT INTO fine VALUES ('0033-12-31 00:00:00', 1e-300, -9223372036854775807, NULL, NULL)");
   ASSERT_EQ(Export("fine").Tables.size(), 1U);
-  EXPECT_THAT(File("fine"), AllOf(HasSubstr("<t>1998-03-05T10:00:00.125</t>\n<d>0.1234567890123456</d>\n"
-                                            "<b>9007199254740993</b>"),
-                                  HasSubstr("<t>0033-12-31T00:00:00</t>\n<d>1e-300</d>")));
+  EXPECT_THAT(File("fine"),
+              AllOf(HasSubstr("<t>1998-03-05T10:00:00.125</t>\n<d>0.1234567890123456</d>\n"
+                              "<b>9007199254740993</b>\n<n>1234567890123456789"),
+                    HasSubstr("<a>1998-03-05</a>"), HasSubstr("<t>0033-12-31T00:00:00</t>\n<d>1e-300</d>")));
   const auto rows = here_->Rows("fine");
   here_->Run("DELETE FROM fine");
   EXPECT_EQ(Import(File("fine")).Added, 2);
   EXPECT_EQ(here_->Rows("fine"), rows);
   if (!sqlite) return;
   // SQLite keeps in a column what it is given: it goes out as it is, and comes in only as what it should be.
-  here_->Run("INSERT INTO fine VALUES ('some day', 'much', 'three')");
+  here_->Run("INSERT INTO fine VALUES ('some day', 'much', 'three', 1, 2)");
   ASSERT_EQ(Export("fine").Tables.size(), 1U);
   EXPECT_THAT(File("fine"), HasSubstr("<t>some day</t>\n<d>much</d>\n<b>three</b>"));
   EXPECT_EQ(Import(File("fine")).FirstRefused,

@@ -114,6 +114,8 @@ TEST_P(ImportTest, LeavesToTheDatabaseWhatTheFileDoesNotSay) {
       "<own><b encoding=\"base64\"></b><c>last</c></own></owns>");
   EXPECT_EQ(result.Failed + RefusedText(result), "");
   EXPECT_THAT(here_->Rows("own"), ElementsAre("1|1|y|z", "2|7|x|NULL", "3|7||last"));
+  here_->Run("CREATE TABLE full_row (a integer DEFAULT 7)");
+  EXPECT_EQ(Import("<full_rows><full_row/></full_rows>").FirstRefused, "row 1: it has no value");
 }
 
 TEST_P(ImportTest, TellsOfFieldsBeyondThoseThatItTakes) {

@@ -54,7 +54,10 @@ void ExchangeForm::SetFolder(const std::string& folder) {
 
 std::optional<std::string> ExchangeForm::ChooseXml(const std::string& title) {
   const auto file = dialogs_.ChooseFile(title, Folder(), "xML files (*.xml)");
-  if (file) SetFolder(file->substr(0, file->size() - BaseName(*file).size()));
+  if (!file) return file;
+  std::string folder = file->substr(0, file->size() - BaseName(*file).size());
+  if (folder.size() > 1) folder.pop_back();
+  SetFolder(folder);
   return file;
 }
 

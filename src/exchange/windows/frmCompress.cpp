@@ -59,6 +59,7 @@ void frmCompress::MakeLayout() {
   fgdResult->verticalHeader()->hide();
   const int rowHeight = fontMetrics().height() + 6;
   fgdResult->verticalHeader()->setDefaultSectionSize(rowHeight);
+  fgdResult->setWordWrap(false);
   fgdResult->setTextElideMode(Qt::ElideMiddle);  // a path's end tells more
   const int letter = fontMetrics().averageCharWidth();
   for (const auto& [column, letters] :
