@@ -1,4 +1,5 @@
 // export and import: tables as XML files.
+#include <algorithm>
 #include <filesystem>
 
 #include "cli/database.h"

@@ -1,5 +1,7 @@
 #include "exchange/export_table.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -16,6 +18,8 @@ namespace hyetex {
 namespace {
 
 constexpr std::size_t WrittenAtOnce = 1U << 18;
+// The disk gets a large file in parts, so that windows do not wait for it at the end.
+constexpr std::size_t FlushedAtOnce = 8U << 20;
 constexpr std::int64_t StepRows = 32;  // long values of each are asked for one by one
 
 tl::unexpected<DbError> Wrong(std::string why) {
@@ -128,8 +132,13 @@ class TableWriter {
   }
 
   DbResult<void> Flush() {
-    if (!WriteAll(written_.File.Get(), text_))
-      return Wrong("Cannot write " + written_.Found.Path + ": " + std::strerror(errno));
+    unflushed_ += text_.size();
+    bool done = WriteAll(written_.File.Get(), text_);
+    if (done && unflushed_ >= FlushedAtOnce) {
+      done = ::fdatasync(written_.File.Get()) == 0;
+      unflushed_ = 0;
+    }
+    if (!done) return Wrong("Cannot write " + written_.Found.Path + ": " + std::strerror(errno));
     text_.clear();
     return {};
   }
@@ -139,6 +148,7 @@ class TableWriter {
   const bool roundsNumbers_;  // SQLite writes more digits than a number has
   std::vector<Field> fields_;
   std::string rowBegin_, rowEnd_, text_;
+  std::size_t unflushed_ = 0;  // bytes of the file
 };
 
 // Several tables on their way out.
