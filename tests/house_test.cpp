@@ -53,7 +53,7 @@ const std::vector<Room> Rooms = {
      "database/conversion database/stations database/tables"},
     {"editor/windows", "core platform graph chartfiles editor"},
     {"alpha/windows", "core platform graph staging/lists alpha"},
-    {"exchange/windows", "core platform exchange"},
+    {"exchange/windows", "core platform database/access exchange"},
     {"cli",
      "core commandline platform graph platform/cairo platform/odbc digitizing staging/lists staging/tasks "
      "chartfiles "
@@ -64,7 +64,7 @@ const std::vector<Room> Rooms = {
     {"tools/pictures", "*"},
     {"tools", "*"},
     {"bench", "*"},
-    {"fuzz", "core digitizing chartfiles"},
+    {"fuzz", "core digitizing chartfiles exchange"},
 };
 
 // Windows of their own file that are a part of another window: the board floats over the chart view.

@@ -88,7 +88,8 @@ class ScriptedDialogs : public Dialogs {
     Files.pop_front();
     return chosen;
   }
-  std::optional<std::string> ChooseFileToOpen(const std::string& title, const std::string&) override {
+  std::optional<std::string> ChooseFile(const std::string& title, const std::string&,
+                                        const std::string&) override {
     if (Opened.empty()) return Unexpected(title);
     const auto chosen = Opened.front();
     Opened.pop_front();

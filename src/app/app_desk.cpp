@@ -51,6 +51,8 @@ const AppDesk::WindowKind AppDesk::Windows[] = {
     {WindowId::MainMenu, false, false, &AppDesk::MakeMainMenu},
     {WindowId::LargeView, false, false, &AppDesk::MakeLargeView},
     {WindowId::CreateTable, false, false, &AppDesk::MakeCreateTable},
+    {WindowId::Exchange, false, false, &AppDesk::MakeExchange},
+    {WindowId::TableExchange, false, false, &AppDesk::MakeTableExchange},
 };
 
 const AppDesk::WindowKind* AppDesk::Find(WindowId id) {

@@ -81,6 +81,9 @@ class AppDesk : public Desk {
   QWidget* MakeSelectTable();  // table_windows.cpp
   QWidget* MakeTableEditor();
   bool EditTable(std::size_t entry);
+  QWidget* MakeExchange();  // exchange_windows.cpp
+  QWidget* MakeTableExchange();
+  bool MayImport();
 
   // The menu entry that does without a window: synchronising.cpp.
   void AddSynchronising();

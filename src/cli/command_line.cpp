@@ -32,6 +32,7 @@ class CommandLine : public Description {
     AddFolderCommands();
     AddDatabaseCommands();
     AddConversionCommands();
+    AddExchangeCommands();
   }
 
   std::function<Exit()> Chosen;  ///< what the words ask for, after they are read
@@ -78,6 +79,7 @@ class CommandLine : public Description {
   void AddFolderCommands();
   void AddDatabaseCommands();
   void AddConversionCommands();
+  void AddExchangeCommands();
 };
 
 void AddFolder(CLI::App& line, FolderWords& words) {
@@ -322,6 +324,27 @@ void CommandLine::AddConversionCommands() {
                    ? std::string()
                    : "a number or None is wanted, not \"" + typed + "\"";
       });
+}
+
+void CommandLine::AddExchangeCommands() {
+  auto out =
+      Add("export", "Writes tables as XML files, TABLE.xml, which import reads into any database.", RunExport,
+          "Files of their names are replaced. A value that XML cannot hold, or a text without a "
+          "character, is\nwritten as base64, and its element says so.");
+  AddDatabase(out.Line, out.Given);
+  out.Name("--to", &ExportWords::To, "DIR", "the folder to write to; made when it is missing")->required();
+  out.Flag("--unchanged", &ExportWords::Unchanged,
+           "write \"<\", \"&\" and carriage returns as they are, even where no XML program reads the file");
+  out.Line
+      .add_option("TABLE", out.Given.Tables, "such as chart (default: all tables of ours that are there)")
+      ->type_name("");
+
+  const auto in =
+      Add("import", "Reads the rows of XML files into the tables that their root elements name.", RunImport,
+          "Each file is one transaction. Rows whose unique key is there, and rows that do not fit "
+          "their table,\nare refused, and the status is 1; the others are added all the same.");
+  AddDatabase(in.Line, in.Given);
+  in.Line.add_option("FILE", in.Given.Files, "files that export has written")->type_name("")->required();
 }
 
 }  // namespace

@@ -120,6 +120,17 @@ struct RowsWords : DatabaseWords {
 };
 Exit RunRows(const RowsWords& words);  // rows_command.cpp
 
+struct ExportWords : DatabaseWords {
+  std::string To;
+  bool Unchanged = false;
+  std::vector<std::string> Tables;  ///< empty for all of ours
+};
+struct ImportWords : DatabaseWords {
+  std::vector<std::string> Files;
+};
+Exit RunExport(const ExportWords& words);  // exchange_commands.cpp
+Exit RunImport(const ImportWords& words);
+
 struct SynchroniseWords : DatabaseWords {
   std::optional<std::string> Start;
 };

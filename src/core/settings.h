@@ -86,12 +86,15 @@ inline constexpr FlagKey LoadMoves{"frmLoad-chkTarget"};
 inline constexpr TextKey GmtHours{"frmPrePop-GMT", "2"};  ///< as typed
 inline constexpr FlagKey UseAlpha{"frmPrePop-Alpha"};
 
+// exchange
+inline constexpr TextKey ExchangeFolder{"Exchange-Folder"};  ///< without it the program folder's "Data"
+
 /// The whole table.
 inline constexpr std::array All = std::to_array<SettingKey>(
     {PlaceTop,   PlaceLeft,   SerialPort,   ViewHeight,    BoardPlace,      CommentCode,  EditorChart,
      UserName,   HelpSite,    TargetFolder, DigitizerType, ComPort,         CurrentChart, DefaultsChart,
      TaskRow,    TaskStation, TaskBegin,    TaskEnd,       TaskReliability, DatabaseName, LoadSource,
-     LoadTarget, LoadMoves,   GmtHours,     UseAlpha});
+     LoadTarget, LoadMoves,   GmtHours,     UseAlpha,      ExchangeFolder});
 
 }  // namespace setting
 

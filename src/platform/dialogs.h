@@ -30,10 +30,9 @@ class Dialogs {
   }
   virtual std::optional<std::string> ChooseFolder(const std::string& title, const std::string& start) = 0;
   virtual std::optional<std::string> ChooseFileToSave(const std::string& title, const std::string& start) = 0;
-  virtual std::optional<std::string> ChooseFileToOpen(const std::string& /*title*/,
-                                                      const std::string& /*start*/) {
-    return std::nullopt;
-  }
+  /// A file that is there. `filter` is as in "xML files (*.xml)", or empty for all files.
+  virtual std::optional<std::string> ChooseFile(const std::string& title, const std::string& start,
+                                                const std::string& filter) = 0;
 };
 
 /// Asks, before a window closes, about what was entered in it and not taken. `take` takes it, and tells the
@@ -72,6 +71,9 @@ class UnattendedDialogs : public Dialogs {
     return std::nullopt;
   }
   std::optional<std::string> ChooseFileToSave(const std::string&, const std::string&) override {
+    return std::nullopt;
+  }
+  std::optional<std::string> ChooseFile(const std::string&, const std::string&, const std::string&) override {
     return std::nullopt;
   }
 };

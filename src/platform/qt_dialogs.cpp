@@ -153,8 +153,10 @@ std::optional<std::string> QtDialogs::ChooseFileToSave(const std::string& title,
   return Chosen(QFileDialog::getSaveFileName(QApplication::activeWindow(), ToQt(title), ToQt(start)));
 }
 
-std::optional<std::string> QtDialogs::ChooseFileToOpen(const std::string& title, const std::string& start) {
-  return Chosen(QFileDialog::getOpenFileName(QApplication::activeWindow(), ToQt(title), ToQt(start)));
+std::optional<std::string> QtDialogs::ChooseFile(const std::string& title, const std::string& start,
+                                                 const std::string& filter) {
+  return Chosen(
+      QFileDialog::getOpenFileName(QApplication::activeWindow(), ToQt(title), ToQt(start), ToQt(filter)));
 }
 
 }  // namespace hyetex

@@ -17,7 +17,8 @@ class QtDialogs : public Dialogs {
                                          const std::string& initial) override;
   std::optional<std::string> ChooseFolder(const std::string& title, const std::string& start) override;
   std::optional<std::string> ChooseFileToSave(const std::string& title, const std::string& start) override;
-  std::optional<std::string> ChooseFileToOpen(const std::string& title, const std::string& start) override;
+  std::optional<std::string> ChooseFile(const std::string& title, const std::string& start,
+                                        const std::string& filter) override;
 };
 
 }  // namespace hyetex

@@ -42,6 +42,8 @@ Result<void> OpenFile(const std::string& path, const QString& mimeType) {
 
 Result<void> OpenTextFile(const std::string& path) { return OpenFile(path, "text/plain"); }
 
+Result<void> OpenXmlFile(const std::string& path) { return OpenFile(path, "application/xml"); }
+
 Result<void> OpenLocalPage(const std::string& path) { return OpenFile(path, "text/html"); }
 
 Result<void> OpenPage(const std::string& address) {

@@ -12,6 +12,9 @@ Result<void> OpenTextFile(const std::string& path);
 /// Opens a page in the default browser. Only http and https addresses are taken.
 Result<void> OpenPage(const std::string& address);
 
+/// Opens a file of XML in the application that the system has for it. Fails where it has none.
+Result<void> OpenXmlFile(const std::string& path);
+
 /// Opens a page of this machine in the default browser. Fails where the system has none.
 Result<void> OpenLocalPage(const std::string& path);
 

@@ -92,6 +92,14 @@ void Converted(const std::string& folder) {
   if (std::system(command.c_str()) != 0) Stop(command);
 }
 
+// Files of the exchange, of a whole database with charts.
+void Exported(const std::string& folder) {
+  Converted(folder);
+  const std::string command =
+      CommandLineProgram() + " export --db '" + Db(folder) + "' --to '" + folder + "/xml' >/dev/null";
+  if (std::system(command.c_str()) != 0) Stop(command);
+}
+
 Lines With(Lines words, const Lines& more) {
   words.insert(words.end(), more.begin(), more.end());
   return words;
@@ -121,6 +129,15 @@ auto Task(const std::string& name) {
   return [=](const std::string& folder) {
     return Lines{fs::read_symlink("/proc/self/exe").string(), "--task", name, folder};
   };
+}
+
+void ToImport(const std::string& folder) {
+  Exported(folder);
+  auto connection = Connection::Open(Db(folder));
+  Need(connection);
+  for (const char* sql :
+       {"DELETE FROM CHART", "CREATE UNIQUE INDEX one_row ON CHART (instrument_code_id, start_time)"})
+    Need(connection->Execute(sql));
 }
 
 void WithOldChart(const std::string& folder) {
@@ -230,6 +247,24 @@ std::vector<Scenario> AllScenarios() {
       {"populate again", Converted,
        OnDatabase(With(populate, {"--log", "--all", "--overwrite", "--lapse", "45"}))},
       {"alpha", Converted, OnDatabase({"alpha", "--instrument", Hill, "--write", "0.0043"})},
+      {"export", Converted,
+       [](const std::string& folder) {
+         return With(OnDatabase({"export"})(folder), {"--to", folder + "/xml"});
+       }},
+      {"export again",
+       [](const std::string& folder) {
+         Exported(folder);
+         WriteFile(folder + "/xml/chart.xml", "<charts>\n</charts>\n");
+       },
+       [](const std::string& folder) {
+         return With(OnDatabase({"export"})(folder), {"--to", folder + "/xml", "chart", "chart_ascii"});
+       }},
+      // With a unique key a second run refuses what is there.
+      {"import", ToImport,
+       [](const std::string& folder) {
+         return With(OnDatabase({"import"})(folder), {folder + "/xml/chart.xml"});
+       },
+       true},
       {"synchronise", WithNewStations, OnDatabase({"synchronise", "--start", "01/02/1990"})},
       {"tasks", Program, Task("tasks")},
       {"lists", Program, Task("lists")},

@@ -44,6 +44,14 @@ QPalette DarkPalette() {
   return dark;
 }
 
+class PictureDialogs : public UnattendedDialogs {
+ public:
+  std::optional<std::string> Chosen;  ///< the file that is opened
+  std::optional<std::string> ChooseFile(const std::string&, const std::string&, const std::string&) override {
+    return Chosen;
+  }
+};
+
 class Camera {
  public:
   explicit Camera(std::string folder) : folder_(std::move(folder)), light_(QApplication::palette()) {}
@@ -195,6 +203,21 @@ void TakeAlpha(AppDesk& desk, Camera& camera) {
   if (alpha) alpha->close();
 }
 
+// The boxes agree to the export; the grid shows a table's file that it has written.
+void TakeExchange(AppDesk& desk, Camera& camera) {
+  desk.Open(WindowId::Exchange);
+  QWidget* whole = desk.Window(WindowId::Exchange);
+  if (auto* all = camera.Find<QPushButton>(whole, "cmdCompress")) all->click();
+  camera.Take(whole, "frmCompress");
+  if (whole) whole->close();
+  desk.Open(WindowId::TableExchange);
+  QWidget* single = desk.Window(WindowId::TableExchange);
+  if (auto* tables = camera.Find<QComboBox>(single, "cboTableName")) tables->setCurrentIndex(0);
+  if (auto* view = camera.Find<QPushButton>(single, "cmdViewXML")) view->click();
+  camera.Take(single, "frmXMLExport");
+  if (single) single->close();
+}
+
 // On the charts of the demonstration, where they stand in "charts" of the program folder.
 void TakeEditor(AppDesk& desk, Camera& camera) {
   desk.Open(WindowId::Editor);
@@ -267,7 +290,7 @@ Result<void> TakePictures(const std::string& programFolder, const std::string& p
 
   QApplication::setStyle(QStyleFactory::create("Fusion"));
   QApplication::setFont(QFont("DejaVu Sans", 10));
-  UnattendedDialogs dialogs;
+  PictureDialogs dialogs;
   dialogs.Agrees = true;  // an unfinished chart is resumed
   Settings settings(copy);
   if (auto made = MakePictureDatabase(settings, dialogs); !made) return made;
@@ -299,6 +322,8 @@ Result<void> TakePictures(const std::string& programFolder, const std::string& p
     TakeAlpha(desk, camera);
     TakeEditor(desk, camera);
     TakeTables(desk, camera);
+    dialogs.Chosen = JoinPath(JoinPath(copy, "Data"), "instrument.xml");
+    TakeExchange(desk, camera);
   }
   words.Task = 0;
   AppDesk desk(words, dialogs);

@@ -95,7 +95,7 @@ void PictureBox::Draw() {
 }
 
 void PictureBox::Load() {
-  const auto path = dialogs_.ChooseFileToOpen(FromQt(tr("Load Picture")), "");
+  const auto path = dialogs_.ChooseFile(FromQt(tr("Load Picture")), "", "");
   if (!path) return;
   auto bytes = ReadWholeFile(*path, LargestPicture);
   if (bytes && bytes->empty()) bytes = Failure("The file " + *path + " is empty.");

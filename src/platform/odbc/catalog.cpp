@@ -135,7 +135,8 @@ DbResult<std::vector<TableColumn>> ReadColumns(const std::shared_ptr<OdbcLink>& 
   const std::string catalog =
       link->Maker() == DatabaseMaker::Other ? link->Info(SQL_DATABASE_NAME) : std::string();
   const std::string name = AsPattern(*link, table.Name), schema = AsPattern(*link, table.Schema);
-  const auto rows = ReadAnswer(link, 7, [&](SQLHSTMT handle) {
+  constexpr std::size_t nullableColumn = 11, defaultColumn = 13;
+  const auto rows = ReadAnswer(link, defaultColumn, [&](SQLHSTMT handle) {
     return SQLColumns(handle, PatternOrNull(catalog), SQL_NTS, PatternOrNull(schema), SQL_NTS, SqlText(name),
                       SQL_NTS, nullptr, 0);
   });
@@ -151,8 +152,15 @@ DbResult<std::vector<TableColumn>> ReadColumns(const std::shared_ptr<OdbcLink>& 
     column.Shown.Type = TypeOf(column.SqlType);
     column.Shown.TypeName = row[6];
     column.Shown.Size = std::max<std::int64_t>(NumberIn(row, 7), 0);
-    column.Shown.IsText = KindOfType(column.SqlType) == ValueKind::Text;
-    column.Shown.IsBinary = KindOfType(column.SqlType) == ValueKind::Binary;
+    const ValueKind kind = KindOfType(column.SqlType);
+    column.Shown.IsText = kind == ValueKind::Text;
+    column.Shown.IsBinary = kind == ValueKind::Binary;
+    column.Shown.IsTime = kind == ValueKind::Time;
+    column.Shown.IsWhole = kind == ValueKind::Integer;
+    const std::string& standard = row[defaultColumn];
+    column.Shown.FillsItself =
+        (!standard.empty() && !EqualIgnoringCase(standard, "NULL")) ||
+        (!row[nullableColumn].empty() && NumberIn(row, nullableColumn) == SQL_NO_NULLS);
   }
   return columns;
 }

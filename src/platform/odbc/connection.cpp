@@ -197,6 +197,23 @@ DbResult<Transaction> Transaction::BeginWriting(Connection& connection, std::str
   }
 }
 
+Savepoint::Savepoint(std::shared_ptr<OdbcLink> link) : link_(std::move(link)) {}
+Savepoint::Savepoint(Savepoint&&) noexcept = default;
+Savepoint::~Savepoint() {
+  if (link_ != nullptr) (void)link_->EndPart(false);
+}
+
+DbResult<Savepoint> Savepoint::Begin(Connection& connection) {
+  if (!connection.IsOpen()) return ConnectionIsClosed();
+  if (const auto begun = connection.link_->BeginPart(); !begun) return tl::unexpected(begun.error());
+  return Savepoint(connection.link_);
+}
+
+DbResult<void> Savepoint::Keep() {
+  if (link_ == nullptr) return OdbcFailure(db_error::NotNow, "The part of the transaction has ended");
+  return std::exchange(link_, nullptr)->EndPart(true);
+}
+
 DbResult<void> Transaction::Commit() {
   if (link_ == nullptr) return OdbcFailure(db_error::NotNow, "The transaction has ended");
   const auto link = std::exchange(link_, nullptr);

@@ -38,7 +38,10 @@ struct CatalogColumn {
   std::string Name;
   ColumnType Type = ColumnType::Other;
   std::int64_t Size = 0;  ///< defined size, in characters for text; 0 where the driver names none
-  bool IsText = false, IsBinary = false;
+  bool IsText = false, IsBinary = false, IsTime = false, IsWhole = false;  ///< none: a number
+  /// What an INSERT does not name it fills by itself, or it takes no NULL: naming it with a NULL is not the
+  /// same as leaving it out.
+  bool FillsItself = false;
   std::string TypeName;  ///< the database's own word
 };
 
@@ -97,6 +100,7 @@ class Connection {
   friend class Recordset;
   friend class RowWriter;
   friend class Transaction;
+  friend class Savepoint;
   std::shared_ptr<OdbcLink> link_;
 };
 
@@ -123,6 +127,24 @@ class Transaction {
   explicit Transaction(std::shared_ptr<OdbcLink> link, Progress* progress = nullptr);
   std::shared_ptr<OdbcLink> link_;
   Progress* progress_;  // that hears of waits
+};
+
+/// A part of a transaction: all that happens between its making and Keep(), or nothing of it. An error in it
+/// takes back this part only, so that the transaction can go on without it; but for a connection that is
+/// lost. One at a time; it ends before its transaction.
+class Savepoint {
+ public:
+  /// Fails outside a transaction, and within another part.
+  static DbResult<Savepoint> Begin(Connection& connection);
+  ~Savepoint();  ///< takes back what was not kept
+  Savepoint(Savepoint&&) noexcept;
+  Savepoint& operator=(Savepoint&&) = delete;
+  /// Fails with the first error in the part.
+  DbResult<void> Keep();
+
+ private:
+  explicit Savepoint(std::shared_ptr<OdbcLink> link);
+  std::shared_ptr<OdbcLink> link_;
 };
 
 }  // namespace hyetex

@@ -11,6 +11,8 @@ namespace {
 
 constexpr int ConnectSeconds = 10;
 constexpr SQLINTEGER SqliteConstraint = 19;
+constexpr const char *MarkPart = "SAVEPOINT hyetex_part", *UndoPart = "ROLLBACK TO SAVEPOINT hyetex_part",
+                     *ForgetPart = "RELEASE SAVEPOINT hyetex_part";
 
 // Text travels as UTF-8, whatever the machine's language says, and a table begins with its first row even if
 // somebody else is in the middle of reading it.
@@ -106,6 +108,7 @@ DbResult<void> OdbcLink::Ready() const {
   if (!open_) return ConnectionIsClosed();
   if (lost_) return tl::unexpected(*lost_);
   if (failed_) return tl::unexpected(*failed_);
+  if (partFailed_) return tl::unexpected(*partFailed_);
   return {};
 }
 
@@ -136,7 +139,10 @@ DbError OdbcLink::Fail(DbError error) {
     error.Number = db_error::GeneralFailure;
     lost_ = error;
   }
-  if (inTransaction_ && !failed_) {
+  if (inTransaction_ && !failed_ && inPart_ && !lost_ && (partFailed_ || Run(UndoPart))) {
+    if (!partFailed_) EndWork(true);
+    partFailed_ = error;
+  } else if (inTransaction_ && !failed_) {
     failed_ = error;
     UndoAll();
   } else if (!inTransaction_) {
@@ -214,6 +220,29 @@ DbResult<void> OdbcLink::Commit(const std::function<bool()>& waitsOn) {
   return result;
 }
 
+DbResult<void> OdbcLink::BeginPart() {
+  if (const auto ready = Ready(); !ready) return ready;
+  if (!inTransaction_ || inPart_)
+    return OdbcFailure(db_error::NotNow, "Here no part of a transaction can begin");
+  if (!Run(MarkPart))
+    return tl::unexpected(Fail({db_error::StatementFailed, "The database sets no savepoint", {}}));
+  inPart_ = true;
+  return {};
+}
+
+DbResult<void> OdbcLink::EndPart(bool keeps) {
+  if (!inPart_) return OdbcFailure(db_error::NotNow, "The part's transaction has ended");
+  DbResult<void> result = Ready();
+  inPart_ = false;
+  const bool undoes = !keeps && !partFailed_;
+  partFailed_.reset();
+  if (!open_ || lost_ || failed_) return result;
+  if (undoes) EndWork(true);
+  if ((undoes && !Run(UndoPart)) || !Run(ForgetPart))
+    return tl::unexpected(Fail({db_error::StatementFailed, "The database loses its savepoint", {}}));
+  return result;
+}
+
 void OdbcLink::RollBack() {
   if (!open_ || !inTransaction_) return;
   if (!failed_) UndoAll();
@@ -221,8 +250,9 @@ void OdbcLink::RollBack() {
 }
 
 void OdbcLink::EndTransaction() {
-  inTransaction_ = false;
+  inTransaction_ = inPart_ = false;
   failed_.reset();
+  partFailed_.reset();
   (void)SetAutocommit(true);
 }
 

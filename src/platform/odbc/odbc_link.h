@@ -50,6 +50,9 @@ class OdbcLink {
   /// as long as it says so.
   DbResult<void> Commit(const std::function<bool()>& waitsOn = {});
   void RollBack();
+  // A part of the transaction, whose errors take back no more than itself.
+  DbResult<void> BeginPart();
+  DbResult<void> EndPart(bool keeps);
 
   /// Becomes true when what is being read or written now is lost by a rollback. Whoever holds it has a result
   /// open, or rows that wait.
@@ -105,6 +108,8 @@ class OdbcLink {
   std::shared_ptr<bool> undone_ = std::make_shared<bool>(false);
   std::optional<DbError> lost_;    ///< why the server is gone
   std::optional<DbError> failed_;  ///< why the transaction was rolled back before its end
+  bool inPart_ = false;
+  std::optional<DbError> partFailed_;  ///< why the part of it was
 };
 
 inline tl::unexpected<DbError> OdbcFailure(std::int32_t number, std::string description) {

@@ -65,6 +65,9 @@ struct Selection {
   /// somebody is about to already; that is not waited for.
   bool ForChange = false;
   std::optional<hyetex::Page> Page = {};
+  /// All but binaries come as texts, as the database itself writes them: nothing of a value is lost, be it a
+  /// fraction of a second, the last digit of a number, or what is stored in a column of another type.
+  bool AsText = false;
 };
 
 /// A row that was read with its page.
@@ -160,8 +163,14 @@ DbResult<void> ForEachRow(Recordset& table, Visit&& visit) {
   return {};
 }
 
+/// What becomes of a row whose unique key another row has.
+enum class Duplicates {
+  Fail,  ///< the rows that travel with it fail too
+  Skip,  ///< it alone stays out; only where CanSkipDuplicates()
+};
+
 /// Writes many rows of one table, about 100 in one INSERT. Rows that have not travelled when a transaction is
-/// rolled back are forgotten with it.
+/// rolled back, or a savepoint, are forgotten with it.
 class RowWriter {
  public:
   RowWriter();
@@ -170,12 +179,14 @@ class RowWriter {
   RowWriter& operator=(RowWriter&&) noexcept;
 
   static DbResult<RowWriter> Open(Connection& connection, std::string_view table,
-                                  const std::vector<std::string>& columns);
+                                  const std::vector<std::string>& columns,
+                                  Duplicates duplicates = Duplicates::Fail);
+  static bool CanSkipDuplicates(const Connection& connection);
   /// The columns as the catalog has them, in the order that was asked for; for cutting texts to their width.
   const std::vector<CatalogColumn>& Columns() const;
   /// One value a column. Rows travel when enough have come together, the rest with Finish().
   DbResult<void> Add(std::vector<DbValue> row);
-  /// The number of rows written since Open().
+  /// The number of rows written since Open(), without those that were skipped.
   DbResult<std::int64_t> Finish();
 
  private:

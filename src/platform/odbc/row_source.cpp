@@ -104,7 +104,7 @@ RowSource::RowSource(std::shared_ptr<OdbcLink> link, const TableShape& shape, st
   for (const std::size_t position : chosen_) {
     const bool isLong = IsLong(shape.Columns[position]);
     columnOfChosen_.push_back(isLong ? -1 : static_cast<int>(columns_.size()));
-    if (!isLong) AddColumn(shape.Columns[position]);
+    if (!isLong) AddColumn(shape.Columns[position], selection.AsText);
   }
   for (const std::size_t position : conditions_.Checked()) checked_.push_back(AddChecked(position));
   std::size_t rowBytes = 0;
@@ -117,8 +117,16 @@ RowSource::RowSource(std::shared_ptr<OdbcLink> link, const TableShape& shape, st
   longAt_.resize(chosen_.size());
 }
 
-void RowSource::AddColumn(const TableColumn& column) {
+void RowSource::AddColumn(const TableColumn& column, bool asText) {
   const ValueKind kind = KindOfType(column.SqlType);
+  if (asText && kind != ValueKind::Text) {
+    columns_.push_back({.Table = &column,
+                        .Kind = ValueKind::Text,
+                        .CType = SQL_C_CHAR,
+                        .Width = WidestTimeText,
+                        .InAllDigits = kind == ValueKind::Real && link_->Maker() == DatabaseMaker::SQLite});
+    return;
+  }
   const bool isTimeAsText = kind == ValueKind::Time && link_->Maker() == DatabaseMaker::SQLite;
   columns_.push_back({.Table = &column,
                       .Kind = kind,
@@ -142,8 +150,7 @@ DbResult<std::string> RowSource::SelectText() {
   };
   for (const TableColumn& column : shape_->Identity) add(order, column.Shown.Name);
   list = order;
-  for (std::size_t i = shape_->Identity.size(); i < columns_.size(); ++i)
-    add(list, link_->Quoted(columns_[i].Table->Shown.Name));
+  for (std::size_t i = shape_->Identity.size(); i < columns_.size(); ++i) add(list, ListedName(columns_[i]));
   // Long columns that are read from the row itself stand at the end.
   for (std::size_t i = 0; longWithRow_ && i < chosen_.size(); ++i)
     if (columnOfChosen_[i] < 0) add(list, link_->Quoted(shape_->Columns[chosen_[i]].Shown.Name));
@@ -170,6 +177,12 @@ DbResult<std::string> RowSource::SelectText() {
   }
   if (forChange_) sql += " FOR UPDATE NOWAIT";
   return sql;
+}
+
+std::string RowSource::ListedName(const Column& column) const {
+  const std::string name = link_->Quoted(column.Table->Shown.Name);
+  if (!column.InAllDigits) return name;
+  return "CASE typeof(" + name + ") WHEN 'real' THEN printf('%!.20g', " + name + ") ELSE " + name + " END";
 }
 
 bool RowSource::InChunks() const {

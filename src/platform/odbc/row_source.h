@@ -46,11 +46,13 @@ class RowSource {
     std::size_t Width;
     std::unique_ptr<char[]> Cells = nullptr;
     std::vector<SQLLEN> Lengths = {};
+    bool InAllDigits = false;  // SQLite's driver writes 15 of them
   };
   DbResult<std::string> SelectText();
   /// Whether some rows are asked for, which are few and read at once.
   bool IsPart() const { return page_ || !rows_.empty(); }
-  void AddColumn(const TableColumn& column);
+  void AddColumn(const TableColumn& column, bool asText = false);
+  std::string ListedName(const Column& column) const;
   /// The position in columns_ of a column that conditions want to see.
   std::size_t AddChecked(std::size_t position);
   DbResult<void> Prepare();

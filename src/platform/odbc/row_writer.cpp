@@ -25,6 +25,7 @@ struct RowWriter::State {
   std::shared_ptr<OdbcLink> Link;
   std::string Insert;  ///< up to the marks of the first row
   std::string Marks;   ///< of one row
+  std::string Rest;    ///< behind the marks of the last row
   std::vector<CatalogColumn> Columns;
   std::vector<SQLSMALLINT> Types;
   std::size_t BatchRows = 1;
@@ -47,8 +48,10 @@ RowWriter::RowWriter(RowWriter&&) noexcept = default;
 RowWriter& RowWriter::operator=(RowWriter&&) noexcept = default;
 
 DbResult<RowWriter> RowWriter::Open(Connection& connection, std::string_view table,
-                                    const std::vector<std::string>& columns) {
+                                    const std::vector<std::string>& columns, Duplicates duplicates) {
   if (!connection.IsOpen()) return ConnectionIsClosed();
+  if (duplicates == Duplicates::Skip && !CanSkipDuplicates(connection))
+    return OdbcFailure(db_error::NotNow, "This database does not skip rows whose key is there");
   auto state = std::make_unique<State>();
   state->Link = connection.link_;
   auto shape = ReadTableShape(state->Link, table);
@@ -66,6 +69,7 @@ DbResult<RowWriter> RowWriter::Open(Connection& connection, std::string_view tab
   if (columns.empty()) return NoSuchField("to write to");
   state->Marks += ")";
   state->Insert = "INSERT INTO " + shape->Name + " (" + names + ") VALUES ";
+  if (duplicates == Duplicates::Skip) state->Rest = " ON CONFLICT DO NOTHING";
   const std::size_t most =
       state->Link->Maker() == DatabaseMaker::SQLite ? MostSqliteParameters : MostParameters;
   state->BatchRows = std::clamp<std::size_t>(most / columns.size(), 1, MostRows);
@@ -73,6 +77,10 @@ DbResult<RowWriter> RowWriter::Open(Connection& connection, std::string_view tab
   RowWriter writer;
   writer.state_ = std::move(state);
   return writer;
+}
+
+bool RowWriter::CanSkipDuplicates(const Connection& connection) {
+  return connection.IsOpen() && connection.link_->Maker() != DatabaseMaker::Other;
 }
 
 const std::vector<CatalogColumn>& RowWriter::Columns() const {
@@ -107,14 +115,14 @@ DbResult<void> RowWriter::State::Flush() {
   if (!statement) {
     std::string sql = Insert + Marks;
     for (std::size_t i = 1; i < rows; ++i) sql += ", " + Marks;
-    auto prepared = Statement::Prepared(Link, sql);
+    auto prepared = Statement::Prepared(Link, sql + Rest);
     if (!prepared) return tl::unexpected(prepared.error());
     statement = std::move(*prepared);
   }
   if (const auto bound = statement.Bind(std::span(Waiting).first(rows * Columns.size())); !bound)
     return bound;
   if (const auto executed = statement.Execute(); !executed) return executed;
-  Written += static_cast<std::int64_t>(rows);
+  Written += Rest.empty() ? static_cast<std::int64_t>(rows) : statement.RowCount();
   return {};
 }
 
