@@ -2,6 +2,7 @@
 
 #include "chartfiles/chart_file_lines.h"
 #include "chartfiles/chart_lines.h"
+#include "chartfiles/chart_reader.h"
 #include "chartfiles/chart_text.h"
 #include "core/numbers.h"
 #include "core/text.h"
@@ -46,6 +47,10 @@ Result<std::string> RewriteSelectedAlpha(std::string_view storedText, const Sele
   }
   if (!found) {
     if (!BeginsAsChart(bytes)) return Failure("its text is no chart");
+    // A last line would make it look whole.
+    ChartReading reading;
+    ReadStoredChart(storedText, {}, reading);
+    if (!reading.CutOff.empty()) return Failure("its text is cut off: " + reading.CutOff);
     lines.Insert(lines.Count(), line);
   }
   std::string made(storedText.substr(0, storedText.size() - bytes.size()));

@@ -77,6 +77,7 @@ TEST(SelectedAlpha, TakesLinesThatOtherVersionsWroteAndRefusesWhatWouldNotReadBa
   for (const auto& [text, why] :
        {std::pair(head + "Alpha Value Selected: 1\nSelected alpha: 7\n", "another selected alpha"),
         {std::string("a.dat\nsome words\n"), "no chart"},
+        {head + "Number of Points: 1\nDigitation Points:\n30,5,\n60,5,\nGene", "cut off"},
         {std::string(), "no chart"}}) {
     const auto made = RewriteSelectedAlpha(text, {0.5});
     ASSERT_FALSE(made) << text;

@@ -121,7 +121,7 @@ QWidget* frmAlpha::MakeGraphSide() {
   txtFontSize->setMinimumWidth(fontMetrics().horizontalAdvance("000000"));
   txtFontSize->setMaximumWidth(txtFontSize->minimumWidth());
   cmdPrint = MakeButton("cmdPrint", "&Print", &frmAlpha::Print);
-  cmdDialog = MakeButton("cmdDialog", "Previe&w...", &frmAlpha::Preview);
+  cmdDialog = MakeButton("cmdDialog", "Pre&view...", &frmAlpha::Preview);
   cmdPdf = MakeButton("cmdPdf", "Save as P&DF...", &frmAlpha::SaveAsPdf);
 
   auto* side = new QWidget;
@@ -147,7 +147,7 @@ QLayout* frmAlpha::MakeButtons() {
   txtAlpha->setToolTip(tr("A number, or None"));
   cmdUseAverage = MakeButton("cmdUseAverage", "Show &Average", &frmAlpha::UseAverage);
   cmdUseAverage->setToolTip(tr("Of all alpha values of the charts worked on, without the excluded ones"));
-  cmdWriteToDB = MakeButton("cmdWriteToDB", "W&rite Alpha to DB", &frmAlpha::WriteToDB);
+  cmdWriteToDB = MakeButton("cmdWriteToDB", "&Write Alpha to DB", &frmAlpha::WriteToDB);
   cmdWriteToDB->setToolTip(tr("This writes the field Selected Alpha Value to the DB"));
   cmdDone = MakeButton("cmdDone", "Return To Main Me&nu", nullptr);
   connect(cmdDone, &QPushButton::clicked, this, &QWidget::close);
