@@ -63,7 +63,7 @@ Exit RunImport(const ImportWords& words) {
         ImportFile(opened.Database, std::filesystem::current_path().string(), file, progress);
     clean = clean && result.IsClean();
     if (!result.Failed.empty()) {
-      Say(result.Failed + ". Nothing of " + file + " was added");
+      Say(result.Failed + (result.Failed.ends_with('.') ? "" : ".") + " Nothing of " + file + " was added");
       continue;
     }
     Print(file + ": " + Records(result.Added) + " into " + result.Table + "\n");
