@@ -51,6 +51,8 @@ TEST(Cli, ExportsTablesAndImportsThem) {
   EXPECT_EQ(RunCli({"import", "--db", "DSN=none such", out + "/chart.xml"}).Status, 1);
 }
 
+// The sanitizers need many times the memory.
+#ifndef __SANITIZE_ADDRESS__
 // Larger than what a program could hold if it kept the rows.
 TEST(Cli, ExportsAndImportsInLittleMemory) {
   const TempFolder folder;
@@ -69,6 +71,7 @@ TEST(Cli, ExportsAndImportsInLittleMemory) {
   EXPECT_LT(ran.PeakKb, 60'000);
   EXPECT_GT(std::filesystem::file_size(folder / "out/chart.xml"), 60'000'000U);
 }
+#endif
 
 }  // namespace
 }  // namespace hyetex::test
