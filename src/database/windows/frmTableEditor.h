@@ -78,7 +78,7 @@ class frmTableEditor : public FormWindow {
 
   QScrollArea* scrFields;
   QTableView* grdRows = nullptr;
-  QLabel *lblStatus, *labCount, *labDoing, *labFind;
+  QLabel *lblStatus, *labCount = nullptr, *labDoing, *labFind;
   QLineEdit *txtMaster = nullptr, *txtFind;
   QPushButton *cmdFirst, *cmdPrevious, *cmdNext, *cmdLast;
   QPushButton *cmdAdd, *cmdEdit, *cmdDelete, *cmdRefresh, *cmdClose, *cmdUpdate, *cmdCancel, *cmdStop;

@@ -67,7 +67,6 @@ void frmTableEditor::MakeControls() {
   cmdStop = Button("cmdStop", tr("S&top"));
   prbWaiting = Named(new QProgressBar, "prbWaiting");
   lblStatus = Named(new QLabel, "lblStatus");
-  labCount = Named(new QLabel, "labCount");
   labDoing = Named(new QLabel, "labDoing");
   txtFind = Named(new QLineEdit, "txtFind");
   txtFind->setClearButtonEnabled(true);
@@ -120,6 +119,7 @@ QWidget* frmTableEditor::MakeRows() {
   auto* layout = new QVBoxLayout(rows);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(grdRows, 1);
+  labCount = Named(new QLabel, "labCount");
   layout->addWidget(labCount);
   return rows;
 }
