@@ -1,6 +1,6 @@
 #include "database/windows/frmTableEditor.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QElapsedTimer>
 #include <QHeaderView>
 #include <QScrollBar>

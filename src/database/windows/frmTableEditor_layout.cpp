@@ -20,7 +20,7 @@ constexpr int MostInOneColumn = 8, MostInTwo = 26;
 constexpr int MostLinesInSight = 26;
 
 QPushButton* MoveButton(QWidget* window, const char* name, const QString& caption, const QString& does,
-                        QKeySequence key) {
+                        const QKeySequence& key) {
   auto* button = Named(new QPushButton(caption), name);
   button->setAccessibleName(does);
   button->setToolTip(does + " (" + key.toString(QKeySequence::NativeText) + ")");
