@@ -29,6 +29,15 @@ inline QLabel* LabelOf(const char* caption, QWidget* control) {
   return label;
 }
 
+/// Some controls that stay beside each other.
+inline QWidget* Together(const QList<QWidget*>& controls) {
+  auto* box = new QWidget;
+  auto* layout = new QHBoxLayout(box);
+  layout->setContentsMargins(0, 0, 0, 0);
+  for (QWidget* control : controls) layout->addWidget(control);
+  return box;
+}
+
 /// The Tab key goes through the controls in this order.
 inline void LinkTabs(const QList<QWidget*>& order) {
   for (qsizetype i = 1; i < order.size(); ++i) QWidget::setTabOrder(order[i - 1], order[i]);

@@ -26,14 +26,6 @@ QLabel* PlainLabel(const char* name) {
   return label;
 }
 
-QWidget* Together(const QList<QWidget*>& controls) {
-  auto* box = new QWidget;
-  auto* layout = new QHBoxLayout(box);
-  layout->setContentsMargins(0, 0, 0, 0);
-  for (QWidget* control : controls) layout->addWidget(control);
-  return box;
-}
-
 }  // namespace
 
 QPushButton* frmAlpha::MakeButton(const char* name, const char* caption, void (frmAlpha::*pressed)()) {

@@ -30,15 +30,6 @@ QLabel* PlainLabel(const QString& name, bool wraps = false) {
   return label;
 }
 
-// Some controls that stay beside each other.
-QWidget* Together(const QList<QWidget*>& controls) {
-  auto* box = new QWidget;
-  auto* layout = new QHBoxLayout(box);
-  layout->setContentsMargins(0, 0, 0, 0);
-  for (QWidget* control : controls) layout->addWidget(control);
-  return box;
-}
-
 }  // namespace
 
 QPushButton* frmEditor::MakeButton(const char* name, const char* caption, void (frmEditor::*pressed)()) {
