@@ -103,7 +103,7 @@ TEST_F(Program, TakesAPictureOfEveryWindow) {
   const std::string pictures = folder_ / "pictures";
   program.setProcessEnvironment(environment_);
   program.start(ToQt(test::PictureProgram()), {ToQt(folder_ / "program"), ToQt(pictures)});
-  ASSERT_TRUE(program.waitForFinished(60000));
+  ASSERT_TRUE(program.waitForFinished(240000));
   EXPECT_EQ(program.exitCode(), 0) << program.readAllStandardError().toStdString();
   for (const char* window : {"frmLogin", "frmInit", "frmMessageBox", "mdiHyetex", "frmHyetex", "frmSave"})
     for (const char* palette : {".png", "-dark.png"})
