@@ -107,13 +107,9 @@ class AlphaWriter {
     }
     const auto converted = IsLoaded(table);
     if (!converted) return tl::unexpected(converted.error());
-    // A keeper may have made the column one of text.
-    const auto field = std::ranges::find_if(table.Fields(), [](const CatalogColumn& each) {
-      return EqualIgnoringCase(each.Name, column::AsciiFile);
-    });
-    DbValue value = *std::move(rewritten);
-    if (!field->IsText) value = DbBinary{std::get<std::string>(std::move(value))};
-    if (const auto set = table.SetValue(column::AsciiFile, std::move(value)); !set)
+    if (const auto set =
+            table.SetValue(column::AsciiFile, AsciiFileValue(table.Fields(), *std::move(rewritten)));
+        !set)
       return tl::unexpected(set.error());
     if (*converted)
       if (const auto set = table.SetValue(column::Loaded, std::int64_t{0}); !set)

@@ -199,23 +199,17 @@ DbResult<DatabaseCharts::Attempt> DatabaseCharts::Store(const OpenedChart& chart
 // The current record, with all columns that are made of the chart's text.
 DbResult<void> DatabaseCharts::Change(const Rewritten& rewritten, SavedChart& saved) {
   Recordset& table = database_.ChartAsciiTable;
-  const auto field = [&](std::string_view name) {
-    return std::ranges::find_if(
-        table.Fields(), [&](const CatalogColumn& column) { return EqualIgnoringCase(column.Name, name); });
-  };
   saved.Notes.clear();
   const auto loaded = IsLoaded(table);
   if (!loaded) return tl::unexpected(loaded.error());
-  std::string text = MakeStoredText(rewritten.Name, rewritten.Bytes);
   std::vector<std::pair<const char*, DbValue>> values{
       {column::ChartDate, DbDate{rewritten.Chart.StartTime}},
-      {column::ChartReliability, std::string(ReliabilityText(rewritten.Chart.Reliability))}};
-  // A keeper may have made the column one of text.
-  if (const auto found = field(column::AsciiFile); found != table.Fields().end() && found->IsText)
-    values.emplace_back(column::AsciiFile, std::move(text));
-  else
-    values.emplace_back(column::AsciiFile, DbBinary{std::move(text)});
-  if (const auto found = field(column::Comments); found != table.Fields().end()) {
+      {column::ChartReliability, std::string(ReliabilityText(rewritten.Chart.Reliability))},
+      {column::AsciiFile, AsciiFileValue(table.Fields(), MakeStoredText(rewritten.Name, rewritten.Bytes))}};
+  const auto found = std::ranges::find_if(table.Fields(), [](const CatalogColumn& each) {
+    return EqualIgnoringCase(each.Name, column::Comments);
+  });
+  if (found != table.Fields().end()) {
     const std::string comment = ShownText(rewritten.Chart.GeneralComment);
     const std::string cut = CutToWidth(comment, found->Size);
     if (cut != comment)

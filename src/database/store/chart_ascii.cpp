@@ -87,4 +87,11 @@ DbResult<std::string> ChartAsciiText(Recordset& table, std::size_t mostBytes) {
   return text;
 }
 
+DbValue AsciiFileValue(std::span<const CatalogColumn> columns, std::string text) {
+  const auto column = std::ranges::find_if(
+      columns, [](const CatalogColumn& each) { return EqualIgnoringCase(each.Name, column::AsciiFile); });
+  if (column != columns.end() && column->IsText) return text;
+  return DbBinary{std::move(text)};
+}
+
 }  // namespace hyetex

@@ -43,5 +43,7 @@ DbResult<bool> IsLoaded(Recordset& table);
 
 /// The chart's text in the current record; empty where there is none. Ends soon after `mostBytes`.
 DbResult<std::string> ChartAsciiText(Recordset& table, std::size_t mostBytes);
+/// A chart's text for the table of these columns: a binary, or a text where a keeper has made the column one.
+DbValue AsciiFileValue(std::span<const CatalogColumn> columns, std::string text);
 
 }  // namespace hyetex

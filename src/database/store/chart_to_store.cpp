@@ -10,6 +10,7 @@
 #include "core/files.h"
 #include "core/text.h"
 #include "database/access/names.h"
+#include "database/store/chart_ascii.h"
 #include "database/store/light_reader.h"
 #include "platform/odbc/recordset.h"
 
@@ -91,12 +92,7 @@ Result<ChartToStore> MakeChartToStore(const std::string& path, const std::vector
   made.Row[chart_column::Reliability] = std::string(ReliabilityText(chart.Reliability));
   if (!chart.GeneralComment.empty()) made.Row[chart_column::Comments] = ColumnText(chart.GeneralComment);
   if (auto why = CutTexts(made, columns)) return Failure(*std::move(why));
-  // A keeper may have made the column one of text.
-  std::string text = MakeStoredText(name, *bytes);
-  if (columns[chart_column::Text].IsText)
-    made.Row[chart_column::Text] = std::move(text);
-  else
-    made.Row[chart_column::Text] = DbBinary{std::move(text)};
+  made.Row[chart_column::Text] = AsciiFileValue(columns, MakeStoredText(name, *bytes));
   return made;
 }
 
