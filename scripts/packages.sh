@@ -1,5 +1,6 @@
 # Sourced by ./run, ./test and ./check: installs the Debian packages that the build needs and this machine lacks.
 packages=(g++ cmake ninja-build ccache libexpected-dev libcli11-dev libgtest-dev libgmock-dev libbenchmark-dev libcairo2-dev libexpat1-dev
+          libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libpoppler-cpp-dev nettle-dev
           qt6-base-dev qt6-svg-dev qt6-serialport-dev fonts-dejavu-core xvfb
           unixodbc-dev odbcinst libsqliteodbc odbc-postgresql postgresql)
 check_packages=(clang-format clang-tidy git)

@@ -44,9 +44,14 @@ const std::vector<Room> Rooms = {
     {"alpha", "core platform graph platform/odbc staging/lists chartfiles database/access database/store"},
     {"database/tables", "core platform platform/odbc staging/lists database/access"},
     {"exchange", "core platform platform/odbc database/access"},
-    {"digitizing/windows", "core platform digitizing"},
+    {"rain",
+     "core platform graph platform/odbc staging/lists chartfiles database/access database/store "
+     "database/conversion"},
+    {"scan", "core digitizing"},
+    {"scan/windows", "core platform digitizing staging/lists scan"},
+    {"digitizing/windows", "core platform digitizing scan"},
     {"staging/windows",
-     "core platform platform/odbc digitizing staging/lists staging/tasks staging/manager staging"},
+     "core platform platform/odbc digitizing staging/lists staging/tasks staging/manager staging scan"},
     {"chartfiles/windows", "core platform chartfiles"},
     {"database/windows",
      "core platform platform/odbc staging/lists chartfiles database/access database/store "
@@ -54,17 +59,19 @@ const std::vector<Room> Rooms = {
     {"editor/windows", "core platform graph chartfiles editor"},
     {"alpha/windows", "core platform graph staging/lists alpha"},
     {"exchange/windows", "core platform database/access exchange"},
+    {"rain/windows", "core platform graph staging/lists rain"},
     {"cli",
      "core commandline platform graph platform/cairo platform/odbc digitizing staging/lists staging/tasks "
      "chartfiles "
-     "database/access database/store database/conversion database/stations editor alpha exchange"},
+     "database/access database/store database/conversion database/stations editor alpha exchange rain scan"},
     {"app", "*"},
     {"tools/tracing", "core digitizing"},
+    {"tools/scans", "core digitizing scan tools/tracing"},
     {"tools/tablet", "core"},
     {"tools/pictures", "*"},
     {"tools", "*"},
     {"bench", "*"},
-    {"fuzz", "core digitizing chartfiles exchange"},
+    {"fuzz", "core digitizing chartfiles exchange scan"},
 };
 
 // Windows of their own file that are a part of another window: the board floats over the chart view.

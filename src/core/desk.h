@@ -32,6 +32,10 @@ enum class WindowId : int {
   Definitions = 20,
   TableEditor = 21,
   TableExchange = 22,
+  Rainfall = 23,
+  ChartReview = 24,
+  ScanChoice = 25,
+  ScanLook = 26,
 };
 
 /// One flag for each window: -1 when it gets or loses the focus, 0 when it closes.
@@ -43,7 +47,7 @@ class OpenFlags {
   }
 
  private:
-  std::array<std::int16_t, 23> flags_{};
+  std::array<std::int16_t, 27> flags_{};
 };
 
 /// A window that acts on gaining and losing the focus among the windows of the shell. A box that is shown
