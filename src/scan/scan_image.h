@@ -16,7 +16,7 @@ namespace hyetex {
 
 /// An image of more pixels is refused before it is decoded.
 inline constexpr std::int64_t MostScanPixels = 500'000'000;
-inline constexpr std::uint64_t MostScanBytes = std::uint64_t{2} << 30;
+inline constexpr std::uint64_t MostScanBytes = (std::uint64_t{2} << 30) - 1;
 
 /// What a file says of itself before it is decoded.
 struct ScanFacts {
