@@ -30,4 +30,4 @@ install(FILES ${help_pages} DESTINATION ${CMAKE_INSTALL_DATADIR}/hyetex/help)
 
 add_executable(hyetex app/main.cpp)
 target_link_libraries(hyetex PRIVATE hyetex_app hyetex_icons)
-install(TARGETS hyetex hyetex-cli)
+install(TARGETS hyetex)

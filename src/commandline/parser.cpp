@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "commandline/man_page.h"
 #include "core/numbers.h"
 #include "digitizing/tablets.h"
 
@@ -76,6 +77,7 @@ Description::Description(const std::string& name, const std::string& does) : CLI
 }
 
 std::optional<Answer> Parse(CLI::App& program, std::span<const std::string> words) {
+  if (words.size() == 1 && words.front() == "--man") return Answer{Done, ManPage(program)};
   std::vector<std::string> marked;  // the parser takes them from the back
   std::transform(words.rbegin(), words.rend(), std::back_inserter(marked), Marked);
   Unmark(program);

@@ -11,7 +11,8 @@
 
 namespace hyetex::commandline {
 
-/// A description with --help (on its commands too) and --version.
+/// A description with --help (on its commands too) and --version. Its word --man, which the help does not
+/// name, gives the manual page for the package.
 class Description : public CLI::App {
  public:
   Description(const std::string& name, const std::string& does);
