@@ -112,6 +112,7 @@ class AppDesk : public Desk {
   std::unique_ptr<CommentTarget> commentTarget_;  // of the comment window that is about to open
   TaskJob taskJob_;                               // of the task definition that is about to open
   std::size_t editedTable_ = 0;                   // of the list of tables
+  std::string populateInstrument_;                // of the populate window that is about to open
   bool backToTasks_ = false;                      // once the digitizing window closes
   bool ending_ = false;
 

@@ -32,6 +32,7 @@ class PopulateModel : public QAbstractTableModel {
 
  private:
   std::vector<PopulateRow> rows_;
+  bool hasBook_ = false;  // the further columns have something to tell
 };
 
 /// Sorts by what the cells mean, not by their texts.
