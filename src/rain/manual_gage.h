@@ -33,7 +33,7 @@ struct GageComparison {
   double Gage = 0, Chart = 0;  ///< mm
   double Covered = 0;          ///< of the charts, in this time
   /// Of the charts from the gage; nothing where the gage read 0.
-  std::optional<double> Percent;
+  std::optional<double> Percent = {};
   bool IsOff() const;  ///< past the tolerance, or rain on one side only
 };
 /// What `sums` has of the readings' times, made from them in their order.

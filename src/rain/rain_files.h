@@ -1,7 +1,7 @@
 // Rain into files for others, all or nothing, in pieces, so that ten years by the minute take no memory.
 #pragma once
 
-#include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>

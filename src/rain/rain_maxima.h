@@ -18,9 +18,9 @@ struct RainMaximum {
   double Depth = 0;  ///< mm, of what is known
   /// When the time begins, with the first rain in it; of several such times the first. Nothing where no rain
   /// fell.
-  std::optional<RainTime> Start;
+  std::optional<RainTime> Start = {};
   double Covered = 0;     ///< the share of the time whose depth is known: below 1 more may have fallen
-  RainAmount Amount = 0;  ///< the depth to its last bit
+  RainSum Amount = 0;  ///< the depth to its last bit
 };
 
 /// Finds all of them exactly in one pass. The depth fallen since the beginning, over time, is a line of
@@ -44,23 +44,23 @@ class RainMaxima : public RainSink {
   struct Search {
     RainTime Length = 0;
     std::size_t Tail = 0;  // number of the first part that ends behind the begin of the time that ends here
-    RainAmount Best = 0;
+    RainSum Best = 0;
     RainTime Start = 0;
     RainTime CoveredBefore = 0;
-    std::optional<RainTime> Open;  // end of the best time, as long as what covers it is not all known
+    std::optional<RainTime> Open = {};  // end of the best time, as long as what covers it is not all known
     RainTime Covered = 0;
   };
   const Part& At(std::size_t number) const { return parts_[number - first_]; }
   void Look(Search& search, const Part& now);
-  void Try(Search& search, RainTime start, std::size_t tail, const Part& now);
-  void Close(const Part* now);
+  void Try(Search& search, RainTime start, std::size_t number, const Part& now);
+  static void Close(Search& search, const Part& now);
 
   std::vector<RainMaximum> maxima_;
   std::vector<Search> searches_;
   std::deque<Part> parts_;
   std::size_t first_ = 0;  // number of the first part that is kept
   RainSum depth_ = 0;
-  RainTime covered_ = 0;
+  RainTime covered_ = 0, longest_ = 0;
 };
 
 }  // namespace hyetex

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <span>
 #include <string>
@@ -27,8 +28,8 @@ inline constexpr RainTime MostRowSeconds = 366 * DaySeconds;
 enum class RainTrust : std::uint8_t { Acceptable, Unknown, Marginal, Unreliable };
 
 struct RainRow {
-  std::optional<RainTime> Start, End;
-  std::optional<double> Depth;  ///< mm
+  std::optional<RainTime> Start = {}, End = {};
+  std::optional<double> Depth = {};  ///< mm
   RainTrust Trust = RainTrust::Unknown;
 };
 
@@ -93,17 +94,19 @@ class RainSweep {
  private:
   struct Open {
     RainPiece Row;
-    RainTime Counted = 0;  ///< how far it has been
+    RainTime Counted = 0;  // how far it has been
   };
   void CountUntil(RainTime time);
+  void LeaveOut(Open& open, RainTime to);
   void Give(const RainPiece& row, RainTime from, RainTime to);
   void Pass(const RainPiece& piece);
-  void Miss(RainTime from, RainTime to);
+  void Miss(std::optional<RainTime> from, RainTime to);
 
   RainSpan span_;
   std::vector<RainSink*> sinks_;
   RainRemarks remarks_;
   std::vector<Open> open_;           // each starts behind the one before and ends before it
+  RainTime counted_ = std::numeric_limits<RainTime>::min();  // up to here all has been given
   std::optional<RainTime> last_;     // start of the last row
   std::optional<RainTime> reached_;  // end of what is covered
 };

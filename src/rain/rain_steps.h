@@ -31,7 +31,7 @@ class RainSteps : public RainSink {
   void End() override;
 
  private:
-  void GoTo(RainTime time);
+  void Begin(RainTime time);
   void Give();
 
   RainStepKind kind_;
@@ -39,7 +39,7 @@ class RainSteps : public RainSink {
   RainSpan span_;
   Visit visit_;
   bool begun_ = false;
-  RainTime begin_ = 0, next_ = 0, covered_ = 0, last_ = 0;
+  RainTime begin_ = 0, next_ = 0, covered_ = 0;
   RainSum depth_ = 0;
   RainTrust trust_ = RainTrust::Acceptable;
 };

@@ -30,14 +30,13 @@ class RainStorms : public RainSink {
   void End() override;
 
  private:
-  void Finish(bool bounded);
+  void Finish();
 
   RainTime dry_;
   Visit visit_;
   bool raining_ = false, bounded_ = true;
   RainTime start_ = 0, wet_ = 0;       // begin and last rain of the storm
   RainTime known_ = 0, dryKnown_ = 0;  // covered seconds since its begin, and behind its last rain
-  std::optional<RainTime> covered_;    // end of what is covered
   RainSum depth_ = 0;
   RainMaxima peak_;
 };

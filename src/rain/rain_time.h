@@ -26,7 +26,7 @@ inline constexpr double MostHoursFromGmt = 14;  ///< as far as any zone is, eith
 
 /// A span of GMT; an end that is missing is where the rain begins or ends.
 struct RainSpan {
-  std::optional<RainTime> From, To;
+  std::optional<RainTime> From = {}, To = {};
 };
 
 RainTime FromLocal(Date local, const RainClock& clock);
