@@ -15,12 +15,14 @@ namespace hyetex {
 /// A file that is written in pieces and takes its place when it is whole.
 class RainFile {
  public:
-  static Result<RainFile> Begin(std::string path);
+  /// In the folder that it will stand in.
+  static Result<RainFile> In(const std::string& folder);
   RainFile(RainFile&&) noexcept;
+  RainFile& operator=(RainFile&&) noexcept;
   ~RainFile();
   void Add(std::string_view text);
   /// Fails with the first error of any piece; then nothing has changed.
-  Result<void> Finish();
+  Result<void> Finish(const std::string& path);
 
  private:
   struct State;

@@ -17,9 +17,10 @@ struct RainGraphOptions {
   bool Mass = true;  ///< the sum since the begin, on an axis of its own
 };
 
-/// Bars of the depth of each step on the left, the sum on the right, and stretches that nothing is known of
-/// shaded apart, those that are known in part lighter. `steps` follow one another. Of more than
-/// `MostRainBars` some make up one bar, as the title of the axis says. X is in local `Date`s.
+/// The sum as a curve on the left, bars of the depth of each step on the right (on the left without the sum),
+/// and stretches that nothing is known of shaded apart, those that are known in part lighter. `steps` follow
+/// one another. Of more than `MostRainBars` some make up one bar, as the title of the axis says. X is in
+/// local `Date`s.
 Graph MakeRainGraph(const std::vector<RainStep>& steps, const RainGraphOptions& options);
 inline constexpr std::size_t MostRainBars = 4000;
 

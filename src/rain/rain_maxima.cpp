@@ -67,8 +67,7 @@ void RainMaxima::Try(Search& search, RainTime start, std::size_t number, const P
   if (amount <= search.Best) return;
   search.Best = amount;
   // The time begins with its first rain.
-  while (At(number).Piece.Depth == 0 ||
-         (At(number).Piece.End == start && At(number).Piece.Start != start))
+  while (At(number).Piece.Depth == 0 || (At(number).Piece.End == start && At(number).Piece.Start != start))
     ++number;
   const Part& wet = At(number);
   search.Start = std::max(start, wet.Piece.Start);

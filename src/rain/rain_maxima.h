@@ -19,7 +19,7 @@ struct RainMaximum {
   /// When the time begins, with the first rain in it; of several such times the first. Nothing where no rain
   /// fell.
   std::optional<RainTime> Start = {};
-  double Covered = 0;     ///< the share of the time whose depth is known: below 1 more may have fallen
+  double Covered = 0;  ///< the share of the time whose depth is known: below 1 more may have fallen
   RainSum Amount = 0;  ///< the depth to its last bit
 };
 

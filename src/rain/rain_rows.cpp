@@ -31,9 +31,10 @@ std::vector<std::string> RainRemarks::Lines() const {
                        const std::string& rest) {
     if (count > 0) lines.push_back(RowsThat(count, one, many) + rest);
   };
-  add(Overlaps, "overlaps", "overlap", " earlier ones for " + Lasting(Overlapped) +
-                                           ": that time counts once, by the row that starts later, and " +
-                                           Mm(OverlappedDepth) + " of the others are left out");
+  add(Overlaps, "overlaps", "overlap",
+      " earlier ones for " + Lasting(Overlapped) +
+          ": that time counts once, by the row that starts later, and " + Mm(OverlappedDepth) +
+          " of the others are left out");
   add(Falling, "has a depth below 0 and counts as dry", "have a depth below 0 and count as dry",
       " (together " + Mm(FallingDepth) + ")");
   add(Unknown, "has no depth: its time is not covered", "have no depth: their time is not covered", "");

@@ -105,10 +105,10 @@ class RainSweep {
   RainSpan span_;
   std::vector<RainSink*> sinks_;
   RainRemarks remarks_;
-  std::vector<Open> open_;           // each starts behind the one before and ends before it
+  std::vector<Open> open_;  // each starts behind the one before and ends before it
   RainTime counted_ = std::numeric_limits<RainTime>::min();  // up to here all has been given
-  std::optional<RainTime> last_;     // start of the last row
-  std::optional<RainTime> reached_;  // end of what is covered
+  std::optional<RainTime> last_;                             // start of the last row
+  std::optional<RainTime> reached_;                          // end of what is covered
 };
 
 }  // namespace hyetex

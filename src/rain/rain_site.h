@@ -13,9 +13,9 @@ struct RainSite {
   std::string Instrument;  ///< the code as INSTRUMENT spells it, or as it was asked for
   std::string StationCode, Station, Agency, InstrumentType;
   std::optional<double> Latitude = {}, Longitude = {};  ///< degrees, from the UTM place
-  std::optional<double> Altitude = {};             ///< m
-  std::optional<double> HeightAboveGround = {};    ///< of the instrument, as it is stored
-  std::vector<std::string> Notes;             ///< what is missing or cannot be true
+  std::optional<double> Altitude = {};                  ///< m
+  std::optional<double> HeightAboveGround = {};         ///< of the instrument, as it is stored
+  std::vector<std::string> Notes;                       ///< what is missing or cannot be true
 };
 /// Fails where the database does; what it does not say stays empty, with a note.
 DbResult<RainSite> ReadRainSite(HyetexPlotDB& database, const std::string& instrument);

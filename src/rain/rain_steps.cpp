@@ -97,15 +97,13 @@ void RainSums::Take(const RainPiece& piece) {
 
 void RainSums::End() {
   for (; next_ < moments_.size(); ++next_) moments_[next_] = {moments_[next_].Time, depth_, covered_};
-  const auto at = [&](RainTime time) {
-    return *std::ranges::lower_bound(moments_, time, {}, &Moment::Time);
-  };
+  const auto at = [&](RainTime time) { return *std::ranges::lower_bound(moments_, time, {}, &Moment::Time); };
   for (RainInterval& interval : intervals_) {
     if (interval.End <= interval.Start) continue;
     const Moment from = at(interval.Start), to = at(interval.End);
     interval.Depth = MmOf(to.Depth - from.Depth);
-    interval.Covered = static_cast<double>(to.Covered - from.Covered) /
-                       static_cast<double>(interval.End - interval.Start);
+    interval.Covered =
+        static_cast<double>(to.Covered - from.Covered) / static_cast<double>(interval.End - interval.Start);
   }
 }
 

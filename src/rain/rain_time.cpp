@@ -14,9 +14,7 @@ RainTime FloorTo(RainTime time, RainTime step) {
 }
 
 // What a local time that counts days from their begin is ahead of GMT.
-RainTime Ahead(const RainClock& clock) {
-  return RainTime{60} * (clock.MinutesFromGmt - clock.DayBegins);
-}
+RainTime Ahead(const RainClock& clock) { return RainTime{60} * (clock.MinutesFromGmt - clock.DayBegins); }
 
 RainTime MonthBegin(int year, int month, const RainClock& clock) {
   return SecondsOf(MakeDate(year, month, 1)) - Ahead(clock);
@@ -45,7 +43,9 @@ std::string IsoWithZone(RainTime time, const RainClock& clock) {
 }
 
 Result<int> ReadDayBegins(std::string_view text) {
-  const auto digit = [&](std::size_t at) { return text[at] >= '0' && text[at] <= '9' ? text[at] - '0' : 100; };
+  const auto digit = [&](std::size_t at) {
+    return text[at] >= '0' && text[at] <= '9' ? text[at] - '0' : 100;
+  };
   if (text.size() == 5 && text[2] == ':') {
     const int hours = digit(0) * 10 + digit(1), minutes = digit(3) * 10 + digit(4);
     if (hours < 24 && minutes < 60) return hours * 60 + minutes;
