@@ -60,7 +60,7 @@ const std::vector<Room> Rooms = {
     {"editor/windows", "core platform graph graph/windows chartfiles editor"},
     {"alpha/windows", "core platform graph staging/lists alpha"},
     {"exchange/windows", "core platform database/access exchange"},
-    {"rain/windows", "core platform graph graph/windows staging/lists database/access database/store rain"},
+    {"rain/windows", "core platform graph graph/windows platform/cairo database/access database/store rain"},
     {"cli",
      "core commandline platform graph platform/cairo platform/odbc digitizing staging/lists staging/tasks "
      "chartfiles "

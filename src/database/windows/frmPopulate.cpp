@@ -43,19 +43,22 @@ frmPopulate::frmPopulate(Desk& desk, Dialogs& dialogs, Settings& settings, Hyete
   connect(mnuChangeSelectedDepth, &QAction::triggered, this, &frmPopulate::ChangeSelectedDepth);
   connect(mnuPopulateViewSelected, &QAction::triggered, this, &frmPopulate::ViewSelected);
   connect(cmdExit, &QPushButton::clicked, this, &QWidget::close);
+  connect(spFiles->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+          &frmPopulate::ShowConversion);
   connect(cmdRain, &QPushButton::clicked, this, &frmPopulate::ShowConvertedRain);
   connect(cmdBack, &QPushButton::clicked, this, [this] {
     desk_.Open(WindowId::PrePop);
     close();
   });
+  // Behind the first drawing, since it may take a while.
   if (!parts_.Instrument.empty())
-    QMetaObject::invokeMethod(this, &frmPopulate::ChooseFirst, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this, [this] { ChooseInstrument(parts_.Instrument); }, Qt::QueuedConnection);
 }
 
-// Behind the first drawing, since it may take a while.
-void frmPopulate::ChooseFirst() {
+void frmPopulate::ChooseInstrument(const std::string& code) {
   const auto found = std::ranges::find_if(
-      instruments_, [this](const std::string& code) { return EqualIgnoringCase(code, parts_.Instrument); });
+      instruments_, [&](const std::string& one) { return EqualIgnoringCase(Trim(one), Trim(code)); });
   if (found != instruments_.end())
     cboSelection->setCurrentIndex(static_cast<int>(found - instruments_.begin()));
 }
@@ -160,6 +163,17 @@ void frmPopulate::WriteChartRecords() {
   if (result.RowsWritten > 0 && parts_.ShowRain) converted_ = std::move(span);
   TellOutcome(result);
   LoadGrid();
+}
+
+// The grid has it too, but mostly out of sight.
+void frmPopulate::ShowConversion() {
+  const int row = spFiles->currentIndex().row();
+  const PopulateRow* chart = row < 0 ? nullptr : &charts_->Row(SourceRow(row));
+  labConverted->setVisible(chart != nullptr && chart->Written);
+  if (chart == nullptr || !chart->Written) return;
+  const auto cell = [chart](int column) { return CellText(*chart, PopulateColumns + column); };
+  labConverted->setText(ToQt("Converted on " + cell(0) + (cell(1).empty() ? "" : " by " + cell(1)) + ", " +
+                             cell(2) + " hours to GMT: " + cell(3)));
 }
 
 void frmPopulate::ShowConvertedRain() {

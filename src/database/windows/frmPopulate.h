@@ -5,6 +5,7 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QLabel>
 #include <QProgressBar>
 #include <QStatusBar>
 #include <QTableView>
@@ -41,6 +42,8 @@ class frmPopulate : public FormWindow {
   /// Shows the charts of the chosen instrument; nothing happens while none is chosen.
   void LoadGrid();
   void WriteChartRecords();
+  /// Shows the charts of an instrument; nothing happens where the database does not know it.
+  void ChooseInstrument(const std::string& code);
 
   QSize sizeHint() const override;
 
@@ -52,7 +55,6 @@ class frmPopulate : public FormWindow {
   void MakeGrid();
   void MakeLayout();
   void FillInstruments();
-  void ChooseFirst();
   void EnableCommands();
 
   ChosenRows Chosen() const;
@@ -61,6 +63,7 @@ class frmPopulate : public FormWindow {
   void ViewSelected();
   void TellOutcome(const ConversionResult& result);
   void ShowConvertedRain();
+  void ShowConversion();
   void ShowText(const std::string& path);
 
   Dialogs& dialogs_;
@@ -82,6 +85,7 @@ class frmPopulate : public FormWindow {
   QTableView* spFiles;
   QAction *mnuChangeSelectedDepth, *mnuPopulateViewSelected;
   QPushButton *cmdWrite, *cmdRain, *cmdBack, *cmdExit, *cmdCancel;
+  QLabel* labConverted;
   QStatusBar* StatusBar1;
   QProgressBar* barProgress;
 };

@@ -1,10 +1,9 @@
 #include "database/windows/populate_model.h"
 
-#include <QColor>
 #include <algorithm>
 
 #include "database/conversion/populate_choice.h"
-#include "platform/qt_surface.h"
+#include "platform/marked_cells.h"
 #include "platform/qt_text.h"
 
 namespace hyetex {
@@ -48,9 +47,8 @@ QVariant PopulateModel::data(const QModelIndex& index, int role) const {
           Qt::AlignVCenter |
           ((column >= 2 && column <= 4) || column == GmtColumn ? Qt::AlignRight : Qt::AlignLeft));
     case Qt::BackgroundRole:
-      return marked ? QVariant(ToQt(OverlapColour)) : QVariant();
     case Qt::ForegroundRole:
-      return marked ? QVariant(QColor(Qt::black)) : QVariant();
+      return marked ? MarkOf(role) : QVariant();
     case Qt::ToolTipRole:
     case Qt::AccessibleDescriptionRole:
       return marked ? QVariant(tr("Starts before the chart before it has ended")) : QVariant();
@@ -69,11 +67,6 @@ QVariant PopulateModel::headerData(int section, Qt::Orientation orientation, int
 
 bool PopulateOrder::lessThan(const QModelIndex& left, const QModelIndex& right) const {
   return StandsBefore(model_.Row(left.row()), model_.Row(right.row()), left.column());
-}
-
-void MarkedCells::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
-  QStyledItemDelegate::initStyleOption(option, index);
-  if (option->backgroundBrush.style() != Qt::NoBrush) option->state &= ~QStyle::State_Selected;
 }
 
 }  // namespace hyetex
