@@ -1,6 +1,7 @@
 // All commands of hyetex-cli with their options: the one place that says what may be asked of it.
 #include "cli/command_line.h"
 
+#include <cmath>
 #include <functional>
 #include <memory>
 
@@ -9,11 +10,14 @@
 #include "commandline/parser.h"
 #include "core/definitions.h"
 #include "core/files.h"
+#include "core/numbers.h"
 #include "core/records.h"
 #include "core/text.h"
 #include "database/conversion/population.h"
 #include "database/stations/synchronising.h"
 #include "editor/chart_views.h"
+#include "rain/rain_storms.h"
+#include "rain/rain_time.h"
 
 namespace hyetex::cli {
 namespace {
@@ -32,6 +36,7 @@ class CommandLine : public Description {
     AddFolderCommands();
     AddDatabaseCommands();
     AddConversionCommands();
+    AddRain();
     AddExchangeCommands();
   }
 
@@ -79,6 +84,7 @@ class CommandLine : public Description {
   void AddFolderCommands();
   void AddDatabaseCommands();
   void AddConversionCommands();
+  void AddRain();
   void AddExchangeCommands();
 };
 
@@ -324,6 +330,74 @@ void CommandLine::AddConversionCommands() {
                    ? std::string()
                    : "a number or None is wanted, not \"" + typed + "\"";
       });
+}
+
+// A day or a moment of local time.
+void AddTime(CLI::App& line, const std::string& option, std::optional<double>& time,
+             const std::string& help) {
+  line.add_option_function<std::string>(
+          option,
+          [option, &time](const std::string& text) {
+            const auto read = ReadRainTime(text);
+            if (!read) throw CLI::ValidationError(option, read.error());
+            time = *read;
+          },
+          help)
+      ->type_name("TIME");
+}
+
+void CommandLine::AddRain() {
+  auto rain =
+      Add("rain", "Sums an instrument's rows of CHART: steps, days, maxima, storms as CSV, and as files.",
+          RunRain,
+          "One of --step, --daily, --maxima and --storms is printed. Times are read and given in the "
+          "clock of\n--local, as 2001-03-05 or 2001-03-05T07:00. What of the time nothing is known of has "
+          "no depth and covered 0.\nWhat is odd about the rows is said on standard error.");
+  CLI::App& line = rain.Line;
+  RainWords& given = rain.Given;
+  AddDatabase(line, given);
+  rain.Name("--instrument", &RainWords::Instrument, "CODE", "the instrument")->required();
+  AddTime(line, "--from", given.From, "where to begin (default: with its first row)");
+  AddTime(line, "--to", given.To, "where to end, that moment left out (default: with its last row)");
+  AddNumber(line, "--local", given.Local, -MostHoursFromGmt, MostHoursFromGmt, "HOURS",
+            "what local time is ahead of GMT")
+      ->capture_default_str();
+  line.add_option_function<std::string>(
+          "--day-begins",
+          [&given](const std::string& text) {
+            const auto minutes = ReadDayBegins(text);
+            if (!minutes) throw CLI::ValidationError("--day-begins", minutes.error());
+            given.DayBegins = *minutes;
+          },
+          "when a day begins, in local time (default: 00:00)")
+      ->type_name("HH:MM");
+  CLI::Option* step = line.add_option("--step", given.Step, "print the depth of each step")
+                          ->type_name("MINUTES")
+                          ->check([](const std::string& text) {
+                            const auto minutes = LeadingNumber(text);
+                            return minutes == std::floor(minutes) && IsRainStep(static_cast<int>(minutes))
+                                       ? std::string()
+                                       : "whole minutes that divide a day are wanted, not \"" + text + "\"";
+                          });
+  CLI::Option* daily = line.add_flag("--daily", given.Daily, "print the depth of each day");
+  CLI::Option* maxima = line.add_flag(
+      "--maxima", given.Maxima, "print the greatest depths in 5 minutes to 24 hours, over every moment");
+  CLI::Option* storms =
+      line.add_flag("--storms", given.Storms, "print the storms; peaks are those of 5 minutes");
+  for (CLI::Option* one : {step, daily, maxima, storms})
+    for (CLI::Option* other : {step, daily, maxima, storms})
+      if (one != other) one->excludes(other);
+  AddNumber(line, "--dry", given.Dry, LeastDryHours, MostDryHours, "HOURS", "without rain end a storm")
+      ->capture_default_str();
+  rain.Name("--sef", &RainWords::Sef, "DIR",
+            "write SEF 1.0.0 files of the steps (of an hour without --step) and days into this folder");
+  rain.Name("--pdf", &RainWords::Pdf, "OUT",
+            "write a report of each year: a page a month, and one of maxima");
+  rain.Name("--png", &RainWords::Png, "OUT", "write a picture of the steps and their sum as PNG");
+  rain.Name("--svg", &RainWords::Svg, "OUT", "the same as SVG");
+  rain.Flag("--fill", &RainWords::Fill, "fill DAILy_CHART and Intensity_duration");
+  rain.Flag("--overwrite", &RainWords::Overwrite,
+            "with --fill: replace rows that are there; without it nothing is filled then");
 }
 
 void CommandLine::AddExchangeCommands() {

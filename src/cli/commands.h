@@ -120,6 +120,19 @@ struct RowsWords : DatabaseWords {
 };
 Exit RunRows(const RowsWords& words);  // rows_command.cpp
 
+struct RainWords : DatabaseWords {
+  std::string Instrument;
+  std::optional<double> From, To;  ///< `Date`s of local time
+  double Local = 0;                ///< hours that local time is ahead of GMT
+  int DayBegins = 0;               ///< minutes behind midnight
+  int Step = 0;                    ///< minutes; 0 for none
+  bool Daily = false, Maxima = false, Storms = false;
+  double Dry = 6;                  ///< hours
+  std::string Sef, Pdf, Png, Svg;  ///< where files go; empty for none
+  bool Fill = false, Overwrite = false;
+};
+Exit RunRain(const RainWords& words);  // rain_command.cpp
+
 struct ExportWords : DatabaseWords {
   std::string To;
   bool Unchanged = false;

@@ -53,6 +53,27 @@ Result<int> ReadDayBegins(std::string_view text) {
   return Failure("A time of day is wanted, as 07:00, not \"" + std::string(text) + "\"");
 }
 
+Result<Date> ReadRainTime(std::string_view text) {
+  constexpr std::string_view form = "0000-00-00T00:00:00";
+  const auto part = [&](std::size_t at, std::size_t size) {
+    int number = 0;
+    for (const char c : text.substr(at, size)) number = number * 10 + (c - '0');
+    return number;
+  };
+  bool isWhole = text.size() == 10 || text.size() == 16 || text.size() == form.size();
+  for (std::size_t i = 0; isWhole && i < text.size(); ++i) {
+    const bool isDigit = text[i] >= '0' && text[i] <= '9';
+    isWhole = form[i] == '0' ? isDigit : text[i] == form[i];
+  }
+  if (isWhole) {
+    const int hour = text.size() > 10 ? part(11, 2) : 0, minute = text.size() > 10 ? part(14, 2) : 0;
+    const int second = text.size() > 16 ? part(17, 2) : 0;
+    if (const auto day = TypedDate(text.substr(0, 10)); day && hour < 24 && minute < 60 && second < 60)
+      return *day + (hour * 3600 + minute * 60 + second) / static_cast<double>(SecondsPerDay);
+  }
+  return Failure("A time is wanted, as 2001-03-05 or 2001-03-05T07:00, not \"" + std::string(text) + "\"");
+}
+
 bool IsRainStep(int minutes) {
   return minutes > 0 && minutes <= MinutesPerDay && MinutesPerDay % minutes == 0;
 }

@@ -35,6 +35,9 @@ Date ToLocal(RainTime time, const RainClock& clock);
 /// "1998-03-05T12:10:00-07:00" by the clock; of a clock in GMT "+00:00".
 std::string IsoWithZone(RainTime time, const RainClock& clock);
 
+/// "2001-03-05", "2001-03-05T07:00" or with seconds behind it; fails, in words, on any other text and on what
+/// is not in the calendar.
+Result<Date> ReadRainTime(std::string_view text);
 /// "07:00" to minutes behind midnight; fails, in words, on any other text.
 Result<int> ReadDayBegins(std::string_view text);
 

@@ -119,10 +119,8 @@ cairo_status_t Append(void* bytes, const unsigned char* data, unsigned length) {
   return CAIRO_STATUS_SUCCESS;
 }
 
-}  // namespace
-
-Result<std::string> MakePicture(PictureFormat format, PageSize page, double margin, double pixelsPerInch,
-                                const std::function<void(Surface&)>& draw) {
+Result<std::string> Make(PictureFormat format, PageSize page, double margin, double pixelsPerInch, int count,
+                         const std::function<void(Surface&, int)>& draw) {
   const double scale = format == PictureFormat::Png ? pixelsPerInch / PointsPerInch : 1;
   const double width = page.Width * scale, height = page.Height * scale;
   const double most = format == PictureFormat::Png ? MostPixels : LongestPage;
@@ -148,10 +146,12 @@ Result<std::string> MakePicture(PictureFormat format, PageSize page, double marg
     const std::unique_ptr<cairo_t, Free> context(cairo_create(surface.get()));
     cairo_scale(context.get(), scale, scale);
     const Rect whole{0, 0, page.Width, page.Height};
-    CairoSurface(context.get(), whole).Clear();
-    CairoSurface drawn(context.get(), {margin, margin, page.Width - 2 * margin, page.Height - 2 * margin});
-    draw(drawn);
-    cairo_show_page(context.get());
+    for (int number = 0; number < count; ++number) {
+      CairoSurface(context.get(), whole).Clear();
+      CairoSurface drawn(context.get(), {margin, margin, page.Width - 2 * margin, page.Height - 2 * margin});
+      draw(drawn, number);
+      cairo_show_page(context.get());
+    }
     if (const cairo_status_t status = cairo_status(context.get()); status != CAIRO_STATUS_SUCCESS)
       return Failure(std::string("The picture cannot be drawn: ") + cairo_status_to_string(status));
   }
@@ -160,6 +160,18 @@ Result<std::string> MakePicture(PictureFormat format, PageSize page, double marg
   if (const cairo_status_t status = cairo_surface_status(surface.get()); status != CAIRO_STATUS_SUCCESS)
     return Failure(std::string("The picture cannot be made: ") + cairo_status_to_string(status));
   return bytes;
+}
+
+}  // namespace
+
+Result<std::string> MakePicture(PictureFormat format, PageSize page, double margin, double pixelsPerInch,
+                                const std::function<void(Surface&)>& draw) {
+  return Make(format, page, margin, pixelsPerInch, 1, [&](Surface& surface, int) { draw(surface); });
+}
+
+Result<std::string> MakePages(PageSize page, double margin, int count,
+                              const std::function<void(Surface&, int)>& draw) {
+  return Make(PictureFormat::Pdf, page, margin, PointsPerInch, count, draw);
 }
 
 }  // namespace hyetex

@@ -22,4 +22,8 @@ inline constexpr PageSize A4Portrait{595, 842}, A4Landscape{842, 595};
 Result<std::string> MakePicture(PictureFormat format, PageSize page, double margin, double pixelsPerInch,
                                 const std::function<void(Surface&)>& draw);
 
+/// The bytes of a PDF of `count` such pages, each drawn by `draw(surface, page)`, from 0.
+Result<std::string> MakePages(PageSize page, double margin, int count,
+                              const std::function<void(Surface&, int)>& draw);
+
 }  // namespace hyetex
