@@ -57,6 +57,7 @@ void frmRainfall::SaveCsv() {
   if (!path) return;
   const RainQuestion question = overview_->Question;
   const auto written = Worked([&](Progress& progress) {
+    const ClosedAfter closed(database_);
     return WriteRainCsv(database_, {.Instrument = question.Instrument, .Span = SpanOf(question)},
                         {.Minutes = overview_->StepMinutes}, question.Clock, *path, progress);
   });
@@ -75,6 +76,7 @@ void frmRainfall::SaveSef() {
   // Days have a file of their own.
   const int minutes = overview_->StepMinutes == RainDays.Minutes ? 60 : overview_->StepMinutes;
   const auto written = Worked([&](Progress& progress) {
+    const ClosedAfter closed(database_);
     return WriteRainSef(database_, {.Instrument = question.Instrument, .Span = SpanOf(question)}, minutes,
                         question.Clock, *folder, progress);
   });
@@ -100,10 +102,10 @@ void frmRainfall::FillTables() {
   if (isBusy_ || !overview_ || !services_.MayWrite()) return;
   const RainQuestion question = overview_->Question;
   const auto filled = Worked([&](Progress& progress) {
+    const ClosedAfter closed(database_);
     return FillRainTables(database_, {.Instrument = question.Instrument, .Span = SpanOf(question)},
                           question.Clock, dialogs_, progress);
   });
-  database_.Close();
   if (!filled) {
     labState->setText(ToQt("Nothing was filled: " + filled.error().Description));
     return Tell("Nothing was filled: " + filled.error().Description);
