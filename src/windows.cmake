@@ -3,7 +3,7 @@ find_package(Qt6 6.4 REQUIRED COMPONENTS Widgets PrintSupport SerialPort Svg)
 file(GLOB window_sources CONFIGURE_DEPENDS platform/*.cpp */windows/*.cpp platform/*.h */windows/*.h)
 add_library(hyetex_windows STATIC ${window_sources})
 set_target_properties(hyetex_windows PROPERTIES AUTOMOC ON)
-target_link_libraries(hyetex_windows PUBLIC hyetex_scan Qt6::Widgets Qt6::PrintSupport Qt6::SerialPort Qt6::Svg)
+target_link_libraries(hyetex_windows PUBLIC hyetex_scan hyetex_cairo Qt6::Widgets Qt6::PrintSupport Qt6::SerialPort Qt6::Svg)
 hyetex_precompile(hyetex_windows <QtWidgets> <string> <vector>)
 
 # An object library: what nothing refers to by name would be left out of a static one.

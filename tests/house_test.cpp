@@ -56,10 +56,11 @@ const std::vector<Room> Rooms = {
     {"database/windows",
      "core platform platform/odbc staging/lists chartfiles database/access database/store "
      "database/conversion database/stations database/tables"},
-    {"editor/windows", "core platform graph chartfiles editor"},
+    {"graph/windows", "core platform graph"},
+    {"editor/windows", "core platform graph graph/windows chartfiles editor"},
     {"alpha/windows", "core platform graph staging/lists alpha"},
     {"exchange/windows", "core platform database/access exchange"},
-    {"rain/windows", "core platform graph staging/lists rain"},
+    {"rain/windows", "core platform graph graph/windows platform/cairo database/access database/store rain"},
     {"cli",
      "core commandline platform graph platform/cairo platform/odbc digitizing staging/lists staging/tasks "
      "chartfiles "

@@ -48,6 +48,7 @@ const AppDesk::WindowKind AppDesk::Windows[] = {
     {WindowId::Alpha, true, false, &AppDesk::MakeAlpha},
     {WindowId::PrePop, true, false, &AppDesk::MakePrePop},
     {WindowId::Populate, true, false, &AppDesk::MakePopulate},
+    {WindowId::Rainfall, true, false, &AppDesk::MakeRainfall},
     {WindowId::MainMenu, false, false, &AppDesk::MakeMainMenu},
     {WindowId::LargeView, false, false, &AppDesk::MakeLargeView},
     {WindowId::CreateTable, false, false, &AppDesk::MakeCreateTable},

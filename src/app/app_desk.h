@@ -13,7 +13,9 @@
 #include "core/desk.h"
 #include "digitizing/windows/frmHyetex.h"
 #include "digitizing/windows/mdiHyetex.h"
+#include "editor/windows/frmEditor.h"
 #include "platform/dialogs.h"
+#include "rain/windows/frmRainfall.h"
 #include "staging/tasks/activation.h"
 #include "staging/windows/frmLogin.h"
 #include "staging/windows/frmTaskDef.h"
@@ -81,6 +83,13 @@ class AppDesk : public Desk {
   QWidget* MakeSelectTable();  // table_windows.cpp
   QWidget* MakeTableEditor();
   bool EditTable(std::size_t entry);
+  QWidget* MakeRainfall();  // rain_windows.cpp
+  void ShowRain(RainTarget target);
+  void OpenStoredChart(const std::string& instrument, Date chartDate);
+  void StageChart(const std::string& instrument, Date from, Date to);
+  void ConvertCharts(const std::string& instrument);
+  /// Whether the operator has the right; tells if not.
+  bool HasRight(Right right);
   QWidget* MakeExchange();  // exchange_windows.cpp
   QWidget* MakeTableExchange();
   bool MayImport();
@@ -112,6 +121,9 @@ class AppDesk : public Desk {
   std::unique_ptr<CommentTarget> commentTarget_;  // of the comment window that is about to open
   TaskJob taskJob_;                               // of the task definition that is about to open
   std::size_t editedTable_ = 0;                   // of the list of tables
+  std::string populateInstrument_;                // of the populate window that is about to open
+  std::optional<RainTarget> rainTarget_;          // of the window of rain that is about to open
+  std::optional<EditorStart> editorStart_;        // of the editor that is about to open
   bool backToTasks_ = false;                      // once the digitizing window closes
   bool ending_ = false;
 

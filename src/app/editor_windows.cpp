@@ -36,6 +36,7 @@ QWidget* AppDesk::MakeEditor() {
                        {.Stations = program_.Lists.Stations,
                         .ChartTypes = program_.Lists.ChartTypes,
                         .Stored = std::move(stored),
+                        .First = std::exchange(editorStart_, std::nullopt),
                         .MinimalLapse = program_.Computation.MinimalLapse,
                         .OpenComment = [this] {
                           if (auto* editor = qobject_cast<frmEditor*>(Window(WindowId::Editor)))

@@ -10,8 +10,9 @@ QWidget* AppDesk::MakePrePop() {
 }
 
 QWidget* AppDesk::MakePopulate() {
-  return new frmPopulate(*this, dialogs_, program_.Settings, program_.Database, program_.Lists,
-                         program_.Computation, program_.User().Name);
+  return new frmPopulate(
+      *this, dialogs_, program_.Settings, program_.Database, program_.Lists, program_.Computation,
+      {.User = program_.User().Name, .Instrument = std::exchange(populateInstrument_, {})});
 }
 
 }  // namespace hyetex

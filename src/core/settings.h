@@ -89,12 +89,18 @@ inline constexpr FlagKey UseAlpha{"frmPrePop-Alpha"};
 // exchange
 inline constexpr TextKey ExchangeFolder{"Exchange-Folder"};  ///< without it the program folder's "Data"
 
+// rain
+inline constexpr TextKey RainFolder{"frmRainfall-Folder"};  ///< of the files; without it the target folder
+inline constexpr Int16Key RainDayBegins{"frmRainfall-DayHour"};      ///< hours behind midnight
+inline constexpr TextKey RainDryHours{"frmRainfall-DryHours", "6"};  ///< as typed
+
 /// The whole table.
 inline constexpr std::array All = std::to_array<SettingKey>(
-    {PlaceTop,   PlaceLeft,   SerialPort,   ViewHeight,    BoardPlace,      CommentCode,  EditorChart,
-     UserName,   HelpSite,    TargetFolder, DigitizerType, ComPort,         CurrentChart, DefaultsChart,
-     TaskRow,    TaskStation, TaskBegin,    TaskEnd,       TaskReliability, DatabaseName, LoadSource,
-     LoadTarget, LoadMoves,   GmtHours,     UseAlpha,      ExchangeFolder});
+    {PlaceTop,        PlaceLeft,      SerialPort, ViewHeight,    BoardPlace,    CommentCode,
+     EditorChart,     UserName,       HelpSite,   TargetFolder,  DigitizerType, ComPort,
+     CurrentChart,    DefaultsChart,  TaskRow,    TaskStation,   TaskBegin,     TaskEnd,
+     TaskReliability, DatabaseName,   LoadSource, LoadTarget,    LoadMoves,     GmtHours,
+     UseAlpha,        ExchangeFolder, RainFolder, RainDayBegins, RainDryHours});
 
 }  // namespace setting
 

@@ -5,7 +5,7 @@
 namespace hyetex {
 namespace {
 
-constexpr std::array<MenuCommand, 9> Commands{{
+constexpr std::array<MenuCommand, 10> Commands{{
     {.Name = "cmdLists",
      .Caption = "Edit &Information Needed to Digitize Charts",
      .Group = MenuGroup::Digitize,
@@ -55,6 +55,12 @@ constexpr std::array<MenuCommand, 9> Commands{{
      .Caption = "Export or Import &Rainfall Intensity Data as XML",
      .Group = MenuGroup::Share,
      .Opens = WindowId::Exchange},
+    {.Name = "cmdRainfall",
+     .Caption = "Rainfall Resul&ts",
+     .Group = MenuGroup::Share,
+     .Opens = WindowId::Rainfall,
+     .NeedsDatabase = true,
+     .LeavesMenu = true},
 }};
 
 }  // namespace

@@ -64,7 +64,8 @@ TEST_F(Keys, MeanOneThingInEachWindow) {
         std::pair{WindowId::Load, "frmLoad"}, std::pair{WindowId::PrePop, "frmPrePop"},
         std::pair{WindowId::Populate, "frmPopulate"}, std::pair{WindowId::Editor, "frmEditor"},
         std::pair{WindowId::Alpha, "frmAlpha"}, std::pair{WindowId::SelectTable, "frmSelectTable"},
-        std::pair{WindowId::Exchange, "frmCompress"}, std::pair{WindowId::TableExchange, "frmXMLExport"}}) {
+        std::pair{WindowId::Exchange, "frmCompress"}, std::pair{WindowId::TableExchange, "frmXMLExport"},
+        std::pair{WindowId::Rainfall, "frmRainfall"}}) {
     desk_->Open(id);
     Check(id, name);
     QWidget* window = desk_->Window(id);

@@ -61,6 +61,7 @@ TEST_F(MainMenu, ShowsAllCommandsAndDisablesThoseWithoutWindow) {
                           {"cmdDataBase", "Select Database Source"},
                           {"cmdSelectDatabaseEdit", "Edit Database Records"},
                           {"cmdCompress", "Export or Import Rainfall Intensity Data as XML"},
+                          {"cmdRainfall", "Rainfall Results"},
                           {"cmdViewSettings", "View and Edit Program Definitions File (definitions.dat)"},
                           {"cmdHelp", "HELP"},
                           {"cmdExit", "EXIT"}};

@@ -7,6 +7,7 @@
 #include <QPixmap>
 #include <QStyleFactory>
 #include <QTabBar>
+#include <QTabWidget>
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QThread>
@@ -178,9 +179,38 @@ void TakePopulating(AppDesk& desk, Camera& camera) {
   desk.Open(WindowId::Populate);
   QWidget* populate = desk.Window(WindowId::Populate);
   if (auto* instruments = camera.Find<QComboBox>(populate, "cboSelection")) instruments->setCurrentIndex(0);
+  if (auto* all = camera.Find<QPushButton>(populate, "cmdWrite")) all->click();
+  if (auto* all = camera.Find<QCheckBox>(populate, "chkShowAll")) all->setChecked(true);
   camera.Take(populate, "frmPopulate");
   for (const WindowId id : {WindowId::Populate, WindowId::PrePop})
     if (QWidget* window = desk.Window(id)) window->close();
+}
+
+// Of the charts that the database begins with in CHART.
+void TakeRain(AppDesk& desk, Camera& camera) {
+  desk.Open(WindowId::Rainfall);
+  QWidget* rain = desk.Window(WindowId::Rainfall);
+  const auto settle = [] {
+    for (int i = 0; i < 40; ++i) {
+      QThread::msleep(10);
+      QApplication::processEvents();
+    }
+  };
+  settle();
+  auto* tabs = camera.Find<QTabWidget>(rain, "tabTables");
+  auto* years = camera.Find<QComboBox>(rain, "comYear");
+  if (tabs == nullptr || years == nullptr) return;
+  tabs->setCurrentIndex(2);
+  camera.Take(rain, "frmRainfall");
+  years->setCurrentIndex(years->findText("1998"));
+  tabs->setCurrentIndex(3);
+  settle();
+  camera.Take(rain, "frmRainfall-year");
+  tabs->setCurrentIndex(5);
+  settle();
+  camera.Take(rain, "frmRainfall-charts");
+  camera.Take(desk.ShellWindow(), "mdiHyetex-rain");
+  if (rain) rain->close();
 }
 
 void TakeAlpha(AppDesk& desk, Camera& camera) {
@@ -319,6 +349,7 @@ Result<void> TakePictures(const std::string& programFolder, const std::string& p
     TakeConnections(desk, camera);
     TakeLoading(desk, camera);
     TakePopulating(desk, camera);
+    TakeRain(desk, camera);
     TakeAlpha(desk, camera);
     TakeEditor(desk, camera);
     TakeTables(desk, camera);

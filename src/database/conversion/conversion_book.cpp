@@ -62,6 +62,62 @@ DbResult<bool> HasConversionBook(Connection& connection) {
   return found->has_value();
 }
 
+std::string HowConverted(const ChartConversion& conversion) {
+  std::string text = conversion.Manual ? "Manual" : "Digitized";
+  if (conversion.ChosenDepth)
+    text += " " + RoundedText(*conversion.ChosenDepth, 2) + " mm";
+  else
+    text += ", no depth known";
+  if (conversion.Alpha) text += ", alpha " + RoundedText(*conversion.Alpha, 5);
+  if (conversion.Variables.MinimalLapse > 0)
+    text += ", lapse " + ShortText(conversion.Variables.MinimalLapse) + " min";
+  return text + ", " + std::to_string(conversion.Rows) + (conversion.Rows == 1 ? " row" : " rows");
+}
+
+DbResult<std::map<std::int64_t, WrittenConversion>> ReadConversionBook(HyetexPlotDB& database,
+                                                                       const std::string& code) {
+  std::map<std::int64_t, WrittenConversion> book;
+  const auto has = HasConversionBook(database.DatabaseConnection);
+  if (!has) return tl::unexpected(has.error());
+  if (!*has) return book;
+  if (const auto opened = database.OpenAnyTable(table_name::Conversion, OfInstrument(code)); !opened)
+    return tl::unexpected(opened.error());
+  Recordset& table = database.AnyTable;
+  const auto walked = ForEachRow(table, [&]() -> DbResult<bool> {
+    std::optional<DbError> error;
+    const auto value = [&](const char* name) {
+      DbResult<DbValue> read = table.HasField(name) ? table.Value(name) : DbValue();
+      if (!read) error = read.error();
+      return read.value_or(DbValue());
+    };
+    const auto known = [](const DbValue& read) {
+      return IsNull(read) ? std::nullopt : std::optional(NumberOf(read));
+    };
+    WrittenConversion one;
+    one.InstrumentCode = code;
+    one.ChartDate = DateOf(value(column::ChartDate));
+    one.First = DateOf(value(column::FirstTime));
+    one.Last = DateOf(value(column::LastTime));
+    one.Variables.GmtShift = static_cast<float>(NumberOf(value(column::GmtHours)) / 24);
+    one.Variables.MinimalLapse = static_cast<float>(NumberOf(value(column::MinimalLapse)));
+    one.Alpha = known(value(column::Alpha));
+    one.Variables.UseAlpha = one.Alpha.has_value();
+    one.Manual = EqualIgnoringCase(Trim(TextOf(value(column::SelectedDepth))), "Manual");
+    one.ChosenDepth = known(value(column::ChosenDepth));
+    one.Rows = static_cast<std::int64_t>(NumberOf(value(column::RowCount)));
+    one.User = std::string(Trim(TextOf(value(column::UserName))));
+    one.When = DateOf(value(column::ConversionTime));
+    one.Number = static_cast<std::int64_t>(NumberOf(value(column::ConversionNumber)));
+    if (error) return tl::unexpected(*error);
+    WrittenConversion& kept = book[SecondsOf(one.ChartDate)];
+    if (kept.InstrumentCode.empty() || kept.Number <= one.Number) kept = std::move(one);
+    return true;
+  });
+  table.Close();
+  if (!walked) return tl::unexpected(walked.error());
+  return book;
+}
+
 DbResult<std::vector<ConvertedSpan>> ConvertedSpans(HyetexPlotDB& database, const std::string& code,
                                                     std::span<const Date> chartDates) {
   Selection selection = OfInstrument(code);

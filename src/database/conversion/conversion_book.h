@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
@@ -33,7 +34,21 @@ struct ChartConversion {
   std::int64_t Rows = 0;
 };
 
+/// What is written down of a chart, with when and by whom.
+struct WrittenConversion : ChartConversion {
+  Date When = 0;     ///< 0 where it is not told
+  std::string User;  ///< empty where nobody could tell
+  std::int64_t Number = 0;
+};
+/// How it was converted, in words: "Digitized 53.11 mm, alpha 0.00431, lapse 5 min, 103 rows".
+std::string HowConverted(const ChartConversion& conversion);
+
 DbResult<bool> HasConversionBook(Connection& connection);
+
+/// All that is written down of an instrument, of each chart (by its second, SecondsOf) the latest; none where
+/// the database has no book. A column that the table lacks reads as empty.
+DbResult<std::map<std::int64_t, WrittenConversion>> ReadConversionBook(HyetexPlotDB& database,
+                                                                       const std::string& code);
 
 /// What is written down of some charts of an instrument.
 DbResult<std::vector<ConvertedSpan>> ConvertedSpans(HyetexPlotDB& database, const std::string& code,

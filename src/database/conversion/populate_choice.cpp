@@ -23,6 +23,12 @@ ComputationVariables ReadComputation(bool useAlpha, std::string_view lapse, std:
 }
 
 bool StandsBefore(const PopulateRow& a, const PopulateRow& b, int column) {
+  if (column >= PopulateColumns) {
+    if (!a.Written || !b.Written) return !a.Written && b.Written;
+    if (column == PopulateColumns) return a.Written->When < b.Written->When;
+    if (column == PopulateColumns + 2) return a.Written->Variables.GmtShift < b.Written->Variables.GmtShift;
+    return CellText(a, column) < CellText(b, column);
+  }
   const auto& left = a.Cells[static_cast<std::size_t>(column)];
   const auto& right = b.Cells[static_cast<std::size_t>(column)];
   switch (column) {

@@ -56,6 +56,9 @@ DbResult<std::vector<PopulateRow>> LoadGrid(HyetexPlotDB& database, const std::s
   std::vector<PopulateRow> rows;
   if (instrumentCode.empty()) return rows;
   const ClosedAfter closed(database);
+  if (const auto opened = database.OpenDatabase(); !opened) return tl::unexpected(opened.error());
+  const auto book = ReadConversionBook(database, instrumentCode);
+  if (!book) return tl::unexpected(book.error());
   Selection selection = ChartAsciiOf(instrumentCode);
   selection.LongWithRow = true;  // another program may replace the record meanwhile
   if (const auto opened = database.OpenChartAscii(std::move(selection)); !opened)
@@ -73,6 +76,8 @@ DbResult<std::vector<PopulateRow>> LoadGrid(HyetexPlotDB& database, const std::s
     const auto chart = ReadHead(table, reader);
     if (!chart) return tl::unexpected(chart.error());
     PopulateRow row = RowOf(*chart, DateOf(*date), variables.DefaultDepthManual);
+    if (const auto written = book->find(SecondsOf(row.ChartDate)); written != book->end())
+      row.Written = written->second;
     row.Overlaps =
         !rows.empty() && std::floor(row.Start) == std::floor(rows.back().End) && rows.back().End > row.Start;
     rows.push_back(std::move(row));
@@ -82,6 +87,21 @@ DbResult<std::vector<PopulateRow>> LoadGrid(HyetexPlotDB& database, const std::s
   std::stable_sort(rows.begin(), rows.end(),
                    [](const PopulateRow& a, const PopulateRow& b) { return a.Start < b.Start; });
   return rows;
+}
+
+std::string CellText(const PopulateRow& row, int column) {
+  if (column < PopulateColumns) return row.Cells[static_cast<std::size_t>(column)];
+  if (!row.Written) return {};
+  switch (column - PopulateColumns) {
+    case 0:
+      return row.Written->When == 0 ? std::string() : GeneralDateText(row.Written->When);
+    case 1:
+      return row.Written->User;
+    case 2:
+      return RoundedText(static_cast<double>(row.Written->Variables.GmtShift) * 24, 2);
+    default:
+      return HowConverted(*row.Written);
+  }
 }
 
 void ToggleSelectedDepth(PopulateRow& row) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/files.h"
+#include "core/text.h"
 #include "database/conversion/data_log.h"
 #include "database/store/instruments.h"
 #include "platform/qt_text.h"
@@ -22,14 +23,14 @@ constexpr std::size_t MostBytesShown = 16U << 20;
 }  // namespace
 
 frmPopulate::frmPopulate(Desk& desk, Dialogs& dialogs, Settings& settings, HyetexPlotDB& database,
-                         const ReferenceLists& lists, ComputationVariables& variables, std::string user,
+                         const ReferenceLists& lists, ComputationVariables& variables, PopulateParts parts,
                          QWidget* parent)
     : FormWindow("frmPopulate", WindowId::Populate, desk, settings, parent),
       dialogs_(dialogs),
       database_(database),
       lists_(lists),
       variables_(variables),
-      user_(std::move(user)) {
+      parts_(std::move(parts)) {
   setWindowTitle(tr("Populate CHART Table in Database with Time-Depth Data "));
   MakeControls();
   MakeLayout();
@@ -42,10 +43,24 @@ frmPopulate::frmPopulate(Desk& desk, Dialogs& dialogs, Settings& settings, Hyete
   connect(mnuChangeSelectedDepth, &QAction::triggered, this, &frmPopulate::ChangeSelectedDepth);
   connect(mnuPopulateViewSelected, &QAction::triggered, this, &frmPopulate::ViewSelected);
   connect(cmdExit, &QPushButton::clicked, this, &QWidget::close);
+  connect(spFiles->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+          &frmPopulate::ShowConversion);
+  connect(cmdRain, &QPushButton::clicked, this, &frmPopulate::ShowConvertedRain);
   connect(cmdBack, &QPushButton::clicked, this, [this] {
     desk_.Open(WindowId::PrePop);
     close();
   });
+  // Behind the first drawing, since it may take a while.
+  if (!parts_.Instrument.empty())
+    QMetaObject::invokeMethod(
+        this, [this] { ChooseInstrument(parts_.Instrument); }, Qt::QueuedConnection);
+}
+
+void frmPopulate::ChooseInstrument(const std::string& code) {
+  const auto found = std::ranges::find_if(
+      instruments_, [&](const std::string& one) { return EqualIgnoringCase(Trim(one), Trim(code)); });
+  if (found != instruments_.end())
+    cboSelection->setCurrentIndex(static_cast<int>(found - instruments_.begin()));
 }
 
 void frmPopulate::Closing() { variables_ = {}; }
@@ -62,6 +77,7 @@ void frmPopulate::EnableCommands() {
   const bool any = charts_->rowCount() > 0;
   for (QAction* action : {mnuChangeSelectedDepth, mnuPopulateViewSelected}) action->setEnabled(any);
   cmdWrite->setEnabled(any);
+  cmdRain->setEnabled(converted_.has_value());
 }
 
 void frmPopulate::LoadGrid() {
@@ -124,26 +140,44 @@ void frmPopulate::WriteChartRecords() {
   const auto rows = RowsToConvert(Chosen(), order_->rowCount(), dialogs_);
   if (!rows) return;
   std::vector<ChartToConvert> charts;
+  Converted span{instruments_[static_cast<std::size_t>(cboSelection->currentIndex())]};
   for (const int row : *rows) {
     const PopulateRow& chart = charts_->Row(SourceRow(row));
     charts.push_back({.ChartDate = chart.ChartDate, .Manual = chart.Manual});
+    span.From = charts.size() == 1 ? chart.Start : std::min(span.From, chart.Start);
+    span.To = std::max(span.To, chart.End);
   }
   const ConversionOptions options{.Variables = variables_,
                                   .Overwrite = chkOverwrite->isChecked(),
                                   .Log = chkDataLog->isChecked(),
                                   .LogFolder = settings_.Folder(),
-                                  .User = user_};
+                                  .User = parts_.User};
   ConversionResult result;
   {
     ShownProgress progress(*barProgress, *cmdCancel, [this](const std::string& what) {
       StatusBar1->showMessage(QString::fromStdString(what));
     });
-    result = hyetex::WriteChartRecords(database_, lists_,
-                                       instruments_[static_cast<std::size_t>(cboSelection->currentIndex())],
-                                       charts, options, dialogs_, progress);
+    result =
+        hyetex::WriteChartRecords(database_, lists_, span.Instrument, charts, options, dialogs_, progress);
   }
+  if (result.RowsWritten > 0 && parts_.ShowRain) converted_ = std::move(span);
   TellOutcome(result);
   LoadGrid();
+}
+
+// The grid has it too, but mostly out of sight.
+void frmPopulate::ShowConversion() {
+  const int row = spFiles->currentIndex().row();
+  const PopulateRow* chart = row < 0 ? nullptr : &charts_->Row(SourceRow(row));
+  labConverted->setVisible(chart != nullptr && chart->Written);
+  if (chart == nullptr || !chart->Written) return;
+  const auto cell = [chart](int column) { return CellText(*chart, PopulateColumns + column); };
+  labConverted->setText(ToQt("Converted on " + cell(0) + (cell(1).empty() ? "" : " by " + cell(1)) + ", " +
+                             cell(2) + " hours to GMT: " + cell(3)));
+}
+
+void frmPopulate::ShowConvertedRain() {
+  if (converted_) parts_.ShowRain(converted_->Instrument, converted_->From, converted_->To);
 }
 
 void frmPopulate::TellOutcome(const ConversionResult& result) {

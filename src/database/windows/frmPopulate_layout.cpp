@@ -6,6 +6,7 @@
 
 #include "database/windows/frmPopulate.h"
 #include "platform/controls.h"
+#include "platform/marked_cells.h"
 #include "platform/menu_key.h"
 
 namespace hyetex {
@@ -23,10 +24,16 @@ void frmPopulate::MakeControls() {
   chkOverwrite->setToolTip(tr("Replaces what CHART already has for the time of a chart without a question"));
 
   MakeGrid();
+  labConverted = Named(new QLabel, "labConverted");
+  labConverted->setTextFormat(Qt::PlainText);
+  labConverted->setWordWrap(true);
+  labConverted->hide();
 
   cmdWrite =
       Named(new QPushButton(tr("&Convert Ascii Files to Time-Depth Data and Populate Database")), "cmdWrite");
   cmdWrite->setToolTip(tr("Converts the selected block of charts; without a block, asks which"));
+  cmdRain = Named(new QPushButton(tr("Show Converted &Rain")), "cmdRain");
+  cmdRain->setToolTip(tr("Shows as a picture what the last conversion has given"));
   cmdBack = Named(new QPushButton(tr("<< &Back")), "cmdBack");
   cmdExit = Named(new QPushButton(tr("Return to Main Me&nu")), "cmdExit");
   cmdCancel = Named(new QPushButton(tr("Canc&el")), "cmdCancel");
@@ -68,6 +75,12 @@ void frmPopulate::MakeGrid() {
   for (int column = 0; column < PopulateColumns; ++column)
     spFiles->setColumnWidth(
         column, fontMetrics().horizontalAdvance(PopulateTitles[static_cast<std::size_t>(column)]) + room);
+
+  // Those that tell how charts were converted come and go with the charts that were.
+  connect(charts_, &QAbstractItemModel::modelReset, spFiles, [this] {
+    for (int column = PopulateColumns; column < charts_->columnCount(); ++column)
+      spFiles->resizeColumnToContents(column);
+  });
 
   // The menu of the right button and of the menu key.
   const auto add = [&](QAction*& action, const char* name, const QString& caption, const QKeySequence& keys) {
@@ -111,18 +124,22 @@ void frmPopulate::MakeLayout() {
   buttons->addWidget(cmdBack);
   buttons->addWidget(cmdExit);
   buttons->addStretch();
+  buttons->addWidget(cmdRain);
+  if (!parts_.ShowRain) cmdRain->hide();
   buttons->addWidget(cmdWrite);
 
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(intro);
   layout->addLayout(choice);
   layout->addWidget(spFiles, 1);
+  layout->addWidget(labConverted);
   layout->addLayout(options);
   layout->addLayout(buttons);
   layout->addWidget(StatusBar1);
   SetKeyButtons(cmdWrite, cmdExit);
 
-  LinkTabs({cboSelection, chkShowAll, spFiles, chkDataLog, chkOverwrite, cmdWrite, cmdBack, cmdExit});
+  LinkTabs(
+      {cboSelection, chkShowAll, spFiles, chkDataLog, chkOverwrite, cmdWrite, cmdRain, cmdBack, cmdExit});
 }
 
 // All columns, and about a dozen and a half of charts.

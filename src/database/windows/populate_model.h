@@ -3,16 +3,11 @@
 
 #include <QAbstractTableModel>
 #include <QSortFilterProxyModel>
-#include <QStyledItemDelegate>
 #include <vector>
 
-#include "core/colour.h"
 #include "database/conversion/populate_grid.h"
 
 namespace hyetex {
-
-/// Behind the start of a chart that begins before the one before it has ended: a light red.
-inline constexpr Rgb OverlapColour{0xFF, 0x80, 0x80};
 
 class PopulateModel : public QAbstractTableModel {
   Q_OBJECT
@@ -32,6 +27,7 @@ class PopulateModel : public QAbstractTableModel {
 
  private:
   std::vector<PopulateRow> rows_;
+  bool hasBook_ = false;  // the further columns have something to tell
 };
 
 /// Sorts by what the cells mean, not by their texts.
@@ -46,17 +42,6 @@ class PopulateOrder : public QSortFilterProxyModel {
 
  private:
   const PopulateModel& model_;
-};
-
-/// Draws a marked cell in its mark's colour also where its row is selected.
-class MarkedCells : public QStyledItemDelegate {
-  Q_OBJECT
-
- public:
-  using QStyledItemDelegate::QStyledItemDelegate;
-
- protected:
-  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
 };
 
 }  // namespace hyetex

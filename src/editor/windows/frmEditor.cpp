@@ -53,6 +53,7 @@ frmEditor::frmEditor(Desk& desk, Dialogs& dialogs, Settings& settings, EditorPar
       chartTypes_(parts.ChartTypes),
       minimalLapse_(parts.MinimalLapse),
       openComment_(std::move(parts.OpenComment)),
+      first_(std::move(parts.First)),
       folder_(TargetFolder(settings), parts.Stations),
       stored_(std::move(parts.Stored)),
       source_(stored_ ? *stored_ : folder_),
@@ -76,7 +77,7 @@ void frmEditor::showEvent(QShowEvent* event) {
   QMetaObject::invokeMethod(
       this,
       [this] {
-        UpdateList();
+        ListFirst();
         lstAscii->setFocus();
       },
       Qt::QueuedConnection);
@@ -186,6 +187,27 @@ void frmEditor::ChangeFolder() {
   }
   folder_.SetFolder(dirFolder_->Folder());
   if (stored_ == nullptr) UpdateList();
+}
+
+// All charts, or those of the instrument of which one is to be opened.
+void frmEditor::ListFirst() {
+  if (first_) {
+    const QSignalBlocker quiet(comStation);
+    const auto station = std::ranges::find_if(stations_, [this](const StationRecord& one) {
+      return EqualIgnoringCase(one.InstrumentCode, Trim(first_->InstrumentCode));
+    });
+    if (station != stations_.end())
+      comStation->setCurrentIndex(
+          std::max(0, comStation->findData(static_cast<int>(station - stations_.begin()))));
+  }
+  UpdateList();
+  if (!first_) return;
+  const std::string name = ChartFileName(std::string(Trim(first_->InstrumentCode)), first_->ChartDate);
+  for (int row = 0; row < lines_.rowCount(); ++row)
+    if (EqualIgnoringCase(lines_.Files()[static_cast<std::size_t>(row)].FileName, name))
+      return SelectRow(row);
+  labListNotes->setText(ToQt("The chart " + ShownText(name) + " is no longer in the database."));
+  labListNotes->show();
 }
 
 std::vector<ChartFileInfo> frmEditor::Selected() const {

@@ -34,11 +34,18 @@
 
 namespace hyetex {
 
+/// A stored chart.
+struct EditorStart {
+  std::string InstrumentCode;
+  Date ChartDate = 0;
+};
+
 /// What the editor works on. The lists must outlive it.
 struct EditorParts {
   const std::vector<StationRecord>& Stations;
   const std::vector<ChartTypeRecord>& ChartTypes;
   std::unique_ptr<ChartSource> Stored = {};  ///< the charts of the database; null for those of the folder
+  std::optional<EditorStart> First = {};     ///< of the database: is opened first
   float MinimalLapse = 0;                    ///< minutes, of the series
   std::function<void()> OpenComment = {};    ///< asks for a comment on the chart that is open
 };
@@ -106,6 +113,7 @@ class frmEditor : public FormWindow {
   void SelectOpen();
   void GoTo(int step);
   void OpenCurrent();
+  void ListFirst();
   void ChangeFolder();
   std::vector<ChartFileInfo> Selected() const;
   std::unique_ptr<ShownProgress> Shown();
@@ -139,6 +147,7 @@ class frmEditor : public FormWindow {
   const std::vector<ChartTypeRecord>& chartTypes_;
   const float minimalLapse_;
   const std::function<void()> openComment_;
+  const std::optional<EditorStart> first_;
   FolderCharts folder_;
   const std::unique_ptr<ChartSource> stored_;
   ChartSource& source_;

@@ -57,6 +57,29 @@ TEST_P(PopulateGrid, ShowsConvertedChartsOnDemand) {
   EXPECT_THAT(Load("RG12"), SizeIs(2));
 }
 
+TEST_P(PopulateGrid, TellsHowChartsWereConverted) {
+  Store({.Alpha = "0.0043"});
+  Store({.Start = MakeDate(1998, 3, 6), .End = MakeDate(1998, 3, 7)});
+  Options.User = "Nadia";
+  Options.Overwrite = true;
+  Options.Variables = {.UseAlpha = true, .MinimalLapse = 5, .GmtShift = -3.5F / 24};
+  Convert({MakeDate(1998, 3, 5, 10)});
+  Options.User.clear();
+  Convert({MakeDate(1998, 3, 5, 10)});  // the later one counts
+  const auto told = [this](int row) {
+    std::vector<std::string> cells;
+    const auto rows = Load("RG12", true);
+    for (int column = PopulateColumns; column < PopulateColumns + BookColumns; ++column)
+      cells.push_back(CellText(rows.at(static_cast<std::size_t>(row)), column));
+    return cells;
+  };
+  EXPECT_THAT(told(0), ElementsAre(::testing::HasSubstr("/20"), "", "-3.5",
+                                   "Digitized 10 mm, alpha 0.0043, lapse 5 min, 4 rows"));
+  EXPECT_THAT(told(1), ElementsAre("", "", "", ""));
+  Run("DROP TABLE chart_conversion");
+  EXPECT_THAT(told(0), ElementsAre("", "", "", ""));
+}
+
 // As text, 31/12/98 stands behind 01/01/99.
 TEST_P(PopulateGrid, SortsByDateAndMarksOverlapInTableOrder) {
   const Date newYear = MakeDate(1999, 1, 1, 9);
