@@ -11,7 +11,7 @@ namespace hyetex {
 namespace {
 
 constexpr std::int64_t RowsInOneStep = 4096;
-constexpr RainTime DaysAtOnce = 16, MostStretches = 2000;
+constexpr RainTime DaysAtOnce = 64, MostStretches = 2000;
 
 DbDate DateAt(RainTime time) { return {static_cast<double>(time) / SecondsPerDay}; }
 
