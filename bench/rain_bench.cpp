@@ -3,6 +3,7 @@
 // which is wanted within a second. HYETEX_RAIN_ROWS and HYETEX_RAIN_OTHERS make both smaller.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 
@@ -32,7 +33,7 @@ std::int64_t CountOf(const char* variable, std::int64_t otherwise) {
 void MakeRows(BenchDatabase& place, bool postgres, const char* code, std::int64_t rows) {
   const std::int64_t seconds = (RainTime{Years} * 365 * DaySeconds / rows) / 10 * 10;
   const std::string step = std::to_string(seconds), count = std::to_string(rows);
-  const std::string depth = "CASE WHEN n % 3 = 0 THEN (n * 7919 % 97) * 0.01 ELSE 0 END";
+  const std::string depth = "CASE WHEN n % 3 = 0 THEN (n % 89 * 7919 % 97) * 0.01 ELSE 0 END";
   const std::string into =
       "INSERT INTO CHART (station, instrument_code_id, start_time, end_time, depth, computing_method, "
       "data_Reliability_code, comments) ";
@@ -41,10 +42,10 @@ void MakeRows(BenchDatabase& place, bool postgres, const char* code, std::int64_
               " second', timestamp '1990-01-01' + (n + 1) * interval '" + step + " second', " + depth +
               ", 'ASCII', 'Acceptable', ' ' FROM generate_series(0, " + count + " - 1) AS n");
   else
-    place.Run("WITH RECURSIVE numbers(n) AS (SELECT 0 UNION ALL SELECT n + 1 FROM numbers WHERE n + 1 < " +
-              count + ") " + into + "SELECT 'Station', '" + code +
-              "', strftime('%Y-%m-%d %H:%M:%S', 631152000 + n * " + step +
-              ", 'unixepoch'), strftime('%Y-%m-%d %H:%M:%S', 631152000 + (n + 1) * " + step +
+    place.Run(into +
+              "WITH RECURSIVE numbers(n) AS (SELECT 0 UNION ALL SELECT n + 1 FROM numbers WHERE n + 1 < " +
+              count + ") SELECT 'Station', '" + code + "', strftime('%Y-%m-%d %H:%M:%S', 631152000 + n * " +
+              step + ", 'unixepoch'), strftime('%Y-%m-%d %H:%M:%S', 631152000 + (n + 1) * " + step +
               ", 'unixepoch'), " + depth + ", 'ASCII', 'Acceptable', ' ' FROM numbers");
 }
 
@@ -112,7 +113,8 @@ void FirstPictureOfAYear(benchmark::State& state, bool postgres) {
                       [&](Surface& surface) { Draw(graph, surface); });
     seconds =
         std::max(seconds, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
-    if (steps.size() != 365) state.SkipWithError("not all days were drawn");
+    if (std::ranges::count(steps, 1.0, &RainStep::Covered) < 364)
+      state.SkipWithError("not all days were drawn");
   }
   Report(state, "seconds", seconds, 1);
 }

@@ -123,7 +123,7 @@ TEST(RainSums, TellWhatIsOddAndCountNoRainOfIt) {
                   "1 row has no depth: its time is not covered",
                   "1 row has no length: its rain fell at a moment (together 0.5 mm)",
                   "2 rows without a start or an end are left out",
-                  "1 row ends before it starts and is left out", "1 row longer than a year is left out",
+                  "1 row ends before it starts and is left out", "1 row longer than 93 days is left out",
                   "1 row has a depth that no rain has and is left out",
                   "1 row has a time that the database does not sort and is left out",
                   "What is left out has 11 mm", "Nothing is known of 30 minutes in 2 stretches"));
