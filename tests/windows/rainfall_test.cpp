@@ -363,6 +363,7 @@ TEST_F(RainfallWindow, WorksOffWhatAilsTheCharts) {
   dialogs_.Answers = {BoxAnswer::Yes};
   EXPECT_FALSE(Find(populate, "cmdRain").isEnabled());
   Click(populate, "cmdWrite");
+  EXPECT_TRUE(Find(populate, "cmdRain").isEnabled()) << ::testing::PrintToString(dialogs_.Boxes);
   Click(populate, "cmdRain");
   Settle();
   EXPECT_EQ(Shown().Question.FromDay, MakeDate(1998, 3, 8));

@@ -147,6 +147,8 @@ QWidget* frmRainfall::MakeTables() {
   below->addWidget(cmdMend);
   chartsLayout->addLayout(below);
 
+  charts->setFocusProxy(grdCharts);
+
   tabTables = Named(new QTabWidget, "tabTables");
   tabTables->addTab(grdDays, tr("Days"));
   tabTables->addTab(grdGage, tr("Gage"));
