@@ -390,7 +390,9 @@ void CommandLine::AddRain() {
   AddNumber(line, "--dry", given.Dry, LeastDryHours, MostDryHours, "HOURS", "without rain end a storm")
       ->capture_default_str();
   rain.Name("--sef", &RainWords::Sef, "DIR",
-            "write SEF 1.0.0 files of the steps (of an hour without --step) and days into this folder");
+            "write SEF 1.0.0 files of the steps (of an hour without --step) and days into this folder, made "
+            "when it is "
+            "missing");
   rain.Name("--pdf", &RainWords::Pdf, "OUT",
             "write a report of each year: a page a month, and one of maxima");
   rain.Name("--png", &RainWords::Png, "OUT", "write a picture of the steps and their sum as PNG");

@@ -1,9 +1,11 @@
 // rain: an instrument's rows of CHART summed, as CSV, files and tables.
+#include <cmath>
 #include <filesystem>
 
 #include "cli/database.h"
 #include "core/dates.h"
 #include "core/files.h"
+#include "core/temporary_file.h"
 #include "database/store/instruments.h"
 #include "database/store/stored_text.h"
 #include "graph/draw.h"
@@ -97,8 +99,16 @@ class RainCommand {
     return Done;
   }
 
+  static Exit WriteOut(const std::string& path, const std::string& bytes) {
+    ClearTemporaries(std::filesystem::absolute(path).parent_path().string());
+    const auto written = WriteWholeFile(path, bytes);
+    return written ? Done : Fail(written.error());
+  }
+
   Exit WriteSef() {
     if (words_.Sef.empty()) return Done;
+    std::error_code failed;
+    std::filesystem::create_directories(words_.Sef, failed);  // what cannot be made cannot be written into
     const auto written = WriteRainSef(database_, choice_, words_.Step > 0 ? words_.Step : SefMinutes, clock_,
                                       words_.Sef, progress_);
     if (!written) return Fail(written.error());
@@ -129,7 +139,7 @@ class RainCommand {
       const auto made = MakePicture(format, A4Landscape, PageMargin, PixelsPerInch,
                                     [&](Surface& surface) { Draw(graph, surface); });
       if (!made) return Fail(*path + ": " + made.error());
-      if (const auto written = WriteWholeFile(*path, *made); !written) return Fail(written.error());
+      if (const Exit done = WriteOut(*path, *made); done != Done) return done;
     }
     return Done;
   }
@@ -157,8 +167,7 @@ class RainCommand {
           DrawRainPage(reports[static_cast<std::size_t>(page / pages)], page % pages, surface);
         });
     if (!made) return Fail(words_.Pdf + ": " + made.error());
-    const auto written = WriteWholeFile(words_.Pdf, *made);
-    return written ? Done : Fail(written.error());
+    return WriteOut(words_.Pdf, *made);
   }
 
   Exit FillTables() {

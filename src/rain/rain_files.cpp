@@ -41,6 +41,7 @@ RainFile& RainFile::operator=(RainFile&&) noexcept = default;
 RainFile::~RainFile() = default;
 
 Result<RainFile> RainFile::In(const std::string& folder) {
+  ClearTemporaries(folder.empty() ? "." : folder);
   auto file = TemporaryFile::In(folder);
   if (!file) return Failure("Cannot write into " + (folder.empty() ? "." : folder) + ": " + file.error());
   return RainFile(std::make_unique<State>(State{*std::move(file)}));

@@ -36,8 +36,8 @@ std::vector<Group> GroupsOf(const std::vector<RainStep>& steps, std::size_t size
 
 std::string Lasting(RainTime seconds) {
   if (seconds % DaySeconds == 0)
-    return seconds == DaySeconds ? "day" : std::to_string(seconds / DaySeconds) + " days";
-  if (seconds % 3600 == 0) return seconds == 3600 ? "hour" : std::to_string(seconds / 3600) + " hours";
+    return seconds == DaySeconds ? "a day" : std::to_string(seconds / DaySeconds) + " days";
+  if (seconds % 3600 == 0) return seconds == 3600 ? "an hour" : std::to_string(seconds / 3600) + " hours";
   return RoundedText(static_cast<double>(seconds) / 60, 1) + " minutes";
 }
 

@@ -11,7 +11,7 @@ namespace hyetex {
 
 struct RainGraphOptions {
   std::string Title;
-  RainClock Clock;
+  RainClock Clock = {};
   double FontPoints = 10;
   bool Grid = true;
   bool Mass = true;  ///< the sum since the begin, on an axis of its own

@@ -11,6 +11,7 @@ namespace hyetex {
 namespace {
 
 constexpr std::int64_t RowsInOneStep = 4096;
+constexpr RainTime DaysAtOnce = 64, MostStretches = 2000;
 
 DbDate DateAt(RainTime time) { return {static_cast<double>(time) / SecondsPerDay}; }
 
@@ -91,25 +92,62 @@ DbResult<RainRow> ReadRow(Recordset& table, bool withTrust) {
   return row;
 }
 
+// SQLite's driver holds all that a statement gives. There the rows are asked for some days at a time; the
+// first and the last stretch are open, so that times in a form of their own, which sort anywhere, are seen
+// and told.
+DbResult<std::vector<Selection>> StretchesOf(HyetexPlotDB& database, const RainChoice& choice) {
+  std::vector<Selection> stretches;
+  const auto add = [&](std::optional<RainTime> from, std::optional<RainTime> behind) {
+    Selection& selection = stretches.emplace_back(RowsOf(choice));
+    if (from) selection.Where.push_back({column::StartTime, Compare::AtLeast, DateAt(*from)});
+    if (behind) selection.Where.push_back({column::StartTime, Compare::AtMost, DateAt(*behind - 1)});
+  };
+  const auto extent = FindRainExtent(database, choice.Instrument);
+  if (!extent) return tl::unexpected(extent.error());
+  if (database.DatabaseConnection.Maker() != "SQLite" || !*extent) {
+    add({}, {});
+    return stretches;
+  }
+  const RainTime first = std::max((*extent)->First, choice.Span.From.value_or((*extent)->First)) / DaySeconds;
+  const RainTime last = std::min((*extent)->Last, choice.Span.To.value_or((*extent)->Last)) / DaySeconds;
+  const RainTime days = std::max(DaysAtOnce, (last - first) / MostStretches);
+  std::optional<RainTime> from;
+  for (RainTime day = first + days; day <= last; day += days) {
+    add(from, day * DaySeconds);
+    from = day * DaySeconds;
+  }
+  add(from, {});
+  if (from && !choice.Span.From && !choice.Span.To) {  // rows without a start lie in none of these
+    add({}, {});
+    stretches.back().Where.push_back({column::StartTime, Compare::Equal, DbNull{}});
+  }
+  return stretches;
+}
+
 }  // namespace
 
 DbResult<RainRemarks> ReadRain(HyetexPlotDB& database, const RainChoice& choice,
                                const std::vector<RainSink*>& sinks, Progress& progress) {
-  if (const auto opened = database.OpenChart(RowsOf(choice)); !opened) return tl::unexpected(opened.error());
+  auto stretches = StretchesOf(database, choice);
+  if (!stretches) return tl::unexpected(stretches.error());
   Recordset& table = database.ChartTable;
   RainSweep sweep(choice.Span, sinks);
   DayOrder order(sweep);
   std::int64_t read = 0;
-  const auto walked = ForEachRow(table, [&]() -> DbResult<bool> {
-    auto row = ReadRow(table, choice.WithTrust);
-    if (!row) return tl::unexpected(row.error());
-    order.Add(*row);
-    if (++read % RowsInOneStep == 0 && !progress.Step(read, 0, {}))
-      return tl::unexpected(DbError{db_error::Cancelled, "Stopped", {}});
-    return true;
-  });
-  table.Close();
-  if (!walked) return tl::unexpected(walked.error());
+  for (Selection& selection : *stretches) {
+    if (const auto opened = database.OpenChart(std::move(selection)); !opened)
+      return tl::unexpected(opened.error());
+    const auto walked = ForEachRow(table, [&]() -> DbResult<bool> {
+      auto row = ReadRow(table, choice.WithTrust);
+      if (!row) return tl::unexpected(row.error());
+      order.Add(*row);
+      if (++read % RowsInOneStep == 0 && !progress.Step(read, 0, {}))
+        return tl::unexpected(DbError{db_error::Cancelled, "Stopped", {}});
+      return true;
+    });
+    table.Close();
+    if (!walked) return tl::unexpected(walked.error());
+  }
   order.Flush();
   sweep.End();
   return sweep.Remarks();

@@ -13,7 +13,7 @@ namespace hyetex {
 
 struct RainChoice {
   std::string Instrument;  ///< the code, found without regard to case
-  RainSpan Span;
+  RainSpan Span = {};
   bool WithTrust = false;  ///< the rows' ratings too, which cost a column
 };
 

@@ -122,7 +122,14 @@ std::string Percent(double share) {
   return RoundedText(share >= 1 ? 100 : std::floor(share * 1000) / 10, 1) + "%";
 }
 
-std::string Mm(double depth) { return RoundedText(depth, 2); }
+// With two decimals, so that points stand below each other.
+std::string Mm(double depth) {
+  std::string text = RoundedText(depth, 2);
+  std::size_t point = text.find('.');
+  if (point == std::string::npos) point = text.size(), text += '.';
+  text.resize(point + 3, '0');
+  return text;
+}
 
 std::string TimeOf(RainTime time, const RainClock& clock) {
   const CalendarTime at = ToCalendar(ToLocal(time, clock));

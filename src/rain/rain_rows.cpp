@@ -42,7 +42,7 @@ std::vector<std::string> RainRemarks::Lines() const {
       " at a moment (together " + Mm(MomentDepth) + ")");
   add(Untimed, "without a start or an end is left out", "without a start or an end are left out", "");
   add(Backward, "ends before it starts and is left out", "end before they start and are left out", "");
-  add(TooLong, "longer than a year is left out", "longer than a year are left out", "");
+  add(TooLong, "longer than 93 days is left out", "longer than 93 days are left out", "");
   add(TooDeep, "has a depth that no rain has and is left out",
       "have depths that no rain has and are left out", "");
   add(Disordered, "has a time that the database does not sort and is left out",

@@ -22,7 +22,7 @@ inline double MmOf(RainSum amount) { return static_cast<double>(amount) / Amount
 /// To the nearest; depths beyond `MostRowDepth` are none that rain can have.
 RainAmount AmountOf(double mm);
 inline constexpr double MostRowDepth = 10'000;  ///< mm; more than fell anywhere in a month
-inline constexpr RainTime MostRowSeconds = 366 * DaySeconds;
+inline constexpr RainTime MostRowSeconds = 93 * DaySeconds;
 
 /// How far a row may be relied on, from the best to the worst, by its chart's rating.
 enum class RainTrust : std::uint8_t { Acceptable, Unknown, Marginal, Unreliable };

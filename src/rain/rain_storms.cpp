@@ -15,8 +15,11 @@ RainStorms::RainStorms(double dryHours, Visit visit)
     : dry_(std::max<RainTime>(1, std::llround(dryHours * 3600))), visit_(std::move(visit)), peak_(PeakOnly) {}
 
 void RainStorms::Take(const RainPiece& piece) {
-  if (piece.Depth == 0) {
-    dryKnown_ += piece.End - piece.Start;
+  const RainTime length = piece.End - piece.Start;
+  constexpr auto least = static_cast<RainSum>(DryMmPerHour * AmountsOfMm);
+  if (piece.Depth == 0 || RainSum{piece.Depth} * 3600 < least * length) {
+    dryKnown_ += length;
+    dryDepth_ += piece.Depth;
     return;
   }
   if (raining_ && piece.Start - wet_ >= dry_) Finish();
@@ -25,13 +28,14 @@ void RainStorms::Take(const RainPiece& piece) {
     bounded_ = dryKnown_ >= dry_;
     start_ = piece.Start;
     known_ = dryKnown_ = 0;
-    depth_ = 0;
+    depth_ = dryDepth_ = 0;
     peak_ = RainMaxima(PeakOnly);
   }
-  known_ += dryKnown_ + piece.End - piece.Start;
+  known_ += dryKnown_ + length;
+  depth_ += dryDepth_ + piece.Depth;
   dryKnown_ = 0;
+  dryDepth_ = 0;
   wet_ = piece.End;
-  depth_ += piece.Depth;
   peak_.Take(piece);
 }
 

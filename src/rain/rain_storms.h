@@ -20,6 +20,9 @@ struct RainStorm {
 
 inline constexpr double DryHours = 6, LeastDryHours = 0.1, MostDryHours = 240;
 inline constexpr int PeakMinutes = 5;
+/// Rows of less rain are dry: a hundredth of a millimetre in hours is how a pen line trembles. Between the
+/// rain of a storm they count to its depth.
+inline constexpr double DryMmPerHour = 0.1;
 
 /// Gives storms in the order of time. So many hours without any rain that is known end one.
 class RainStorms : public RainSink {
@@ -37,7 +40,7 @@ class RainStorms : public RainSink {
   bool raining_ = false, bounded_ = true;
   RainTime start_ = 0, wet_ = 0;       // begin and last rain of the storm
   RainTime known_ = 0, dryKnown_ = 0;  // covered seconds since its begin, and behind its last rain
-  RainSum depth_ = 0;
+  RainSum depth_ = 0, dryDepth_ = 0;
   RainMaxima peak_;
 };
 

@@ -259,6 +259,11 @@ std::vector<Scenario> AllScenarios() {
        [](const std::string& folder) {
          return With(OnDatabase({"export"})(folder), {"--to", folder + "/xml", "chart", "chart_ascii"});
        }},
+      {"rain", Converted,
+       [](const std::string& folder) {
+         return With(OnDatabase({"rain", "--instrument", Hill, "--fill", "--overwrite"})(folder),
+                     {"--sef", folder + "/sef", "--png", folder + "/rain.png"});
+       }},
       // With a unique key a second run refuses what is there.
       {"import", ToImport,
        [](const std::string& folder) {

@@ -123,7 +123,7 @@ TEST(RainSums, TellWhatIsOddAndCountNoRainOfIt) {
                   "1 row has no depth: its time is not covered",
                   "1 row has no length: its rain fell at a moment (together 0.5 mm)",
                   "2 rows without a start or an end are left out",
-                  "1 row ends before it starts and is left out", "1 row longer than a year is left out",
+                  "1 row ends before it starts and is left out", "1 row longer than 93 days is left out",
                   "1 row has a depth that no rain has and is left out",
                   "1 row has a time that the database does not sort and is left out",
                   "What is left out has 11 mm", "Nothing is known of 30 minutes in 2 stretches"));
@@ -243,6 +243,13 @@ TEST(RainStormList, EndsAStormWithADrySpell) {
   EXPECT_EQ(stormsOf(1, rows).size(), 3U) << "an hour without rain ends a storm";
   EXPECT_EQ(stormsOf(240, rows).size(), 1U);
   EXPECT_LT(stormsOf(240, rows)[0].Covered, 0.2);
+  const auto trembling =
+      stormsOf(6, {Row(ten, 420, 0.01), Row(ten + 25200, 10, 1), Row(ten + 25800, 60, 0.01),
+                   Row(ten + 29400, 10, 1), Row(ten + 30000, 600, 0.5)});
+  ASSERT_EQ(trembling.size(), 1U);
+  EXPECT_EQ(trembling[0].Start, ten + 25200) << "a pen that trembles in dry hours begins no storm";
+  EXPECT_EQ(trembling[0].End, ten + 30000);
+  EXPECT_EQ(trembling[0].Depth, 2.01);
 }
 
 }  // namespace
