@@ -10,9 +10,13 @@ QWidget* AppDesk::MakePrePop() {
 }
 
 QWidget* AppDesk::MakePopulate() {
-  return new frmPopulate(
-      *this, dialogs_, program_.Settings, program_.Database, program_.Lists, program_.Computation,
-      {.User = program_.User().Name, .Instrument = std::exchange(populateInstrument_, {})});
+  return new frmPopulate(*this, dialogs_, program_.Settings, program_.Database, program_.Lists,
+                         program_.Computation,
+                         {.User = program_.User().Name,
+                          .Instrument = std::exchange(populateInstrument_, {}),
+                          .ShowRain = [this](const std::string& instrument, Date from, Date to) {
+                            ShowRain({instrument, from, to});
+                          }});
 }
 
 }  // namespace hyetex

@@ -1,4 +1,6 @@
 // The window of rain, and the ways from it to those that mend what it shows.
+#include <algorithm>
+
 #include "app/app_desk.h"
 #include "core/text.h"
 #include "database/windows/frmPopulate.h"
@@ -50,7 +52,7 @@ void AppDesk::OpenStoredChart(const std::string& instrument, Date chartDate) {
 }
 
 // The staging area at its station; a new chart begins with the first day that has none.
-void AppDesk::StageChart(const std::string& instrument, Date from, Date /*to*/) {
+void AppDesk::StageChart(const std::string& instrument, Date from, Date to) {
   if (Window(WindowId::Tasks) == nullptr) {
     for (const TreeNode& node : StationTree(program_.Lists))
       if (node.Kind == ListKind::Station &&
@@ -58,7 +60,7 @@ void AppDesk::StageChart(const std::string& instrument, Date from, Date /*to*/) 
                             instrument))
         (void)program_.Settings.Set(setting::TaskStation, StationSetting(node.Text));
     (void)program_.Settings.Set(setting::TaskBegin, from);
-    (void)program_.Settings.Set(setting::TaskEnd, from + 1);
+    (void)program_.Settings.Set(setting::TaskEnd, std::min(from + 1, to));
   }
   Open(WindowId::Tasks);
 }

@@ -67,9 +67,9 @@ class RainfallWindow : public FolderTest {
     std::vector<ChartToConvert> charts;
     for (const Date date : dates) charts.push_back({.ChartDate = date});
     UnwatchedProgress progress;
-    const auto done =
-        WriteChartRecords(database, *lists, Code, charts,
-                          {.Variables = {.GmtShift = 2.0F / 24}, .Overwrite = true}, dialogs_, progress);
+    const auto done = WriteChartRecords(
+        database, *lists, Code, charts,
+        {.Variables = {.GmtShift = 2.0F / 24}, .Overwrite = true, .LogFolder = {}}, dialogs_, progress);
     EXPECT_EQ(done.ChartsConverted, static_cast<int>(dates.size()))
         << ::testing::PrintToString(done.Problems);
   }
@@ -363,6 +363,7 @@ TEST_F(RainfallWindow, WorksOffWhatAilsTheCharts) {
   dialogs_.Answers = {BoxAnswer::Yes};
   EXPECT_FALSE(Find(populate, "cmdRain").isEnabled());
   Click(populate, "cmdWrite");
+  EXPECT_TRUE(Find(populate, "cmdRain").isEnabled()) << ::testing::PrintToString(dialogs_.Boxes);
   Click(populate, "cmdRain");
   Settle();
   EXPECT_EQ(Shown().Question.FromDay, MakeDate(1998, 3, 8));

@@ -330,6 +330,8 @@ void frmRainfall::ReadReview() {
 }
 
 void frmRainfall::Choose(Tab tab, int row) {
+  // What was there when the row was chosen may have made way for something else.
+  if (isBusy_ || (tab < Years && !overview_)) return;
   const auto at = static_cast<std::size_t>(row);
   const RainClock clock = Asked().Clock;
   const auto show = [&](RainTime from, RainTime to) {
@@ -356,7 +358,7 @@ void frmRainfall::Choose(Tab tab, int row) {
 }
 
 void frmRainfall::OpenStep(std::size_t step) {
-  if (isBusy_ || !overview_) return;
+  if (isBusy_ || !overview_ || step >= overview_->Steps.size()) return;
   const RainStep& rain = overview_->Steps[step];
   const auto chart = FindChartOfRain(database_, Instrument(), rain.Start, rain.End, LocalClock());
   if (!chart) return database_.Show(chart.error());

@@ -70,6 +70,7 @@ QWidget* frmRainfall::MakeChoice() {
   comYear->setSizeAdjustPolicy(QComboBox::AdjustToContents);
   dtpFrom = Named(new DateBox, "dtpFrom");
   dtpTo = Named(new DateBox, "dtpTo");
+  for (DateBox* box : {dtpFrom, dtpTo}) box->setDate(QDate::currentDate());
   cmdBack = Named(new QPushButton(tr("&Back")), "cmdBack");
   cmdBack->setToolTip(tr("To the days that were shown before (Alt+Left)"));
   comStep = Named(new QComboBox, "comStep");
@@ -103,7 +104,7 @@ QWidget* frmRainfall::MakeChoice() {
   auto* controls = new FlowLayout(choice);
   for (QWidget* each :
        {Captioned("&Instrument", cboInstrument), Captioned("Yea&r", comYear), Captioned("Fro&m", dtpFrom),
-        Captioned("&To", dtpTo), static_cast<QWidget*>(cmdBack), Captioned("&Step", comStep),
+        Captioned("throu&gh", dtpTo), static_cast<QWidget*>(cmdBack), Captioned("&Step", comStep),
         Together({comTime, LabelOf("&Hours from GMT", txtHours), hours}),
         Captioned("&Day begins", comDayBegins), Together({LabelOf("Dry spe&ll (hours)", txtDry), dry})})
     controls->addWidget(each);
@@ -145,6 +146,8 @@ QWidget* frmRainfall::MakeTables() {
   below->addWidget(labReview, 1);
   below->addWidget(cmdMend);
   chartsLayout->addLayout(below);
+
+  charts->setFocusProxy(grdCharts);
 
   tabTables = Named(new QTabWidget, "tabTables");
   tabTables->addTab(grdDays, tr("Days"));
