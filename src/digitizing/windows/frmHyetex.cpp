@@ -238,6 +238,7 @@ bool frmHyetex::Redigitize() {
 void frmHyetex::EnableDesk(bool enabled) {
   if (replaying_) return;
   setEnabled(enabled);
+  UpdateUndo();
   if (!enabled) return;
   setFocus();
   TellOfLostPresses();

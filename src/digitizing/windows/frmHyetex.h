@@ -54,6 +54,8 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void ShowBoard() override;
   void SetPageAgain() override { machine_.SetPageAgain(); }
   void PointsToggled() override { DrawGraph(); }
+  void Undo() override;
+  void Redo() override;
   bool HasPoints() const override { return session_.Line.LastPoint() >= 0; }
 
   // What the action machine asks for
@@ -113,6 +115,7 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void Zoom(double steps, QPointF at);
   void ZoomByKey(double steps);
   void UpdatePanels();
+  void UpdateUndo();
   QMdiSubWindow* Frame() const;
   Shape* ShapeOf(DragShape shape) { return shape == DragShape::Selection ? shpSelect : shpZoom; }
 

@@ -88,7 +88,11 @@ void frmHyetex::ResizeDesk(double factor) {
 
 void frmHyetex::ShowInstruction(std::string_view text) { shell_.ShowPanel(panel::Instruction, text); }
 
-void frmHyetex::SetTitle(std::string_view title) { setWindowTitle(ToQt(title)); }
+// It comes with each change of what is waited for.
+void frmHyetex::SetTitle(std::string_view title) {
+  setWindowTitle(ToQt(title));
+  if (started_ && !replaying_) UpdateUndo();
+}
 
 void frmHyetex::DrawGraph() {
   picGraph_->DrawGraph();
@@ -99,6 +103,7 @@ void frmHyetex::DrawGraph() {
 void frmHyetex::UpdateMenus() {
   if (replaying_) return;
   shell_.ShowScales(CaptionsOf(session_.Line.Scales().ChartType, machine_.State()));
+  UpdateUndo();
   TellOfJournalTrouble();
 }
 
