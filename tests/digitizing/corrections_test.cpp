@@ -49,7 +49,9 @@ void ExpectReplayed(const TextJournal& journal, const Desk& desk) {
   ASSERT_EQ(HeldBy(again.Traced), HeldBy(desk.Traced)) << journal.Text;
   // What only the view waits for is not in the journal.
   const bool view = desk.State().Action >= action::MovingBoard && desk.State().Action <= action::ZoomDrag;
-  if (!view) ASSERT_EQ(again.State().Action, desk.State().Action) << journal.Text;
+  if (!view) {
+    ASSERT_EQ(again.State().Action, desk.State().Action) << journal.Text;
+  }
   ASSERT_EQ(again.State().AlphaNext, desk.State().AlphaNext) << journal.Text;
   ASSERT_EQ(again.Machine.UndoText(), desk.Machine.UndoText()) << journal.Text;
   ASSERT_EQ(again.Machine.RedoText(), desk.Machine.RedoText()) << journal.Text;
