@@ -87,7 +87,7 @@ class RainfallWindow : public FolderTest {
 
   void Start() {
     desk_ = std::make_unique<AppDesk>(StartWords{folder_.Path()}, dialogs_);
-    desk_->ShellSize = QSize(1280, 900);
+    desk_->ShellSize = QSize(1024, 700);
     desk_->Start();
     desk_->LoggedIn();
     EXPECT_TRUE(QTest::qWaitForWindowActive(desk_->ShellWindow()));
@@ -161,6 +161,9 @@ TEST_F(RainfallWindow, OpensOnTheGreatestStormOfWhatWasConvertedLast) {
   EXPECT_NEAR(Shown().Depth(), 30, 0.011) << "each row is rounded";
   EXPECT_TRUE(Part<RainView>("picRain").hasFocus());
   EXPECT_FALSE(Part<RainView>("picRain").Shown().Layers.empty());
+
+  const QWidget& frame = *Rain().parentWidget();
+  EXPECT_TRUE(frame.parentWidget()->rect().contains(frame.geometry())) << "all of it is in view";
 
   // Back leads to all of its year.
   Key(Rain(), Qt::Key_Left, Qt::AltModifier);

@@ -176,7 +176,7 @@ void TakeLoading(AppDesk& desk, Camera& camera) {
 void TakePopulating(AppDesk& desk, Camera& camera) {
   desk.Open(WindowId::PrePop);
   camera.Take(desk.Window(WindowId::PrePop), "frmPrePop");
-  desk.Open(WindowId::Populate);
+  if (auto* next = camera.Find<QPushButton>(desk.Window(WindowId::PrePop), "cmdContinue")) next->click();
   QWidget* populate = desk.Window(WindowId::Populate);
   if (auto* instruments = camera.Find<QComboBox>(populate, "cboSelection")) instruments->setCurrentIndex(0);
   if (auto* all = camera.Find<QPushButton>(populate, "cmdWrite")) all->click();

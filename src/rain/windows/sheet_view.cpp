@@ -41,6 +41,8 @@ QVariant SheetModel::data(const QModelIndex& index, int role) const {
     case Qt::ForegroundRole:
       return cell.Alert ? MarkOf(role) : QVariant();
     case Qt::ToolTipRole:
+      if (!cell.Alert) return ToQt(cell.Text);  // it may be wider than its column
+      [[fallthrough]];
     case Qt::AccessibleDescriptionRole:
       return cell.Alert ? QVariant(tr("The charts and the manual gage differ by more than 5%")) : QVariant();
     default:
