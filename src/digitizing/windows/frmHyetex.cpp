@@ -59,6 +59,7 @@ frmHyetex::frmHyetex(Desk& desk, Shell& shell, Dialogs& dialogs, Settings& setti
   connect(frmToolBox_, &frmToolBox::Dragged, this, &frmHyetex::DragBoard);
   connect(picGraph_, &picGraph::Wheeled, this, &frmHyetex::Zoom);
   RestoreLayout();
+  if (device_.empty()) BeginMouse();
 }
 
 QSize frmHyetex::sizeHint() const {
@@ -71,7 +72,10 @@ QSize frmHyetex::sizeHint() const {
 void frmHyetex::StartSession() {
   desk_.Flags.SetOpen(WindowId::Digitizing, true);
   // Only the size that comes of it counts: in a smaller one on the way there the board might have no room.
-  ResizeView(sizeHint());
+  if (HasMouse())
+    FillFrame();
+  else
+    ResizeView(sizeHint());
   FitView(size());
   ClearPanels();
   started_ = true;
@@ -100,6 +104,7 @@ void frmHyetex::RestoreLayout() {
 }
 
 void frmHyetex::StoreLayout() {
+  if (HasMouse()) return;  // its board and its size are not the tablet's
   const Rect& board = machine_.Layout.Board;
   // What cannot be kept is not worth a message.
   (void)settings_.Set(setting::ViewHeight, static_cast<float>(picGraph_->height() * UnitsPerPixel));

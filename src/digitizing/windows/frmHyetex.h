@@ -18,7 +18,9 @@
 #include "digitizing/shell_commands.h"
 #include "digitizing/status_panels.h"
 #include "digitizing/view.h"
+#include "digitizing/windows/desk_panel.h"
 #include "digitizing/windows/frmToolBox.h"
+#include "digitizing/windows/mouse_hand.h"
 #include "digitizing/windows/picGraph.h"
 #include "platform/dialogs.h"
 #include "platform/form_window.h"
@@ -30,8 +32,8 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   Q_OBJECT
 
  public:
-  /// `tablet` is an index of TabletTypes(), `device` its serial port by name or path; empty: no tablet. All
-  /// references must outlive the window.
+  /// `tablet` is an index of TabletTypes(), `device` its serial port by name or path; empty: the mouse is its
+  /// cursor. All references must outlive the window.
   frmHyetex(Desk& desk, Shell& shell, Dialogs& dialogs, Settings& settings, Session& session, int tablet,
             std::string device, QWidget* parent = nullptr);
 
@@ -86,6 +88,8 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void showEvent(QShowEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
 
  private:
   // The session
@@ -114,6 +118,12 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void ZoomByKey(double steps);
   void UpdatePanels();
   QMdiSubWindow* Frame() const;
+
+  // The mouse in the tablet's place: frmHyetex_mouse.cpp
+  bool HasMouse() const { return hand_ != nullptr; }
+  void BeginMouse();
+  void FillFrame();
+  void ShowView();
   Shape* ShapeOf(DragShape shape) { return shape == DragShape::Selection ? shpSelect : shpZoom; }
 
   Shell& shell_;
@@ -130,6 +140,8 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   picGraph* picGraph_;
   Shape *linHor, *linVer, *shpSelect, *shpZoom, *shpToolBox;
   frmToolBox* frmToolBox_;
+  MouseHand* hand_ = nullptr;   // null with a tablet
+  DeskPanel* panel_ = nullptr;  // beside the chart view, with the mouse
 
   int boxes_ = 0;              // message boxes that are up
   bool watched_ = false;       // for being maximised

@@ -1,5 +1,6 @@
 #include "digitizing/windows/picGraph.h"
 
+#include <QMouseEvent>
 #include <QPainter>
 #include <QWheelEvent>
 #include <utility>
@@ -49,6 +50,35 @@ void picGraph::wheelEvent(QWheelEvent* event) {
   constexpr double notch = 120;
   emit Wheeled(event->angleDelta().y() / notch, event->position());
   event->accept();
+}
+
+void picGraph::TakeMouse() {
+  takesMouse_ = true;
+  setMouseTracking(true);
+  setCursor(Qt::CrossCursor);
+}
+
+void picGraph::mousePressEvent(QMouseEvent* event) {
+  if (!takesMouse_) return QWidget::mousePressEvent(event);
+  emit Pressed(event->position(), event->button());
+}
+
+void picGraph::mouseDoubleClickEvent(QMouseEvent* event) {
+  if (!takesMouse_) return QWidget::mouseDoubleClickEvent(event);
+  if (event->button() == Qt::LeftButton)
+    emit PressedTwice(event->position());
+  else
+    emit Pressed(event->position(), event->button());
+}
+
+void picGraph::mouseReleaseEvent(QMouseEvent* event) {
+  if (!takesMouse_) return QWidget::mouseReleaseEvent(event);
+  emit Released(event->position(), event->button());
+}
+
+void picGraph::mouseMoveEvent(QMouseEvent* event) {
+  if (!takesMouse_) return QWidget::mouseMoveEvent(event);
+  emit Moved(event->position(), event->buttons());
 }
 
 }  // namespace hyetex

@@ -24,13 +24,23 @@ class picGraph : public QWidget {
   Rgb Background() const { return background_; }
   /// How often the graph has been drawn.
   int Drawings() const { return drawings_; }
+  /// From now on it tells what the mouse does over it.
+  void TakeMouse();
 
  signals:
   void Wheeled(double steps, QPointF at);  ///< notches, away from the operator counting up
+  void Pressed(QPointF at, Qt::MouseButton button);
+  void PressedTwice(QPointF at);  ///< the second press of a double click, by the left button
+  void Released(QPointF at, Qt::MouseButton button);
+  void Moved(QPointF at, Qt::MouseButtons held);
 
  protected:
   void paintEvent(QPaintEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
 
  private:
   void Draw();
@@ -39,6 +49,7 @@ class picGraph : public QWidget {
   QPixmap picture_;
   Rgb background_{255, 255, 255};
   bool outdated_ = true;
+  bool takesMouse_ = false;
   int drawings_ = 0;
 };
 
