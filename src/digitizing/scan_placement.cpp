@@ -1,5 +1,6 @@
 #include "digitizing/scan_placement.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -18,6 +19,14 @@ std::pair<double, double> CosineAndSine(double degrees) {
   return {std::cos(angle), std::sin(angle)};
 }
 
+// The same placement, moved so that the image's middle lies at x, y.
+ScanPlacement WithCentre(ScanPlacement placement, int width, int height, double x, double y) {
+  const auto [atX, atY] = TabletPosition(placement, width / 2.0, height / 2.0);
+  placement.X0 += x - atX;
+  placement.Y0 += y - atY;
+  return placement;
+}
+
 }  // namespace
 
 std::pair<double, double> TabletPosition(const ScanPlacement& placement, double px, double py) {
@@ -30,6 +39,26 @@ std::pair<double, double> ImagePosition(const ScanPlacement& placement, double x
   const auto [c, s] = CosineAndSine(placement.AngleDegrees);
   const double dx = x - placement.X0, dy = y - placement.Y0;
   return {(dx * c + dy * s) / placement.UnitsPerPx, (dx * s - dy * c) / placement.UnitsPerPx};
+}
+
+Result<ScanPlacement> LaidOnSheet(const TabletExtents& tablet, int width, int height, double pixelsPerMm) {
+  ScanPlacement placement;
+  placement.UnitsPerPx = tablet.UnitsPerMmVertical() / pixelsPerMm;
+  const double reach = std::ceil(std::hypot(width, height) / 2 * placement.UnitsPerPx);
+  const double x = std::max(tablet.TabletWidthUnits / 2.0, reach),
+               y = std::max(tablet.TabletHeightUnits / 2.0, reach);
+  // Also on what is no number.
+  if (!(pixelsPerMm > 0 && x + reach < SegmentMark && y + reach < SegmentMark))
+    return Failure("At this scale the scan is too large to be traced; set the scale anew.");
+  return WithCentre(placement, width, height, x, y);
+}
+
+ScanPlacement TurnAboutCentre(const ScanPlacement& placement, int width, int height, double degrees) {
+  const auto [x, y] = TabletPosition(placement, width / 2.0, height / 2.0);
+  ScanPlacement turned = placement;
+  turned.AngleDegrees = std::remainder(placement.AngleDegrees + degrees, 360);
+  if (turned.AngleDegrees <= -180) turned.AngleDegrees += 360;
+  return WithCentre(turned, width, height, x, y);
 }
 
 }  // namespace hyetex

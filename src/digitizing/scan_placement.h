@@ -6,6 +6,9 @@
 #include <string>
 #include <utility>
 
+#include "core/geometry.h"
+#include "core/result.h"
+
 namespace hyetex {
 
 /// The tablet that a scan, or a mouse on an empty page, stands in for: the largest and finest, with units of
@@ -29,5 +32,13 @@ struct ScanPlacement {
 std::pair<double, double> TabletPosition(const ScanPlacement& placement, double px, double py);
 /// The place of the image that lies at a tablet position.
 std::pair<double, double> ImagePosition(const ScanPlacement& placement, double x, double y);
+
+/// An image of width x height pixels laid upright and at its true size in the middle of the tablet's sheet,
+/// or so far up and to the right of it that no turn about the image's middle brings any of it to a negative
+/// position, which no press may have. Fails, in words, where that would leave the positions of a trace.
+Result<ScanPlacement> LaidOnSheet(const TabletExtents& tablet, int width, int height, double pixelsPerMm);
+/// The placement after a turn about the image's middle, counter-clockwise; its angle above -180 and up to
+/// 180.
+ScanPlacement TurnAboutCentre(const ScanPlacement& placement, int width, int height, double degrees);
 
 }  // namespace hyetex

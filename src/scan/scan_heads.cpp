@@ -3,12 +3,11 @@
 #include <algorithm>
 #include <cmath>
 
+#include "scan/scan_scale.h"
+
 namespace hyetex {
 namespace {
 
-constexpr double MmPerInch = 25.4;
-// No scanner is coarser or finer.
-constexpr double LeastDpi = 40, MostDpi = 4800;
 // Resolutions this close are the same one, rounded.
 constexpr double SameResolution = 0.005;
 
@@ -127,7 +126,7 @@ Result<ScanFacts> FactsOf(const ScanHead& head) {
   ScanFacts facts;
   facts.Format = head.Format;
   facts.Pages = head.Pages;
-  const auto canBe = [](double dpi) { return dpi >= LeastDpi && dpi <= MostDpi; };
+  const auto canBe = [](double dpi) { return dpi >= LeastScanDpi && dpi <= MostScanDpi; };
   if (canBe(across) && canBe(up)) {
     const double finer = std::max(across, up);
     if (std::abs(across - up) > SameResolution * finer) {

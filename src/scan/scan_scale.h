@@ -6,15 +6,21 @@
 #include <string>
 
 #include "core/result.h"
+#include "scan/scan_image.h"
 
 namespace hyetex {
+
+inline constexpr double MmPerInch = 25.4;
+/// No scanner is coarser or finer.
+inline constexpr double LeastScanDpi = 40, MostScanDpi = 4800;
 
 struct ScanScale {
   enum class Source { Resolution, Marks, PaperWidth };
 
   Source From = Source::Resolution;
   double PixelsPerMm = 0;
-  double Mm = 0;  ///< the distance of the marks, or the paper's width; 0 by resolution
+  double Mm = 0;               ///< the distance of the marks, or the paper's width; 0 by resolution
+  double FilePixelsPerMm = 0;  ///< what the file's resolution said of that scan; 0 where it said nothing
 
   bool operator==(const ScanScale&) const = default;
 };
@@ -28,9 +34,19 @@ Result<ScanScale> ScaleByMarks(double x1, double y1, double x2, double y2, doubl
 /// By the width of the paper, which fills the image from side to side.
 Result<ScanScale> ScaleByPaperWidth(int imageWidth, double mm);
 
-/// What was used last for a chart type, kept in the program folder by the type's name.
+/// What was used last for a chart type, kept in the program folder (`Scans.dat`) by the type's name.
 std::optional<ScanScale> RememberedScale(const std::string& programFolder, const std::string& chartType);
+/// Fails, with the file as it was, on a name of more than one line and where it cannot be written.
 Result<void> RememberScale(const std::string& programFolder, const std::string& chartType,
                            const ScanScale& scale);
+
+/// The scale that a newly opened scan begins with: measured as the last one of its chart type was, so that a
+/// box of scans is measured once.
+/// - By resolution, or with nothing remembered: what the file says.
+/// - By the paper's width: that width over this image's.
+/// - By marks: what was found is how far that scanner's resolution is off, and holds for this file's own
+///   resolution too.
+/// Nothing where that cannot be: then the operator is asked, with the remembered `Mm` as the proposal.
+std::optional<ScanScale> InitialScale(const std::optional<ScanScale>& remembered, const ScanFacts& facts);
 
 }  // namespace hyetex
