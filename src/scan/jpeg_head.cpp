@@ -3,8 +3,6 @@
 namespace hyetex {
 namespace {
 
-constexpr double CmPerInch = 2.54;
-
 enum Marker : std::uint32_t {
   FirstFrame = 0xc0,
   LastFrame = 0xcf,
@@ -44,7 +42,7 @@ std::optional<std::uint64_t> NextMarker(const ScanBytes& bytes, std::uint64_t at
   constexpr std::size_t piece = std::size_t{1} << 16;
   for (; at < bytes.Size(); at += piece - 1) {
     const std::string part = bytes.Text(at, piece);
-    for (std::size_t i = part.find('\xff'); i + 1 < part.size(); i = part.find('\xff', i + 1)) {
+    for (std::size_t i = part.find('\xff'); i < part.size() - 1; i = part.find('\xff', i + 1)) {
       const auto after = static_cast<unsigned char>(part[i + 1]);
       if (after != 0 && after != 0xff && (after & 0xf8) != Restart) return at + i;
     }

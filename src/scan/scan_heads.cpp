@@ -53,9 +53,9 @@ Result<ScanHead> ReadBmpHead(const ScanBytes& bytes) {
              height = bytes.Number(old ? 20 : 22, old ? 2 : 4, false);
   if (!width || !height) return BreaksOff();
   if (!old && *size < 40) return Failure("its head is none of a BMP picture");
-  head.Width = old ? *width : static_cast<std::int32_t>(*width);
+  head.Width = old ? std::int64_t{*width} : std::int64_t{static_cast<std::int32_t>(*width)};
   // Rows from the top down have a negative height.
-  head.Height = old ? *height : std::abs(std::int64_t{static_cast<std::int32_t>(*height)});
+  head.Height = old ? std::int64_t{*height} : std::abs(std::int64_t{static_cast<std::int32_t>(*height)});
   if (!old) {
     head.DpiAcross = bytes.Number(38, 4, false).value_or(0) * MmPerInch / 1000;
     head.DpiUp = bytes.Number(42, 4, false).value_or(0) * MmPerInch / 1000;

@@ -7,6 +7,8 @@
 
 namespace hyetex {
 
+inline constexpr double CmPerInch = 2.54;
+
 /// Of one page of a file, as it is stored.
 struct ScanHead {
   std::string Format;

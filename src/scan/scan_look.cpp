@@ -6,14 +6,14 @@
 namespace hyetex {
 namespace {
 
-// Ink up to Dark stays as it is, whatever its colour, so that a blue pen line is not faded with an orange
-// grid; from Light on it fades as its colour says.
-constexpr int Dark = 100, Light = 180;
+// Ink as dark as Dark stays as it is, whatever its colour, so that a blue pen line is not faded with an
+// orange grid; from Light on it fades as its colour says.
+constexpr int Dark = 80, Light = 140;
 // Colour beyond the paper's own tint: up to Plain it counts as none, from Coloured on as full.
 constexpr int Plain = 10, Coloured = 58;
 
-// How far a brightest channel and a colour fade, 0 to 256.
-int Lightness(int most) { return std::clamp((most - Dark) * 256 / (Light - Dark), 0, 256); }
+// How far a brightness fades, 0 to 256.
+int Lightness(int brightness) { return std::clamp((brightness - Dark) * 256 / (Light - Dark), 0, 256); }
 
 std::uint8_t ToByte(double value) {
   return static_cast<std::uint8_t>(std::clamp(std::lround(value), 0L, 255L));
@@ -49,7 +49,8 @@ void ScanShades::Fade(const std::uint8_t* row, int count, std::uint32_t* to) con
     const int blue = row[0], green = row[1], red = row[2];
     const int most = std::max({blue, green, red}), tint = most - std::min({blue, green, red}) - paperTint_;
     const int coloured = std::clamp((tint - Plain) * 256 / (Coloured - Plain), 0, 256);
-    const int part = fade_ * (coloured * Lightness(most) >> 8) >> 8;
+    const int brightness = (29 * blue + 150 * green + 77 * red) >> 8;  // as the eye sees it
+    const int part = fade_ * (coloured * Lightness(brightness) >> 8) >> 8;
     const auto faded = [&](int value, int channel) {
       return std::uint32_t{tone_[static_cast<std::size_t>(value + ((paper[channel] - value) * part >> 8))]};
     };

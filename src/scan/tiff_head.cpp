@@ -5,7 +5,6 @@
 namespace hyetex {
 namespace {
 
-constexpr double CmPerInch = 2.54;
 constexpr std::size_t MostPages = 10'000;
 
 enum Tag : std::uint32_t {

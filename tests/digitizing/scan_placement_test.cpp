@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
+#include "digitizing/tablets.h"
+
 namespace hyetex {
 namespace {
 
@@ -23,6 +27,41 @@ TEST(ScanPlacement, TurnsCounterClockwiseAboutTheImagesCorner) {
   EXPECT_EQ(TabletPosition(turned, 0, 0), std::pair(10.0, 20.0));
   EXPECT_EQ(TabletPosition(turned, 5, 0), std::pair(10.0, 25.0));  // what was to the right is up
   EXPECT_EQ(TabletPosition(turned, 0, 5), std::pair(15.0, 20.0));  // what was down is to the right
+}
+
+TEST(ScanPlacement, LiesWhereEveryTurnCanBePressed) {
+  const TabletExtents& sheet = TabletTypes()[ScanTablet].Extents;
+  const double perMm = sheet.UnitsPerMmVertical();
+  // A chart that fits lies in the middle of the sheet; one of three metres lies beyond it.
+  for (const auto& [width, height] : {std::pair(4000, 900), {900, 4000}, {36'000, 900}, {2, 1}}) {
+    const auto laid = LaidOnSheet(sheet, width, height, 300 / 25.4);
+    ASSERT_TRUE(laid) << laid.error();
+    EXPECT_DOUBLE_EQ(laid->UnitsPerPx, perMm * 25.4 / 300);
+    const auto middle = TabletPosition(*laid, width / 2.0, height / 2.0);
+    if (width < 10'000) {
+      EXPECT_NEAR(middle.first, sheet.TabletWidthUnits / 2.0, 1e-6);
+      EXPECT_NEAR(middle.second, sheet.TabletHeightUnits / 2.0, 1e-6);
+    }
+    ScanPlacement turned = *laid;
+    for (const double degrees : {90.0, 90.0, 0.7, -33.3, 180.0, 32.6}) {
+      turned = TurnAboutCentre(turned, width, height, degrees);
+      EXPECT_GT(turned.AngleDegrees, -180);
+      EXPECT_LE(turned.AngleDegrees, 180);
+      EXPECT_NEAR(TabletPosition(turned, width / 2.0, height / 2.0).first, middle.first, 1e-6);
+      for (const int x : {0, width})
+        for (const int y : {0, height}) {
+          const auto [atX, atY] = TabletPosition(turned, x, y);
+          EXPECT_TRUE(atX >= 0 && atY >= 0 && atX < SegmentMark && atY < SegmentMark)
+              << width << " " << degrees;
+        }
+    }
+    EXPECT_NEAR(turned.AngleDegrees, 0, 1e-9);  // once around
+    EXPECT_NEAR(turned.X0, laid->X0, 1e-6);
+    EXPECT_NEAR(turned.Y0, laid->Y0, 1e-6);
+  }
+  EXPECT_FALSE(LaidOnSheet(sheet, 1'000'000, 400, 40 / 25.4));
+  for (const double none : {0.0, -1.0, std::nan("")})
+    EXPECT_FALSE(LaidOnSheet(sheet, 4000, 900, none)) << none;
 }
 
 }  // namespace
