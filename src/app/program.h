@@ -35,7 +35,7 @@ struct ActiveChart {
   int Tablet = 0;
   std::string Device;
   std::shared_ptr<const ScanImage> Scan = {};  ///< under the trace; null: there is none
-  std::string Comment = {};  ///< what the digitizer says of it, once it was typed
+  std::string Comment = {};                    ///< what the digitizer says of it, once it was typed
 };
 
 struct Program {

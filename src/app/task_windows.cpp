@@ -43,11 +43,14 @@ QWidget* AppDesk::MakeTasks() {
     return port == FirstSerialPort && !words_.Port.empty() ? words_.Port
                                                            : SerialDevice(program_.Settings, port);
   };
-  return new frmTasks(
-      *this, dialogs_, program_.Settings, program_.Lists, program_.Staging, program_.CurrentChart, *shell_,
-      {.Device = device, .Define = details, .Digitize = digitize, .WriteEmptyForm = writeEmptyForm,
-       .Scans = &program_.Scans},
-      words_.Tablet);
+  return new frmTasks(*this, dialogs_, program_.Settings, program_.Lists, program_.Staging,
+                      program_.CurrentChart, *shell_,
+                      {.Device = device,
+                       .Define = details,
+                       .Digitize = digitize,
+                       .WriteEmptyForm = writeEmptyForm,
+                       .Scans = &program_.Scans},
+                      words_.Tablet);
 }
 
 QWidget* AppDesk::MakeTaskDef() {

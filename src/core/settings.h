@@ -93,10 +93,10 @@ inline constexpr TextKey ExchangeFolder{"Exchange-Folder"};  ///< without it the
 
 /// The whole table.
 inline constexpr std::array All = std::to_array<SettingKey>(
-    {PlaceTop,   PlaceLeft,   SerialPort,   ViewHeight,    BoardPlace,      CommentCode,  EditorChart,
-     UserName,   HelpSite,    TargetFolder, DigitizerType, ComPort,         CurrentChart, DefaultsChart,
-     TraceSource, ScanFolder, TaskRow,    TaskStation, TaskBegin,    TaskEnd,       TaskReliability, DatabaseName, LoadSource,
-     LoadTarget, LoadMoves,   GmtHours,     UseAlpha,      ExchangeFolder});
+    {PlaceTop,     PlaceLeft,  SerialPort,   ViewHeight,    BoardPlace, CommentCode,  EditorChart,
+     UserName,     HelpSite,   TargetFolder, DigitizerType, ComPort,    CurrentChart, DefaultsChart,
+     TraceSource,  ScanFolder, TaskRow,      TaskStation,   TaskBegin,  TaskEnd,      TaskReliability,
+     DatabaseName, LoadSource, LoadTarget,   LoadMoves,     GmtHours,   UseAlpha,     ExchangeFolder});
 
 }  // namespace setting
 

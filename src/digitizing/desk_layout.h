@@ -29,8 +29,8 @@ struct DeskLayout {
   float ViewX0 = 0, ViewY0 = 0;            ///< tablet position of the view's left and bottom edges
   float ScaleX = 1, ScaleY = 1;            ///< screen units for each report unit
   bool Zoomed = false;
-  /// Where the mouse is the cursor: what is in view when it is not zoomed, such as the place of a scan, with a
-  /// little around it and always at one scale in both directions. None: the tablet's area fills the view.
+  /// Where the mouse is the cursor: what is in view when it is not zoomed, such as the place of a scan, with
+  /// a little around it and always at one scale in both directions. None: the tablet's area fills the view.
   std::optional<TabletArea> Home;
 
   Rect Board;                             ///< in the chart view

@@ -1,12 +1,17 @@
 #include "digitizing/drawing.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "core/comments.h"
 
 namespace hyetex {
 namespace {
 
 constexpr Rgb Black{0, 0, 0}, Grey{100, 100, 100}, Blue{0, 0, 255}, Green{0, 255, 0};
+constexpr Rgb White{255, 255, 255};
 constexpr int Thin = 0, Thick = 1;
+constexpr double Outside = 150;  // screen units beyond the view in which nothing is seen any more
 
 struct CodeStyle {
   int Code;
@@ -40,6 +45,9 @@ class Drawing {
   Drawing(const ChartScales& scales, const DeskLayout& layout, Surface& surface)
       : scales_(scales), layout_(layout), surface_(surface) {}
 
+  /// From now on lines are only edged: each is drawn wider, in white.
+  void Edge(bool edge) { edge_ = edge; }
+
   void Paper(const ChartPaper& paper) {
     const double x1 = paper.BottomLeftX, y1 = paper.BottomLeftY;
     const double x2 = paper.BottomRightX, y2 = paper.BottomRightY;
@@ -66,24 +74,49 @@ class Drawing {
   double X(double x) const { return layout_.ScreenX(x); }
   double Y(double y) const { return layout_.ScreenY(y); }
   void Line(double x1, double y1, double x2, double y2, Rgb colour, int width) {
-    surface_.Line(X(x1), Y(y1), X(x2), Y(y2), colour, width);
+    const double fromX = X(x1), fromY = Y(y1), toX = X(x2), toY = Y(y2);
+    if (std::max(fromX, toX) < -Outside || std::min(fromX, toX) > layout_.ScaleWidth + Outside ||
+        std::max(fromY, toY) < -Outside || std::min(fromY, toY) > layout_.ScaleHeight + Outside)
+      return;
+    if (edge_)
+      surface_.Line(fromX, fromY, toX, toY, White, width + 1);
+    else
+      surface_.Line(fromX, fromY, toX, toY, colour, width);
   }
 
   const ChartScales& scales_;
   const DeskLayout& layout_;
   Surface& surface_;
+  bool edge_ = false;
 };
 
 }  // namespace
 
-void DrawGraph(const Trace& line, const DeskLayout& layout, bool showPoints, Surface& surface) {
+void DrawGraph(const Trace& line, const DeskLayout& layout, const GraphStyle& style, Surface& surface) {
   surface.Clear();
   Drawing drawing(line.Scales(), layout, surface);
+  if (style.OnScan) {
+    drawing.Edge(true);
+    for (int i = 0; i <= MaxPaper; ++i) drawing.Paper(line.Paper(i));
+    for (int i = 0; i < line.LastPoint(); ++i)
+      if (!line.Point(i + 1).StartsSegment()) drawing.Segment(line.Point(i), line.Point(i + 1));
+    drawing.Edge(false);
+  }
   for (int i = 0; i <= MaxPaper; ++i) drawing.Paper(line.Paper(i));
   for (int i = 0; i <= line.LastPoint(); ++i) {
     if (i < line.LastPoint() && !line.Point(i + 1).StartsSegment())
       drawing.Segment(line.Point(i), line.Point(i + 1));
-    if (showPoints) drawing.Circle(line.Point(i));
+    if (style.ShowPoints) drawing.Circle(line.Point(i));
+  }
+}
+
+void DrawMark(double x, double y, const DeskLayout& layout, Surface& surface) {
+  constexpr Rgb red{229, 57, 53};
+  constexpr double arm = 150;  // screen units
+  const double atX = layout.ScreenX(x), atY = layout.ScreenY(y);
+  for (const auto& [colour, width] : {std::pair(White, Thick + 1), std::pair(red, Thin)}) {
+    surface.Line(atX - arm, atY, atX + arm, atY, colour, width);
+    surface.Line(atX, atY - arm, atX, atY + arm, colour, width);
   }
 }
 

@@ -8,7 +8,16 @@
 
 namespace hyetex {
 
-/// Draws the whole view anew, in screen units (desk_layout.h). With `showPoints` each point gets a circle.
-void DrawGraph(const Trace& line, const DeskLayout& layout, bool showPoints, Surface& surface);
+struct GraphStyle {
+  bool ShowPoints = false;  ///< each point gets a circle
+  /// There is a scan below: every line gets a white edge, so that it is seen on paper, grid and ink alike.
+  bool OnScan = false;
+};
+
+/// Draws the whole view anew, in screen units (desk_layout.h).
+void DrawGraph(const Trace& line, const DeskLayout& layout, const GraphStyle& style, Surface& surface);
+
+/// A cross on a tablet position, as for a place that was measured from.
+void DrawMark(double x, double y, const DeskLayout& layout, Surface& surface);
 
 }  // namespace hyetex

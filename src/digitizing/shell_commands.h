@@ -25,6 +25,10 @@ class SessionCommands {
   virtual void PointsToggled() = 0;
   /// Whether any point has been traced: a new segment and a further paper need one.
   virtual bool HasPoints() const = 0;
+  /// Whether the mouse is the cursor, and not a tablet's: what serves only that is shown.
+  virtual bool HasMouse() const = 0;
+  virtual void ToggleMagnifier() = 0;
+  virtual void MagnifyMore() = 0;
 };
 
 /// The Definitions menu's texts.

@@ -40,8 +40,8 @@ void ShowArea(DeskLayout& layout, const TabletExtents& tablet, const Rect& area)
   if (layout.Home) {
     const double x = layout.TabletX(area.Left + area.Width / 2),
                  y = layout.TabletY(area.Top + area.Height / 2);
-    const double larger =
-        std::min(layout.ScaleWidth / std::max(area.Width, 1.0), layout.ScaleHeight / std::max(area.Height, 1.0));
+    const double larger = std::min(layout.ScaleWidth / std::max(area.Width, 1.0),
+                                   layout.ScaleHeight / std::max(area.Height, 1.0));
     layout.Zoomed = true;
     ShowAround(layout, x, y, std::min(layout.ScaleX * larger, MostZoom * HomeScale(layout)));
     return;
@@ -81,7 +81,8 @@ void ShowPaper(DeskLayout& layout, const ChartScales& scales, const ChartPaper& 
 
 void ResizeView(DeskLayout& layout, const TabletExtents& tablet, double scaleWidth, double scaleHeight) {
   const double wider = scaleWidth / layout.ScaleWidth, higher = scaleHeight / layout.ScaleHeight;
-  const double middleX = layout.TabletX(layout.ScaleWidth / 2), middleY = layout.TabletY(layout.ScaleHeight / 2);
+  const double middleX = layout.TabletX(layout.ScaleWidth / 2),
+               middleY = layout.TabletY(layout.ScaleHeight / 2);
   layout.ScaleWidth = scaleWidth;
   layout.ScaleHeight = scaleHeight;
   if (!layout.Zoomed) {

@@ -135,7 +135,7 @@ TEST_F(MouseDesk, KeysMoveTheCursorAndPress) {
   for (int i = 0; i < 4; ++i) Key(Qt::Key_Down, Qt::ShiftModifier);
   Key(Qt::Key_Return);
   AddComment("By keys");
-  EXPECT_EQ(Digitized().Line.Point(1).Comment, "CODE201 + By keys");
+  EXPECT_EQ(Digitized().Line.Point(1).Comment, "By keys");
 }
 
 TEST_F(MouseDesk, WheelZoomsAndMiddleButtonAndSpacePan) {

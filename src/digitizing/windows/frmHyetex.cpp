@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "core/numbers.h"
-#include "digitizing/drawing.h"
 #include "digitizing/windows/units.h"
 #include "platform/qt_text.h"
 
@@ -31,17 +30,14 @@ frmHyetex::frmHyetex(Desk& desk, Shell& shell, Dialogs& dialogs, Settings& setti
       machine_(session, TabletTypes()[static_cast<std::size_t>(tablet)], *this, &journal_),
       lost_(TabletTypes()[static_cast<std::size_t>(tablet)]),
       mscDig(new SerialPort(this)),
-      picGraph_(new picGraph(
-          [this](Surface& surface) {
-            hyetex::DrawGraph(session_.Line, machine_.Layout, shell_.PointsAreShown(), surface);
-          },
-          this)),
+      picGraph_(new picGraph([this](Surface& surface) { Paint(surface, machine_.Layout); }, this)),
       linHor(new Shape("linHor", Shape::Kind::Filled, Qt::black, picGraph_)),
       linVer(new Shape("linVer", Shape::Kind::Filled, Qt::black, picGraph_)),
       shpSelect(new Shape("shpSelect", Shape::Kind::Dashed, SelectionColour, picGraph_)),
       shpZoom(new Shape("shpZoom", Shape::Kind::Dashed, ZoomColour, picGraph_)),
       shpToolBox(new Shape("shpToolBox", Shape::Kind::Outline, QColor(96, 125, 139), picGraph_)),
-      frmToolBox_(new frmToolBox(picGraph_)) {
+      frmToolBox_(new frmToolBox(picGraph_)),
+      hand_(new MouseHand(*picGraph_, machine_, TabletTypes()[static_cast<std::size_t>(tablet)], this)) {
   setFocusPolicy(Qt::StrongFocus);
   setMinimumSize(ViewSizeFor(ToPixels(machine_.Layout.Board.Height) * 2));
   setWindowTitle(ToQt(DrawingTitle));
@@ -58,6 +54,8 @@ frmHyetex::frmHyetex(Desk& desk, Shell& shell, Dialogs& dialogs, Settings& setti
   connect(frmToolBox_, &frmToolBox::Hovered, this, &frmHyetex::ShowToolText);
   connect(frmToolBox_, &frmToolBox::Dragged, this, &frmHyetex::DragBoard);
   connect(picGraph_, &picGraph::Wheeled, this, &frmHyetex::Zoom);
+  connect(hand_, &MouseHand::ViewMoved, this, &frmHyetex::ShowView);
+  connect(hand_, &MouseHand::CursorMoved, this, &frmHyetex::ShowMagnified);
   RestoreLayout();
   if (device_.empty()) BeginMouse();
 }
@@ -85,6 +83,7 @@ void frmHyetex::StartSession() {
     CloseDesk();
     return;
   }
+  if (openedScan_) BeginScan();
   journal_.Start(settings_.Folder(), tablet_, session_.Chart);
   TellOfJournalTrouble();
   OpenPort();

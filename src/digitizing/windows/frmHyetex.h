@@ -19,7 +19,9 @@
 #include "digitizing/status_panels.h"
 #include "digitizing/view.h"
 #include "digitizing/windows/desk_panel.h"
+#include "digitizing/windows/desk_scan.h"
 #include "digitizing/windows/frmToolBox.h"
+#include "digitizing/windows/magnifier.h"
 #include "digitizing/windows/mouse_hand.h"
 #include "digitizing/windows/picGraph.h"
 #include "platform/dialogs.h"
@@ -37,6 +39,8 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   frmHyetex(Desk& desk, Shell& shell, Dialogs& dialogs, Settings& settings, Session& session, int tablet,
             std::string device, QWidget* parent = nullptr);
 
+  /// A scan for under the trace, before the session begins.
+  void UseScan(std::shared_ptr<const ScanImage> scan) { openedScan_ = std::move(scan); }
   /// Begins the session, once the window is shown: takes its remembered size, offers an unfinished chart,
   /// opens the tablet's port. Where the operator would rather keep another chart's unfinished journal, the
   /// window closes.
@@ -55,7 +59,10 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void AutoZoom() override { machine_.AutoZoom(); }
   void ShowBoard() override;
   void SetPageAgain() override { machine_.SetPageAgain(); }
-  void PointsToggled() override { DrawGraph(); }
+  void PointsToggled() override { ShowView(); }
+  bool HasMouse() const override { return mouse_; }
+  void ToggleMagnifier() override;
+  void MagnifyMore() override;
   bool HasPoints() const override { return session_.Line.LastPoint() >= 0; }
 
   // What the action machine asks for
@@ -120,10 +127,12 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   QMdiSubWindow* Frame() const;
 
   // The mouse in the tablet's place: frmHyetex_mouse.cpp
-  bool HasMouse() const { return hand_ != nullptr; }
   void BeginMouse();
   void FillFrame();
   void ShowView();
+  void ShowMagnified();
+  void Paint(Surface& surface, const DeskLayout& layout) const;
+  void BeginScan();
   Shape* ShapeOf(DragShape shape) { return shape == DragShape::Selection ? shpSelect : shpZoom; }
 
   Shell& shell_;
@@ -140,8 +149,12 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   picGraph* picGraph_;
   Shape *linHor, *linVer, *shpSelect, *shpZoom, *shpToolBox;
   frmToolBox* frmToolBox_;
-  MouseHand* hand_ = nullptr;   // null with a tablet
+  MouseHand* hand_;
+  bool mouse_ = false;          // is the cursor: there is no tablet
   DeskPanel* panel_ = nullptr;  // beside the chart view, with the mouse
+  Magnifier* magnifier_ = nullptr;
+  std::shared_ptr<const ScanImage> openedScan_;
+  DeskScan* scan_ = nullptr;  // null: there is none under the trace
 
   int boxes_ = 0;              // message boxes that are up
   bool watched_ = false;       // for being maximised

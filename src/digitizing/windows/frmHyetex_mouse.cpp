@@ -3,26 +3,30 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 
+#include "digitizing/drawing.h"
 #include "digitizing/windows/frmHyetex.h"
 #include "digitizing/windows/units.h"
 
 namespace hyetex {
 namespace {
 
-constexpr int PanelMargins = 2 * 6;
 constexpr QSize SmallestDesk(700, 420);
 
 }  // namespace
 
 void frmHyetex::BeginMouse() {
   const TabletType& type = TabletTypes()[static_cast<std::size_t>(tablet_)];
-  hand_ = new MouseHand(*picGraph_, machine_, type, this);
-  connect(hand_, &MouseHand::ViewMoved, this, &frmHyetex::ShowView);
-
+  mouse_ = true;
+  hand_->TakeCursor();
   panel_ = new DeskPanel(this);
   frmToolBox_->Dock(machine_.Layout);
   panel_->Add(frmToolBox_);
-  panel_->setFixedWidth(frmToolBox_->width() + PanelMargins);
+  magnifier_ = new Magnifier([this](QImage& picture, const DeskLayout& layout) {
+    std::function<void(QImage&)> below;
+    if (scan_ != nullptr) below = [&](QImage& into) { scan_->Paint(into, layout, picGraph_->Background()); };
+    PaintGraph(picture, picGraph_->Background(), below, [&](Surface& surface) { Paint(surface, layout); });
+  });
+  panel_->Add(magnifier_);
   shpToolBox->hide();
   setMinimumSize(SmallestDesk);
   machine_.Layout.Home = TabletArea{0, 0, type.Extents.TabletWidthUnits, type.Extents.TabletHeightUnits};
@@ -35,15 +39,59 @@ void frmHyetex::FillFrame() {
   frame->setGeometry(frame->mdiArea()->viewport()->rect());
 }
 
-// Another part of the tablet is in view.
-void frmHyetex::ShowView() { DrawGraph(); }
+// Another part of the tablet is in view, or it looks different.
+void frmHyetex::ShowView() {
+  picGraph_->DrawGraph();
+  ShowMagnified();
+}
+
+void frmHyetex::Paint(Surface& surface, const DeskLayout& layout) const {
+  hyetex::DrawGraph(session_.Line, layout,
+                    {.ShowPoints = shell_.PointsAreShown(), .OnScan = scan_ != nullptr}, surface);
+  if (scan_ != nullptr)
+    for (const auto& [x, y] : scan_->Marks()) DrawMark(x, y, layout, surface);
+}
+
+// ---- The magnifier
+
+void frmHyetex::ShowMagnified() {
+  if (magnifier_ == nullptr || magnifier_->isHidden()) return;
+  // Of an empty page there is nothing finer to see than the view itself.
+  const double perPixel =
+      scan_ != nullptr ? scan_->Placement().UnitsPerPx : UnitsPerPixel / machine_.Layout.ScaleX;
+  magnifier_->ShowAt(machine_.State().CursorX, machine_.State().CursorY, perPixel);
+}
+
+void frmHyetex::ToggleMagnifier() {
+  if (magnifier_ == nullptr) return;
+  magnifier_->setVisible(magnifier_->isHidden());
+  ShowMagnified();
+}
+
+void frmHyetex::MagnifyMore() {
+  if (magnifier_ == nullptr) return;
+  if (magnifier_->isHidden()) return ToggleMagnifier();
+  magnifier_->Step();
+}
+
+// ---- The scan
+
+void frmHyetex::BeginScan() {
+  scan_ = new DeskScan(openedScan_, machine_, *hand_, dialogs_, settings_.Folder(), this);
+  panel_->Add(scan_->Panel());
+  connect(scan_, &DeskScan::Changed, this, &frmHyetex::ShowView);
+  connect(scan_, &DeskScan::Instruction, this, [this](std::string_view text) { ShowInstruction(text); });
+  picGraph_->SetBelow(
+      [this](QImage& picture) { scan_->Paint(picture, machine_.Layout, picGraph_->Background()); });
+  scan_->Begin();
+}
 
 void frmHyetex::keyReleaseEvent(QKeyEvent* event) {
-  if (!HasMouse() || !hand_->KeyReleased(*event)) FormWindow::keyReleaseEvent(event);
+  if (!hand_->KeyReleased(*event)) FormWindow::keyReleaseEvent(event);
 }
 
 void frmHyetex::focusOutEvent(QFocusEvent* event) {
-  if (HasMouse()) hand_->Forget();
+  hand_->Forget();
   FormWindow::focusOutEvent(event);
 }
 

@@ -26,7 +26,8 @@ void frmHyetex::showEvent(QShowEvent* event) {
   if (QMdiSubWindow* frame = Frame(); frame && !std::exchange(watched_, true))
     connect(frame, &QMdiSubWindow::windowStateChanged, frame,
             [this, frame](Qt::WindowStates, Qt::WindowStates state) {
-              if (state.testFlag(Qt::WindowMaximized) && !HasMouse()) QTimer::singleShot(0, frame, &QWidget::showNormal);
+              if (state.testFlag(Qt::WindowMaximized) && !HasMouse())
+                QTimer::singleShot(0, frame, &QWidget::showNormal);
             });
 }
 
@@ -99,13 +100,15 @@ void frmHyetex::ShowInstruction(std::string_view text) { shell_.ShowPanel(panel:
 void frmHyetex::SetTitle(std::string_view title) { setWindowTitle(ToQt(title)); }
 
 void frmHyetex::DrawGraph() {
-  picGraph_->DrawGraph();
+  ShowView();
+  if (scan_ != nullptr) scan_->SessionChanged();
   UpdatePanels();
   TellOfJournalTrouble();
 }
 
 void frmHyetex::UpdateMenus() {
   if (replaying_) return;
+  if (scan_ != nullptr) scan_->SessionChanged();
   shell_.ShowScales(CaptionsOf(session_.Line.Scales().ChartType, machine_.State()));
   TellOfJournalTrouble();
 }
@@ -183,8 +186,9 @@ void frmHyetex::ShowToolText(int tool) {
 // ---- Keys and wheel
 
 void frmHyetex::keyPressEvent(QKeyEvent* event) {
-  if (HasMouse() && hasFocus() && hand_->KeyPressed(*event)) return;
+  if (hasFocus() && hand_->KeyPressed(*event)) return;
   if (HasMouse() && !hasFocus() && event->key() == Qt::Key_Escape) return setFocus();  // from the panel
+  if (event->key() == Qt::Key_Escape && scan_ != nullptr && scan_->Escape()) return;
   if (event->key() == Qt::Key_Escape)
     machine_.Escape();
   else if (event->matches(QKeySequence::ZoomIn) || event->key() == Qt::Key_Plus)

@@ -95,6 +95,14 @@ void mdiHyetex::MakeMenus() {
   mnuPoints->setCheckable(true);
   AddItem(mnuView, "mnuAutoZoom", "&Auto Zoom", tell([](SessionCommands& c) { c.AutoZoom(); }));
 
+  // Letters alone, since the other hand has the mouse.
+  mnuMagnifier =
+      AddItem(mnuView, "mnuMagnifier", "&Magnifier", tell([](SessionCommands& c) { c.ToggleMagnifier(); }));
+  mnuMagnifier->setShortcut(Qt::Key_M);
+  mnuMagnify =
+      AddItem(mnuView, "mnuMagnify", "Ma&gnify More", tell([](SessionCommands& c) { c.MagnifyMore(); }));
+  mnuMagnify->setShortcut(Qt::SHIFT | Qt::Key_M);
+
   // Without a letter: windows need them all. F10 and the arrow keys lead here.
   mnuDEf = AddMenu("mnuDEf", "Definitions");
   AddItem(mnuDEf, "mnuParameter", "&Reset Digitation's Parameter");
@@ -172,6 +180,7 @@ void mdiHyetex::ShowSessionMenus(bool shown) {
       caption.prepend('&');
     menu->setTitle(caption);
   }
+  for (QAction* item : {mnuMagnifier, mnuMagnify}) item->setVisible(shown && commands_->HasMouse());
   for (QAction* item : mnuDEf->actions())
     if (item != mnuDefaults) item->setVisible(shown);
   mnuDEf->menuAction()->setVisible(shown || mnuDefaults->isVisible());

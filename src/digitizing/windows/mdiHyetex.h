@@ -69,7 +69,8 @@ class mdiHyetex final : public QMainWindow, public Shell, public PopupMenu {
   QPointer<QWidget> popupOwner_;
 
   QMenu *mnuFile, *mnuView, *mnuDEf, *mnuTools, *mnuPop;
-  QAction *mnuNew, *mnuSave, *mnuPoints, *mnuAngle, *mnuVertical, *mnuHorizontal, *mnuDefaults, *mnuFix;
+  QAction *mnuNew, *mnuSave, *mnuPoints, *mnuMagnifier, *mnuMagnify, *mnuAngle, *mnuVertical, *mnuHorizontal,
+      *mnuDefaults, *mnuFix;
   std::array<QLabel*, 4> panels_;
   QProgressBar* prbThink;
 };

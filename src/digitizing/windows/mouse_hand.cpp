@@ -35,7 +35,6 @@ std::optional<Arrow> ArrowOf(int key) {
 
 MouseHand::MouseHand(picGraph& graph, ActionMachine& machine, const TabletType& tablet, QObject* parent)
     : QObject(parent), graph_(graph), machine_(machine), tablet_(tablet) {
-  graph.TakeMouse();
   connect(&graph, &picGraph::Pressed, this, &MouseHand::Press);
   connect(&graph, &picGraph::PressedTwice, this, &MouseHand::PressTwice);
   connect(&graph, &picGraph::Released, this, &MouseHand::Release);
@@ -45,7 +44,18 @@ MouseHand::MouseHand(picGraph& graph, ActionMachine& machine, const TabletType& 
 double MouseHand::X(QPointF at) const { return Tidy(machine_.Layout.TabletX(at.x() * UnitsPerPixel)); }
 double MouseHand::Y(QPointF at) const { return Tidy(machine_.Layout.TabletY(at.y() * UnitsPerPixel)); }
 
+void MouseHand::TakeCursor() {
+  isCursor_ = true;
+  ShowHand();
+}
+
+void MouseHand::SetTool(PointerTool* tool) {
+  tool_ = tool;
+  ShowHand();
+}
+
 void MouseHand::Tell(double x, double y, int button) {
+  if (!isCursor_) return;
   machine_.Point(x, y, button);
   emit CursorMoved();
 }
@@ -53,10 +63,11 @@ void MouseHand::Tell(double x, double y, int button) {
 // ---- The mouse
 
 void MouseHand::Press(QPointF at, Qt::MouseButton button) {
+  if (Idle()) return;
   if (button == Qt::MiddleButton || (button == Qt::LeftButton && space_)) return Hold(at);
   if (panning_) return;
   // A press is made where the cursor is seen, which keys may have moved a little.
-  const bool follows = guard_.Follows(at.x(), at.y());
+  const bool follows = guard_.Follows(at.x(), at.y()) || !isCursor_;
   const double x = follows ? X(at) : machine_.State().CursorX;
   const double y = follows ? Y(at) : machine_.State().CursorY;
   if (button == Qt::RightButton) return Tell(x, y, tablet_.ToolBoxButton);
@@ -72,19 +83,21 @@ void MouseHand::PressTwice(QPointF at) {
 }
 
 void MouseHand::Release(QPointF at, Qt::MouseButton button) {
+  if (Idle()) return;
   if (panning_) {
     if (button == Qt::RightButton) return;
     panning_ = false;
     return ShowHand();
   }
   const DeskState& state = machine_.State();
-  const double x = state.CursorX, y = state.CursorY;
+  const double x = isCursor_ ? state.CursorX : X(at), y = isCursor_ ? state.CursorY : Y(at);
   if (tool_ != nullptr && button == Qt::LeftButton) tool_->Release(x, y);
   Tell(x, y, NoButton);
   Move(at, Qt::NoButton);
 }
 
 void MouseHand::Move(QPointF at, Qt::MouseButtons held) {
+  if (Idle()) return;
   if (panning_) {
     if (held == Qt::NoButton) {  // let go of where nobody saw it
       panning_ = false;
@@ -116,12 +129,14 @@ void MouseHand::Hold(QPointF at) {
 }
 
 void MouseHand::ShowHand() {
+  if (Idle()) return graph_.unsetCursor();
   graph_.setCursor(panning_ ? Qt::ClosedHandCursor : space_ ? Qt::OpenHandCursor : Qt::CrossCursor);
 }
 
 // ---- The keys
 
 bool MouseHand::KeyPressed(const QKeyEvent& event) {
+  if (Idle()) return false;
   if (const auto arrow = ArrowOf(event.key())) {
     Step(*arrow, event.modifiers().testFlag(Qt::ShiftModifier));
     return true;
@@ -137,7 +152,7 @@ bool MouseHand::KeyPressed(const QKeyEvent& event) {
 }
 
 bool MouseHand::KeyReleased(const QKeyEvent& event) {
-  if (event.key() != Qt::Key_Space) return false;
+  if (Idle() || event.key() != Qt::Key_Space) return false;
   if (event.isAutoRepeat()) return true;
   space_ = false;
   ShowHand();
@@ -153,11 +168,12 @@ void MouseHand::Step(Arrow arrow, bool coarse) {
   const auto [right, up] = StepOf(arrow, coarse, tablet_.Extents);
   guard_.Stepped();
   if (tool_ != nullptr && tool_->Step(right, up)) return;
+  if (!isCursor_) return;
   DeskLayout& layout = machine_.Layout;
   const DeskState& state = machine_.State();
   double x = Tidy(state.CursorX + right), y = Tidy(state.CursorY + up);
   if (!Rect{0, 0, layout.ScaleWidth, layout.ScaleHeight}.Holds(layout.ScreenX(state.CursorX),
-                                                              layout.ScreenY(state.CursorY))) {
+                                                               layout.ScreenY(state.CursorY))) {
     x = Tidy(layout.TabletX(layout.ScaleWidth / 2));  // it was nowhere yet
     y = Tidy(layout.TabletY(layout.ScaleHeight / 2));
   }

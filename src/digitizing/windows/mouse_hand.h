@@ -1,5 +1,6 @@
-// The mouse in the tablet's place: turns what it does over the chart view, and the keys that move the cursor,
-// into positions and presses of the action machine, or of a tool that has taken its place.
+// The mouse over the chart view, and the keys that move the cursor: turned into positions and presses of the
+// action machine, where the mouse stands in the tablet's place, or of a tool that has taken the machine's. With
+// a tablet and without a tool they do nothing.
 #pragma once
 
 #include <QKeyEvent>
@@ -17,10 +18,14 @@ class MouseHand : public QObject {
   Q_OBJECT
 
  public:
+  /// All references must outlive it.
   MouseHand(picGraph& graph, ActionMachine& machine, const TabletType& tablet, QObject* parent);
 
+  /// From now on the mouse is the tablet's cursor.
+  void TakeCursor();
+
   /// From now on presses and moves go to `tool`; null: to the machine. The right button stays the board's.
-  void SetTool(PointerTool* tool) { tool_ = tool; }
+  void SetTool(PointerTool* tool);
   /// Whether a key was one of the cursor's.
   bool KeyPressed(const QKeyEvent& event);
   bool KeyReleased(const QKeyEvent& event);
@@ -28,8 +33,8 @@ class MouseHand : public QObject {
   void Forget();
 
  signals:
-  void CursorMoved();   ///< to the machine's position
-  void ViewMoved();     ///< another part of the tablet is in view
+  void CursorMoved();  ///< to the machine's position
+  void ViewMoved();    ///< another part of the tablet is in view
 
  private:
   void Press(QPointF at, Qt::MouseButton button);
@@ -41,6 +46,7 @@ class MouseHand : public QObject {
   void PressHere();
   void Tell(double x, double y, int button);
   void ShowHand();
+  bool Idle() const { return !isCursor_ && tool_ == nullptr; }
   double X(QPointF at) const;
   double Y(QPointF at) const;
 
@@ -49,6 +55,7 @@ class MouseHand : public QObject {
   const TabletType& tablet_;
   PointerTool* tool_ = nullptr;
   PointerGuard guard_;
+  bool isCursor_ = false;
   bool space_ = false, panning_ = false;
   bool holds_ = false;  // Return has begun a rectangle
   QPointF panFrom_;

@@ -74,8 +74,8 @@ frmTasks::frmTasks(Desk& desk, Dialogs& dialogs, Settings& settings, const Refer
 // A tablet, or what takes its place: then none is looked for.
 void frmTasks::ChooseSource(int option) {
   const TraceSource before = source_;
-  source_ = option < TabletTypeCount ? TraceSource::Tablet
-                                     : static_cast<TraceSource>(option - TabletTypeCount + 1);
+  source_ =
+      option < TabletTypeCount ? TraceSource::Tablet : static_cast<TraceSource>(option - TabletTypeCount + 1);
   if (source_ == TraceSource::Tablet) {
     finder_.SetType(option);
     if (before != source_) finder_.Start();

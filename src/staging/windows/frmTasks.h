@@ -148,7 +148,8 @@ class frmTasks : public FormWindow {
   StationView* tvwStations;
   QGroupBox* frmTask;
   QTableWidget* fgdTasks;
-  QPushButton *cmdAdd, *cmdChange, *cmdDelete, *cmdActivate, *cmdSave, *cmdExit, *drvTarget, *cmdScan, *cmdScans;
+  QPushButton *cmdAdd, *cmdChange, *cmdDelete, *cmdActivate, *cmdSave, *cmdExit, *drvTarget, *cmdScan,
+      *cmdScans;
   QButtonGroup *optCom, *optDig;
   QLabel* labDetect = nullptr;
   QListWidget* lstChartType;

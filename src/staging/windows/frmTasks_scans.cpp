@@ -52,8 +52,8 @@ void frmTasks::ChooseScan() {
   const ChartRecord* chart = SelectedChart();
   if (chart == nullptr) return Tell(ScanTitle, "Select a chart of the list first.");
   const auto before = services_.Scans->Of(*chart);
-  const auto path = dialogs_.ChooseFile(std::string(ScanTitle),
-                                        before ? before->Path : settings_.Get(setting::ScanFolder), ScanFilter);
+  const auto path = dialogs_.ChooseFile(
+      std::string(ScanTitle), before ? before->Path : settings_.Get(setting::ScanFolder), ScanFilter);
   if (!path) return;
   const auto facts = LookAtScan(*path);
   if (!facts) return Tell(ScanTitle, facts.error());
