@@ -47,6 +47,8 @@ struct ChartPaper {
   double BottomRightX = 0, BottomRightY = 0;
   float Angle = 0;              ///< of the bottom line, radians
   std::int16_t FirstPoint = 0;  ///< the first point traced on this paper
+
+  bool operator==(const ChartPaper&) const = default;
 };
 
 enum class ChartMethod : std::int16_t {
@@ -110,6 +112,15 @@ struct ChartRecord {
   float SelectedAlpha = 0;       ///< `NoAlpha` means none
   std::int16_t Reliability = 0;  ///< 0 unknown, 1 acceptable, 2 marginal, 3 unreliable
   std::int16_t RawCount = 0;     ///< highest index in use in the raw points
+};
+
+/// The image from which a chart was traced, as its file remembers it.
+struct ScanReference {
+  std::string Path;
+  int Page = 0;        ///< of the file, from 0
+  std::string Sha256;  ///< of the file's bytes, 64 lower-case hexadecimal digits
+
+  bool operator==(const ScanReference&) const = default;
 };
 
 /// One point of a chart file: millimetres of tablet along and across the chart.

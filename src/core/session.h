@@ -1,9 +1,11 @@
 // The digitization of one chart: the tracing of its paper, with any strips attached to it, on a tablet.
 #pragma once
 
+#include <optional>
 #include <utility>
 
 #include "core/dates.h"
+#include "core/scan_placement.h"
 #include "core/trace.h"
 
 namespace hyetex {
@@ -20,8 +22,9 @@ struct Session {
   }
 
   Trace Line;
-  ChartRecord Chart;   ///< what is known of the chart; its general comment is the session's
-  bool Saved = false;  ///< nothing has been done since the chart file was written
+  ChartRecord Chart;  ///< what is known of the chart; its general comment is the session's
+  std::optional<ScanPlacement> Scan = {};  ///< the image under the trace, on a scanned chart
+  bool Saved = false;                      ///< nothing has been done since the chart file was written
 
   Date ChartStart() const { return Chart.StartTime; }
   /// Date and time of a point; the chart's start for point 0 and for -1.

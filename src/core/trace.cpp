@@ -27,6 +27,7 @@ void Trace::SetScales(ChartScales scales) {
 void Trace::Add(double x, double y, bool startsSegment, std::string_view comment) {
   assert(!IsFull());
   points_.push_back({startsSegment ? x + SegmentMark : x, y, std::string(comment), false});
+  Touch(LastPoint(), 0);
 }
 
 void Trace::AddFirstOfPaper(double x, double y) {
@@ -38,23 +39,69 @@ void Trace::AddFirstOfPaper(double x, double y) {
 void Trace::RemoveLast() {
   if (points_.empty()) return;
   points_.pop_back();
-  ChangedFrom(static_cast<int>(points_.size()));
+  Touch(static_cast<int>(points_.size()), 0);
+}
+
+void Trace::Move(int index, double x, double y) {
+  DigitizedPoint& point = points_[static_cast<std::size_t>(index)];
+  point.X = point.StartsSegment() ? x + SegmentMark : x;
+  point.Y = y;
+  Touch(index, Behind(index));
+}
+
+void Trace::Insert(int index, double x, double y) {
+  assert(!IsFull());
+  const int behind = Behind(index) + 1;
+  points_.insert(points_.begin() + index, {x, y, {}, false});
+  for (int i = 1; i <= currentPaper_; ++i)
+    if (std::int16_t& first = papers_[static_cast<std::size_t>(i)].FirstPoint; first > index) ++first;
+  Touch(index, behind);
+}
+
+void Trace::Delete(int index) {
+  int behind = Behind(index);
+  if (behind > 0 && Point(index).StartsSegment() && !Point(index + 1).StartsSegment()) {
+    points_[static_cast<std::size_t>(index) + 1].X += SegmentMark;
+    --behind;
+  }
+  points_.erase(points_.begin() + index);
+  for (int i = 1; i <= currentPaper_; ++i)
+    if (std::int16_t& first = papers_[static_cast<std::size_t>(i)].FirstPoint; first > index) --first;
+  Touch(index, behind);
+}
+
+void Trace::SetComment(int index, std::string comment) {
+  points_[static_cast<std::size_t>(index)].Comment = std::move(comment);
+  Touch(index, Behind(index));
+}
+
+void Trace::Replace(int index, int count, std::span<const DigitizedPoint> points) {
+  const int behind = LastPoint() + 1 - index - count;
+  const auto at = points_.begin() + index;
+  const auto same =
+      static_cast<std::ptrdiff_t>(std::min<std::size_t>(points.size(), static_cast<std::size_t>(count)));
+  std::copy(points.begin(), points.begin() + same, at);
+  if (static_cast<std::ptrdiff_t>(points.size()) > same)
+    points_.insert(at + same, points.begin() + same, points.end());
+  else
+    points_.erase(at + same, at + count);
+  Touch(index, behind);
 }
 
 void Trace::Clear() {
   points_.clear();
   currentPaper_ = 0;
-  ChangedFrom(0);
+  Touch(0, 0);
 }
 
 void Trace::AddComment(int index, std::string_view entry) {
   AddCode(points_[static_cast<std::size_t>(index)].Comment, entry);
-  ChangedFrom(index);
+  Touch(index, Behind(index));
 }
 
 void Trace::ClearComment(int index) {
   points_[static_cast<std::size_t>(index)].Comment.clear();
-  ChangedFrom(index);
+  Touch(index, Behind(index));
 }
 
 void Trace::SetPage(double leftX, double leftY, double rightX, double rightY) {
@@ -67,6 +114,12 @@ void Trace::AttachPaper(double leftX, double leftY, double rightX, double rightY
   assert(!PapersAreFull());
   ++currentPaper_;
   papers_[static_cast<std::size_t>(currentPaper_)] = MakePaper(leftX, leftY, rightX, rightY, LastPoint() + 1);
+}
+
+void Trace::RestorePapers(std::vector<ChartPaper> papers, std::int16_t current) {
+  papers_ = std::move(papers);
+  currentPaper_ = current;
+  ChangedFrom(0);
 }
 
 int Trace::PaperOfPoint(int index) const {

@@ -6,9 +6,12 @@
 // however long the trace is.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "core/geometry.h"
@@ -36,12 +39,30 @@ class Trace {
   void AddFirstOfPaper(double x, double y);
   /// Takes the last point away, if there is one. Papers stay.
   void RemoveLast();
+  /// Puts a point somewhere else, in report units. It goes on starting its segment if it did.
+  void Move(int index, double x, double y);
+  /// Puts a point in before the one at `index`, on that one's paper. The table must not be full.
+  void Insert(int index, double x, double y);
+  /// Takes a point out. When it started a segment, the next one of the segment does; papers begin with the
+  /// points that they began with.
+  void Delete(int index);
+  void SetComment(int index, std::string comment);
   /// Takes all points away and goes back to paper 0. The papers' corners stay, so the page stays calibrated.
   void Clear();
 
   void AddComment(int index, std::string_view entry);
   void ClearComment(int index);
   void Select(int index, bool selected) { points_[static_cast<std::size_t>(index)].Selected = selected; }
+
+  /// Puts `points` in the place of the `count` points from `index` on. Papers stay.
+  void Replace(int index, int count, std::span<const DigitizedPoint> points);
+
+  /// What has become of the points since the last call: those before `From` and the last `Tail` ones are what
+  /// they were.
+  struct Change {
+    int From = MaxPoint + 1, Tail = MaxPoint + 1;
+  };
+  Change TakeChange() { return std::exchange(change_, {}); }
 
   /// The paper in use.
   std::int16_t CurrentPaper() const { return currentPaper_; }
@@ -50,6 +71,9 @@ class Trace {
   /// Calibrates the paper in use, which is the page (paper 0) at first, by the two ends of its bottom line.
   /// Points stay where they are on the tablet; their times and depths follow the paper.
   void SetPage(double leftX, double leftY, double rightX, double rightY);
+  /// Puts all papers and the paper in use back to what they have been.
+  void RestorePapers(std::vector<ChartPaper> papers, std::int16_t current);
+  std::span<const ChartPaper> Papers() const { return papers_; }
   /// Calibrates a further strip and makes it the paper in use; the next point is its first. Papers must not
   /// be full.
   void AttachPaper(double leftX, double leftY, double rightX, double rightY);
@@ -85,10 +109,17 @@ class Trace {
     if (sums_.size() > static_cast<std::size_t>(point)) sums_.resize(static_cast<std::size_t>(point));
   }
 
+  void Touch(int from, int tail) {
+    change_ = {std::min(change_.From, from), std::min(change_.Tail, tail)};
+    ChangedFrom(from);
+  }
+  int Behind(int index) const { return LastPoint() - index; }
+
   ChartScales scales_;
   std::vector<DigitizedPoint> points_;
   std::vector<ChartPaper> papers_;
   std::int16_t currentPaper_ = 0;
+  Change change_;
   mutable std::vector<Sum> sums_;  // of the points 0 to size - 1; extended when asked for
 };
 

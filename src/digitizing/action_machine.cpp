@@ -21,10 +21,12 @@ constexpr std::string_view OutsidePrompt =
 ActionMachine::ActionMachine(Session& session, const TabletType& tablet, DeskView& view, JournalSink* journal)
     : session_(session), tablet_(tablet), view_(view), journal_(journal), decoder_(tablet) {
   Layout = DefaultDeskLayout(tablet.Extents);
+  history_.Begin(session_, Resting());
 }
 
 void ActionMachine::Start() {
   state_.Action = action::PageLeftCorner;
+  history_.Begin(session_, Resting());
   TellNextPress();
 }
 
@@ -88,12 +90,15 @@ void ActionMachine::PerformAction() {
   view_.ShowMarker(false);
   session_.Saved = false;
   const auto press = CurrentState().Press;
+  const std::string_view step = CurrentState().Step;
   if (state_.Action == action::Drawing) {
     (this->*press)();
+    Commit(step);
     return;
   }
   state_.AlphaNext = false;
   (this->*press)();
+  Commit(step);
   state_.WaitForRelease = true;
   view_.UpdateMenus();
 }
@@ -246,6 +251,8 @@ void ActionMachine::Escape() {
   DropDragShapes();
   state_.AlphaNext = false;
   BackToDrawing();
+  Commit({});
+  history_.Settle(Resting());
   view_.DrawGraph();
 }
 
@@ -318,13 +325,23 @@ std::optional<std::string> ActionMachine::AddComment(std::string_view code, std:
   session_.Saved = false;
   if (comment_->General) {
     AddCode(session_.Chart.GeneralComment, entry);
+    CommitComment();
     return std::nullopt;
   }
   Trace& trace = session_.Line;
   for (int i = 1; i <= trace.LastPoint(); ++i)
     if (trace.Point(i).Selected) trace.AddComment(i, entry);
+  CommitComment();
   view_.DrawGraph();
   return std::nullopt;
+}
+
+// The window may stay open for more; each entry is a step, the first one together with the end it belongs to.
+void ActionMachine::CommitComment() {
+  std::optional<CommentRequest> open;
+  open.swap(comment_);
+  Commit("comment");
+  open.swap(comment_);
 }
 
 void ActionMachine::ClearComments() {
@@ -333,11 +350,13 @@ void ActionMachine::ClearComments() {
   session_.Saved = false;
   if (comment_->General) {
     session_.Chart.GeneralComment.clear();
+    Commit("clearing of comments");
     return;
   }
   Trace& line = session_.Line;
   for (int i = 1; i <= line.LastPoint(); ++i)
     if (line.Point(i).Selected) line.ClearComment(i);
+  Commit("clearing of comments");
   view_.DrawGraph();
 }
 
@@ -352,7 +371,12 @@ void ActionMachine::CommentClosed() {
 }
 
 void ActionMachine::LeaveComment() {
+  const Trace& line = session_.Line;
+  // An end that got no comment is no step of its own: the journal takes it back, or goes on with it.
+  const bool openEnd = comment_ && !comment_->General && !comment_->Code.empty() && line.LastPoint() > 0 &&
+                       line.Point(line.LastPoint()).Comment.empty();
   comment_.reset();
+  if (!openEnd) Commit({});
   view_.EnableDesk(true);
 }
 
@@ -362,19 +386,24 @@ void ActionMachine::Record(const JournalEvent& event) const {
   if (journal_ != nullptr) journal_->Record(event);
 }
 
+void ActionMachine::RecordEscape() {
+  Record({.What = JournalEvent::Kind::Escape});
+  history_.Settle({action::Drawing, false, state_.CornerX, state_.CornerY, state_.PageAngle});
+}
+
 // What only changes the view is not replayed. Where it has taken a waiting tool out of its wait, the journal
 // says so in words that do the same to the trace.
-void ActionMachine::RecordDrawingState() const {
+void ActionMachine::RecordDrawingState() {
   if (state_.Action == action::Drawing || LassoIsOpen()) return;  // an open lasso ends in drawing by itself
-  Record({.What = JournalEvent::Kind::Escape});
+  RecordEscape();
   if (state_.AlphaNext) Record({.What = JournalEvent::Kind::Tool, .Tool = tool::Alpha});
 }
 
-void ActionMachine::RecordPress() const {
+void ActionMachine::RecordPress() {
   if (CurrentState().Journaled)
     Record({.What = JournalEvent::Kind::Press, .X = state_.CursorX, .Y = state_.CursorY});
   else if (state_.AlphaNext)
-    Record({.What = JournalEvent::Kind::Escape});
+    RecordEscape();
 }
 
 }  // namespace hyetex

@@ -13,6 +13,7 @@
 #include "digitizing/desk_layout.h"
 #include "digitizing/desk_state.h"
 #include "digitizing/desk_view.h"
+#include "digitizing/history.h"
 #include "digitizing/journal.h"
 #include "digitizing/report_decoder.h"
 #include "digitizing/tools.h"
@@ -61,6 +62,32 @@ class ActionMachine {
   void Escape();
   /// Waits for the two corners of the paper in use once more. Its points stay.
   void SetPageAgain();
+
+  /// Takes back what the session waits for (a tool, the first of two corners, a lasso); where it waits for
+  /// nothing, the last change of points, papers or comments. Does nothing while the comment window is open,
+  /// and with nothing to take back. View, board and scan stay as they are.
+  void Undo();
+  /// Makes the last change again that was taken back; there is none after another change.
+  void Redo();
+  bool CanUndo() const;
+  bool CanRedo() const;
+  /// For a menu: "Undo", and what it would take back ("Undo point"); likewise for Redo.
+  std::string UndoText() const;
+  std::string RedoText() const;
+
+  /// Corrections, in report units. Each refuses, in words and with nothing changed, what a press would be
+  /// refused for: a place outside the point's paper or off its arc, and a line that goes back in time. Tools
+  /// that wait go on waiting.
+  Result<void> MovePoint(int point, double x, double y);
+  /// The rest of a segment goes on without its first point, and a strip begins with the next one.
+  Result<void> DeletePoint(int point);
+  /// Puts a point in before another one of the same segment.
+  Result<void> InsertPoint(int before, double x, double y);
+  /// Puts an end of the bottom line of the paper in use somewhere else. Points stay on the tablet.
+  Result<void> MoveCorner(bool right, double x, double y);
+  /// Where the scan lies from now on. Undo does not take it back.
+  Result<void> PlaceScan(const ScanPlacement& placement);
+
   /// Shows the current paper as large as the view allows.
   void AutoZoom();
   void ZoomOut();
@@ -107,6 +134,7 @@ class ActionMachine {
     bool LaysPaper;                  // the press may be meant for what lies under the tool board
     bool Journaled;                  // the press changes more than the view
     std::string_view Title, Prompt;  // what the press is for
+    std::string_view Step;           // what Undo calls it
   };
   static const ActionState& StateOf(float action);
   const ActionState& CurrentState() const { return StateOf(state_.Action); }
@@ -131,6 +159,7 @@ class ActionMachine {
   void DoNothing() {}
 
   // Tools
+  void RunCurrentTool(int current);
   void ToggleWaiting(const Tool& tool);
   void ToggleAlpha();
   bool NeedsPage(int tool) const;
@@ -141,10 +170,27 @@ class ActionMachine {
   void LoadZoom();
   void FinishZoom();
 
+  // History and corrections
+  History::Rest Resting() const;
+  void Commit(std::string_view what);
+  void CommitComment();
+  bool Waits() const;
+  void GoBackTo(const History::Shift& shift);
+  void KeepSelected(const History::Shift& shift);
+  Result<void> CheckPoint(int point) const;
+  Result<void> CheckPlace(double x, double y, int paper) const;
+  Result<void> CheckStep(const DigitizedPoint& from, const DigitizedPoint& to, int paper,
+                         double stepBefore) const;
+  double StepOf(double fromX, double fromY, double toX, double toY, int paper) const;
+  bool IsDrop(int from, int to) const;
+  void FollowDrop(int point, bool wasDrop);
+  void Corrected(std::string_view what);
+
   // Journal
   void Record(const JournalEvent& event) const;
-  void RecordDrawingState() const;
-  void RecordPress() const;
+  void RecordEscape();
+  void RecordDrawingState();
+  void RecordPress();
 
   void ShowInstruction(std::string_view text);
   void TellNextPress();
@@ -162,6 +208,8 @@ class ActionMachine {
   double toolCursorLeft_ = 0, toolCursorTop_ = 0;
   std::optional<Rect> selection_, zoom_;  // the drag rectangles that are shown
   std::optional<CommentRequest> comment_;
+  History history_;
+  std::string pendingStep_;  // what has changed something since the last step, by its first name
 };
 
 }  // namespace hyetex

@@ -41,6 +41,8 @@ struct DeskState {
   bool AlphaNext = false;         ///< the next point drawn is an alpha point
   float PageAngle = 0;            ///< angle of the paper in use, radians
 
+  std::int16_t SelectedPoint = -1;  ///< the point that is being corrected; -1 for none
+
   double CursorX = 0, CursorY = 0;       ///< last position reported, report units
   std::int16_t CursorButton = -1;        ///< last button reported; -1 none
   bool ButtonHeld = false;               ///< the press now held has been acted on

@@ -7,6 +7,7 @@
 #include "core/records.h"
 #include "core/text.h"
 #include "digitizing/action_machine.h"
+#include "digitizing/scan_placement.h"
 
 namespace hyetex {
 namespace {
@@ -22,6 +23,10 @@ constexpr Word Words[] = {
     {"select", JournalEvent::Kind::Select},   {"comment", JournalEvent::Kind::Comment},
     {"general", JournalEvent::Kind::General}, {"clear", JournalEvent::Kind::Clear},
     {"escape", JournalEvent::Kind::Escape},   {"page", JournalEvent::Kind::Page},
+    {"scan", JournalEvent::Kind::Scan},       {"move", JournalEvent::Kind::Move},
+    {"delete", JournalEvent::Kind::Delete},   {"insert", JournalEvent::Kind::Insert},
+    {"corner", JournalEvent::Kind::Corner},   {"undo", JournalEvent::Kind::Undo},
+    {"redo", JournalEvent::Kind::Redo},
 };
 
 std::string_view NameOf(JournalEvent::Kind kind) {
@@ -58,6 +63,36 @@ bool ReadPoints(std::string_view rest, std::vector<int>& points) {
   return true;
 }
 
+bool ReadPosition(std::string_view& rest, JournalEvent& event) {
+  const auto x = Whole<double>(TakeField(rest)), y = Whole<double>(TakeField(rest));
+  if (!IsPosition(x) || !IsPosition(y)) return false;
+  event.X = *x;
+  event.Y = *y;
+  return true;
+}
+
+bool ReadPoint(std::string_view& rest, JournalEvent& event) {
+  const auto point = Whole<int>(TakeField(rest));
+  if (!point || *point < 0 || *point > MaxPoint) return false;
+  event.Point = *point;
+  return true;
+}
+
+bool ReadScan(std::string_view rest, ScanPlacement& scan) {
+  scan.Sha256 = TakeField(rest);
+  const auto page = Whole<int>(TakeField(rest));
+  const auto x = Whole<double>(TakeField(rest)), y = Whole<double>(TakeField(rest)),
+             unitsPerPx = Whole<double>(TakeField(rest)), angle = Whole<double>(TakeField(rest));
+  if (!page || !x || !y || !unitsPerPx || !angle || rest.empty()) return false;
+  scan.Page = *page;
+  scan.X0 = *x;
+  scan.Y0 = *y;
+  scan.UnitsPerPx = *unitsPerPx;
+  scan.AngleDegrees = *angle;
+  scan.Path = rest.substr(1);  // its own blanks are part of it
+  return !CheckPlacement(scan);
+}
+
 std::optional<JournalEvent> ReadEvent(std::string_view line) {
   std::string_view rest = line;
   const std::string_view name = TakeField(rest);
@@ -65,13 +100,24 @@ std::optional<JournalEvent> ReadEvent(std::string_view line) {
     if (word.Name != name) continue;
     JournalEvent event{.What = word.Kind};
     switch (word.Kind) {
-      case JournalEvent::Kind::Press: {
-        const auto x = Whole<double>(TakeField(rest)), y = Whole<double>(TakeField(rest));
-        if (!IsPosition(x) || !IsPosition(y)) return std::nullopt;
-        event.X = *x;
-        event.Y = *y;
+      case JournalEvent::Kind::Press:
+        if (!ReadPosition(rest, event)) return std::nullopt;
+        break;
+      case JournalEvent::Kind::Move:
+      case JournalEvent::Kind::Insert:
+        if (!ReadPoint(rest, event) || !ReadPosition(rest, event)) return std::nullopt;
+        break;
+      case JournalEvent::Kind::Delete:
+        if (!ReadPoint(rest, event)) return std::nullopt;
+        break;
+      case JournalEvent::Kind::Corner: {
+        const std::string_view side = TakeField(rest);
+        event.Right = side == "right";
+        if ((!event.Right && side != "left") || !ReadPosition(rest, event)) return std::nullopt;
         break;
       }
+      case JournalEvent::Kind::Scan:
+        return ReadScan(rest, event.Scan) ? std::optional(event) : std::nullopt;
       case JournalEvent::Kind::Tool: {
         const auto index = Whole<int>(TakeField(rest));
         if (!index || *index < 0 || *index >= ToolCount) return std::nullopt;
@@ -91,6 +137,8 @@ std::optional<JournalEvent> ReadEvent(std::string_view line) {
       case JournalEvent::Kind::Clear:
       case JournalEvent::Kind::Escape:
       case JournalEvent::Kind::Page:
+      case JournalEvent::Kind::Undo:
+      case JournalEvent::Kind::Redo:
         break;
     }
     return TakeField(rest).empty() ? std::optional(event) : std::nullopt;
@@ -109,6 +157,10 @@ std::optional<int> ReadTablet(std::string_view line) {
 bool OnlyFirstPointIsSelected(const ActionMachine& machine) {
   const Trace& line = machine.CurrentSession().Line;
   return !machine.CommentIsOpen() && line.LastPoint() >= 0 && line.Point(0).Selected;
+}
+
+std::optional<std::string> WhyNot(const Result<void>& done) {
+  return done ? std::nullopt : std::optional(done.error());
 }
 
 // What an event asks for that the machine's state has no answer to.
@@ -157,6 +209,30 @@ std::optional<std::string> Apply(const JournalEvent& event, ActionMachine& machi
       closeComment();
       machine.SetPageAgain();
       break;
+    case JournalEvent::Kind::Scan:
+      return WhyNot(machine.PlaceScan(event.Scan));
+    case JournalEvent::Kind::Move:
+      closeComment();
+      return WhyNot(machine.MovePoint(event.Point, event.X, event.Y));
+    case JournalEvent::Kind::Delete:
+      closeComment();
+      return WhyNot(machine.DeletePoint(event.Point));
+    case JournalEvent::Kind::Insert:
+      closeComment();
+      return WhyNot(machine.InsertPoint(event.Point, event.X, event.Y));
+    case JournalEvent::Kind::Corner:
+      closeComment();
+      return WhyNot(machine.MoveCorner(event.Right, event.X, event.Y));
+    case JournalEvent::Kind::Undo:
+      closeComment();
+      if (!machine.CanUndo()) return "there is nothing to undo";
+      machine.Undo();
+      break;
+    case JournalEvent::Kind::Redo:
+      closeComment();
+      if (!machine.CanRedo()) return "there is nothing to redo";
+      machine.Redo();
+      break;
   }
   return std::nullopt;
 }
@@ -183,9 +259,29 @@ std::string JournalLine(const JournalEvent& event) {
     case JournalEvent::Kind::General:
       line += " " + event.Code + "|" + event.Text;
       break;
+    case JournalEvent::Kind::Move:
+    case JournalEvent::Kind::Insert:
+      line += " " + ShortText(event.Point) + " " + ExactText(event.X) + " " + ExactText(event.Y);
+      break;
+    case JournalEvent::Kind::Delete:
+      line += " " + ShortText(event.Point);
+      break;
+    case JournalEvent::Kind::Corner:
+      line += std::string(event.Right ? " right " : " left ") + ExactText(event.X) + " " + ExactText(event.Y);
+      break;
+    case JournalEvent::Kind::Scan: {
+      const ScanPlacement& scan = event.Scan;
+      line += " " + scan.Sha256 + " " + ShortText(scan.Page);
+      for (double number : {scan.X0, scan.Y0, scan.UnitsPerPx, scan.AngleDegrees})
+        line += " " + ExactText(number);
+      line += " " + scan.Path;
+      break;
+    }
     case JournalEvent::Kind::Clear:
     case JournalEvent::Kind::Escape:
     case JournalEvent::Kind::Page:
+    case JournalEvent::Kind::Undo:
+    case JournalEvent::Kind::Redo:
       break;
   }
   return line;

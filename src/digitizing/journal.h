@@ -11,6 +11,14 @@
 // - clear: the comment window's Clear all comments
 // - escape: the Escape key
 // - page: the corners of the paper in use are set again
+// - scan SHA256 PAGE X0 Y0 UNITS_PER_PX ANGLE PATH: the image under the trace and where it lies
+//   (scan_placement.h); the path goes to the end of the line and may hold blanks. The last one counts.
+// - move 12 1840 772: point 12 dragged or nudged to X and Y
+// - delete 12: a point taken out; those behind it move down
+// - insert 12 1840 772: a point put in before point 12
+// - corner left 500 510: an end of the bottom line of the paper in use put to X and Y; "left" or "right"
+// - undo: what a tool waits for, or else the last change that is not undone
+// - redo: the last change that is undone
 //
 // A line that starts with "#" is a comment. Lines end in a line feed.
 #pragma once
@@ -22,19 +30,39 @@
 
 #include "core/descriptor.h"
 #include "core/result.h"
+#include "core/scan_placement.h"
 
 namespace hyetex {
 
 class ActionMachine;
 
 struct JournalEvent {
-  enum class Kind { Press, Tool, Select, Comment, General, Clear, Escape, Page };
+  enum class Kind {
+    Press,
+    Tool,
+    Select,
+    Comment,
+    General,
+    Clear,
+    Escape,
+    Page,
+    Scan,
+    Move,
+    Delete,
+    Insert,
+    Corner,
+    Undo,
+    Redo
+  };
 
   Kind What = Kind::Press;
-  double X = 0, Y = 0;               ///< Press
+  double X = 0, Y = 0;               ///< Press, Move, Insert, Corner
   int Tool = -1;                     ///< Tool
   std::vector<int> Points = {};      ///< Select
   std::string Code = {}, Text = {};  ///< Comment, General
+  int Point = -1;                    ///< Move, Delete, Insert
+  bool Right = false;                ///< Corner: the right one
+  ScanPlacement Scan = {};           ///< Scan
 };
 
 /// Far more than the steps of any chart; a longer file is something else under its name.

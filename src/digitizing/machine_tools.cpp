@@ -36,6 +36,16 @@ void ActionMachine::PerformToolAction() {
     Record({.What = JournalEvent::Kind::Tool, .Tool = current});
   }
 
+  RunCurrentTool(current);
+  if (current == tool::NewFile) return;
+  if (current == tool::Redigitize || current == tool::Erase)
+    Commit(current == tool::Erase ? "Erase" : "Redigitize");
+  view_.HighlightTool(tool::None);
+  state_.WaitForRelease = true;
+  view_.UpdateMenus();
+}
+
+void ActionMachine::RunCurrentTool(int current) {
   switch (current) {
     case tool::NewFile:
       NewFile();
@@ -94,9 +104,6 @@ void ActionMachine::PerformToolAction() {
     default:
       if (state_.Action == action::LassoDrag) PerformAction();
   }
-  view_.HighlightTool(tool::None);
-  state_.WaitForRelease = true;
-  view_.UpdateMenus();
 }
 
 // A second press on a waiting tool takes it back.

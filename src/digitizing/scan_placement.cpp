@@ -29,6 +29,23 @@ ScanPlacement WithCentre(ScanPlacement placement, int width, int height, double 
 
 }  // namespace
 
+bool IsSha256(std::string_view text) {
+  return text.size() == 64 && text.find_first_not_of("0123456789abcdef") == std::string_view::npos;
+}
+
+std::optional<std::string> CheckPlacement(const ScanPlacement& placement) {
+  if (!IsSha256(placement.Sha256)) return "The scan has no checksum.";
+  if (placement.Page < 0) return "The scan has no such page.";
+  if (!std::isfinite(placement.X0) || !std::isfinite(placement.Y0) ||
+      !std::isfinite(placement.AngleDegrees) || !std::isfinite(placement.UnitsPerPx) ||
+      placement.UnitsPerPx <= 0)
+    return "The scan has no place on the tablet.";
+  if (placement.Path.empty()) return "The scan has no path.";
+  if (placement.Path.find_first_of(std::string_view("\r\n\0", 3)) != std::string::npos)
+    return "The path of the scan has a line end in it. Rename the file or its folder.";
+  return std::nullopt;
+}
+
 std::pair<double, double> TabletPosition(const ScanPlacement& placement, double px, double py) {
   const auto [c, s] = CosineAndSine(placement.AngleDegrees);
   const double right = px * placement.UnitsPerPx, up = -py * placement.UnitsPerPx;

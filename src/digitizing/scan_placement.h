@@ -3,11 +3,14 @@
 // in report units.
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "core/geometry.h"
 #include "core/result.h"
+#include "core/scan_placement.h"
 
 namespace hyetex {
 
@@ -15,18 +18,11 @@ namespace hyetex {
 /// the same length across and up. An index of TabletTypes().
 inline constexpr int ScanTablet = 0;
 
-struct ScanPlacement {
-  std::string Sha256 = {};  ///< of the file's bytes, 64 lower-case hexadecimal digits
-  int Page = 0;             ///< of the file, from 0
-  /// The tablet position of the image's top-left corner, the outer corner of its first pixel.
-  double X0 = 0, Y0 = 0;
-  double UnitsPerPx = 1;  ///< report units for each pixel of the image
-  /// By how much the image is turned about that corner, counter-clockwise; a quarter turn is 90.
-  double AngleDegrees = 0;
-  std::string Path = {};  ///< of the file
-
-  bool operator==(const ScanPlacement&) const = default;
-};
+/// Why a placement cannot stand in a journal: a checksum that is none, numbers that are none, a path that is
+/// empty or has a line end in it. Nothing if it can.
+std::optional<std::string> CheckPlacement(const ScanPlacement& placement);
+/// Whether a text is a checksum: 64 lower-case hexadecimal digits.
+bool IsSha256(std::string_view text);
 
 /// The tablet position of a place of the image, in pixels from its left and top edges.
 std::pair<double, double> TabletPosition(const ScanPlacement& placement, double px, double py);
