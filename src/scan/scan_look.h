@@ -14,16 +14,18 @@ class ScanShades {
   /// `paper`: the colour of the paper's bare places, blue, green, red.
   ScanShades(const ScanLook& look, cv::Vec3b paper);
 
-  /// A row of an image of one or three channels as 0xffRRGGBB.
-  void Show(const std::uint8_t* row, int channels, int count, std::uint32_t* to) const;
+  /// Puts an image of one or three channels into `to`, of as many pixels, as 0xffRRGGBB. The image is worked
+  /// on in its place.
+  void Show(cv::Mat& image, cv::Mat& to) const;
 
  private:
-  void Fade(const std::uint8_t* row, int count, std::uint32_t* to) const;
+  void Fade(std::uint8_t* row, int count) const;
 
   int fade_ = 0;  // 0 to 256
   cv::Vec3b paper_;
   int paperTint_ = 0;
-  std::array<std::uint8_t, 256> tone_{};    // brightness and contrast
+  bool plain_ = true;                       // neither brightness nor contrast
+  cv::Mat tone_;                            // brightness and contrast
   std::array<std::uint32_t, 256> greys_{};  // all of it, of a grey image
 };
 

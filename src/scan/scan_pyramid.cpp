@@ -15,7 +15,7 @@ constexpr int SmallestLevel = 64;
 // Enlarged further, pixels are shown as what they are.
 constexpr double LinearUpTo = 4;
 // A piece of a view is worked on as a whole while it lies in a processor's cache.
-constexpr int TileWidth = 256, TileHeight = 32;
+constexpr int TileWidth = 128, TileHeight = 64;
 
 // Averages of two by two pixels; of what is left over at the right and bottom, of those that are there.
 cv::Mat HalfOf(const cv::Mat& image) {
@@ -150,12 +150,13 @@ void RenderTile(const View& view, int left, int top, int width, int height, cv::
     cv::warpAffine(part, shown, toPart, shown.size(), cv::INTER_LINEAR | cv::WARP_INVERSE_MAP,
                    cv::BORDER_REPLICATE);
   }
+  cv::Mat into(height, width, CV_8UC4, lineOf(0),
+               static_cast<std::size_t>(view.Width) * sizeof(std::uint32_t));
+  view.Shades.Show(shown, into);
   for (int row = 0; row < height; ++row) {
     const auto [first, end] = spans[static_cast<std::size_t>(row)];
-    std::uint32_t* line = lineOf(row);
-    std::fill_n(line, first, view.Around);
-    if (end > first) view.Shades.Show(shown.ptr(row, first), shown.channels(), end - first, line + first);
-    std::fill(line + end, line + width, view.Around);
+    std::fill_n(lineOf(row), first, view.Around);
+    std::fill(lineOf(row) + end, lineOf(row) + width, view.Around);
   }
 }
 

@@ -74,9 +74,9 @@ TEST_F(FindScansInAFolder, TakesTheBestNameAndGuessesNothing) {
   EXPECT_THAT(FindScans(folder_ / "missing", north).error(), HasSubstr("Cannot read the folder"));
 }
 
-TEST_F(FindScansInAFolder, FindsEveryChartAmongTenThousand) {
+TEST_F(FindScansInAFolder, FindsEveryChartOfAFullFolder) {
   std::vector<WantedScan> charts;
-  for (int i = 0; i < 10'000; ++i) {
+  for (int i = 0; i < 1000; ++i) {
     charts.push_back({"RG" + std::to_string(i % 7), MakeDate(1950, 1, 1 + i / 7, 7)});
     Put({charts.back().InstrumentCode + "-" + DateCode(charts.back().Start) + ".tif"});
   }

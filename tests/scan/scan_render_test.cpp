@@ -54,7 +54,7 @@ TEST(ScanRender, ShowsAnyPartAtAnySizeAndTurn) {
   constexpr int width = 311, height = 77;
   for (const double step : {0.1, 0.24, 0.5, 1.0, 1.3, 2.0, 3.1, 7.9, 40.0})
     for (const double degrees : {0.0, 90.0, 180.0, 270.0, 3.0, -41.5})
-      for (const auto& [atX, atY] : {std::pair(0.0137, -0.0071), {400.3, 300.8}, {-50.013, 550.007}}) {
+      for (const auto& [atX, atY] : {std::pair(0.0137, -0.0071), {400.3137, 300.8071}, {-50.013, 550.007}}) {
         const ScanWindow window = Turned(atX, atY, step, degrees);
         const std::vector<std::uint32_t> view = View(image, window, width, height);
         int outside = 0;
