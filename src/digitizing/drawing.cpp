@@ -110,6 +110,20 @@ void DrawGraph(const Trace& line, const DeskLayout& layout, const GraphStyle& st
   }
 }
 
+void DrawHandle(double x, double y, bool selected, const DeskLayout& layout, Surface& surface) {
+  constexpr Rgb orange{230, 81, 0}, petrol{0, 121, 107};
+  const double radius = selected ? 110 : 80, atX = layout.ScreenX(x), atY = layout.ScreenY(y);
+  for (const double around : {-15.0, 15.0}) surface.Circle(atX, atY, radius + around, White);
+  surface.Circle(atX, atY, radius, selected ? orange : petrol);
+}
+
+void DrawDragged(double x1, double y1, double x2, double y2, const DeskLayout& layout, Surface& surface) {
+  constexpr Rgb orange{230, 81, 0};
+  for (const auto& [colour, width] : {std::pair(White, Thick), std::pair(orange, Thin)})
+    surface.Line(layout.ScreenX(x1), layout.ScreenY(y1), layout.ScreenX(x2), layout.ScreenY(y2), colour,
+                 width);
+}
+
 void DrawMark(double x, double y, const DeskLayout& layout, Surface& surface) {
   constexpr Rgb red{229, 57, 53};
   constexpr double arm = 150;  // screen units

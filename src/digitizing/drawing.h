@@ -20,4 +20,9 @@ void DrawGraph(const Trace& line, const DeskLayout& layout, const GraphStyle& st
 /// A cross on a tablet position, as for a place that was measured from.
 void DrawMark(double x, double y, const DeskLayout& layout, Surface& surface);
 
+/// A ring around a place that can be taken hold of, or that has been.
+void DrawHandle(double x, double y, bool selected, const DeskLayout& layout, Surface& surface);
+/// A line to where a point is being dragged.
+void DrawDragged(double x1, double y1, double x2, double y2, const DeskLayout& layout, Surface& surface);
+
 }  // namespace hyetex

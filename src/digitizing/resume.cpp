@@ -114,7 +114,10 @@ std::optional<UnfinishedChart> FindUnfinishedChart(const std::string& programFol
   });
   unfinished.Steps = ReadJournal(text);
   const auto& events = unfinished.Steps.Events;
-  if (events.empty() && !unfinished.Steps.Error) return std::nullopt;
+  // A scan that was laid down and never pressed on is no step.
+  const bool hasSteps = std::any_of(events.begin(), events.end(),
+                                    [](const auto& e) { return e.What != JournalEvent::Kind::Scan; });
+  if (!hasSteps && !unfinished.Steps.Error) return std::nullopt;
   unfinished.Presses = static_cast<int>(std::count_if(
       events.begin(), events.end(), [](const auto& e) { return e.What == JournalEvent::Kind::Press; }));
   return unfinished;

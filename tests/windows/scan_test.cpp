@@ -194,5 +194,147 @@ TEST_F(ScanDesk, FindsScansByTheirNames) {
   EXPECT_EQ(ScanState(), "NM-Hill Farm-01_19980305.png, 1600 x 800 pixels, 200 dpi by the file");
 }
 
+// ---- Correcting
+
+TEST_F(ScanDesk, CorrectsPointsAndThePage) {
+  OpenScan(WriteScan("page.png"));
+  Key(Qt::Key_C);
+  EXPECT_NE(Panel(panel::Instruction).find("nothing to correct"), std::string::npos);
+  for (const auto& [px, py] : {std::pair(100, 700), std::pair(1500, 690), std::pair(110, 690),
+                               std::pair(520, 480), std::pair(900, 470), std::pair(1300, 200)})
+    PressPixel(px, py);
+  ASSERT_EQ(LastPoint(), 3);
+  const auto pixel = [&](double px, double py) { return TabletPosition(Scan().Placement(), px, py); };
+  const auto drag = [&](std::pair<double, double> from, std::pair<double, double> to) {
+    MouseDrag(from.first, from.second, to.first, to.second);
+  };
+  QTest::keyClick(&Window(), Qt::Key_C);
+  EXPECT_TRUE(desk_->ShellWindow()->findChild<QAction*>("mnuCorrect")->isChecked());
+  drag(pixel(520, 480), pixel(500, 500));
+  EXPECT_EQ(LastPoint(), 3) << "nothing is traced";
+  EXPECT_NEAR(Digitized().Line.Point(1).X, pixel(500, 500).first, 0.05);
+  EXPECT_NEAR(Digitized().Line.Point(1).Y, pixel(500, 500).second, 0.05);
+  drag(pixel(1500, 690), pixel(1500, 700));
+  EXPECT_NEAR(Digitized().Line.Paper(0).Angle, 0, 1e-4);
+
+  drag(pixel(900, 470), pixel(900, 470));
+  EXPECT_EQ(State().SelectedPoint, 2);
+  const double x = Digitized().Line.Point(2).X;
+  Key(Qt::Key_Right);
+  EXPECT_NEAR(Digitized().Line.Point(2).X, x + 2, 0.05);
+  QTest::keyClick(&Window(), Qt::Key_Insert);
+  EXPECT_EQ(LastPoint(), 4);
+  QTest::keyClick(&Window(), Qt::Key_Delete);
+  EXPECT_EQ(LastPoint(), 3);
+  EXPECT_EQ(State().SelectedPoint, 3) << "the last point stays, though Delete erases it while tracing";
+  Key(Qt::Key_Escape);
+  EXPECT_EQ(State().SelectedPoint, -1);
+  QTest::keyClick(&Window(), Qt::Key_Delete);
+  EXPECT_EQ(LastPoint(), 3);
+  Key(Qt::Key_Escape);
+  EXPECT_FALSE(desk_->ShellWindow()->findChild<QAction*>("mnuCorrect")->isChecked());
+  PressPixel(1400, 150);
+  EXPECT_EQ(LastPoint(), 4);
+
+  const std::string chart = ChartText();
+  BreakDown();
+  dialogs_.Answers = {BoxAnswer::Yes};
+  OpenTasks();
+  dialogs_.Opened = {folder_ / "page.png"};
+  Click(Tasks(), "cmdScan");
+  Click(Tasks(), "cmdActivate");
+  ASSERT_TRUE(IsOpen());
+  EXPECT_EQ(ChartText(), chart);
+  EXPECT_TRUE(Scan().HasScale());
+}
+
+TEST_F(ScanDesk, ATabletsSessionIsCorrectedByTheMouseWithoutBeingTraced) {
+  Open(0, ScanTablet);
+  Press(1000, 1600);
+  Press(17000, 1660);
+  Press(1400, 2000);
+  Press(2000, 3000);
+  MousePress(2400, 3100);
+  Key(Qt::Key_Return);
+  EXPECT_EQ(LastPoint(), 1) << "the mouse is no cursor here";
+  Choose("mnuCorrect");
+  MouseDrag(2000, 3000, 2200, 3100);
+  EXPECT_NEAR(Digitized().Line.Point(1).X, 2200, 30);
+  EXPECT_EQ(State().CursorX, 2000) << "the tablet's cursor is where it was";
+  Press(2600, 3300);
+  EXPECT_EQ(LastPoint(), 2) << "the tablet goes on tracing";
+  EXPECT_FALSE(desk_->ShellWindow()->findChild<QAction*>("mnuMagnifier")->isVisible());
+}
+
+// ---- Coming back
+
+class ResumedScan : public ScanDesk {
+ protected:
+  void TraceAndBreakDown() {
+    path_ = WriteScan("page.png");
+    OpenScan(path_);
+    Part<QDoubleSpinBox>("spnTurn").setValue(0.5);
+    for (const auto& [px, py] : {std::pair(100, 700), std::pair(1500, 700), std::pair(110, 690)})
+      PressPixel(px, py);
+    placement_ = Scan().Placement();
+    chart_ = ChartText();
+    BreakDown();
+  }
+  void Again(bool hasScan) {
+    OpenTasks();
+    Click(Tasks(), "optDig6");
+    Click(Tasks(), "cmdActivate");
+    ASSERT_TRUE(IsOpen());
+    EXPECT_EQ(ChartText(), chart_);
+    EXPECT_EQ(Window().findChild<DeskScan*>() != nullptr, hasScan);
+  }
+  std::string path_, chart_;
+  ScanPlacement placement_;
+};
+
+TEST_F(ResumedScan, FindsItsScanWhereItWas) {
+  TraceAndBreakDown();
+  dialogs_.Answers = {BoxAnswer::Yes};
+  Again(true);
+  EXPECT_EQ(Scan().Placement(), placement_);
+  EXPECT_EQ(Label("labScanScale"), "200 dpi, as when it was begun");
+  PressPixel(500, 500);
+  EXPECT_EQ(LastPoint(), 1);
+}
+
+TEST_F(ResumedScan, AsksForAScanThatHasGoneOrMoved) {
+  TraceAndBreakDown();
+  const std::string moved = folder_ / "moved.png";
+  std::filesystem::rename(path_, moved);
+  dialogs_.Answers = {BoxAnswer::Yes, BoxAnswer::Yes};
+  dialogs_.Opened = {moved};
+  Again(true);
+  EXPECT_EQ(Scan().Image().Path(), moved);
+  EXPECT_EQ(Scan().Placement().X0, placement_.X0);
+  EXPECT_NE(ReadFile(folder_ / "Journal.txt").find("moved.png"), std::string::npos);
+  BreakDown();
+  std::filesystem::remove(moved);
+  dialogs_.Answers = {BoxAnswer::Yes, BoxAnswer::No};
+  Again(false);
+  EXPECT_EQ(dialogs_.Boxes.back().Title, "The scan of the unfinished chart");
+}
+
+TEST_F(ResumedScan, SaysThatAScanHasChanged) {
+  TraceAndBreakDown();
+  WriteScan("page.png", Dpi, QColor(250, 245, 230));
+  dialogs_.Answers = {BoxAnswer::Yes, BoxAnswer::No};
+  Again(true);
+  EXPECT_NE(dialogs_.Boxes.back().Text.find("has been changed since"), std::string::npos);
+  EXPECT_NE(Scan().Placement().Sha256, placement_.Sha256);
+}
+
+TEST_F(ScanDesk, AScanThatWasNeverPressedOnIsNoUnfinishedChart) {
+  const std::string path = WriteScan("page.png");
+  OpenScan(path);
+  BreakDown();
+  OpenScan(path);
+  EXPECT_TRUE(dialogs_.Boxes.empty());
+}
+
 }  // namespace
 }  // namespace hyetex

@@ -34,6 +34,9 @@ class Commands : public SessionCommands {
   bool HasMouse() const override { return Mouse; }
   void ToggleMagnifier() override { Asked += "magnifier "; }
   void MagnifyMore() override { Asked += "more "; }
+  void ToggleOverlay() override { Asked += "overlay "; }
+  void ToggleCorrecting() override { Asked += "correcting "; }
+  void InsertPoint() override { Asked += "insert "; }
 };
 
 TEST(Shell, HasItsMenusInOrder) {
@@ -49,7 +52,7 @@ TEST(Shell, HasItsMenusInOrder) {
   EXPECT_EQ(tree,
             "mnuFile File\n  mnuNew New Digitation\n  mnuSave Save Digitation\n  mnuExit Exit\n"
             "mnuView View\n  mnuToolBox ToolBox\n  mnuPoints Digitation Points\n  mnuAutoZoom Auto Zoom\n"
-            "  mnuMagnifier Magnifier\n  mnuMagnify Magnify More\n"
+            "  mnuMagnifier Magnifier\n  mnuMagnify Magnify More\n  mnuOverlay Hours and Depths\n"
             "mnuDEf Definitions\n  mnuParameter Reset Digitation's Parameter\n  mnuAngle Page Angle\n"
             "  mnuVertical Vertical Scale\n  mnuHorizontal Horizontal Scale\n"
             "  mnuPage Set the Page Again\n"
@@ -57,6 +60,7 @@ TEST(Shell, HasItsMenusInOrder) {
             "mnuTools Edit\n  mnuErase Erase Last Point\n  mnuSegment New Segment\n  mnuLevel Level a Point\n"
             "  mnuAlpha Toggle Alpha Sign\n  mnuGap Toggle Data Gap\n  mnuComment Add a Comment\n"
             "  mnuRecovered Toggle Recovered Sign\n  mnuAppend Attach Additional Strip Chart\n"
+            "  mnuCorrect Correct Points\n  mnuInsert Insert a Point\n"
             "mnuFix Syncronize Stations Lists\n");
   EXPECT_EQ(shell.Popup().actions().size(), 3);
 }

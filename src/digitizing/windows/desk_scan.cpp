@@ -84,6 +84,7 @@ void DeskScan::Resume(const ScanPlacement& placement) {
   look_->ShowScale(same ? ScaleText(*scale_)
                         : RoundedText(scale_->PixelsPerMm * MmPerInch, 1) + " dpi, as when it was begun");
   Place(placement);
+  Keep();
 }
 
 bool DeskScan::Lay(const ScanScale& scale) {
@@ -93,6 +94,7 @@ bool DeskScan::Lay(const ScanScale& scale) {
   scale_ = scale;
   look_->ShowScale(ScaleText(scale));
   Place(TurnAboutCentre(*laid, image_->Width(), image_->Height(), placement_.AngleDegrees));
+  Keep();
   return true;
 }
 
@@ -117,6 +119,13 @@ void DeskScan::Place(const ScanPlacement& placement) {
 void DeskScan::Turn(double degrees) {
   if (!WhyFixed().empty()) return look_->ShowAngle(placement_.AngleDegrees);
   Place(TurnAboutCentre(placement_, image_->Width(), image_->Height(), degrees - placement_.AngleDegrees));
+  if (scale_) Keep();
+}
+
+// Into the session and its journal.
+void DeskScan::Keep() {
+  if (machine_.CurrentSession().Scan == placement_) return;
+  if (const auto placed = machine_.PlaceScan(placement_); !placed) Tell(placed.error());
 }
 
 // What has been pressed on the scan as it lies would no longer lie on it.

@@ -92,6 +92,7 @@ class DeskScan : public QObject {
   bool Lay(const ScanScale& scale);
   void Turn(double degrees);
   void Place(const ScanPlacement& placement);
+  void Keep();
   void GiveHandBack();
   std::string WhyFixed() const;
   std::optional<double> AskForMm(const std::string& prompt);

@@ -37,7 +37,8 @@ frmHyetex::frmHyetex(Desk& desk, Shell& shell, Dialogs& dialogs, Settings& setti
       shpZoom(new Shape("shpZoom", Shape::Kind::Dashed, ZoomColour, picGraph_)),
       shpToolBox(new Shape("shpToolBox", Shape::Kind::Outline, QColor(96, 125, 139), picGraph_)),
       frmToolBox_(new frmToolBox(picGraph_)),
-      hand_(new MouseHand(*picGraph_, machine_, TabletTypes()[static_cast<std::size_t>(tablet)], this)) {
+      hand_(new MouseHand(*picGraph_, machine_, TabletTypes()[static_cast<std::size_t>(tablet)], this)),
+      correcting_(machine_, [this](const std::string& why) { shell_.ShowPanel(panel::Instruction, why); }) {
   setFocusPolicy(Qt::StrongFocus);
   setMinimumSize(ViewSizeFor(ToPixels(machine_.Layout.Board.Height) * 2));
   setWindowTitle(ToQt(DrawingTitle));
@@ -83,7 +84,7 @@ void frmHyetex::StartSession() {
     CloseDesk();
     return;
   }
-  if (openedScan_) BeginScan();
+  BeginScan();
   journal_.Start(settings_.Folder(), tablet_, session_.Chart);
   TellOfJournalTrouble();
   OpenPort();

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "digitizing/action_machine.h"
+#include "digitizing/correcting.h"
 #include "digitizing/desk_view.h"
 #include "digitizing/lost_presses.h"
 #include "digitizing/resume.h"
@@ -55,14 +56,17 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   // What the menus ask for
   void NewFile() override { machine_.NewFile(); }
   void SaveFile() override { RunTool(tool::SaveFile); }
-  void RunTool(int tool) override { machine_.RunTool(tool); }
+  void RunTool(int tool) override;
   void AutoZoom() override { machine_.AutoZoom(); }
   void ShowBoard() override;
-  void SetPageAgain() override { machine_.SetPageAgain(); }
+  void SetPageAgain() override;
   void PointsToggled() override { ShowView(); }
   bool HasMouse() const override { return mouse_; }
   void ToggleMagnifier() override;
   void MagnifyMore() override;
+  void ToggleOverlay() override;
+  void ToggleCorrecting() override;
+  void InsertPoint() override;
   bool HasPoints() const override { return session_.Line.LastPoint() >= 0; }
 
   // What the action machine asks for
@@ -132,7 +136,17 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void ShowView();
   void ShowMagnified();
   void Paint(Surface& surface, const DeskLayout& layout) const;
+  void ShowModes();
+  bool EscapeMouse();
+
+  // Correcting points and the page: frmHyetex_correcting.cpp
+  void LeaveCorrecting();
+  void PaintCorrecting(Surface& surface, const DeskLayout& layout) const;
+
+  // The scan under the trace: frmHyetex_scan.cpp
   void BeginScan();
+  void LayScan(std::shared_ptr<const ScanImage> image);
+  void FindScanAgain();
   Shape* ShapeOf(DragShape shape) { return shape == DragShape::Selection ? shpSelect : shpZoom; }
 
   Shell& shell_;
@@ -155,6 +169,9 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   Magnifier* magnifier_ = nullptr;
   std::shared_ptr<const ScanImage> openedScan_;
   DeskScan* scan_ = nullptr;  // null: there is none under the trace
+  Correcting correcting_;
+  bool corrects_ = false;  // the mouse corrects
+  bool overlay_ = false;   // the chart's own hours and depths are shown
 
   int boxes_ = 0;              // message boxes that are up
   bool watched_ = false;       // for being maximised

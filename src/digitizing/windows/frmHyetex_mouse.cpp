@@ -46,8 +46,9 @@ void frmHyetex::ShowView() {
 }
 
 void frmHyetex::Paint(Surface& surface, const DeskLayout& layout) const {
-  hyetex::DrawGraph(session_.Line, layout,
-                    {.ShowPoints = shell_.PointsAreShown(), .OnScan = scan_ != nullptr}, surface);
+  const GraphStyle style{.ShowPoints = shell_.PointsAreShown() || corrects_, .OnScan = scan_ != nullptr};
+  hyetex::DrawGraph(session_.Line, layout, style, surface);
+  if (corrects_) PaintCorrecting(surface, layout);
   if (scan_ != nullptr)
     for (const auto& [x, y] : scan_->Marks()) DrawMark(x, y, layout, surface);
 }
@@ -66,6 +67,7 @@ void frmHyetex::ToggleMagnifier() {
   if (magnifier_ == nullptr) return;
   magnifier_->setVisible(magnifier_->isHidden());
   ShowMagnified();
+  ShowModes();
 }
 
 void frmHyetex::MagnifyMore() {
@@ -74,16 +76,27 @@ void frmHyetex::MagnifyMore() {
   magnifier_->Step();
 }
 
-// ---- The scan
+// ---- What is switched on
 
-void frmHyetex::BeginScan() {
-  scan_ = new DeskScan(openedScan_, machine_, *hand_, dialogs_, settings_.Folder(), this);
-  panel_->Add(scan_->Panel());
-  connect(scan_, &DeskScan::Changed, this, &frmHyetex::ShowView);
-  connect(scan_, &DeskScan::Instruction, this, [this](std::string_view text) { ShowInstruction(text); });
-  picGraph_->SetBelow(
-      [this](QImage& picture) { scan_->Paint(picture, machine_.Layout, picGraph_->Background()); });
-  scan_->Begin();
+void frmHyetex::ToggleOverlay() {
+  overlay_ = !overlay_;
+  ShowModes();
+  ShowView();
+}
+
+void frmHyetex::ShowModes() {
+  shell_.ShowModes({magnifier_ != nullptr && !magnifier_->isHidden(), overlay_, corrects_});
+}
+
+// What the mouse is at ends before anything that the machine waits for.
+bool frmHyetex::EscapeMouse() {
+  if (scan_ != nullptr && scan_->Escape()) return true;
+  if (!corrects_) return false;
+  if (correcting_.LetGo())
+    ShowView();
+  else
+    LeaveCorrecting();
+  return true;
 }
 
 void frmHyetex::keyReleaseEvent(QKeyEvent* event) {

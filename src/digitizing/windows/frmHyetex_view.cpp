@@ -41,6 +41,7 @@ void frmHyetex::FocusChanged(bool focused) {
   shell_.Digitizing(*this);
   machine_.State().CursorButton = -1;
   UpdateMenus();
+  ShowModes();
   ShowInstruction(machine_.Instruction());
 }
 
@@ -95,7 +96,9 @@ void frmHyetex::ResizeDesk(double factor) {
 
 // ---- What the machine shows
 
-void frmHyetex::ShowInstruction(std::string_view text) { shell_.ShowPanel(panel::Instruction, text); }
+void frmHyetex::ShowInstruction(std::string_view text) {
+  shell_.ShowPanel(panel::Instruction, corrects_ ? CorrectingPrompt : text);
+}
 
 void frmHyetex::SetTitle(std::string_view title) { setWindowTitle(ToQt(title)); }
 
@@ -188,7 +191,7 @@ void frmHyetex::ShowToolText(int tool) {
 void frmHyetex::keyPressEvent(QKeyEvent* event) {
   if (hasFocus() && hand_->KeyPressed(*event)) return;
   if (HasMouse() && !hasFocus() && event->key() == Qt::Key_Escape) return setFocus();  // from the panel
-  if (event->key() == Qt::Key_Escape && scan_ != nullptr && scan_->Escape()) return;
+  if (event->key() == Qt::Key_Escape && EscapeMouse()) return;
   if (event->key() == Qt::Key_Escape)
     machine_.Escape();
   else if (event->matches(QKeySequence::ZoomIn) || event->key() == Qt::Key_Plus)

@@ -75,11 +75,14 @@ void MouseHand::Press(QPointF at, Qt::MouseButton button) {
   if (tool_ == nullptr) return Tell(x, y, tablet_.DrawingButton);
   Tell(x, y, NoButton);
   tool_->Press(x, y);
+  emit ViewMoved();
 }
 
 // One bend is one press: the second of a double click would lie on the first.
 void MouseHand::PressTwice(QPointF at) {
-  if (tool_ != nullptr && !space_ && !panning_) tool_->PressTwice(X(at), Y(at));
+  if (tool_ == nullptr || space_ || panning_) return;
+  tool_->PressTwice(X(at), Y(at));
+  emit ViewMoved();
 }
 
 void MouseHand::Release(QPointF at, Qt::MouseButton button) {
@@ -91,7 +94,10 @@ void MouseHand::Release(QPointF at, Qt::MouseButton button) {
   }
   const DeskState& state = machine_.State();
   const double x = isCursor_ ? state.CursorX : X(at), y = isCursor_ ? state.CursorY : Y(at);
-  if (tool_ != nullptr && button == Qt::LeftButton) tool_->Release(x, y);
+  if (tool_ != nullptr && button == Qt::LeftButton) {
+    tool_->Release(x, y);
+    emit ViewMoved();
+  }
   Tell(x, y, NoButton);
   Move(at, Qt::NoButton);
 }
@@ -113,7 +119,9 @@ void MouseHand::Move(QPointF at, Qt::MouseButtons held) {
   holds_ = false;
   if (tool_ != nullptr) {
     Tell(X(at), Y(at), NoButton);
-    return tool_->Move(X(at), Y(at), held.testFlag(Qt::LeftButton));
+    tool_->Move(X(at), Y(at), held.testFlag(Qt::LeftButton));
+    if (held.testFlag(Qt::LeftButton)) emit ViewMoved();
+    return;
   }
   // By what is held now: a box that came up may have taken the button's release.
   Tell(X(at), Y(at),
@@ -167,7 +175,10 @@ void MouseHand::Forget() {
 void MouseHand::Step(Arrow arrow, bool coarse) {
   const auto [right, up] = StepOf(arrow, coarse, tablet_.Extents);
   guard_.Stepped();
-  if (tool_ != nullptr && tool_->Step(right, up)) return;
+  if (tool_ != nullptr && tool_->Step(right, up)) {
+    emit ViewMoved();
+    return;
+  }
   if (!isCursor_) return;
   DeskLayout& layout = machine_.Layout;
   const DeskState& state = machine_.State();
@@ -189,7 +200,9 @@ void MouseHand::PressHere() {
   guard_.Stepped();
   if (tool_ != nullptr) {
     tool_->Press(x, y);
-    return tool_->Release(x, y);
+    tool_->Release(x, y);
+    emit ViewMoved();
+    return;
   }
   if (std::exchange(holds_, false)) return Tell(x, y, NoButton);
   Tell(x, y, tablet_.DrawingButton);

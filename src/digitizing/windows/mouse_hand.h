@@ -1,6 +1,6 @@
 // The mouse over the chart view, and the keys that move the cursor: turned into positions and presses of the
-// action machine, where the mouse stands in the tablet's place, or of a tool that has taken the machine's. With
-// a tablet and without a tool they do nothing.
+// action machine, where the mouse stands in the tablet's place, or of a tool that has taken the machine's.
+// With a tablet and without a tool they do nothing.
 #pragma once
 
 #include <QKeyEvent>
@@ -34,7 +34,7 @@ class MouseHand : public QObject {
 
  signals:
   void CursorMoved();  ///< to the machine's position
-  void ViewMoved();    ///< another part of the tablet is in view
+  void ViewMoved();    ///< another part of the tablet is in view, or a tool has done something
 
  private:
   void Press(QPointF at, Qt::MouseButton button);
