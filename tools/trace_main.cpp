@@ -1,11 +1,15 @@
 // hyetex-trace: makes what a tablet would send while an operator traces a chart that is known, as a stream of
-// bytes and as a session journal.
+// bytes and as a session journal; and draws the scan of such a chart.
 #include <algorithm>
+#include <map>
 #include <utility>
 #include <vector>
 
 #include "commandline/parser.h"
 #include "core/files.h"
+#include "scans/drawn_scan.h"
+#include "scans/scan_damage.h"
+#include "scans/scan_file.h"
 #include "tracing/operator.h"
 #include "tracing/rain.h"
 #include "tracing/readings.h"
@@ -18,11 +22,39 @@ using namespace commandline;
 
 constexpr double MostHours = 1e5;
 constexpr std::size_t MostBytes = 16 << 20;
+// What a form's band shows above the height at which the instrument empties.
+constexpr double BeyondFullMm = 2;
 
 const std::vector<std::string> MethodNames{"linear", "nonlinear", "tipping"};  // by their numbers
 
+const std::vector<std::string> ModeNames{"colour", "grey", "bits"};  // by their numbers
+const std::map<std::string, Rgb> ColourNames{
+    {"black", {40, 38, 40}},    {"blue", {45, 50, 130}}, {"brown", {150, 100, 60}},  {"green", {70, 140, 95}},
+    {"orange", {225, 140, 80}}, {"red", {190, 75, 70}},  {"violet", {105, 60, 125}},
+};
+
+// A colour by its name, or as six hexadecimal digits.
+std::optional<Rgb> ColourOf(const std::string& word) {
+  if (const auto named = ColourNames.find(word); named != ColourNames.end()) return named->second;
+  if (word.size() != 6 || word.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
+    return std::nullopt;
+  const int number = std::stoi(word, nullptr, 16);
+  return Rgb{number >> 16, number >> 8 & 255, number & 255};
+}
+
+// How a scan is drawn.
+struct ScanOrder {
+  std::string File, Truth;  ///< to write; the first is empty where none is drawn
+  ScanStyle Style;
+  std::string Mode = ModeNames.front(), Grid = "green", Pen = "blue", Damage;
+  std::pair<double, double> Shrink{0, 0};  ///< percent
+  std::optional<double> WrittenDpi;
+  bool LeaveOutDpi = false;
+  int Quality = 92, Seed = 1;
+};
+
 struct Order {
-  int Tablet = 0;
+  std::optional<int> Tablet;
   std::string Readings, RainFell;  ///< files, of which one is given
   double TimeScale = 1 / ReadingScales().MmPerHour, DepthScale = 1 / ReadingScales().MmPerRain;
   ReadingScales Scales;
@@ -31,14 +63,18 @@ struct Order {
   std::optional<std::pair<double, double>> Gap, Level;
   PageLaid Laid;
   std::optional<double> AttachAtFileHour;
-  std::string Journal, Stream;  ///< files to write, at least one
+  std::string Journal, Stream;  ///< files to write; at least one of these and the scan
+  ScanOrder Scan;
 };
 
 class CommandLine : public Description {
  public:
   explicit CommandLine(Order& order)
-      : Description("hyetex-trace", "Makes the steps of an operator who traces a known chart on a tablet.") {
-    AddTablet(*this, order.Tablet)->required();
+      : Description(
+            "hyetex-trace",
+            "Makes the steps of an operator who traces a known chart on a tablet, or draws the scan of "
+            "such a chart.") {
+    CLI::Option* tablet = AddTablet(*this, order.Tablet);
     CLI::App& inputs = *add_option_group("The chart, one of");
     CLI::Option* readings = AddName(inputs, "--readings", order.Readings, "FILE",
                                     "a chart read by eye: rows \"hour,reading_mm,kind\"");
@@ -48,14 +84,26 @@ class CommandLine : public Description {
     AddPaper(*add_option_group("The paper"), order);
     AddPaperOfReadings(*add_option_group("The paper, with --readings"), order, readings);
     AddPaperOfRain(*add_option_group("The paper and the pen, with --rain"), order, rain);
-    AddOperator(*add_option_group("The operator"), order);
-    CLI::App& results = *add_option_group("The results, one or both");
-    AddName(results, "--journal", order.Journal, "OUT", "write the session journal");
-    AddName(results, "--stream", order.Stream, "OUT", "write the tablet's bytes");
+    CLI::App& hand = *add_option_group("The operator, with --tablet");
+    AddOperator(hand, order);
+    CLI::App& results = *add_option_group("The results, one or more");
+    AddName(results, "--journal", order.Journal, "OUT",
+            "write the session journal; with --scan that of a mouse on the scan");
+    CLI::Option* stream = AddName(results, "--stream", order.Stream, "OUT", "write the tablet's bytes");
+    CLI::Option* scan = AddName(results, "--scan", order.Scan.File, "OUT",
+                                "draw the chart's scan: a .png, .jpg, .tif or .bmp");
     results.require_option(1, 0);
-    final_callback([&order] {
+    AddScan(*add_option_group("The scan, with --scan"), order, scan);
+    for (CLI::Option* option : hand.get_options()) option->needs(tablet);
+    stream->needs(tablet);
+    scan->excludes(tablet);
+    footer(DamageText());
+    final_callback([&order, tablet, scan] {
       if (order.Scales.FirstHour >= order.Scales.LastHour)
         throw CLI::ValidationError("--from", "the hour is not before that of --to");
+      if (tablet->empty() && scan->empty())
+        throw CLI::ValidationError("--journal", "wants --tablet, or --scan");
+      Check(order.Scan);
     });
   }
 
@@ -107,9 +155,80 @@ class CommandLine : public Description {
                                                                              : "there is a line break in it");
         });
   }
+  static void AddScan(CLI::App& group, Order& order, CLI::Option* scan) {
+    ScanOrder& wanted = order.Scan;
+    ScanStyle& style = wanted.Style;
+    SheetShape& shape = style.Shape;
+    const auto part = [&group](const char* option, double& number, const char* help) {
+      AddNumber(group, option, number, 0, 1, "0..1", help);
+    };
+    AddNumber(group, "--dpi", style.Dpi, 50, 1200, "DPI", "dots for each inch");
+    group.add_option("--mode", wanted.Mode, "colour, grey, or one bit a pixel")
+        ->type_name("NAME")
+        ->check(CLI::IsMember(ModeNames));
+    AddWhole(group, "--seed", wanted.Seed, 0, 1 << 30, "N", "of all that is left to chance");
+    AddWhole(group, "--quality", wanted.Quality, 1, 100, "N", "of a JPEG");
+    for (const auto& [option, colour, help] :
+         {std::tuple("--grid", &wanted.Grid, "what the form is printed in"),
+          std::tuple("--ink", &wanted.Pen, "what the pen writes with")})
+      group.add_option(option, *colour, help)->type_name("COLOUR")->check(Colour());
+    AddNumber(group, "--pen-width", style.PenMm, 0.05, 3, "MM", "of the pen's line");
+    part("--pen-ink", style.PenInk, "how dark the pen's line is");
+    part("--unsteady", style.Unsteady, "how its width and darkness vary");
+    part("--worn", style.Worn, "how patchy the print is");
+    AddNumber(group, "--tilt", shape.TiltDegrees, -45, 45, "DEG", "how askew the paper lies");
+    AddNumber(group, "--shear", shape.ShearDegrees, -10, 10, "DEG", "how far the hour lines lean");
+    AddNumber(group, "--shrink", wanted.Shrink, -10, 10, "ACROSS UP", "percent that the paper has shrunk");
+    AddNumber(group, "--warp", shape.WarpMm, 0, 5, "MM", "how far the paper is warped");
+    AddWhole(group, "--quarters", shape.Quarters, 0, 3, "N", "quarter turns of the scan, counter-clockwise");
+    AddNumber(group, "--border", shape.BorderMm, 0, 100, "MM", "of the scanner's bed around the paper");
+    AddName(group, "--title", style.Title, "TEXT", "printed over the hours");
+    for (CLI::Option* option : group.get_options()) option->capture_default_str();
+    group.add_option("--damage", wanted.Damage, "kinds of damage, below")->type_name("NAME[=0..1],...");
+    group.add_flag("--dither", style.Dither, "dots for what is neither black nor white, with --mode bits");
+    CLI::Option* told = AddNumber(group, "--false-dpi", wanted.WrittenDpi, 1, 60000, "DPI",
+                                  "what the file says of itself, in place of the truth");
+    group.add_flag("--no-dpi", wanted.LeaveOutDpi, "the file does not tell its resolution")->excludes(told);
+    AddName(group, "--truth", wanted.Truth, "OUT", "write what the line records: rows \"hour,mm,x,y,kind\"");
+    for (CLI::Option* option : group.get_options()) option->needs(scan);
+  }
+  static CLI::Validator Colour() {
+    return CLI::Validator(
+        [](std::string& text) {
+          std::string names;
+          for (const auto& [name, colour] : ColourNames) names += name + ", ";
+          return ColourOf(text) ? std::string() : "a colour is one of " + names + "or six hexadecimal digits";
+        },
+        "");
+  }
+  static std::string DamageText() {
+    std::string text =
+        "Damage to a scan, each kind by itself or followed by its strength, 0 to 1 (else 0.5):\n";
+    for (const ScanDamage& damage : ScanDamages())
+      text += "  " + std::string(damage.Name) + std::string(11 - damage.Name.size(), ' ') +
+              std::string(damage.What) + "\n";
+    return text;
+  }
+  // What can be told of the words before anything is read or drawn.
+  static void Check(const ScanOrder& order) {
+    ScanStyle tried;
+    if (const auto damaged = Damage(tried, order.Damage, 0); !damaged)
+      throw CLI::ValidationError("--damage", damaged.error());
+    if (order.File.empty()) return;
+    if (const auto named = CheckScanName(order.File); !named)
+      throw CLI::ValidationError("--scan", named.error());
+  }
 };
 
 // Carries over what the words give in other units or under other names.
+void Complete(ScanOrder& order) {
+  ScanStyle& style = order.Style;
+  style.Mode = static_cast<ScanMode>(std::ranges::find(ModeNames, order.Mode) - ModeNames.begin());
+  style.Grid = ColourOf(order.Grid).value_or(style.Grid);
+  style.Pen = ColourOf(order.Pen).value_or(style.Pen);
+  style.Shape.ShrunkAcross = order.Shrink.first / 100;
+  style.Shape.ShrunkUp = order.Shrink.second / 100;
+}
 void Complete(Order& order) {
   order.Scales.MmPerHour = 1 / order.TimeScale;
   order.Scales.MmPerRain = 1 / order.DepthScale;
@@ -122,8 +241,28 @@ void Complete(Order& order) {
   if (order.Level) rain.Moved = {order.Level->first, order.Level->second};
 }
 
+Result<void> Draw(const PenLine& line, double firstHour, const Order& order) {
+  const ScanOrder& wanted = order.Scan;
+  ScanStyle style = wanted.Style;
+  style.FirstHour = firstHour;
+  const auto seed = static_cast<std::uint64_t>(wanted.Seed);
+  if (auto damaged = Damage(style, wanted.Damage, seed); !damaged) return damaged;
+  const auto scan = DrawScan(line, style, seed);
+  if (!scan) return Failure(scan.error());
+  std::optional<double> dpi = wanted.WrittenDpi.value_or(style.Dpi);
+  if (wanted.LeaveOutDpi) dpi.reset();
+  const auto bytes = EncodeScan(scan->Image, wanted.File, dpi, style.JpegQuality.value_or(wanted.Quality));
+  if (!bytes) return Failure(bytes.error());
+  if (auto written = WriteWholeFile(wanted.File, *bytes); !written) return written;
+  if (!wanted.Truth.empty())
+    if (auto written = WriteWholeFile(wanted.Truth, TruthText(*scan, firstHour)); !written) return written;
+  if (order.Journal.empty()) return {};
+  return WriteWholeFile(order.Journal, JournalText(ScanTablet, MouseSteps(*scan, PlacementOf(*scan))));
+}
+
 Result<void> Make(Order order) {
   Complete(order);
+  Complete(order.Scan);
   const bool fromReadings = !order.Readings.empty();
   const std::string& path = fromReadings ? order.Readings : order.RainFell;
   const auto csv = ReadWholeFile(path, MostBytes);
@@ -140,13 +279,20 @@ Result<void> Make(Order order) {
   }
   if (!line) return Failure(path + ": " + line.error());
 
+  if (!order.Scan.File.empty()) {
+    const bool arc = line->Paper.ChartMethod == static_cast<std::int16_t>(ChartMethod::NonLinear);
+    ScanStyle& style = order.Scan.Style;
+    if (fromReadings) style.ZeroMm = -order.Scales.BottomReading * order.Scales.MmPerRain;
+    if (!arc && style.BandMm == 0) style.BandMm = style.ZeroMm + order.Rain.FullMm + BeyondFullMm;
+    return Draw(*line, firstHour, order);
+  }
   if (order.AttachAtFileHour) order.Laid.AttachAtHours = *order.AttachAtFileHour - firstHour;
-  const TabletType& tablet = TabletTypes()[static_cast<std::size_t>(order.Tablet)];
+  const int type = order.Tablet.value_or(0);
+  const TabletType& tablet = TabletTypes()[static_cast<std::size_t>(type)];
   const auto steps = TracePage(*line, tablet, order.Laid);
   if (!steps) return Failure(path + ": " + steps.error());
   if (!order.Journal.empty())
-    if (auto written = WriteWholeFile(order.Journal, JournalText(order.Tablet, *steps)); !written)
-      return written;
+    if (auto written = WriteWholeFile(order.Journal, JournalText(type, *steps)); !written) return written;
   if (!order.Stream.empty())
     if (auto written = WriteWholeFile(order.Stream, EncodeSteps(tablet, *steps)); !written) return written;
   return {};

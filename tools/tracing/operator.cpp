@@ -19,57 +19,17 @@ constexpr double StripOverlapMm = 15;
 constexpr double SureDropMm = 65;
 constexpr double Never = std::numeric_limits<double>::infinity();
 
-class Operator {
+// Presses the points of a line one after another, with the tools that they call for.
+class Presser {
  public:
-  Operator(const PenLine& line, const TabletType& tablet, const PageLaid& laid)
-      : line_(line),
-        tablet_(tablet),
-        laid_(laid),
-        layout_(DefaultDeskLayout(tablet.Extents)),
-        angle_(laid.AngleDegrees) {
-    roomMm_ = tablet.Extents.TabletWidthMm - laid.LeftMm - laid.RightMarginMm;
-  }
+  Presser(const PenLine& line, std::string gapReason, std::vector<JournalEvent>& steps, PlaceOfPress place)
+      : line_(line), gapReason_(std::move(gapReason)), steps_(steps), place_(std::move(place)) {}
 
-  Result<std::vector<JournalEvent>> Trace() {
-    PressCorners();
-    if (!laid_.GeneralComment.empty())
-      steps_.push_back({JournalEvent::Kind::General, 0, 0, -1, {}, "", laid_.GeneralComment});
-    double slideAt = laid_.AttachAtHours.value_or(Never);
-    for (std::size_t first = 0; first < line_.Points.size();) {
-      const std::size_t past = EndOfStrip(first, slideAt);
-      slideAt = Never;
-      for (; first < past; ++first) PressPoint(first);
-      if (first < line_.Points.size() && trouble_.empty()) Attach(first - 1);
-      if (!trouble_.empty()) return Failure(trouble_);
-    }
-    return std::move(steps_);
-  }
-
- private:
-  double LastVisibleMm() const { return std::min(line_.PageMm(), paperLeftMm_ + roomMm_); }
-
+  void Run(int tool) { steps_.push_back({JournalEvent::Kind::Tool, 0, 0, tool, {}, "", ""}); }
   void Press(double alongMm, double heightMm) {
-    const double angle = angle_ * std::numbers::pi / 180, right = alongMm - paperLeftMm_;
-    const TabletExtents& size = tablet_.Extents;
-    const double xMm = laid_.LeftMm + right * std::cos(angle) - heightMm * std::sin(angle);
-    const double yMm = laid_.BottomMm + right * std::sin(angle) + heightMm * std::cos(angle);
-    const double x = std::round(xMm * size.TabletWidthUnits / size.TabletWidthMm);
-    const double y = std::round(yMm * size.TabletHeightUnits / size.TabletHeightMm);
-    const double screenX = x / size.TabletWidthUnits * layout_.ScaleWidth;
-    const double screenY = layout_.ScaleHeight * (1 - y / size.TabletHeightUnits);
-    if (x < 0 || y < 0 || x > size.TabletWidthUnits || y > size.TabletHeightUnits)
-      trouble_ = "the chart runs off the tablet " + ShortText(alongMm) + " mm along the page";
-    else if (layout_.Board.Holds(screenX, screenY))
-      trouble_ = "the chart lies under the tool board " + ShortText(alongMm) + " mm along the page";
+    const auto [x, y] = place_(alongMm, heightMm);
     steps_.push_back({JournalEvent::Kind::Press, x, y, -1, {}, "", ""});
   }
-  void Run(int tool) { steps_.push_back({JournalEvent::Kind::Tool, 0, 0, tool, {}, "", ""}); }
-
-  void PressCorners() {
-    Press(paperLeftMm_, 0);
-    Press(LastVisibleMm(), 0);
-  }
-
   void PressPoint(std::size_t index) {
     const PenPoint& point = line_.Points[index];
     switch (point.Step) {
@@ -91,19 +51,83 @@ class Operator {
     }
     Press(line_.AlongMm(point), point.HeightMm);
     if (point.Step == PenStep::GapEnd)
-      steps_.push_back({JournalEvent::Kind::Comment, 0, 0, -1, {}, ShortText(CodeGapEnd), laid_.GapReason});
+      steps_.push_back({JournalEvent::Kind::Comment, 0, 0, -1, {}, ShortText(CodeGapEnd), gapReason_});
     segmentJustBegun_ = point.Step == PenStep::Segment;
+  }
+  void BeginSegment() { segmentJustBegun_ = true; }
+
+ private:
+  const PenLine& line_;
+  const std::string gapReason_;
+  std::vector<JournalEvent>& steps_;
+  const PlaceOfPress place_;
+  bool segmentJustBegun_ = false;
+};
+
+class Operator {
+ public:
+  Operator(const PenLine& line, const TabletType& tablet, const PageLaid& laid)
+      : line_(line),
+        tablet_(tablet),
+        laid_(laid),
+        layout_(DefaultDeskLayout(tablet.Extents)),
+        angle_(laid.AngleDegrees),
+        hand_(line, laid.GapReason, steps_,
+              [this](double alongMm, double heightMm) { return Place(alongMm, heightMm); }) {
+    roomMm_ = tablet.Extents.TabletWidthMm - laid.LeftMm - laid.RightMarginMm;
+  }
+  Operator(const Operator&) = delete;
+  Operator& operator=(const Operator&) = delete;
+  ~Operator() = default;
+
+  Result<std::vector<JournalEvent>> Trace() {
+    PressCorners();
+    if (!laid_.GeneralComment.empty())
+      steps_.push_back({JournalEvent::Kind::General, 0, 0, -1, {}, "", laid_.GeneralComment});
+    double slideAt = laid_.AttachAtHours.value_or(Never);
+    for (std::size_t first = 0; first < line_.Points.size();) {
+      const std::size_t past = EndOfStrip(first, slideAt);
+      slideAt = Never;
+      for (; first < past; ++first) hand_.PressPoint(first);
+      if (first < line_.Points.size() && trouble_.empty()) Attach(first - 1);
+      if (!trouble_.empty()) return Failure(trouble_);
+    }
+    return std::move(steps_);
+  }
+
+ private:
+  double LastVisibleMm() const { return std::min(line_.PageMm(), paperLeftMm_ + roomMm_); }
+
+  std::pair<double, double> Place(double alongMm, double heightMm) {
+    const double angle = angle_ * std::numbers::pi / 180, right = alongMm - paperLeftMm_;
+    const TabletExtents& size = tablet_.Extents;
+    const double xMm = laid_.LeftMm + right * std::cos(angle) - heightMm * std::sin(angle);
+    const double yMm = laid_.BottomMm + right * std::sin(angle) + heightMm * std::cos(angle);
+    const double x = std::round(xMm * size.TabletWidthUnits / size.TabletWidthMm);
+    const double y = std::round(yMm * size.TabletHeightUnits / size.TabletHeightMm);
+    const double screenX = x / size.TabletWidthUnits * layout_.ScaleWidth;
+    const double screenY = layout_.ScaleHeight * (1 - y / size.TabletHeightUnits);
+    if (x < 0 || y < 0 || x > size.TabletWidthUnits || y > size.TabletHeightUnits)
+      trouble_ = "the chart runs off the tablet " + ShortText(alongMm) + " mm along the page";
+    else if (layout_.Board.Holds(screenX, screenY))
+      trouble_ = "the chart lies under the tool board " + ShortText(alongMm) + " mm along the page";
+    return {x, y};
+  }
+
+  void PressCorners() {
+    hand_.Press(paperLeftMm_, 0);
+    hand_.Press(LastVisibleMm(), 0);
   }
 
   // Slides the paper to the left, to go on from a point that has been traced.
   void Attach(std::size_t from) {
     const PenPoint& point = line_.Points[from];
-    Run(tool::AttachPaper);
+    hand_.Run(tool::AttachPaper);
     paperLeftMm_ = std::max(0.0, line_.AlongMm(point) - StripOverlapMm);
     angle_ = laid_.StripAngleDegrees.value_or(laid_.AngleDegrees);
     PressCorners();
-    Press(line_.AlongMm(point), point.HeightMm);
-    segmentJustBegun_ = true;
+    hand_.Press(line_.AlongMm(point), point.HeightMm);
+    hand_.BeginSegment();
   }
 
   // One past the last point to trace before the paper is slid. That point lies before a rise if it can: the
@@ -132,8 +156,8 @@ class Operator {
   const PageLaid& laid_;
   const DeskLayout layout_;
   double angle_, roomMm_ = 0, paperLeftMm_ = 0;
-  bool segmentJustBegun_ = false;
   std::vector<JournalEvent> steps_;
+  Presser hand_;
   std::string trouble_;
 };
 
@@ -146,6 +170,19 @@ PenLine PressedPoints(const PenLine& line, const TabletType& tablet) {
 Result<std::vector<JournalEvent>> TracePage(const PenLine& line, const TabletType& tablet,
                                             const PageLaid& laid) {
   return Operator(PressedPoints(line, tablet), tablet, laid).Trace();
+}
+
+std::vector<JournalEvent> TraceAt(const PenLine& line, const PlaceOfPress& place,
+                                  const std::string& gapReason) {
+  std::vector<JournalEvent> steps;
+  Presser hand(line, gapReason, steps, [&](double alongMm, double heightMm) {
+    const auto [x, y] = place(alongMm, heightMm);
+    return std::pair(std::round(x), std::round(y));
+  });
+  hand.Press(0, 0);
+  hand.Press(line.PageMm(), 0);
+  for (std::size_t i = 0; i < line.Points.size(); ++i) hand.PressPoint(i);
+  return steps;
 }
 
 }  // namespace hyetex

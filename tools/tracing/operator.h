@@ -3,8 +3,10 @@
 // for, and slides the paper on when it is wider than the tablet.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/result.h"
@@ -34,5 +36,11 @@ PenLine PressedPoints(const PenLine& line, const TabletType& tablet);
 /// board, and if there is no place to slide the paper at.
 Result<std::vector<JournalEvent>> TracePage(const PenLine& line, const TabletType& tablet,
                                             const PageLaid& laid);
+
+/// Where a place of the page, in mm along its bottom line and up from it, is pressed, in report units.
+using PlaceOfPress = std::function<std::pair<double, double>(double alongMm, double heightMm)>;
+/// The steps of tracing a page that lies on the tablet as a whole, at all of `line`'s points.
+std::vector<JournalEvent> TraceAt(const PenLine& line, const PlaceOfPress& place,
+                                  const std::string& gapReason = PageLaid().GapReason);
 
 }  // namespace hyetex
