@@ -3,17 +3,13 @@
 #include <algorithm>
 #include <cmath>
 
+#include "digitizing/point_search.h"
+
 namespace hyetex {
 namespace {
 
 // Screen units: how far from a point a press may lie, and how far a hand trembles.
 constexpr double ReachOnScreen = 120, TrembleOnScreen = 40;
-
-double DistanceToPiece(double x, double y, double x1, double y1, double x2, double y2) {
-  const double dx = x2 - x1, dy = y2 - y1, square = dx * dx + dy * dy;
-  const double along = square == 0 ? 0 : std::clamp(((x - x1) * dx + (y - y1) * dy) / square, 0.0, 1.0);
-  return std::hypot(x - x1 - along * dx, y - y1 - along * dy);
-}
 
 }  // namespace
 
@@ -38,18 +34,7 @@ std::optional<std::pair<double, double>> Correcting::Place() const {
 
 // ---- What lies where
 
-int Correcting::PointAt(double x, double y) const {
-  int nearest = -1;
-  double least = Reach();
-  for (int i = 0; i <= Line().LastPoint(); ++i) {
-    const auto [atX, atY] = PlaceOf(i);
-    const double distance = std::hypot(atX - x, atY - y);
-    if (distance >= least) continue;
-    least = distance;
-    nearest = i;
-  }
-  return nearest;
-}
+int Correcting::PointAt(double x, double y) const { return hyetex::PointAt(Line(), x, y, Reach()); }
 
 std::optional<Correcting::Corner> Correcting::CornerAt(double x, double y) const {
   if (!IsCalibrated(Line().Paper(Line().CurrentPaper()))) return std::nullopt;
@@ -58,21 +43,6 @@ std::optional<Correcting::Corner> Correcting::CornerAt(double x, double y) const
     if (std::hypot(atX - x, atY - y) < Reach()) return corner;
   }
   return std::nullopt;
-}
-
-int Correcting::PieceAt(double x, double y) const {
-  int nearest = -1;
-  double least = Reach();
-  for (int i = 1; i <= Line().LastPoint(); ++i) {
-    if (Line().Point(i).StartsSegment()) continue;
-    const auto [x1, y1] = PlaceOf(i - 1);
-    const auto [x2, y2] = PlaceOf(i);
-    const double distance = DistanceToPiece(x, y, x1, y1, x2, y2);
-    if (distance >= least) continue;
-    least = distance;
-    nearest = i;
-  }
-  return nearest;
 }
 
 // ---- The mouse
@@ -95,7 +65,7 @@ void Correcting::Press(double x, double y) {
 void Correcting::PressTwice(double x, double y) {
   held_ = dragged_ = false;
   if (PointAt(x, y) >= 0) return;
-  const int piece = PieceAt(x, y);
+  const int piece = NearestSegmentAt(Line(), x, y, Reach());
   if (piece >= 0 && Tell(machine_.InsertPoint(piece, x, y))) Select(piece);
 }
 

@@ -52,8 +52,6 @@ class Correcting : public PointerTool {
   std::pair<double, double> PlaceOf(Corner corner) const;
   int PointAt(double x, double y) const;
   std::optional<Corner> CornerAt(double x, double y) const;
-  /// The later point of the piece of line that lies there; -1 for none.
-  int PieceAt(double x, double y) const;
   void MoveTo(double x, double y);
   bool Tell(const Result<void>& corrected);
   double Reach() const;

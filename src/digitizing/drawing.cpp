@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 #include "core/comments.h"
 
@@ -107,6 +108,28 @@ void DrawGraph(const Trace& line, const DeskLayout& layout, const GraphStyle& st
     if (i < line.LastPoint() && !line.Point(i + 1).StartsSegment())
       drawing.Segment(line.Point(i), line.Point(i + 1));
     if (style.ShowPoints) drawing.Circle(line.Point(i));
+  }
+}
+
+void DrawOverlay(std::span<const OverlayLine> lines, const DeskLayout& layout, Surface& surface) {
+  constexpr Rgb azure{0, 110, 220};
+  constexpr double pixel = 15, letters = 165, gap = 45;
+  const TextStyle hour{.Font = {.Size = letters}, .Colour = azure, .Place = TextPlace::Centred};
+  const TextStyle depth{.Font = {.Size = letters}, .Colour = azure, .Place = TextPlace::Ends};
+  std::vector<SurfacePoint> shown;
+  for (const OverlayLine& line : lines) {
+    shown.clear();
+    for (const auto& [x, y] : line.Points) shown.push_back({layout.ScreenX(x), layout.ScreenY(y)});
+    if (shown.empty()) continue;
+    surface.Polyline(shown, {.Colour = azure, .Width = pixel});
+    if (line.Label.empty()) continue;
+    const TextStyle& style = line.IsHour ? hour : depth;
+    const TextSize size = surface.Measure(line.Label, style.Font);
+    const double x = line.IsHour ? shown.front().X : shown.front().X - gap;
+    const double y = line.IsHour ? shown.front().Y + gap + size.Ascent : shown.front().Y + size.Ascent / 2;
+    const double left = line.IsHour ? x - size.Width / 2 : x - size.Width;
+    surface.FillRect({left, y - size.Ascent, size.Width, size.Height()}, White, 0.75);
+    surface.Text(x, y, line.Label, style);
   }
 }
 

@@ -2,8 +2,11 @@
 // know gaps, recovered parts, alpha points and leveled points.
 #pragma once
 
+#include <span>
+
 #include "core/trace.h"
 #include "digitizing/desk_layout.h"
+#include "digitizing/page_overlay.h"
 #include "platform/surface.h"
 
 namespace hyetex {
@@ -16,6 +19,9 @@ struct GraphStyle {
 
 /// Draws the whole view anew, in screen units (desk_layout.h).
 void DrawGraph(const Trace& line, const DeskLayout& layout, const GraphStyle& style, Surface& surface);
+
+/// The chart's own hours and depths, with what they are at their beginnings.
+void DrawOverlay(std::span<const OverlayLine> lines, const DeskLayout& layout, Surface& surface);
 
 /// A cross on a tablet position, as for a place that was measured from.
 void DrawMark(double x, double y, const DeskLayout& layout, Surface& surface);

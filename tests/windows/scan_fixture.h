@@ -15,7 +15,7 @@ class ScanDesk : public MouseDesk {
   static constexpr int Width = 1600, Height = 800;
   static constexpr double Dpi = 200;
 
-  /// A page with grid and pen line, and a resolution; 0: none.
+  /// A page with grid and pen line, and what the file says of its resolution.
   std::string WriteScan(const char* name, double dpi = Dpi, QColor paper = Qt::white) {
     QImage image(Width, Height, QImage::Format_RGB32);
     image.fill(paper);
@@ -26,9 +26,8 @@ class ScanDesk : public MouseDesk {
     painter.setPen(QPen(QColor(40, 30, 110), 4));
     painter.drawPolyline(QPolygon({{100, 700}, {500, 500}, {900, 470}, {1300, 200}}));
     painter.end();
-    // A picture without a resolution of its own gets the screen's.
-    image.setDotsPerMeterX(dpi == 0 ? 0 : qRound(dpi / 0.0254));
-    image.setDotsPerMeterY(dpi == 0 ? 0 : qRound(dpi / 0.0254));
+    image.setDotsPerMeterX(qRound(dpi / 0.0254));
+    image.setDotsPerMeterY(qRound(dpi / 0.0254));
     const std::string path = folder_ / name;
     EXPECT_TRUE(image.save(QString::fromStdString(path)));
     return path;

@@ -4,6 +4,10 @@
 #include <QSlider>
 
 #include "core/files.h"
+#include "scans/drawn_scan.h"
+#include "scans/scan_file.h"
+#include "staging/lists/lists.h"
+#include "tracing/rain.h"
 #include "windows/scan_fixture.h"
 
 namespace hyetex {
@@ -31,6 +35,37 @@ TEST_F(ScanDesk, GivesTheRainThatIsOnThePaper) {
   EXPECT_TRUE(Part("spnTurn").isVisible());
   EXPECT_FALSE(Part("spnTurn").isEnabled());
   EXPECT_EQ(Label("labScanFixed"), "Points have been traced on the scan as it lies.");
+}
+
+// A day of a siphon recorder, drawn from rain that is known, with the scanner's and the paper's faults.
+TEST_F(ScanDesk, GivesTheRainThatFellFromADrawnScan) {
+  const auto lists = ReadLists(folder_.Path());
+  ASSERT_TRUE(lists);
+  std::vector<RainPoint> rain{{0, 0}};
+  for (int i = 1; i <= 40; ++i) rain.push_back({2 + i * 0.45, rain.back().Rain + 0.1 * (i % 9)});
+  RainChart chart;
+  chart.Paper = lists->ChartTypes[0];
+  const auto line = DrawRain(rain, chart);
+  ASSERT_TRUE(line) << line.error();
+  ScanStyle style;
+  style.Dpi = 150;
+  const auto drawn = DrawScan(*line, style, 7);
+  ASSERT_TRUE(drawn) << drawn.error();
+  const auto bytes = EncodeScan(drawn->Image, "day.png", style.Dpi);
+  ASSERT_TRUE(bytes) << bytes.error();
+  WriteFile(folder_ / "day.png", *bytes);
+
+  OpenScan(folder_ / "day.png");
+  const ScanPlacement drawnAs = PlacementOf(*drawn);
+  for (const JournalEvent& step : MouseSteps(*drawn, drawnAs)) {
+    if (step.What == JournalEvent::Kind::Tool) Machine().RunTool(step.Tool);
+    if (step.What != JournalEvent::Kind::Press) continue;
+    const auto [px, py] = ImagePosition(drawnAs, step.X, step.Y);
+    PressPixel(px, py);
+  }
+  EXPECT_GT(LastPoint(), 20);
+  EXPECT_NEAR(Digitized().TotalDepth(LastPoint()), line->Points.back().Rain,
+              line->Points.back().Rain * 0.005);
 }
 
 TEST_F(ScanDesk, AsksForAScaleThatTheFileDoesNotSay) {
@@ -72,14 +107,14 @@ TEST_F(ScanDesk, AsksForAScaleThatTheFileDoesNotSay) {
 TEST_F(ScanDesk, MeasuresByThePapersWidthAndRemembersItForTheChartType) {
   dialogs_.Answers = {BoxAnswer::No};
   dialogs_.Typed = {"203.2"};
-  OpenScan(WriteScan("plain.bmp", 0));
+  OpenScan(WriteScan("plain.png", 1));
   EXPECT_EQ(Label("labScanScale"), "200 dpi by a paper 203.2 mm wide");
   dialogs_.Answers = {BoxAnswer::Yes};
   Choose("mnuNew");
   ASSERT_TRUE(WaitFor([&] { return !IsOpen(); }));
   desk_.reset();
   dialogs_.Boxes.clear();
-  OpenScan(WriteScan("next.bmp", 0));
+  OpenScan(WriteScan("next.png", 1));
   EXPECT_EQ(Label("labScanScale"), "200 dpi by a paper 203.2 mm wide");
   EXPECT_TRUE(dialogs_.Boxes.empty());
 }
@@ -192,6 +227,28 @@ TEST_F(ScanDesk, FindsScansByTheirNames) {
   OpenTasks();
   EXPECT_TRUE(Find<QAbstractButton>(Tasks(), "optDig5").isChecked());
   EXPECT_EQ(ScanState(), "NM-Hill Farm-01_19980305.png, 1600 x 800 pixels, 200 dpi by the file");
+}
+
+TEST_F(ScanDesk, DrawsTheChartsOwnHoursAndDepthsOverTheScan) {
+  OpenScan(WriteScan("page.png"));
+  const auto azure = [&] {
+    const QImage seen = Graph().grab().toImage();
+    int count = 0;
+    for (int y = 10; y < seen.height() - 10; ++y)
+      for (int x = 10; x < seen.width() - 10; ++x) {
+        const QColor colour = seen.pixelColor(x, y);
+        count += colour.blue() > 180 && colour.red() < 90;
+      }
+    return count;
+  };
+  QTest::keyClick(&Window(), Qt::Key_G);
+  EXPECT_EQ(azure(), 0) << "there is no page yet";
+  PressPixel(100, 700);
+  PressPixel(1500, 700);
+  EXPECT_GT(azure(), 2000);
+  EXPECT_TRUE(desk_->ShellWindow()->findChild<QAction*>("mnuOverlay")->isChecked());
+  QTest::keyClick(&Window(), Qt::Key_G);
+  EXPECT_EQ(azure(), 0);
 }
 
 // ---- Correcting

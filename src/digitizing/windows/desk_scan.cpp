@@ -1,5 +1,6 @@
 #include "digitizing/windows/desk_scan.h"
 
+#include <QPointer>
 #include <cmath>
 #include <span>
 
@@ -266,7 +267,9 @@ void DeskScan::LookAtFile() {
   constexpr const char* goesOn = " The session goes on with what was opened.";
   if (!FileExists(path)) return look_->ShowTrouble(std::string("The file is gone.") + goesOn);
   if (!watcher_.files().contains(ToQt(path))) watcher_.addPath(ToQt(path));
-  const auto now = RunBeside([&] { return Sha256OfFile(path); });
+  const QPointer<DeskScan> still(this);
+  const auto now = RunBeside([path] { return Sha256OfFile(path); });
+  if (!still) return;  // the session has ended meanwhile
   if (!now)
     look_->ShowTrouble(now.error() + "." + goesOn);
   else

@@ -15,6 +15,7 @@
 #include "digitizing/correcting.h"
 #include "digitizing/desk_view.h"
 #include "digitizing/lost_presses.h"
+#include "digitizing/page_overlay.h"
 #include "digitizing/resume.h"
 #include "digitizing/shell_commands.h"
 #include "digitizing/status_panels.h"
@@ -41,7 +42,7 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
             std::string device, QWidget* parent = nullptr);
 
   /// A scan for under the trace, before the session begins.
-  void UseScan(std::shared_ptr<const ScanImage> scan) { openedScan_ = std::move(scan); }
+  void UseScan(std::shared_ptr<const ScanImage> scan);
   /// Begins the session, once the window is shown: takes its remembered size, offers an unfinished chart,
   /// opens the tablet's port. Where the operator would rather keep another chart's unfinished journal, the
   /// window closes.
@@ -137,6 +138,7 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void ShowMagnified();
   void Paint(Surface& surface, const DeskLayout& layout) const;
   void ShowModes();
+  void UpdateOverlay();
   bool EscapeMouse();
 
   // Correcting points and the page: frmHyetex_correcting.cpp
@@ -172,6 +174,7 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   Correcting correcting_;
   bool corrects_ = false;  // the mouse corrects
   bool overlay_ = false;   // the chart's own hours and depths are shown
+  std::vector<OverlayLine> overlayLines_;
 
   int boxes_ = 0;              // message boxes that are up
   bool watched_ = false;       // for being maximised

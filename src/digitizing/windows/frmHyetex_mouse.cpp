@@ -48,6 +48,7 @@ void frmHyetex::ShowView() {
 void frmHyetex::Paint(Surface& surface, const DeskLayout& layout) const {
   const GraphStyle style{.ShowPoints = shell_.PointsAreShown() || corrects_, .OnScan = scan_ != nullptr};
   hyetex::DrawGraph(session_.Line, layout, style, surface);
+  if (overlay_) DrawOverlay(overlayLines_, layout, surface);
   if (corrects_) PaintCorrecting(surface, layout);
   if (scan_ != nullptr)
     for (const auto& [x, y] : scan_->Marks()) DrawMark(x, y, layout, surface);
@@ -80,8 +81,14 @@ void frmHyetex::MagnifyMore() {
 
 void frmHyetex::ToggleOverlay() {
   overlay_ = !overlay_;
+  UpdateOverlay();
   ShowModes();
   ShowView();
+}
+
+// It follows the page and the first point on it.
+void frmHyetex::UpdateOverlay() {
+  if (overlay_) overlayLines_ = MakePageOverlay(session_);
 }
 
 void frmHyetex::ShowModes() {

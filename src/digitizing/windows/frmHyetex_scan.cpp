@@ -11,15 +11,13 @@ constexpr const char* ScanFilter = "Scans (*.png *.jpg *.jpeg *.tif *.tiff *.bmp
 
 }  // namespace
 
+void frmHyetex::UseScan(std::shared_ptr<const ScanImage> scan) {
+  openedScan_ = std::move(scan);
+  overlay_ = HasMouse() && openedScan_ == nullptr;  // an empty page has no other hours and depths
+}
+
 void frmHyetex::BeginScan() {
-  if (session_.Scan) {
-    if (!mouse_) {  // begun by the mouse, whatever is plugged in now
-      BeginMouse();
-      FillFrame();
-      FitView(size());
-    }
-    return FindScanAgain();
-  }
+  if (session_.Scan) return FindScanAgain();
   if (!openedScan_) return;
   LayScan(openedScan_);
   scan_->Begin();

@@ -103,6 +103,7 @@ void frmHyetex::ShowInstruction(std::string_view text) {
 void frmHyetex::SetTitle(std::string_view title) { setWindowTitle(ToQt(title)); }
 
 void frmHyetex::DrawGraph() {
+  UpdateOverlay();
   ShowView();
   if (scan_ != nullptr) scan_->SessionChanged();
   UpdatePanels();

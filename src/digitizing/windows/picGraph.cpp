@@ -74,9 +74,7 @@ void picGraph::wheelEvent(QWheelEvent* event) {
   event->accept();
 }
 
-void picGraph::mousePressEvent(QMouseEvent* event) {
-  emit Pressed(event->position(), event->button());
-}
+void picGraph::mousePressEvent(QMouseEvent* event) { emit Pressed(event->position(), event->button()); }
 
 void picGraph::mouseDoubleClickEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton)
@@ -85,12 +83,8 @@ void picGraph::mouseDoubleClickEvent(QMouseEvent* event) {
     emit Pressed(event->position(), event->button());
 }
 
-void picGraph::mouseReleaseEvent(QMouseEvent* event) {
-  emit Released(event->position(), event->button());
-}
+void picGraph::mouseReleaseEvent(QMouseEvent* event) { emit Released(event->position(), event->button()); }
 
-void picGraph::mouseMoveEvent(QMouseEvent* event) {
-  emit Moved(event->position(), event->buttons());
-}
+void picGraph::mouseMoveEvent(QMouseEvent* event) { emit Moved(event->position(), event->buttons()); }
 
 }  // namespace hyetex

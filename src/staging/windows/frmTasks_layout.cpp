@@ -134,7 +134,7 @@ QWidget* frmTasks::MakeTablet() {
   labDetect->setAlignment(Qt::AlignTop);
   labDetect->setMinimumHeight(2 * QFontMetrics(bold).lineSpacing());
   cmdScan = MakeButton("cmdScan", "Choose Sca&n...", &frmTasks::ChooseScan);
-  cmdScans = MakeButton("cmdScans", "&Folder of Scans...", &frmTasks::ChooseScanFolder);
+  cmdScans = MakeButton("cmdScans", "F&older of Scans...", &frmTasks::ChooseScanFolder);
   layout->addWidget(labDetect, options, 0, 1, 2);
   layout->addWidget(Together({cmdScan, cmdScans}), options + 1, 0, 1, 2);
   layout->setRowStretch(options + 2, 1);
