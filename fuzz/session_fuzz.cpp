@@ -56,6 +56,26 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       machine.AddComment(machine.OpenCommentRequest()->Code, "text");
       machine.CommentClosed();
     }
+    const int point = bytes[at] % 16;
+    switch (bytes[at] / 16) {
+      case 0:
+        machine.Undo();
+        break;
+      case 1:
+        machine.Redo();
+        break;
+      case 2:
+        (void)machine.DeletePoint(point);
+        break;
+      case 3:
+        (void)machine.MovePoint(point, machine.State().CursorX, machine.State().CursorY);
+        break;
+      case 4:
+        (void)machine.InsertPoint(point, machine.State().CursorX, machine.State().CursorY);
+        break;
+      default:
+        break;
+    }
   }
   CheckTexts(session);
 

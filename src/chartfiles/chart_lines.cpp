@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "chartfiles/chart_scan.h"
 #include "core/text.h"
 
 namespace hyetex {
@@ -35,6 +36,7 @@ constexpr Label Labels[] = {
     {ChartLine::DigitizerComment, "Digitizer Comment: "},
     {ChartLine::Alpha, "Alpha "},
     {ChartLine::AlphaSelected, "Alpha Value Selected: "},
+    {ChartLine::Scan, "Scan: "},
 };
 
 struct Test {
@@ -98,6 +100,10 @@ std::optional<ChartLine> KindByLabel(std::string_view line) {
     if ((line.front() | CaseBit) != (label.Text.front() | CaseBit) || !BeginsWith(line, label.Text)) continue;
     if (label.Kind == ChartLine::Alpha &&
         !IsNumberedValue(line.substr(std::min(line.size(), label.Text.size()))))
+      continue;
+    // A line of others that begins so is told by its words, as ever.
+    if (label.Kind == ChartLine::Scan &&
+        !ParseScanLine(line.substr(std::min(line.size(), label.Text.size()))))
       continue;
     if (label.Kind == ChartLine::AlphaSelected && UpperAscii(line).find("NONE") != std::string::npos)
       return ChartLine::NoAlphaSelected;

@@ -29,6 +29,7 @@ enum class ChartLine {
   DigitizerComment,
   Alpha,
   AlphaSelected,
+  Scan,  ///< our own; see chart_scan.h
   NoAlphaSelected,
   Point,
   Other,

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "chartfiles/chart_lines.h"
+#include "chartfiles/chart_scan.h"
 #include "chartfiles/chart_text.h"
 #include "chartfiles/series.h"
 #include "core/dates.h"
@@ -118,6 +119,9 @@ class LineReader {
       case ChartLine::PointCount:
         counted_ = static_cast<int>(LeadingInt16(value));
         break;
+      case ChartLine::Scan:
+        reading_.Scan = ParseScanLine(value);
+        break;
       case ChartLine::Core:
       case ChartLine::Agency:
       case ChartLine::Station:
@@ -200,6 +204,7 @@ void ReadChartText(std::string_view text, std::string_view fileName, const Readi
   reading.RawPoints.assign(1, {});
   reading.RawPoints.reserve(MaxPoint + 1);
   reading.Notes.clear();
+  reading.Scan.reset();
   LineReader lines(reading, options);
   ForEachLine(text, [&](std::string_view line) { lines.Take(line); });
   lines.Finish(fileName);

@@ -2,6 +2,7 @@
 // time-depth series.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -18,9 +19,10 @@ namespace hyetex {
 struct ChartReading {
   ChartRecord Chart;
   std::vector<RawPoint> RawPoints;
-  std::vector<SeriesPoint> SeriesPoints;
-  std::string CutOff;              ///< what a text that ends too early lacks; empty for a whole one
-  std::vector<std::string> Notes;  ///< what was left out and why, one line each
+  std::vector<SeriesPoint> SeriesPoints = {};
+  std::optional<ScanReference> Scan = {};  ///< the image it was traced from, where the file names one
+  std::string CutOff = {};                 ///< what a text that ends too early lacks; empty for a whole one
+  std::vector<std::string> Notes = {};     ///< what was left out and why, one line each
 };
 
 struct ReadingOptions {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "chartfiles/chart_lines.h"
+#include "chartfiles/chart_scan.h"
 #include "core/comments.h"
 #include "core/files.h"
 #include "core/numbers.h"
@@ -41,6 +42,7 @@ struct HeadValues {
   std::string DigitizedDepth;
   int Points = 0;
   std::string Reliability;
+  std::optional<ScanReference> Scan = {};
 };
 
 void AddHead(std::string& text, const ChartRecord& chart, int method, const ChartOrigin& origin,
@@ -61,6 +63,7 @@ void AddHead(std::string& text, const ChartRecord& chart, int method, const Char
   AddLine(text, ChartLine::ManualDepth, ShortText(chart.ManualDepth));
   AddLine(text, ChartLine::PointCount, ShortText(values.Points));
   AddLine(text, ChartLine::Reliability, values.Reliability);
+  if (values.Scan) AddLine(text, ChartLine::Scan, ScanLineText(*values.Scan));
   AddLine(text, ChartLine::PointsHeading);
 }
 
@@ -106,6 +109,11 @@ void AddAlphaLines(ChartText& file, const Trace& line) {
   if (count > MaxAlpha)
     file.Notes.push_back("The chart has " + ShortText(count) +
                          " alpha points: readers of the file keep the first " + ShortText(MaxAlpha) + ".");
+}
+
+std::optional<ScanReference> ScanOf(const Session& session) {
+  if (!session.Scan) return std::nullopt;
+  return ScanReference{session.Scan->Path, session.Scan->Page, session.Scan->Sha256};
 }
 
 Result<void> CheckTexts(const ChartOrigin& origin, std::string_view generalComment,
@@ -154,7 +162,8 @@ Result<ChartText> MakeChartText(const Session& session, const ChartOrigin& origi
   AddHead(file.Text, chart, line.Scales().ChartType.ChartMethod, origin,
           {DateText(chart.StartTime), DateText(chart.EndTime),
            HoursBetween(chart.StartTime, session.PointTime(last)), RoundedText(session.TotalDepth(last), 1),
-           last + 1, ShortText(chart.Reliability) + "-" + std::string(ReliabilityText(chart.Reliability))});
+           last + 1, ShortText(chart.Reliability) + "-" + std::string(ReliabilityText(chart.Reliability)),
+           ScanOf(session)});
   for (int i = 0; i <= last; ++i) AddPointLine(file, line, i);
   if (last + 1 > MaxPoint)
     file.Notes.push_back("The chart has " + ShortText(last + 1) +

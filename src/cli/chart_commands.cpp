@@ -85,6 +85,9 @@ Exit RunShow(const ShowWords& words) {
     if (!first) Print("\n");
     first = false;
     for (const auto& [field, value] : fields) Print(std::string(field) + ": " + ShownText(value) + "\n");
+    if (const auto& scan = reading.Scan)
+      Print("Scan: " + ShownText(scan->Path) + ", page " + ShortText(scan->Page + 1) + ", SHA-256 " +
+            scan->Sha256 + "\n");
   }
   return exit;
 }

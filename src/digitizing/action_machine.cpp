@@ -254,6 +254,7 @@ void ActionMachine::Escape() {
   Commit({});
   history_.Settle(Resting());
   view_.DrawGraph();
+  view_.UpdateMenus();
 }
 
 void ActionMachine::SetPageAgain() {
@@ -366,6 +367,7 @@ void ActionMachine::CommentClosed() {
   if (marksEnd && line.LastPoint() > 0 && line.Point(line.LastPoint()).Comment.empty()) {
     Record({.What = JournalEvent::Kind::Tool, .Tool = tool::Erase});
     RemoveLastPoint();
+    comment_->Code.clear();  // there is no end any more
   }
   LeaveComment();
 }

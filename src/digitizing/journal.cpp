@@ -291,6 +291,11 @@ std::string JournalHead(int tablet) {
   return std::string(Header).append("\ntablet ").append(ShortText(tablet)).append("\n");
 }
 
+bool HoldsSteps(const Journal& journal) {
+  return std::any_of(journal.Events.begin(), journal.Events.end(),
+                     [](const JournalEvent& event) { return event.What != JournalEvent::Kind::Scan; });
+}
+
 Journal ReadJournal(std::string_view text) {
   Journal journal;
   int number = 0;

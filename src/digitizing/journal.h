@@ -88,6 +88,9 @@ struct Journal {
   std::optional<std::string> Error;
 };
 
+/// Whether a journal holds more than the placing of a scan.
+bool HoldsSteps(const Journal& journal);
+
 /// Reads a journal to its end or to its first line that is none.
 Journal ReadJournal(std::string_view text);
 

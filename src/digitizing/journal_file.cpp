@@ -12,12 +12,13 @@ namespace hyetex {
 
 namespace {
 
-// A journal's head alone is no more than the start of a session.
-bool HoldsSteps(const std::string& path) {
+// A journal's head alone, or with the scan that was laid under the trace, is no more than the start of a
+// session.
+bool FileHoldsSteps(const std::string& path) {
   const auto text = ReadWholeFile(path, MostJournalBytes);
   if (!text) return true;
   const Journal journal = ReadJournal(*text);
-  return !text->empty() && (journal.Error || !journal.Events.empty());
+  return !text->empty() && (journal.Error || HoldsSteps(journal));
 }
 
 }  // namespace
@@ -36,7 +37,7 @@ Result<JournalFile> JournalFile::Start(const std::string& path, int tablet) {
   auto journal = Open(path);
   if (!journal) return journal;
   const bool isFile = FileExists(path);
-  if (isFile && HoldsSteps(path))
+  if (isFile && FileHoldsSteps(path))
     return Failure("Cannot write " + path + ": there is a file already, and it is no empty journal");
   if (isFile && ::ftruncate(journal->fd_.Get(), 0) != 0)
     return Failure("Cannot write " + path + ": " + std::strerror(errno));

@@ -62,7 +62,7 @@ std::string ActionMachine::UndoText() const {
   if (!CanUndo()) return "Undo";
   if (!Waits()) return "Undo " + history_.UndoName();
   const bool corner = state_.Action == action::PageRightCorner || state_.Action == action::PaperRightCorner;
-  return corner ? "Undo corner" : "Undo choice of tool";
+  return corner ? "Undo first corner" : "Undo choice of tool";
 }
 
 std::string ActionMachine::RedoText() const {
@@ -198,7 +198,7 @@ Result<void> ActionMachine::MovePoint(int point, double x, double y) {
   line.Move(point, x, y);
   FollowDrop(point, drop);
   FollowDrop(point + 1, dropBehind);
-  Corrected("move");
+  Corrected("moved point");
   return {};
 }
 
@@ -214,7 +214,7 @@ Result<void> ActionMachine::DeletePoint(int point) {
     FollowDrop(point, dropBehind);
   }
   if (line.CurrentPaper() > 0 && line.Paper(line.CurrentPaper()).FirstPoint > line.LastPoint() &&
-      state_.Action == action::Drawing) {  // a strip without its first point
+      Resting().Action == action::Drawing) {  // a strip without its first point
     state_.AlphaNext = false;
     state_.Action = action::PaperFirstPoint;
     TellNextPress();
@@ -261,7 +261,7 @@ Result<void> ActionMachine::MoveCorner(bool right, double x, double y) {
   else
     line.SetPage(x, y, paper.BottomRightX, paper.BottomRightY);
   state_.PageAngle = line.Paper(line.CurrentPaper()).Angle;
-  Corrected("corner");
+  Corrected("moved corner");
   return {};
 }
 

@@ -114,16 +114,16 @@ std::optional<UnfinishedChart> FindUnfinishedChart(const std::string& programFol
   });
   unfinished.Steps = ReadJournal(text);
   const auto& events = unfinished.Steps.Events;
-  // A scan that was laid down and never pressed on is no step.
-  const bool hasSteps = std::any_of(events.begin(), events.end(),
-                                    [](const auto& e) { return e.What != JournalEvent::Kind::Scan; });
-  if (!hasSteps && !unfinished.Steps.Error) return std::nullopt;
+  if (!HoldsSteps(unfinished.Steps) && !unfinished.Steps.Error) return std::nullopt;
+  for (const JournalEvent& event : events)
+    if (event.What == JournalEvent::Kind::Scan) unfinished.Scan = event.Scan;
   unfinished.Presses = static_cast<int>(std::count_if(
       events.begin(), events.end(), [](const auto& e) { return e.What == JournalEvent::Kind::Press; }));
   return unfinished;
 }
 
-ResumeOffer MakeResumeOffer(const UnfinishedChart& unfinished, const ChartRecord& chart, int tablet) {
+ResumeOffer MakeResumeOffer(const UnfinishedChart& unfinished, const ChartRecord& chart, int tablet,
+                            bool onScan) {
   const Journal& steps = unfinished.Steps;
   if (steps.Events.empty())
     return {false, std::string(ResumeTitle) + ": not readable",
@@ -137,6 +137,13 @@ ResumeOffer MakeResumeOffer(const UnfinishedChart& unfinished, const ChartRecord
   const std::string ofAnother = std::string(ResumeTitle) + " of another chart";
   if (unfinished.Name != ChartName(chart))
     return {false, ofAnother, left + " This session is for " + NamedChart(ChartName(chart)) + "." + choice};
+  if (unfinished.Scan && !onScan)
+    return {false, std::string(ResumeTitle) + " of a scan",
+            left + " They were made on the scan " + ShownText(unfinished.Scan->Path) +
+                ", and this session has none." + choice};
+  if (onScan && !unfinished.Scan)
+    return {false, std::string(ResumeTitle) + " without a scan",
+            left + " They were made without a scan, and this session has one." + choice};
   if (steps.Tablet != tablet) {
     const auto name = [](int type) {
       return std::string(TabletTypes()[static_cast<std::size_t>(type)].Name);

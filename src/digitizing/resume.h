@@ -53,10 +53,11 @@ struct UnfinishedChart {
   std::string Name;  ///< ChartName; empty when the journal names none
   Journal Steps;
   int Presses = 0;
+  std::optional<ScanPlacement> Scan = {};  ///< the scan under it, where it last lay
 };
 
-/// What a session left behind; nothing if there is no journal, or no step in it. A line that was cut off in
-/// the middle does not count.
+/// What a session left behind; nothing if there is no journal, or no step in it but the placing of a scan. A
+/// line that was cut off in the middle does not count.
 std::optional<UnfinishedChart> FindUnfinishedChart(const std::string& programFolder);
 
 /// The question whether to go on with an unfinished chart, before a session for `chart` begins.
@@ -68,6 +69,8 @@ struct ResumeOffer {
   std::string Title, Text;
 };
 inline constexpr std::string_view ResumeTitle = "Unfinished digitization";
-ResumeOffer MakeResumeOffer(const UnfinishedChart& unfinished, const ChartRecord& chart, int tablet);
+/// `onScan`: this session has a scan, which takes the tablet's place.
+ResumeOffer MakeResumeOffer(const UnfinishedChart& unfinished, const ChartRecord& chart, int tablet,
+                            bool onScan = false);
 
 }  // namespace hyetex

@@ -23,6 +23,8 @@ class SessionCommands {
   virtual void SetPageAgain() = 0;  ///< waits for the two corners of the paper in use
   /// The mark of "Digitation Points" has changed: draws the graph again.
   virtual void PointsToggled() = 0;
+  virtual void Undo() = 0;
+  virtual void Redo() = 0;
   /// Whether any point has been traced: a new segment and a further paper need one.
   virtual bool HasPoints() const = 0;
   /// Whether the mouse is the cursor, and not a tablet's: what serves only that is shown.
@@ -44,6 +46,12 @@ struct DeskModes {
   bool Magnifier = false, Overlay = false, Correcting = false;
 };
 
+/// The first two entries of the Edit menu.
+struct UndoCaptions {
+  std::string Undo, Redo;  ///< "Undo point": what would be taken back, or made again
+  bool CanUndo = false, CanRedo = false;
+};
+
 /// The panels of the status bar, by the numbers that operators know them by.
 namespace panel {
 enum Number : int { Depth = 1, Time = 2, Button = 3, Instruction = 4 };
@@ -63,6 +71,7 @@ class Shell {
   virtual bool PointsAreShown() const = 0;  ///< the mark of "Digitation Points"
   virtual void ShowScales(const ScaleCaptions& captions) = 0;
   virtual void ShowModes(const DeskModes& modes) = 0;
+  virtual void ShowUndo(const UndoCaptions& captions) = 0;
   /// Written only when it differs from what is shown.
   virtual void ShowPanel(int panel, std::string_view text) = 0;
   virtual std::string PanelText(int panel) const = 0;

@@ -59,7 +59,7 @@ void ChartReadOut::TakeTrace(const ChartReading& reading) {
   placed_ = PlaceTrace(points);
   // The series may have been joined to longer steps; here each point that counts has its own. The points have
   // had the pen's skew taken out already, if it was to be.
-  ChartReading each{reading.Chart, points, {}, {}, {}};
+  ChartReading each{.Chart = reading.Chart, .RawPoints = points};
   BuildSeries(false, 0, each);
   std::size_t slot = 0;
   for (std::size_t i = 1; i < points.size(); ++i) {

@@ -160,6 +160,30 @@ TEST(Resume, AnotherChartsJournalIsNeverPlayed) {
   EXPECT_NE(diary.Text.find("this is no session journal"), std::string::npos);
 }
 
+TEST(Resume, AScanIsOfferedToASessionWithOne) {
+  TempFolder folder;
+  SessionJournal journal;
+  journal.Start(folder.Path(), 0, Chart());
+  JournalEvent placed{.What = JournalEvent::Kind::Scan};
+  placed.Scan = {.Sha256 = std::string(64, '0'), .Path = "/scans/a b.png"};
+  journal.Record(placed);
+  EXPECT_FALSE(FindUnfinishedChart(folder.Path())) << "nothing has been pressed";
+  journal.Record({.X = 500, .Y = 500});
+  placed.Scan.X0 = 12.5;
+  journal.Record(placed);
+  const auto unfinished = FindUnfinishedChart(folder.Path());
+  ASSERT_TRUE(unfinished);
+  EXPECT_EQ(unfinished->Scan, placed.Scan);
+  EXPECT_TRUE(MakeResumeOffer(*unfinished, Chart(), 0, true).CanResume);
+  const auto onTablet = MakeResumeOffer(*unfinished, Chart(), 0);
+  EXPECT_FALSE(onTablet.CanResume);
+  EXPECT_NE(onTablet.Text.find("/scans/a b.png"), std::string::npos);
+  UnfinishedChart traced = *unfinished;
+  traced.Scan.reset();
+  EXPECT_FALSE(MakeResumeOffer(traced, Chart(), 0, true).CanResume);
+  EXPECT_TRUE(MakeResumeOffer(traced, Chart(), 0).CanResume);
+}
+
 TEST(Resume, AFullDiskIsToldAndCaughtUpWith) {
   TempFolder folder;
   SessionJournal journal;

@@ -342,6 +342,37 @@ TEST_F(DeskTest, ExitLeavesFromEveryStateAndKeepsTheJournal) {
   EXPECT_THAT(Aside(), testing::HasSubstr("|Ink ran out\n"));
 }
 
+TEST_F(DeskTest, UndoBringsBackAllPointsOfRedigitizeByItsKey) {
+  OpenAndCalibrate();
+  for (int i = 0; i < 5; ++i) Press(700 + 100 * i, 1000 + 50 * i);
+  const auto& undo = *desk_->ShellWindow()->findChild<QAction*>("mnuUndo");
+  const auto& redo = *desk_->ShellWindow()->findChild<QAction*>("mnuRedo");
+  const auto press = [&](Qt::KeyboardModifiers keys) {
+    QTest::keyClick(&Window(), Qt::Key_Z, keys);
+    QCoreApplication::processEvents();
+  };
+  EXPECT_EQ(Caption(undo.text()), "Undo point");
+  EXPECT_FALSE(redo.isEnabled());
+  const std::string before = ChartText();
+  dialogs_.Answers = {BoxAnswer::Yes};
+  ClickSquare(tool::Redigitize);
+  ASSERT_EQ(LastPoint(), -1);
+  EXPECT_EQ(Caption(undo.text()), "Undo Redigitize");
+  press(Qt::ControlModifier);
+  EXPECT_EQ(ChartText(), before);
+  EXPECT_TRUE(redo.isEnabled());
+  press(Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(LastPoint(), -1);
+  press(Qt::ControlModifier);
+  EXPECT_EQ(LastPoint(), 4);
+  desk_->ShellWindow()->findChild<QAction*>("mnuGap")->trigger();
+  EXPECT_EQ(Caption(undo.text()), "Undo choice of tool");
+  Press(1500, 1000);
+  EXPECT_TRUE(Machine().CommentIsOpen());
+  EXPECT_FALSE(undo.isEnabled());
+  EXPECT_FALSE(redo.isEnabled());
+}
+
 TEST_F(DeskTest, RedigitizeAsksWhereverItIsChosen) {
   const ShownBox question{"Reditizing",
                           "Are you sure you want to delete the current digitization and begin a new one ?",

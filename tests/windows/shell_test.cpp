@@ -30,6 +30,8 @@ class Commands : public SessionCommands {
   void ShowBoard() override { Asked += "board "; }
   void SetPageAgain() override { Asked += "page "; }
   void PointsToggled() override { Asked += "points "; }
+  void Undo() override { Asked += "undo "; }
+  void Redo() override { Asked += "redo "; }
   bool HasPoints() const override { return Points; }
   bool HasMouse() const override { return Mouse; }
   void ToggleMagnifier() override { Asked += "magnifier "; }
@@ -57,7 +59,8 @@ TEST(Shell, HasItsMenusInOrder) {
             "  mnuVertical Vertical Scale\n  mnuHorizontal Horizontal Scale\n"
             "  mnuPage Set the Page Again\n"
             "  mnuDefaults Program Defaults...\n"
-            "mnuTools Edit\n  mnuErase Erase Last Point\n  mnuSegment New Segment\n  mnuLevel Level a Point\n"
+            "mnuTools Edit\n  mnuUndo Undo\n  mnuRedo Redo\n  mnuErase Erase Last Point\n  mnuSegment New "
+            "Segment\n  mnuLevel Level a Point\n"
             "  mnuAlpha Toggle Alpha Sign\n  mnuGap Toggle Data Gap\n  mnuComment Add a Comment\n"
             "  mnuRecovered Toggle Recovered Sign\n  mnuAppend Attach Additional Strip Chart\n"
             "  mnuCorrect Correct Points\n  mnuInsert Insert a Point\n"

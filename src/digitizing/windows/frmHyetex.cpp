@@ -115,7 +115,9 @@ void frmHyetex::StoreLayout() {
 bool frmHyetex::OfferUnfinishedChart() {
   const auto unfinished = FindUnfinishedChart(settings_.Folder());
   if (!unfinished) return true;
-  const ResumeOffer offer = MakeResumeOffer(*unfinished, session_.Chart, tablet_);
+  // A scan that cannot be found any more must not keep its points from being gone on with.
+  const bool onScan = openedScan_ != nullptr || (mouse_ && unfinished->Scan);
+  const ResumeOffer offer = MakeResumeOffer(*unfinished, session_.Chart, tablet_, onScan);
   const BoxAnswer answer =
       Ask(offer.Title, offer.Text, offer.CanResume ? BoxButtons::YesNoCancel : BoxButtons::NoUnlessYes,
           BoxIcon::Question);
@@ -243,6 +245,7 @@ bool frmHyetex::Redigitize() {
 void frmHyetex::EnableDesk(bool enabled) {
   if (replaying_) return;
   setEnabled(enabled);
+  UpdateUndo();
   if (!enabled) return;
   setFocus();
   TellOfLostPresses();

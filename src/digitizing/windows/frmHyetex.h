@@ -68,6 +68,8 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void ToggleOverlay() override;
   void ToggleCorrecting() override;
   void InsertPoint() override;
+  void Undo() override;
+  void Redo() override;
   bool HasPoints() const override { return session_.Line.LastPoint() >= 0; }
 
   // What the action machine asks for
@@ -129,6 +131,7 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void Zoom(double steps, QPointF at);
   void ZoomByKey(double steps);
   void UpdatePanels();
+  void UpdateUndo();
   QMdiSubWindow* Frame() const;
 
   // The mouse in the tablet's place: frmHyetex_mouse.cpp

@@ -100,7 +100,11 @@ void frmHyetex::ShowInstruction(std::string_view text) {
   shell_.ShowPanel(panel::Instruction, corrects_ ? CorrectingPrompt : text);
 }
 
-void frmHyetex::SetTitle(std::string_view title) { setWindowTitle(ToQt(title)); }
+// It comes with each change of what is waited for.
+void frmHyetex::SetTitle(std::string_view title) {
+  setWindowTitle(ToQt(title));
+  if (started_ && !replaying_) UpdateUndo();
+}
 
 void frmHyetex::DrawGraph() {
   UpdateOverlay();
@@ -114,6 +118,7 @@ void frmHyetex::UpdateMenus() {
   if (replaying_) return;
   if (scan_ != nullptr) scan_->SessionChanged();
   shell_.ShowScales(CaptionsOf(session_.Line.Scales().ChartType, machine_.State()));
+  UpdateUndo();
   TellOfJournalTrouble();
 }
 

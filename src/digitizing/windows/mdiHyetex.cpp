@@ -119,6 +119,10 @@ void mdiHyetex::MakeMenus() {
   mnuDefaults->setVisible(false);
 
   mnuTools = AddMenu("mnuTools", "&Edit");
+  mnuUndo = AddItem(mnuTools, "mnuUndo", "&Undo", tell([](SessionCommands& c) { c.Undo(); }));
+  mnuUndo->setShortcut(QKeySequence::Undo);
+  mnuRedo = AddItem(mnuTools, "mnuRedo", "Re&do", tell([](SessionCommands& c) { c.Redo(); }));
+  mnuRedo->setShortcut(Qt::CTRL | Qt::SHIFT | Qt::Key_Z);
   AddToolItem("mnuErase", "&Erase Last Point", tool::Erase);
   AddToolItem("mnuSegment", "New &Segment", tool::NewSegment);
   AddToolItem("mnuLevel", "&Level a Point", tool::Level);
@@ -176,6 +180,7 @@ void mdiHyetex::Digitizing(SessionCommands& commands) {
 
 void mdiHyetex::NotDigitizing() {
   commands_ = nullptr;
+  ShowUndo({"Undo", "Redo"});  // Ctrl+Z is the text boxes' again
   ShowSessionMenus(false);
 }
 
@@ -222,6 +227,13 @@ void mdiHyetex::ShowModes(const DeskModes& modes) {
   mnuMagnifier->setChecked(modes.Magnifier);
   mnuOverlay->setChecked(modes.Overlay);
   mnuCorrect->setChecked(modes.Correcting);
+}
+
+void mdiHyetex::ShowUndo(const UndoCaptions& captions) {
+  mnuUndo->setText("&" + ToQt(captions.Undo));
+  mnuUndo->setEnabled(captions.CanUndo);
+  mnuRedo->setText(ToQt(captions.Redo).replace("Redo", "Re&do"));
+  mnuRedo->setEnabled(captions.CanRedo);
 }
 
 // Letters and keys need the focus in the current window. It is nowhere when what had it was disabled or is

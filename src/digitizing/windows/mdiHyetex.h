@@ -33,6 +33,7 @@ class mdiHyetex final : public QMainWindow, public Shell, public PopupMenu {
   bool PointsAreShown() const override { return mnuPoints->isChecked(); }
   void ShowScales(const ScaleCaptions& captions) override;
   void ShowModes(const DeskModes& modes) override;
+  void ShowUndo(const UndoCaptions& captions) override;
   void ShowPanel(int panel, std::string_view text) override;
   std::string PanelText(int panel) const override;
   int ClientHeight() const override;
@@ -71,7 +72,7 @@ class mdiHyetex final : public QMainWindow, public Shell, public PopupMenu {
 
   QMenu *mnuFile, *mnuView, *mnuDEf, *mnuTools, *mnuPop;
   QAction *mnuNew, *mnuSave, *mnuPoints, *mnuMagnifier, *mnuMagnify, *mnuOverlay, *mnuCorrect, *mnuAngle,
-      *mnuVertical, *mnuHorizontal, *mnuDefaults, *mnuFix;
+      *mnuVertical, *mnuHorizontal, *mnuDefaults, *mnuFix, *mnuUndo, *mnuRedo;
   std::array<QLabel*, 4> panels_;
   QProgressBar* prbThink;
 };
