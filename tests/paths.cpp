@@ -4,6 +4,7 @@ namespace hyetex::test {
 
 std::string CommandLineProgram() { return HYETEX_BIN "/hyetex-cli"; }
 std::string TabletProgram() { return HYETEX_BIN "/hyetex-tablet"; }
+std::string TraceProgram() { return HYETEX_BIN "/hyetex-trace"; }
 std::string DesktopProgram() { return HYETEX_BIN "/hyetex"; }
 std::string PictureProgram() { return HYETEX_BIN "/hyetex-pictures"; }
 std::string Sources() { return HYETEX_SOURCE; }

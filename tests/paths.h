@@ -7,6 +7,7 @@ namespace hyetex::test {
 
 std::string CommandLineProgram();
 std::string TabletProgram();
+std::string TraceProgram();
 std::string DesktopProgram();
 /// The folder that the project stands in.
 std::string Sources();

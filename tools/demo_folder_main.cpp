@@ -49,6 +49,8 @@ std::vector<ChartRecord> SampleTasks() {
       Staged("NM-Hill Farm-01", day(1998, 3, 6), day(1998, 3, 7), 4.2F, NoDepth),
       Staged("NM-Mill Pond-01", day(1925, 11, 20), day(1925, 11, 21), 53, NoDepth),
       Staged("NW-Upper Dam-02", day(1967, 1, 31), day(1967, 2, 1), 12, 11.5F, CodeText(CodeDefective)),
+      Staged("NM-Hill Farm-01", day(1998, 3, 7), day(1998, 3, 8), 22.5F, 22.7F),
+      Staged("NW-Upper Dam-02", day(1967, 2, 6), day(1967, 2, 13), 36, NoDepth),
   };
 }
 

@@ -184,6 +184,10 @@ class CommandLine : public Description {
     AddNumber(group, "--border", shape.BorderMm, 0, 100, "MM", "of the scanner's bed around the paper");
     AddName(group, "--title", style.Title, "TEXT", "printed over the hours");
     for (CLI::Option* option : group.get_options()) option->capture_default_str();
+    for (const auto& [option, date, help] :
+         {std::tuple("--laid-on", &style.LaidOn, "what is written for it; with --damage writing"),
+          std::tuple("--taken-off", &style.TakenOff, "the same")})
+      group.add_option(option, *date, help)->type_name("DATE")->check(Figures());
     group.add_option("--damage", wanted.Damage, "kinds of damage, below")->type_name("NAME[=0..1],...");
     group.add_flag("--dither", style.Dither, "dots for what is neither black nor white, with --mode bits");
     CLI::Option* told = AddNumber(group, "--false-dpi", wanted.WrittenDpi, 1, 60000, "DPI",
@@ -198,6 +202,15 @@ class CommandLine : public Description {
           std::string names;
           for (const auto& [name, colour] : ColourNames) names += name + ", ";
           return ColourOf(text) ? std::string() : "a colour is one of " + names + "or six hexadecimal digits";
+        },
+        "");
+  }
+  static CLI::Validator Figures() {
+    return CLI::Validator(
+        [](std::string& text) {
+          return std::string(text.find_first_not_of("0123456789/ ") == std::string::npos
+                                 ? ""
+                                 : "a date is written with figures, / and blanks");
         },
         "");
   }

@@ -51,7 +51,10 @@ struct Fit {
   std::size_t Length = 0;  // of what they have in common
   bool Whole = false;      // there is nothing else in the name
 
-  auto operator<=>(const Fit&) const = default;
+  bool operator==(const Fit&) const = default;
+  bool operator<(const Fit& other) const {
+    return std::pair(Length, Whole) < std::pair(other.Length, other.Whole);
+  }
 };
 
 // Calls `take(index, fit)` for each chart that a name fits.

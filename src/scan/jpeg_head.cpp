@@ -60,7 +60,7 @@ Result<ScanHead> ReadJpegHead(const ScanBytes& bytes) {
     if (!segment || segment->Marker == Scan || segment->Marker == EndOfImage)
       return Failure("it breaks off in its head");
     if (segment->Marker == App0 && segment->Length >= 12 &&
-        bytes.Text(segment->At, 5) == std::string("JFIF", 5)) {
+        bytes.Text(segment->At, 5) == std::string("JFIF\0", 5)) {
       const std::uint32_t unit = bytes.Number(segment->At + 7, 1, true).value_or(0);
       const double perInch = unit == 1 ? 1 : unit == 2 ? CmPerInch : 0;
       head.DpiAcross = bytes.Number(segment->At + 8, 2, true).value_or(0) * perInch;

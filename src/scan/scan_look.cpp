@@ -45,7 +45,7 @@ ScanShades::ScanShades(const ScanLook& look, cv::Vec3b paper) : paper_(paper), t
 }
 
 void ScanShades::Fade(std::uint8_t* row, int count) const {
-  int i = 0;
+  std::ptrdiff_t i = 0;
 #if CV_SIMD128
   using namespace cv;
   const v_uint8x16 tint = v_setall_u8(static_cast<std::uint8_t>(std::min(255, paperTint_ + Plain))),
@@ -82,7 +82,7 @@ void ScanShades::Fade(std::uint8_t* row, int count) const {
 #endif
   // The same for the rest, pixel by pixel.
   for (; i < count; ++i) {
-    std::uint8_t* pixel = row + 3 * static_cast<std::ptrdiff_t>(i);
+    std::uint8_t* pixel = row + 3 * i;
     const int most = std::max({pixel[0], pixel[1], pixel[2]}),
               least = std::min({pixel[0], pixel[1], pixel[2]});
     const int brightness = (29 * pixel[0] + 150 * pixel[1] + 77 * pixel[2]) >> 8;  // as the eye sees it

@@ -37,7 +37,7 @@ Result<ScanHead> HeadOf(const Document& document, int page) {
   const poppler::rectf box = shown->page_rect(poppler::crop_box);
   // As Poppler rounds.
   const auto pixels = [](double points) {
-    return static_cast<std::int64_t>(points * PdfDpi / PointsPerInch + 0.5);
+    return std::int64_t{std::llround(points * PdfDpi / PointsPerInch)};
   };
   head.Width = pixels(box.width());
   head.Height = pixels(box.height());

@@ -1,4 +1,4 @@
-// Runs the built command line program and tells all that came of it.
+// Runs the built command line programs and tells all that came of it.
 #pragma once
 
 #include <fcntl.h>
@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "paths.h"
@@ -28,12 +29,11 @@ struct RunWith {
   useconds_t KillAfter = 0;  ///< microseconds of life; 0 for as long as it takes
 };
 
-inline Ran RunCli(std::vector<std::string> words, const RunWith& with = {}) {
+inline Ran RunProgram(std::string program, std::vector<std::string> words, const RunWith& with = {}) {
   const TempFolder own;
   WriteFile(own / "in", with.Input);
   const std::string outPath = with.Out.empty() ? own / "out" : with.Out;
   const std::string paths[] = {own / "in", outPath, own / "err"};
-  std::string program = test::CommandLineProgram();
   std::vector<char*> argv{program.data()};
   for (std::string& word : words) argv.push_back(word.data());
   argv.push_back(nullptr);
@@ -60,6 +60,10 @@ inline Ran RunCli(std::vector<std::string> words, const RunWith& with = {}) {
   if (with.Out.empty()) ran.Out = ReadFile(outPath);
   ran.Error = ReadFile(own / "err");
   return ran;
+}
+
+inline Ran RunCli(std::vector<std::string> words, const RunWith& with = {}) {
+  return RunProgram(CommandLineProgram(), std::move(words), with);
 }
 
 }  // namespace hyetex::test

@@ -189,15 +189,19 @@ class Hand {
     places.push_back(mm + Leaning({x + height, chance_.Uniform(0, 0.5) * height}));
     Curve(places);
   }
-  std::string Date() {
-    return std::to_string(chance_.Whole(1, 28)) + "/" + std::to_string(chance_.Whole(1, 12)) + " " +
-           std::to_string(chance_.Whole(22, 79));
+  // A date, and the one that many days later.
+  std::pair<std::string, std::string> Dates(int days) {
+    const int day = chance_.Whole(1, 21);
+    const std::string rest =
+        "/" + std::to_string(chance_.Whole(1, 12)) + " " + std::to_string(chance_.Whole(22, 79));
+    return {std::to_string(day) + rest, std::to_string(day + std::clamp(days, 1, 7)) + rest};
   }
   void FillIn() {
     const double page = line_.PageMm(), up = form_.BandMm + 8.6, high = 3.2;
     Word({0.02 * page + 15, up}, 9, 1.9);
-    Figures(Date(), {0.26 * page + 16, up + 0.2}, high);
-    Figures(Date(), {0.73 * page + 19, up - 0.2}, high);
+    const auto [laid, taken] = Dates(static_cast<int>(std::lround(line_.Hours / 24)));
+    Figures(style_.LaidOn.empty() ? laid : style_.LaidOn, {0.26 * page + 16, up + 0.2}, high);
+    Figures(style_.TakenOff.empty() ? taken : style_.TakenOff, {0.73 * page + 19, up - 0.2}, high);
     Word({0.9 * page + 15, up}, 5, 2.1);
   }
   void Notes() {

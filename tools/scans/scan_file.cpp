@@ -111,7 +111,10 @@ std::string Tiff(const cv::Mat& image, std::optional<double> dpi) {
         if (from[x] != 0) row[static_cast<std::size_t>(x) / 8] |= static_cast<char>(128 >> x % 8);
     } else {
       cv::Mat line = image.row(y);
-      if (channels == 3) cv::cvtColor(line, line, cv::COLOR_BGR2RGB);
+      if (channels == 3) {
+        line = line.clone();  // the caller's pixels stay as they are
+        cv::cvtColor(line, line, cv::COLOR_BGR2RGB);
+      }
       row.assign(line.ptr<char>(), static_cast<std::size_t>(line.cols) * static_cast<std::size_t>(channels));
     }
     strip += Packed(row);

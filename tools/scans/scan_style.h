@@ -42,8 +42,9 @@ struct ScanStyle {
   int Stains = 0;
   double StainInk = 0.4;  ///< 0 to 1
   int Holes = 0;
-  double Writing = 0;  ///< 0 none, 0.5 what an observer fills in, 1 all over the band too
-  int TimeMarks = 0;   ///< the observer's strokes across the line
+  double Writing = 0;            ///< 0 none, 0.5 what an observer fills in, 1 all over the band too
+  std::string LaidOn, TakenOff;  ///< dates to write; empty: any
+  int TimeMarks = 0;             ///< the observer's strokes across the line
   SheetShape Shape;
 
   // The scanner.
