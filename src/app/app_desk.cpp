@@ -221,6 +221,7 @@ QWidget* AppDesk::MakeDigitizing() {
   auto chart = program_.Active;
   auto* window = new frmHyetex(*this, *shell_, dialogs_, program_.Settings, chart->Session, chart->Tablet,
                                chart->Device);
+  window->UseScan(chart->Scan);
   // The window is gone some time after it has closed, perhaps when the next chart is there already.
   QObject::connect(window, &QObject::destroyed, [chart] {});
   return window;

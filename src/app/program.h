@@ -12,6 +12,8 @@
 #include "core/settings.h"
 #include "database/access/plot_db.h"
 #include "database/conversion/computation.h"
+#include "scan/chosen_scans.h"
+#include "scan/scan_image.h"
 #include "staging/lists/lists.h"
 #include "staging/main_menu.h"
 #include "staging/tasks/staging_area.h"
@@ -32,7 +34,8 @@ struct ActiveChart {
   ChartOrigin Origin;
   int Tablet = 0;
   std::string Device;
-  std::string Comment = {};  ///< what the digitizer says of it, once it was typed
+  std::shared_ptr<const ScanImage> Scan = {};  ///< under the trace; null: there is none
+  std::string Comment = {};                    ///< what the digitizer says of it, once it was typed
 };
 
 struct Program {
@@ -42,6 +45,7 @@ struct Program {
   ReferenceLists Lists;
   std::int16_t CurrentUser = 0;
   StagingArea Staging;            ///< the staged charts, while frmTasks is open
+  ChosenScans Scans;              ///< of the staged charts
   std::int16_t CurrentChart = 0;  ///< the default chart type; the setting CurrentChart keeps it
   HyetexPlotDB Database;
   ComputationVariables Computation;

@@ -24,8 +24,10 @@ QWidget* AppDesk::MakeTasks() {
                 }};
     Open(WindowId::TaskDef);
   };
-  const auto digitize = [this](const ActivatedChart& chart, const std::string& device) {
+  const auto digitize = [this](const ActivatedChart& chart, const std::string& device,
+                               std::shared_ptr<const ScanImage> scan) {
     if (!BeginChart(chart, device)) return false;
+    program_.Active->Scan = std::move(scan);
     backToTasks_ = true;
     Open(WindowId::Digitizing);
     return true;
@@ -41,10 +43,14 @@ QWidget* AppDesk::MakeTasks() {
     return port == FirstSerialPort && !words_.Port.empty() ? words_.Port
                                                            : SerialDevice(program_.Settings, port);
   };
-  return new frmTasks(
-      *this, dialogs_, program_.Settings, program_.Lists, program_.Staging, program_.CurrentChart, *shell_,
-      {.Device = device, .Define = details, .Digitize = digitize, .WriteEmptyForm = writeEmptyForm},
-      words_.Tablet);
+  return new frmTasks(*this, dialogs_, program_.Settings, program_.Lists, program_.Staging,
+                      program_.CurrentChart, *shell_,
+                      {.Device = device,
+                       .Define = details,
+                       .Digitize = digitize,
+                       .WriteEmptyForm = writeEmptyForm,
+                       .Scans = &program_.Scans},
+                      words_.Tablet);
 }
 
 QWidget* AppDesk::MakeTaskDef() {

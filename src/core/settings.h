@@ -70,6 +70,8 @@ inline constexpr TextKey HelpSite{"HelpSite"};  ///< where the help page stands,
 inline constexpr TextKey TargetFolder{"TargetFolder"};  ///< read by the function of that name
 inline constexpr Int16Key DigitizerType{"DigitizerType"};
 inline constexpr Int16Key ComPort{"COMport"};
+inline constexpr Int16Key TraceSource{"frmTasks-Source"};  ///< TraceSource of staging/tasks/activation.h
+inline constexpr TextKey ScanFolder{"frmTasks-Scans"};     ///< in which scans are found by their names
 inline constexpr Int16Key CurrentChart{"CurrentChart"};    ///< the default chart type
 inline constexpr Int16Key DefaultsChart{"frmDefinition"};  ///< the one chosen last in the program defaults
 inline constexpr Int16Key TaskRow{"frmTasks-Row"};         ///< from 1; 0: none
@@ -96,11 +98,11 @@ inline constexpr TextKey RainDryHours{"frmRainfall-DryHours", "6"};  ///< as typ
 
 /// The whole table.
 inline constexpr std::array All = std::to_array<SettingKey>(
-    {PlaceTop,        PlaceLeft,      SerialPort, ViewHeight,    BoardPlace,    CommentCode,
-     EditorChart,     UserName,       HelpSite,   TargetFolder,  DigitizerType, ComPort,
-     CurrentChart,    DefaultsChart,  TaskRow,    TaskStation,   TaskBegin,     TaskEnd,
-     TaskReliability, DatabaseName,   LoadSource, LoadTarget,    LoadMoves,     GmtHours,
-     UseAlpha,        ExchangeFolder, RainFolder, RainDayBegins, RainDryHours});
+    {PlaceTop,     PlaceLeft,     SerialPort,   ViewHeight,    BoardPlace, CommentCode,  EditorChart,
+     UserName,     HelpSite,      TargetFolder, DigitizerType, ComPort,    CurrentChart, DefaultsChart,
+     TraceSource,  ScanFolder,    TaskRow,      TaskStation,   TaskBegin,  TaskEnd,      TaskReliability,
+     DatabaseName, LoadSource,    LoadTarget,   LoadMoves,     GmtHours,   UseAlpha,     ExchangeFolder,
+     RainFolder,   RainDayBegins, RainDryHours});
 
 }  // namespace setting
 

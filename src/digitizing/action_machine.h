@@ -43,6 +43,10 @@ class ActionMachine {
   /// One report, with all that follows from it.
   void HandleReport(const TabletReport& report);
 
+  /// The mouse in the tablet's place: its position in report units, and the tablet's button that is down (-1
+  /// for none). The board is not under it; its squares are clicked.
+  void Point(double x, double y, int button);
+
   /// A press at a position, whatever the button and the board.
   void PressAt(double x, double y);
   /// A press at the cursor's position.

@@ -1,5 +1,7 @@
 #include "digitizing/desk_layout.h"
 
+#include <algorithm>
+
 namespace hyetex {
 namespace {
 
@@ -9,10 +11,31 @@ constexpr double Square = 510, Gap = 45, Margin = 90, ReadOutHeight = 315;
 constexpr double BoardWidth = 2 * Margin + Columns * Square + (Columns - 1) * Gap;
 constexpr double BoardHeight = 2 * Margin + Rows * (Square + Gap) + ReadOutHeight;
 
+// How much of the view the home area takes.
+constexpr double HomePart = 0.96;
+
 }  // namespace
+
+double HomeScale(const DeskLayout& layout) {
+  return HomePart *
+         std::min(layout.ScaleWidth / layout.Home->Width, layout.ScaleHeight / layout.Home->Height);
+}
+
+void ShowAround(DeskLayout& layout, double x, double y, double scale) {
+  const TabletArea& home = *layout.Home;
+  const double middleX = std::clamp(x, home.Left, home.Left + home.Width);
+  const double middleY = std::clamp(y, home.Bottom, home.Bottom + home.Height);
+  layout.ScaleX = layout.ScaleY = static_cast<float>(scale);
+  layout.ViewX0 = static_cast<float>(middleX - layout.ScaleWidth / scale / 2);
+  layout.ViewY0 = static_cast<float>(middleY - layout.ScaleHeight / scale / 2);
+}
 
 void ShowWhole(DeskLayout& layout, const TabletExtents& tablet) {
   layout.Zoomed = false;
+  if (const auto& home = layout.Home) {
+    ShowAround(layout, home->Left + home->Width / 2, home->Bottom + home->Height / 2, HomeScale(layout));
+    return;
+  }
   layout.ViewX0 = layout.ViewY0 = 0;
   layout.ScaleX = static_cast<float>(layout.ScaleWidth / tablet.TabletWidthUnits);
   layout.ScaleY = static_cast<float>(layout.ScaleHeight / tablet.TabletHeightUnits);

@@ -1,12 +1,18 @@
 #include "digitizing/drawing.h"
 
+#include <algorithm>
+#include <utility>
+#include <vector>
+
 #include "core/comments.h"
 
 namespace hyetex {
 namespace {
 
 constexpr Rgb Black{0, 0, 0}, Grey{100, 100, 100}, Blue{0, 0, 255}, Green{0, 255, 0};
+constexpr Rgb White{255, 255, 255};
 constexpr int Thin = 0, Thick = 1;
+constexpr double Outside = 150;  // screen units beyond the view in which nothing is seen any more
 
 struct CodeStyle {
   int Code;
@@ -40,6 +46,9 @@ class Drawing {
   Drawing(const ChartScales& scales, const DeskLayout& layout, Surface& surface)
       : scales_(scales), layout_(layout), surface_(surface) {}
 
+  /// From now on lines are only edged: each is drawn wider, in white.
+  void Edge(bool edge) { edge_ = edge; }
+
   void Paper(const ChartPaper& paper) {
     const double x1 = paper.BottomLeftX, y1 = paper.BottomLeftY;
     const double x2 = paper.BottomRightX, y2 = paper.BottomRightY;
@@ -66,24 +75,85 @@ class Drawing {
   double X(double x) const { return layout_.ScreenX(x); }
   double Y(double y) const { return layout_.ScreenY(y); }
   void Line(double x1, double y1, double x2, double y2, Rgb colour, int width) {
-    surface_.Line(X(x1), Y(y1), X(x2), Y(y2), colour, width);
+    const double fromX = X(x1), fromY = Y(y1), toX = X(x2), toY = Y(y2);
+    if (std::max(fromX, toX) < -Outside || std::min(fromX, toX) > layout_.ScaleWidth + Outside ||
+        std::max(fromY, toY) < -Outside || std::min(fromY, toY) > layout_.ScaleHeight + Outside)
+      return;
+    if (edge_)
+      surface_.Line(fromX, fromY, toX, toY, White, width + 1);
+    else
+      surface_.Line(fromX, fromY, toX, toY, colour, width);
   }
 
   const ChartScales& scales_;
   const DeskLayout& layout_;
   Surface& surface_;
+  bool edge_ = false;
 };
 
 }  // namespace
 
-void DrawGraph(const Trace& line, const DeskLayout& layout, bool showPoints, Surface& surface) {
+void DrawGraph(const Trace& line, const DeskLayout& layout, const GraphStyle& style, Surface& surface) {
   surface.Clear();
   Drawing drawing(line.Scales(), layout, surface);
+  if (style.OnScan) {
+    drawing.Edge(true);
+    for (int i = 0; i <= MaxPaper; ++i) drawing.Paper(line.Paper(i));
+    for (int i = 0; i < line.LastPoint(); ++i)
+      if (!line.Point(i + 1).StartsSegment()) drawing.Segment(line.Point(i), line.Point(i + 1));
+    drawing.Edge(false);
+  }
   for (int i = 0; i <= MaxPaper; ++i) drawing.Paper(line.Paper(i));
   for (int i = 0; i <= line.LastPoint(); ++i) {
     if (i < line.LastPoint() && !line.Point(i + 1).StartsSegment())
       drawing.Segment(line.Point(i), line.Point(i + 1));
-    if (showPoints) drawing.Circle(line.Point(i));
+    if (style.ShowPoints) drawing.Circle(line.Point(i));
+  }
+}
+
+void DrawOverlay(std::span<const OverlayLine> lines, const DeskLayout& layout, Surface& surface) {
+  constexpr Rgb azure{0, 110, 220};
+  constexpr double pixel = 15, letters = 165, gap = 45;
+  const TextStyle hour{.Font = {.Size = letters}, .Colour = azure, .Place = TextPlace::Centred};
+  const TextStyle depth{.Font = {.Size = letters}, .Colour = azure, .Place = TextPlace::Ends};
+  std::vector<SurfacePoint> shown;
+  for (const OverlayLine& line : lines) {
+    shown.clear();
+    for (const auto& [x, y] : line.Points) shown.push_back({layout.ScreenX(x), layout.ScreenY(y)});
+    if (shown.empty()) continue;
+    surface.Polyline(shown, {.Colour = azure, .Width = pixel});
+    if (line.Label.empty()) continue;
+    const TextStyle& style = line.IsHour ? hour : depth;
+    const TextSize size = surface.Measure(line.Label, style.Font);
+    const double x = line.IsHour ? shown.front().X : shown.front().X - gap;
+    const double y = line.IsHour ? shown.front().Y + gap + size.Ascent : shown.front().Y + size.Ascent / 2;
+    const double left = line.IsHour ? x - size.Width / 2 : x - size.Width;
+    surface.FillRect({left, y - size.Ascent, size.Width, size.Height()}, White, 0.75);
+    surface.Text(x, y, line.Label, style);
+  }
+}
+
+void DrawHandle(double x, double y, bool selected, const DeskLayout& layout, Surface& surface) {
+  constexpr Rgb orange{230, 81, 0}, petrol{0, 121, 107};
+  const double radius = selected ? 110 : 80, atX = layout.ScreenX(x), atY = layout.ScreenY(y);
+  for (const double around : {-15.0, 15.0}) surface.Circle(atX, atY, radius + around, White);
+  surface.Circle(atX, atY, radius, selected ? orange : petrol);
+}
+
+void DrawDragged(double x1, double y1, double x2, double y2, const DeskLayout& layout, Surface& surface) {
+  constexpr Rgb orange{230, 81, 0};
+  for (const auto& [colour, width] : {std::pair(White, Thick), std::pair(orange, Thin)})
+    surface.Line(layout.ScreenX(x1), layout.ScreenY(y1), layout.ScreenX(x2), layout.ScreenY(y2), colour,
+                 width);
+}
+
+void DrawMark(double x, double y, const DeskLayout& layout, Surface& surface) {
+  constexpr Rgb red{229, 57, 53};
+  constexpr double arm = 150;  // screen units
+  const double atX = layout.ScreenX(x), atY = layout.ScreenY(y);
+  for (const auto& [colour, width] : {std::pair(White, Thick + 1), std::pair(red, Thin)}) {
+    surface.Line(atX - arm, atY, atX + arm, atY, colour, width);
+    surface.Line(atX, atY - arm, atX, atY + arm, colour, width);
   }
 }
 

@@ -2,13 +2,33 @@
 // know gaps, recovered parts, alpha points and leveled points.
 #pragma once
 
+#include <span>
+
 #include "core/trace.h"
 #include "digitizing/desk_layout.h"
+#include "digitizing/page_overlay.h"
 #include "platform/surface.h"
 
 namespace hyetex {
 
-/// Draws the whole view anew, in screen units (desk_layout.h). With `showPoints` each point gets a circle.
-void DrawGraph(const Trace& line, const DeskLayout& layout, bool showPoints, Surface& surface);
+struct GraphStyle {
+  bool ShowPoints = false;  ///< each point gets a circle
+  /// There is a scan below: every line gets a white edge, so that it is seen on paper, grid and ink alike.
+  bool OnScan = false;
+};
+
+/// Draws the whole view anew, in screen units (desk_layout.h).
+void DrawGraph(const Trace& line, const DeskLayout& layout, const GraphStyle& style, Surface& surface);
+
+/// The chart's own hours and depths, with what they are at their beginnings.
+void DrawOverlay(std::span<const OverlayLine> lines, const DeskLayout& layout, Surface& surface);
+
+/// A cross on a tablet position, as for a place that was measured from.
+void DrawMark(double x, double y, const DeskLayout& layout, Surface& surface);
+
+/// A ring around a place that can be taken hold of, or that has been.
+void DrawHandle(double x, double y, bool selected, const DeskLayout& layout, Surface& surface);
+/// A line to where a point is being dragged.
+void DrawDragged(double x1, double y1, double x2, double y2, const DeskLayout& layout, Surface& surface);
 
 }  // namespace hyetex

@@ -30,6 +30,16 @@ void ActionMachine::HandleReport(const TabletReport& report) {
   ActOnButton();
 }
 
+void ActionMachine::Point(double x, double y, int button) {
+  if (comment_) return;
+  state_.CursorX = x;
+  state_.CursorY = y;
+  state_.CursorButton = static_cast<std::int16_t>(button);
+  state_.OverToolBox = false;
+  PlaceCursor();
+  ActOnButton();
+}
+
 void ActionMachine::FindOverToolBox() {
   const bool dragging = selection_ || zoom_;
   state_.OverToolBox = Layout.BoardVisible && !dragging && !CurrentState().LaysPaper &&

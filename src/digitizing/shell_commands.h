@@ -27,11 +27,23 @@ class SessionCommands {
   virtual void Redo() = 0;
   /// Whether any point has been traced: a new segment and a further paper need one.
   virtual bool HasPoints() const = 0;
+  /// Whether the mouse is the cursor, and not a tablet's: what serves only that is shown.
+  virtual bool HasMouse() const = 0;
+  virtual void ToggleMagnifier() = 0;
+  virtual void MagnifyMore() = 0;
+  virtual void ToggleOverlay() = 0;     ///< the chart's own hours and depths
+  virtual void ToggleCorrecting() = 0;  ///< presses of the mouse correct points instead of tracing them
+  virtual void InsertPoint() = 0;       ///< beside the one that is being corrected
 };
 
 /// The Definitions menu's texts.
 struct ScaleCaptions {
   std::string Angle, Horizontal, Vertical;
+};
+
+/// What is switched on, for the marks of the menu entries.
+struct DeskModes {
+  bool Magnifier = false, Overlay = false, Correcting = false;
 };
 
 /// The first two entries of the Edit menu.
@@ -58,6 +70,7 @@ class Shell {
 
   virtual bool PointsAreShown() const = 0;  ///< the mark of "Digitation Points"
   virtual void ShowScales(const ScaleCaptions& captions) = 0;
+  virtual void ShowModes(const DeskModes& modes) = 0;
   virtual void ShowUndo(const UndoCaptions& captions) = 0;
   /// Written only when it differs from what is shown.
   virtual void ShowPanel(int panel, std::string_view text) = 0;

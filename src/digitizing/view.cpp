@@ -37,6 +37,15 @@ void KeepBoardInside(DeskLayout& layout) {
 }
 
 void ShowArea(DeskLayout& layout, const TabletExtents& tablet, const Rect& area) {
+  if (layout.Home) {
+    const double x = layout.TabletX(area.Left + area.Width / 2),
+                 y = layout.TabletY(area.Top + area.Height / 2);
+    const double larger = std::min(layout.ScaleWidth / std::max(area.Width, 1.0),
+                                   layout.ScaleHeight / std::max(area.Height, 1.0));
+    layout.Zoomed = true;
+    ShowAround(layout, x, y, std::min(layout.ScaleX * larger, MostZoom * HomeScale(layout)));
+    return;
+  }
   // The most that a side may be stretched; a smaller area lies in the middle of what is shown.
   const auto show = [](float& origin, float& scale, double from, double size, double view, double whole) {
     const double middle = origin + (from + size / 2) / scale;
@@ -72,10 +81,16 @@ void ShowPaper(DeskLayout& layout, const ChartScales& scales, const ChartPaper& 
 
 void ResizeView(DeskLayout& layout, const TabletExtents& tablet, double scaleWidth, double scaleHeight) {
   const double wider = scaleWidth / layout.ScaleWidth, higher = scaleHeight / layout.ScaleHeight;
+  const double middleX = layout.TabletX(layout.ScaleWidth / 2),
+               middleY = layout.TabletY(layout.ScaleHeight / 2);
   layout.ScaleWidth = scaleWidth;
   layout.ScaleHeight = scaleHeight;
   if (!layout.Zoomed) {
     ShowWhole(layout, tablet);
+    return;
+  }
+  if (layout.Home) {
+    ShowAround(layout, middleX, middleY, layout.ScaleX * std::min(wider, higher));
     return;
   }
   layout.ScaleX *= static_cast<float>(wider);
@@ -83,13 +98,23 @@ void ResizeView(DeskLayout& layout, const TabletExtents& tablet, double scaleWid
 }
 
 bool ZoomAround(DeskLayout& layout, const TabletExtents& tablet, double factor, double x, double y) {
+  constexpr double justAbove = 1 + 1e-6;
+  if (layout.Home) {
+    const double whole = HomeScale(layout);
+    const double scale = std::min(layout.ScaleX * factor, MostZoom * whole);
+    if (scale < whole * justAbove) return false;
+    // What lies there stays there; the middle of the view follows from that.
+    ShowAround(layout, layout.TabletX(x) + (layout.ScaleWidth / 2 - x) / scale,
+               layout.TabletY(y) + (y - layout.ScaleHeight / 2) / scale, scale);
+    layout.Zoomed = true;
+    return true;
+  }
   const double wholeX = layout.ScaleWidth / tablet.TabletWidthUnits;
   const double wholeY = layout.ScaleHeight / tablet.TabletHeightUnits;
   // Scales that a drag rectangle has made unequal grow alike, and neither passes its limit.
   factor = std::min({factor, MostZoom * wholeX / layout.ScaleX, MostZoom * wholeY / layout.ScaleY});
   const double scaleX = std::max(layout.ScaleX * factor, wholeX);
   const double scaleY = std::max(layout.ScaleY * factor, wholeY);
-  constexpr double justAbove = 1 + 1e-6;
   if (scaleX < wholeX * justAbove && scaleY < wholeY * justAbove) return false;
 
   const auto keep = [](double at, double viewed, double scale, double whole, double size) {
@@ -104,6 +129,37 @@ bool ZoomAround(DeskLayout& layout, const TabletExtents& tablet, double factor, 
   layout.ScaleY = static_cast<float>(scaleY);
   layout.Zoomed = true;
   return true;
+}
+
+void Pan(DeskLayout& layout, const TabletExtents& tablet, double right, double down) {
+  if (!layout.Zoomed) return;
+  if (layout.Home) {
+    ShowAround(layout, layout.TabletX(layout.ScaleWidth / 2 - right),
+               layout.TabletY(layout.ScaleHeight / 2 - down), layout.ScaleX);
+    return;
+  }
+  const auto move = [](float& origin, double by, double shown, double whole) {
+    origin = static_cast<float>(std::clamp(origin + by, 0.0, std::max(0.0, whole - shown)));
+  };
+  move(layout.ViewX0, -right / layout.ScaleX, layout.ScaleWidth / layout.ScaleX, tablet.TabletWidthUnits);
+  move(layout.ViewY0, down / layout.ScaleY, layout.ScaleHeight / layout.ScaleY, tablet.TabletHeightUnits);
+}
+
+void BringIntoView(DeskLayout& layout, const TabletExtents& tablet, double x, double y) {
+  const auto outside = [](double at, double size) { return at < 0 ? -at : at > size ? size - at : 0; };
+  const double right = outside(layout.ScreenX(x), layout.ScaleWidth);
+  const double down = outside(layout.ScreenY(y), layout.ScaleHeight);
+  if (right != 0 || down != 0) Pan(layout, tablet, right, down);
+}
+
+DeskLayout Magnified(double x, double y, double size, double scale) {
+  DeskLayout view;
+  view.ScaleWidth = view.ScaleHeight = size;
+  view.ScaleX = view.ScaleY = static_cast<float>(scale);
+  view.ViewX0 = static_cast<float>(x - size / scale / 2);
+  view.ViewY0 = static_cast<float>(y - size / scale / 2);
+  view.Zoomed = true;
+  return view;
 }
 
 }  // namespace hyetex

@@ -47,7 +47,7 @@ struct Graph {
     Table.Machine.Layout.ScaleX = Table.Machine.Layout.ScaleY = 1;
   }
   std::vector<std::string> Draw(bool points = false) {
-    DrawGraph(Table.Line(), Table.Machine.Layout, points, Screen);
+    DrawGraph(Table.Line(), Table.Machine.Layout, {.ShowPoints = points}, Screen);
     return Screen.Drawn;
   }
   Trace& Line() { return Table.Traced.Line; }

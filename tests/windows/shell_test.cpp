@@ -21,7 +21,7 @@ std::string Asking(int tool) { return "tool " + std::to_string(tool) + " "; }
 class Commands : public SessionCommands {
  public:
   std::string Asked;
-  bool Points = false;
+  bool Points = false, Mouse = false;
 
   void NewFile() override { Asked += "new "; }
   void SaveFile() override { Asked += "save "; }
@@ -33,6 +33,12 @@ class Commands : public SessionCommands {
   void Undo() override { Asked += "undo "; }
   void Redo() override { Asked += "redo "; }
   bool HasPoints() const override { return Points; }
+  bool HasMouse() const override { return Mouse; }
+  void ToggleMagnifier() override { Asked += "magnifier "; }
+  void MagnifyMore() override { Asked += "more "; }
+  void ToggleOverlay() override { Asked += "overlay "; }
+  void ToggleCorrecting() override { Asked += "correcting "; }
+  void InsertPoint() override { Asked += "insert "; }
 };
 
 TEST(Shell, HasItsMenusInOrder) {
@@ -48,6 +54,7 @@ TEST(Shell, HasItsMenusInOrder) {
   EXPECT_EQ(tree,
             "mnuFile File\n  mnuNew New Digitation\n  mnuSave Save Digitation\n  mnuExit Exit\n"
             "mnuView View\n  mnuToolBox ToolBox\n  mnuPoints Digitation Points\n  mnuAutoZoom Auto Zoom\n"
+            "  mnuMagnifier Magnifier\n  mnuMagnify Magnify More\n  mnuOverlay Hours and Depths\n"
             "mnuDEf Definitions\n  mnuParameter Reset Digitation's Parameter\n  mnuAngle Page Angle\n"
             "  mnuVertical Vertical Scale\n  mnuHorizontal Horizontal Scale\n"
             "  mnuPage Set the Page Again\n"
@@ -56,6 +63,7 @@ TEST(Shell, HasItsMenusInOrder) {
             "Segment\n  mnuLevel Level a Point\n"
             "  mnuAlpha Toggle Alpha Sign\n  mnuGap Toggle Data Gap\n  mnuComment Add a Comment\n"
             "  mnuRecovered Toggle Recovered Sign\n  mnuAppend Attach Additional Strip Chart\n"
+            "  mnuCorrect Correct Points\n  mnuInsert Insert a Point\n"
             "mnuFix Syncronize Stations Lists\n");
   EXPECT_EQ(shell.Popup().actions().size(), 3);
 }
@@ -74,6 +82,10 @@ TEST(Shell, ShowsTheSessionsMenusOnlyWhileDigitizing) {
   shell.Digitizing(commands);
   EXPECT_EQ(shown(), "mnuFile mnuView mnuDEf mnuTools ");
   EXPECT_TRUE(shell.findChild<QAction*>("mnuNew")->isEnabled());
+  EXPECT_FALSE(shell.findChild<QAction*>("mnuMagnifier")->isVisible()) << "a tablet has no use for it";
+  commands.Mouse = true;
+  shell.Digitizing(commands);
+  EXPECT_TRUE(shell.findChild<QAction*>("mnuMagnifier")->isVisible());
   shell.NotDigitizing();
   EXPECT_EQ(shown(), "mnuFile ");
   shell.findChild<QAction*>("mnuErase")->trigger();  // by a macro or a screen reader

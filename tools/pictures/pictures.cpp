@@ -18,9 +18,15 @@
 #include "app/app_desk.h"
 #include "core/files.h"
 #include "core/settings.h"
+#include "digitizing/view.h"
 #include "pictures/picture_database.h"
 #include "platform/qt_text.h"
+#include "scans/drawn_scan.h"
+#include "scans/scan_file.h"
+#include "staging/lists/lists.h"
+#include "staging/tasks/activation.h"
 #include "staging/windows/frmMessageBox.h"
+#include "tracing/rain.h"
 
 namespace hyetex {
 namespace {
@@ -142,6 +148,67 @@ void TakeSession(AppDesk& desk, Camera& camera) {
     camera.Take(desk.Window(WindowId::LargeView), "frmLargeView");
     comment->close();
   }
+}
+
+// A scan of a day's chart, drawn for the folder of the scans, under the name of the first staged chart.
+Result<void> MakeScan(const std::string& programFolder, const std::string& scans) {
+  const auto lists = ReadLists(programFolder);
+  if (!lists) return Failure(lists.error());
+  std::vector<RainPoint> rain{{0, 0}};
+  for (int i = 1; i <= 60; ++i) rain.push_back({3 + i * 0.3, rain.back().Rain + 0.02 * (i * i % 37)});
+  RainChart chart;
+  chart.Paper = lists->ChartTypes[0];
+  const auto line = DrawRain(rain, chart);
+  if (!line) return Failure(line.error());
+  ScanStyle style;
+  style.Dpi = 200;
+  style.Shape.TiltDegrees = 0.4;
+  const auto drawn = DrawScan(*line, style, 7);
+  if (!drawn) return Failure(drawn.error());
+  const std::string name = "NM-Hill Farm-01_19980305.png";
+  const auto bytes = EncodeScan(drawn->Image, name, style.Dpi);
+  if (!bytes) return Failure(bytes.error());
+  std::error_code error;
+  fs::create_directories(scans, error);
+  return WriteWholeFile(JoinPath(scans, name), *bytes);
+}
+
+// The desk on the scan that was found for the first chart: as it opens, and with a trace that is corrected.
+void TakeScan(AppDesk& desk, Camera& camera) {
+  desk.Open(WindowId::Tasks);
+  QWidget* tasks = desk.Window(WindowId::Tasks);
+  if (auto* tree = camera.Find<QTreeWidget>(tasks, "tvwStations"))
+    for (QTreeWidgetItemIterator item(tree); *item != nullptr; ++item)
+      if ((*item)->text(0).contains(" - NM-Hill Farm")) tree->setCurrentItem(*item);
+  if (auto* grid = camera.Find<QTableWidget>(tasks, "fgdTasks")) grid->selectRow(0);
+  camera.Take(tasks, "frmTasks-scan");
+  if (auto* activate = camera.Find<QPushButton>(tasks, "cmdActivate")) activate->click();
+  for (int i = 0; i < 4; ++i) QApplication::processEvents();
+  auto* digitizing = qobject_cast<frmHyetex*>(desk.Window(WindowId::Digitizing));
+  camera.Take(desk.ShellWindow(), "mdiHyetex-scan");
+  auto* scan = digitizing == nullptr ? nullptr : digitizing->findChild<DeskScan*>();
+  if (scan == nullptr) return;
+
+  ActionMachine& machine = digitizing->Machine();
+  const double width = scan->Image().Width(), height = scan->Image().Height();
+  const auto press = [&](double across, double down) {
+    const auto [x, y] = TabletPosition(scan->Placement(), across * width, down * height);
+    for (const int button : {-1, 0, -1}) machine.Point(x, y, button);
+  };
+  press(0.06, 0.86);
+  press(0.94, 0.86);
+  for (const auto& [across, down] :
+       {std::pair(0.07, 0.85), std::pair(0.2, 0.8), std::pair(0.3, 0.6), std::pair(0.4, 0.3)})
+    press(across, down);
+  digitizing->ToggleOverlay();
+  ZoomAround(machine.Layout, machine.CurrentSession().Line.Scales().Tablet, 2,
+             machine.Layout.ScaleWidth * 0.3, machine.Layout.ScaleHeight * 0.6);
+  digitizing->DrawGraph();
+  camera.Take(desk.ShellWindow(), "mdiHyetex-scan-traced");
+  digitizing->ToggleCorrecting();
+  machine.State().SelectedPoint = 2;
+  digitizing->DrawGraph();
+  camera.Take(digitizing, "frmHyetex-correcting");
 }
 
 void TakeConnections(AppDesk& desk, Camera& camera) {
@@ -357,11 +424,23 @@ Result<void> TakePictures(const std::string& programFolder, const std::string& p
     TakeExchange(desk, camera);
   }
   words.Task = 0;
+  {
+    AppDesk desk(words, dialogs);
+    desk.ShellSize = ShellSize;
+    desk.Start();
+    desk.LoggedIn();
+    TakeSession(desk, camera);
+  }
+  words.Task.reset();
+  const std::string scans = JoinPath(copy, "scans");
+  if (auto made = MakeScan(copy, scans); !made) return made;
+  (void)settings.Set(setting::ScanFolder, scans);
+  (void)settings.Set(setting::TraceSource, static_cast<int>(TraceSource::Scan));
   AppDesk desk(words, dialogs);
   desk.ShellSize = ShellSize;
   desk.Start();
   desk.LoggedIn();
-  TakeSession(desk, camera);
+  TakeScan(desk, camera);
   return camera.Outcome();
 }
 

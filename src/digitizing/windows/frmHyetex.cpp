@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "core/numbers.h"
-#include "digitizing/drawing.h"
 #include "digitizing/windows/units.h"
 #include "platform/qt_text.h"
 
@@ -31,17 +30,15 @@ frmHyetex::frmHyetex(Desk& desk, Shell& shell, Dialogs& dialogs, Settings& setti
       machine_(session, TabletTypes()[static_cast<std::size_t>(tablet)], *this, &journal_),
       lost_(TabletTypes()[static_cast<std::size_t>(tablet)]),
       mscDig(new SerialPort(this)),
-      picGraph_(new picGraph(
-          [this](Surface& surface) {
-            hyetex::DrawGraph(session_.Line, machine_.Layout, shell_.PointsAreShown(), surface);
-          },
-          this)),
+      picGraph_(new picGraph([this](Surface& surface) { Paint(surface, machine_.Layout); }, this)),
       linHor(new Shape("linHor", Shape::Kind::Filled, Qt::black, picGraph_)),
       linVer(new Shape("linVer", Shape::Kind::Filled, Qt::black, picGraph_)),
       shpSelect(new Shape("shpSelect", Shape::Kind::Dashed, SelectionColour, picGraph_)),
       shpZoom(new Shape("shpZoom", Shape::Kind::Dashed, ZoomColour, picGraph_)),
       shpToolBox(new Shape("shpToolBox", Shape::Kind::Outline, QColor(96, 125, 139), picGraph_)),
-      frmToolBox_(new frmToolBox(picGraph_)) {
+      frmToolBox_(new frmToolBox(picGraph_)),
+      hand_(new MouseHand(*picGraph_, machine_, TabletTypes()[static_cast<std::size_t>(tablet)], this)),
+      correcting_(machine_, [this](const std::string& why) { shell_.ShowPanel(panel::Instruction, why); }) {
   setFocusPolicy(Qt::StrongFocus);
   setMinimumSize(ViewSizeFor(ToPixels(machine_.Layout.Board.Height) * 2));
   setWindowTitle(ToQt(DrawingTitle));
@@ -58,7 +55,10 @@ frmHyetex::frmHyetex(Desk& desk, Shell& shell, Dialogs& dialogs, Settings& setti
   connect(frmToolBox_, &frmToolBox::Hovered, this, &frmHyetex::ShowToolText);
   connect(frmToolBox_, &frmToolBox::Dragged, this, &frmHyetex::DragBoard);
   connect(picGraph_, &picGraph::Wheeled, this, &frmHyetex::Zoom);
+  connect(hand_, &MouseHand::ViewMoved, this, &frmHyetex::ShowView);
+  connect(hand_, &MouseHand::CursorMoved, this, &frmHyetex::ShowMagnified);
   RestoreLayout();
+  if (device_.empty()) BeginMouse();
 }
 
 QSize frmHyetex::sizeHint() const {
@@ -71,7 +71,10 @@ QSize frmHyetex::sizeHint() const {
 void frmHyetex::StartSession() {
   desk_.Flags.SetOpen(WindowId::Digitizing, true);
   // Only the size that comes of it counts: in a smaller one on the way there the board might have no room.
-  ResizeView(sizeHint());
+  if (HasMouse())
+    FillFrame();
+  else
+    ResizeView(sizeHint());
   FitView(size());
   ClearPanels();
   started_ = true;
@@ -81,6 +84,7 @@ void frmHyetex::StartSession() {
     CloseDesk();
     return;
   }
+  BeginScan();
   journal_.Start(settings_.Folder(), tablet_, session_.Chart);
   TellOfJournalTrouble();
   OpenPort();
@@ -100,6 +104,7 @@ void frmHyetex::RestoreLayout() {
 }
 
 void frmHyetex::StoreLayout() {
+  if (HasMouse()) return;  // its board and its size are not the tablet's
   const Rect& board = machine_.Layout.Board;
   // What cannot be kept is not worth a message.
   (void)settings_.Set(setting::ViewHeight, static_cast<float>(picGraph_->height() * UnitsPerPixel));
@@ -110,7 +115,9 @@ void frmHyetex::StoreLayout() {
 bool frmHyetex::OfferUnfinishedChart() {
   const auto unfinished = FindUnfinishedChart(settings_.Folder());
   if (!unfinished) return true;
-  const ResumeOffer offer = MakeResumeOffer(*unfinished, session_.Chart, tablet_);
+  // A scan that cannot be found any more must not keep its points from being gone on with.
+  const bool onScan = openedScan_ != nullptr || (mouse_ && unfinished->Scan);
+  const ResumeOffer offer = MakeResumeOffer(*unfinished, session_.Chart, tablet_, onScan);
   const BoxAnswer answer =
       Ask(offer.Title, offer.Text, offer.CanResume ? BoxButtons::YesNoCancel : BoxButtons::NoUnlessYes,
           BoxIcon::Question);

@@ -12,13 +12,19 @@
 #include <string>
 
 #include "digitizing/action_machine.h"
+#include "digitizing/correcting.h"
 #include "digitizing/desk_view.h"
 #include "digitizing/lost_presses.h"
+#include "digitizing/page_overlay.h"
 #include "digitizing/resume.h"
 #include "digitizing/shell_commands.h"
 #include "digitizing/status_panels.h"
 #include "digitizing/view.h"
+#include "digitizing/windows/desk_panel.h"
+#include "digitizing/windows/desk_scan.h"
 #include "digitizing/windows/frmToolBox.h"
+#include "digitizing/windows/magnifier.h"
+#include "digitizing/windows/mouse_hand.h"
 #include "digitizing/windows/picGraph.h"
 #include "platform/dialogs.h"
 #include "platform/form_window.h"
@@ -30,11 +36,13 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   Q_OBJECT
 
  public:
-  /// `tablet` is an index of TabletTypes(), `device` its serial port by name or path; empty: no tablet. All
-  /// references must outlive the window.
+  /// `tablet` is an index of TabletTypes(), `device` its serial port by name or path; empty: the mouse is its
+  /// cursor. All references must outlive the window.
   frmHyetex(Desk& desk, Shell& shell, Dialogs& dialogs, Settings& settings, Session& session, int tablet,
             std::string device, QWidget* parent = nullptr);
 
+  /// A scan for under the trace, before the session begins.
+  void UseScan(std::shared_ptr<const ScanImage> scan);
   /// Begins the session, once the window is shown: takes its remembered size, offers an unfinished chart,
   /// opens the tablet's port. Where the operator would rather keep another chart's unfinished journal, the
   /// window closes.
@@ -49,11 +57,17 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   // What the menus ask for
   void NewFile() override { machine_.NewFile(); }
   void SaveFile() override { RunTool(tool::SaveFile); }
-  void RunTool(int tool) override { machine_.RunTool(tool); }
+  void RunTool(int tool) override;
   void AutoZoom() override { machine_.AutoZoom(); }
   void ShowBoard() override;
-  void SetPageAgain() override { machine_.SetPageAgain(); }
-  void PointsToggled() override { DrawGraph(); }
+  void SetPageAgain() override;
+  void PointsToggled() override { ShowView(); }
+  bool HasMouse() const override { return mouse_; }
+  void ToggleMagnifier() override;
+  void MagnifyMore() override;
+  void ToggleOverlay() override;
+  void ToggleCorrecting() override;
+  void InsertPoint() override;
   void Undo() override;
   void Redo() override;
   bool HasPoints() const override { return session_.Line.LastPoint() >= 0; }
@@ -88,6 +102,8 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void showEvent(QShowEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
 
  private:
   // The session
@@ -117,6 +133,25 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void UpdatePanels();
   void UpdateUndo();
   QMdiSubWindow* Frame() const;
+
+  // The mouse in the tablet's place: frmHyetex_mouse.cpp
+  void BeginMouse();
+  void FillFrame();
+  void ShowView();
+  void ShowMagnified();
+  void Paint(Surface& surface, const DeskLayout& layout) const;
+  void ShowModes();
+  void UpdateOverlay();
+  bool EscapeMouse();
+
+  // Correcting points and the page: frmHyetex_correcting.cpp
+  void LeaveCorrecting();
+  void PaintCorrecting(Surface& surface, const DeskLayout& layout) const;
+
+  // The scan under the trace: frmHyetex_scan.cpp
+  void BeginScan();
+  void LayScan(std::shared_ptr<const ScanImage> image);
+  void FindScanAgain();
   Shape* ShapeOf(DragShape shape) { return shape == DragShape::Selection ? shpSelect : shpZoom; }
 
   Shell& shell_;
@@ -133,6 +168,16 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   picGraph* picGraph_;
   Shape *linHor, *linVer, *shpSelect, *shpZoom, *shpToolBox;
   frmToolBox* frmToolBox_;
+  MouseHand* hand_;
+  bool mouse_ = false;          // is the cursor: there is no tablet
+  DeskPanel* panel_ = nullptr;  // beside the chart view, with the mouse
+  Magnifier* magnifier_ = nullptr;
+  std::shared_ptr<const ScanImage> openedScan_;
+  DeskScan* scan_ = nullptr;  // null: there is none under the trace
+  Correcting correcting_;
+  bool corrects_ = false;  // the mouse corrects
+  bool overlay_ = false;   // the chart's own hours and depths are shown
+  std::vector<OverlayLine> overlayLines_;
 
   int boxes_ = 0;              // message boxes that are up
   bool watched_ = false;       // for being maximised

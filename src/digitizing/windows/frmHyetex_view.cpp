@@ -25,8 +25,9 @@ void frmHyetex::showEvent(QShowEvent* event) {
   // The tablet's proportions leave no use for the rest of the shell.
   if (QMdiSubWindow* frame = Frame(); frame && !std::exchange(watched_, true))
     connect(frame, &QMdiSubWindow::windowStateChanged, frame,
-            [frame](Qt::WindowStates, Qt::WindowStates state) {
-              if (state.testFlag(Qt::WindowMaximized)) QTimer::singleShot(0, frame, &QWidget::showNormal);
+            [this, frame](Qt::WindowStates, Qt::WindowStates state) {
+              if (state.testFlag(Qt::WindowMaximized) && !HasMouse())
+                QTimer::singleShot(0, frame, &QWidget::showNormal);
             });
 }
 
@@ -40,6 +41,7 @@ void frmHyetex::FocusChanged(bool focused) {
   shell_.Digitizing(*this);
   machine_.State().CursorButton = -1;
   UpdateMenus();
+  ShowModes();
   ShowInstruction(machine_.Instruction());
 }
 
@@ -54,6 +56,7 @@ void frmHyetex::resizeEvent(QResizeEvent* event) {
   FormWindow::resizeEvent(event);
   if (!started_ || isMinimized() || (Frame() && Frame()->isMinimized())) return;
   const QSize before = event->oldSize(), now = event->size();
+  if (HasMouse()) return FitView(now);
   const ViewSize kept = KeepProportions({before.width(), before.height()}, {now.width(), now.height()},
                                         session_.Line.Scales().Tablet);
   const QSize fitting(kept.Width, kept.Height);
@@ -70,23 +73,32 @@ void frmHyetex::ResizeView(QSize size) {
 }
 
 void frmHyetex::FitView(QSize size) {
+  if (HasMouse()) {
+    panel_->setGeometry(size.width() - panel_->width(), 0, panel_->width(), size.height());
+    size.rwidth() -= panel_->width();
+  }
   picGraph_->resize(size);
   machine_.ViewResized(size.width() * UnitsPerPixel, size.height() * UnitsPerPixel);
-  KeepBoardInside(machine_.Layout);
-  frmToolBox_->Arrange(machine_.Layout);
-  MoveBoard(machine_.Layout.Board.Left, machine_.Layout.Board.Top);
+  if (!HasMouse()) {
+    KeepBoardInside(machine_.Layout);
+    frmToolBox_->Arrange(machine_.Layout);
+    MoveBoard(machine_.Layout.Board.Left, machine_.Layout.Board.Top);
+  }
   linHor->resize(2 * size.width(), 1);
   linVer->resize(1, 2 * size.height());
   DrawGraph();
 }
 
 void frmHyetex::ResizeDesk(double factor) {
-  if (!replaying_) ResizeView(ViewSizeFor(qRound(picGraph_->height() * factor)));
+  if (replaying_) return;
+  ResizeView(HasMouse() ? size() * factor : ViewSizeFor(qRound(picGraph_->height() * factor)));
 }
 
 // ---- What the machine shows
 
-void frmHyetex::ShowInstruction(std::string_view text) { shell_.ShowPanel(panel::Instruction, text); }
+void frmHyetex::ShowInstruction(std::string_view text) {
+  shell_.ShowPanel(panel::Instruction, corrects_ ? CorrectingPrompt : text);
+}
 
 // It comes with each change of what is waited for.
 void frmHyetex::SetTitle(std::string_view title) {
@@ -95,13 +107,16 @@ void frmHyetex::SetTitle(std::string_view title) {
 }
 
 void frmHyetex::DrawGraph() {
-  picGraph_->DrawGraph();
+  UpdateOverlay();
+  ShowView();
+  if (scan_ != nullptr) scan_->SessionChanged();
   UpdatePanels();
   TellOfJournalTrouble();
 }
 
 void frmHyetex::UpdateMenus() {
   if (replaying_) return;
+  if (scan_ != nullptr) scan_->SessionChanged();
   shell_.ShowScales(CaptionsOf(session_.Line.Scales().ChartType, machine_.State()));
   UpdateUndo();
   TellOfJournalTrouble();
@@ -152,17 +167,19 @@ void frmHyetex::ShowBoard() {
 }
 
 void frmHyetex::ShowBoard(bool visible) {
-  shpToolBox->setVisible(visible);
+  shpToolBox->setVisible(visible && !HasMouse());
   frmToolBox_->setVisible(visible);
 }
 
 void frmHyetex::MoveBoard(double left, double top) {
+  if (HasMouse()) return;  // it stands on the panel
   frmToolBox_->move(ToPixels(left), ToPixels(top));
   shpToolBox->setGeometry(
       frmToolBox_->geometry().adjusted(-OutlineMargin, -OutlineMargin, OutlineMargin, OutlineMargin));
 }
 
 void frmHyetex::DragBoard(QPoint by) {
+  if (HasMouse()) return;
   Rect& board = machine_.Layout.Board;
   board.Left += by.x() * UnitsPerPixel;
   board.Top += by.y() * UnitsPerPixel;
@@ -178,6 +195,9 @@ void frmHyetex::ShowToolText(int tool) {
 // ---- Keys and wheel
 
 void frmHyetex::keyPressEvent(QKeyEvent* event) {
+  if (hasFocus() && hand_->KeyPressed(*event)) return;
+  if (HasMouse() && !hasFocus() && event->key() == Qt::Key_Escape) return setFocus();  // from the panel
+  if (event->key() == Qt::Key_Escape && EscapeMouse()) return;
   if (event->key() == Qt::Key_Escape)
     machine_.Escape();
   else if (event->matches(QKeySequence::ZoomIn) || event->key() == Qt::Key_Plus)
@@ -203,7 +223,7 @@ void frmHyetex::Zoom(double steps, QPointF at) {
     return;
   }
   ShowZoomOutPicture(true);
-  DrawGraph();
+  ShowView();
 }
 
 }  // namespace hyetex

@@ -102,6 +102,12 @@ void frmToolBox::Arrange(const DeskLayout& layout) {
   setGeometry(ToPixels(layout.Board));
 }
 
+void frmToolBox::Dock(const DeskLayout& layout) {
+  Arrange(layout);
+  setFixedSize(size());
+  picButton[tool::MoveBoard]->setEnabled(false);
+}
+
 void frmToolBox::Highlight(int tool) {
   for (int i = 0; i < ToolCount; ++i) picButton[static_cast<std::size_t>(i)]->Highlight(i == tool);
 }

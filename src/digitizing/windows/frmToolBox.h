@@ -49,6 +49,8 @@ class frmToolBox : public QWidget {
   explicit frmToolBox(QWidget* parent);
 
   void Arrange(const DeskLayout& layout);
+  /// Arranges it for a place beside the chart view, from which it is not moved.
+  void Dock(const DeskLayout& layout);
   void Highlight(int tool);  ///< -1: none
   void PlaceMarker(int tool);
   void ShowMarker(bool visible) { shpColor->setVisible(visible); }

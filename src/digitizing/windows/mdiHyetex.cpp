@@ -95,6 +95,19 @@ void mdiHyetex::MakeMenus() {
   mnuPoints->setCheckable(true);
   AddItem(mnuView, "mnuAutoZoom", "&Auto Zoom", tell([](SessionCommands& c) { c.AutoZoom(); }));
 
+  // Letters alone, since the other hand has the mouse.
+  mnuMagnifier =
+      AddItem(mnuView, "mnuMagnifier", "&Magnifier", tell([](SessionCommands& c) { c.ToggleMagnifier(); }));
+  mnuMagnifier->setShortcut(Qt::Key_M);
+  mnuMagnifier->setCheckable(true);
+  mnuMagnify =
+      AddItem(mnuView, "mnuMagnify", "Ma&gnify More", tell([](SessionCommands& c) { c.MagnifyMore(); }));
+  mnuMagnify->setShortcut(Qt::SHIFT | Qt::Key_M);
+  mnuOverlay = AddItem(mnuView, "mnuOverlay", "&Hours and Depths",
+                       tell([](SessionCommands& c) { c.ToggleOverlay(); }));
+  mnuOverlay->setShortcut(Qt::Key_G);
+  mnuOverlay->setCheckable(true);
+
   // Without a letter: windows need them all. F10 and the arrow keys lead here.
   mnuDEf = AddMenu("mnuDEf", "Definitions");
   AddItem(mnuDEf, "mnuParameter", "&Reset Digitation's Parameter");
@@ -118,6 +131,12 @@ void mdiHyetex::MakeMenus() {
   AddToolItem("mnuComment", "Add a &Comment", tool::SegmentComment);
   AddToolItem("mnuRecovered", "Toggle &Recovered Sign", tool::Recovered);
   AddToolItem("mnuAppend", "Attach Additional Strip C&hart", tool::AttachPaper);
+  mnuCorrect = AddItem(mnuTools, "mnuCorrect", "Correct &Points",
+                       tell([](SessionCommands& c) { c.ToggleCorrecting(); }));
+  mnuCorrect->setShortcut(Qt::Key_C);
+  mnuCorrect->setCheckable(true);
+  AddItem(mnuTools, "mnuInsert", "&Insert a Point", tell([](SessionCommands& c) { c.InsertPoint(); }))
+      ->setShortcut(Qt::Key_Insert);
 
   mnuPop = new QMenu(this);
   mnuPop->setObjectName("mnuPop");
@@ -177,6 +196,7 @@ void mdiHyetex::ShowSessionMenus(bool shown) {
       caption.prepend('&');
     menu->setTitle(caption);
   }
+  for (QAction* item : {mnuMagnifier, mnuMagnify}) item->setVisible(shown && commands_->HasMouse());
   for (QAction* item : mnuDEf->actions())
     if (item != mnuDefaults) item->setVisible(shown);
   mnuDEf->menuAction()->setVisible(shown || mnuDefaults->isVisible());
@@ -201,6 +221,12 @@ void mdiHyetex::ShowScales(const ScaleCaptions& captions) {
   mnuAngle->setText(ToQt(captions.Angle));
   mnuHorizontal->setText(ToQt(captions.Horizontal));
   mnuVertical->setText(ToQt(captions.Vertical));
+}
+
+void mdiHyetex::ShowModes(const DeskModes& modes) {
+  mnuMagnifier->setChecked(modes.Magnifier);
+  mnuOverlay->setChecked(modes.Overlay);
+  mnuCorrect->setChecked(modes.Correcting);
 }
 
 void mdiHyetex::ShowUndo(const UndoCaptions& captions) {

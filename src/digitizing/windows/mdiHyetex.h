@@ -32,6 +32,7 @@ class mdiHyetex final : public QMainWindow, public Shell, public PopupMenu {
   void NotDigitizing() override;
   bool PointsAreShown() const override { return mnuPoints->isChecked(); }
   void ShowScales(const ScaleCaptions& captions) override;
+  void ShowModes(const DeskModes& modes) override;
   void ShowUndo(const UndoCaptions& captions) override;
   void ShowPanel(int panel, std::string_view text) override;
   std::string PanelText(int panel) const override;
@@ -70,8 +71,8 @@ class mdiHyetex final : public QMainWindow, public Shell, public PopupMenu {
   QPointer<QWidget> popupOwner_;
 
   QMenu *mnuFile, *mnuView, *mnuDEf, *mnuTools, *mnuPop;
-  QAction *mnuNew, *mnuSave, *mnuPoints, *mnuAngle, *mnuVertical, *mnuHorizontal, *mnuDefaults, *mnuFix,
-      *mnuUndo, *mnuRedo;
+  QAction *mnuNew, *mnuSave, *mnuPoints, *mnuMagnifier, *mnuMagnify, *mnuOverlay, *mnuCorrect, *mnuAngle,
+      *mnuVertical, *mnuHorizontal, *mnuDefaults, *mnuFix, *mnuUndo, *mnuRedo;
   std::array<QLabel*, 4> panels_;
   QProgressBar* prbThink;
 };

@@ -28,6 +28,11 @@ Result<ActivatedChart> PrepareChart(const ReferenceLists& lists, ChartRecord tas
   return chart;
 }
 
+TraceSource StoredTraceSource(const Settings& settings) {
+  const std::int16_t stored = settings.Get(setting::TraceSource);
+  return stored > 0 && stored < TraceSourceCount ? static_cast<TraceSource>(stored) : TraceSource::Tablet;
+}
+
 int StoredTabletType(const Settings& settings) {
   const int tablet = settings.Get(setting::DigitizerType);
   return tablet >= 0 && tablet < TabletTypeCount ? tablet : 0;

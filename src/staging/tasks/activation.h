@@ -27,6 +27,12 @@ Result<ActivatedChart> PrepareChart(const ReferenceLists& lists, ChartRecord tas
 Result<ActivatedChart> ActivateChart(const Settings& settings, const ReferenceLists& lists, int task,
                                      std::optional<int> chartType = {});
 
+/// What a chart is traced on. The digitizer type of the settings is a tablet's whatever it is.
+enum class TraceSource { Tablet, Scan, EmptyPage };
+inline constexpr int TraceSourceCount = 3;
+/// The one of the settings; the tablet where they have none.
+TraceSource StoredTraceSource(const Settings& settings);
+
 /// The tablet type of the settings, an index of TabletTypes(); 0 where they have none.
 int StoredTabletType(const Settings& settings);
 

@@ -35,7 +35,8 @@ frmTasks::frmTasks(Desk& desk, Dialogs& dialogs, Settings& settings, const Refer
       popup_(popup),
       services_(std::move(services)),
       finder_(tablet.value_or(StoredTabletType(settings)), services_.Device, this),
-      targetFolder_(TargetFolder(settings)) {
+      targetFolder_(TargetFolder(settings)),
+      source_(tablet ? TraceSource::Tablet : StoredTraceSource(settings)) {
   setWindowTitle("Prepare Charts and Digitizer ");
   MakeLayout();
   tvwStations->Show(lists_);
@@ -54,7 +55,7 @@ frmTasks::frmTasks(Desk& desk, Dialogs& dialogs, Settings& settings, const Refer
   connect(lstChartType, &QListWidget::currentRowChanged, this, [this](int row) {
     if (row >= 0) currentChart_ = static_cast<std::int16_t>(row);
   });
-  connect(optDig, &QButtonGroup::idClicked, &finder_, &TabletFinder::SetType);
+  connect(optDig, &QButtonGroup::idClicked, this, &frmTasks::ChooseSource);
   connect(&finder_, &TabletFinder::Moved, this, &frmTasks::ShowDetection);
   connect(&finder_, &TabletFinder::Detected, this, [this] {
     detection_ = Detection::Found;
@@ -64,8 +65,25 @@ frmTasks::frmTasks(Desk& desk, Dialogs& dialogs, Settings& settings, const Refer
     detection_ = Detection::Missing;
     ShowDetection();
   });
+  if (source_ == TraceSource::Tablet) finder_.Start();
+  LookForScans();
   ShowDetection();
-  finder_.Start();
+  connect(fgdTasks, &QTableWidget::itemSelectionChanged, this, &frmTasks::ShowDetection);
+}
+
+// A tablet, or what takes its place: then none is looked for.
+void frmTasks::ChooseSource(int option) {
+  const TraceSource before = source_;
+  source_ =
+      option < TabletTypeCount ? TraceSource::Tablet : static_cast<TraceSource>(option - TabletTypeCount + 1);
+  if (source_ == TraceSource::Tablet) {
+    finder_.SetType(option);
+    if (before != source_) finder_.Start();
+  } else {
+    finder_.Stop();
+  }
+  LookForScans();
+  ShowDetection();
 }
 
 // ---- What it shows
@@ -127,16 +145,26 @@ void frmTasks::UpdateList(std::optional<int> task) {
 }
 
 void frmTasks::ShowDetection() {
-  if (detection_ == Detection::Found)
+  bool ready = source_ != TraceSource::Tablet || detection_ == Detection::Found;
+  for (QPushButton* button : {cmdScan, cmdScans}) button->setEnabled(source_ == TraceSource::Scan);
+  if (source_ == TraceSource::EmptyPage) {
+    labDetect->setText(tr("The mouse is the cursor"));
+  } else if (source_ == TraceSource::Scan) {
+    const auto scan = ScanOfSelected();
+    labDetect->setText(ToQt(scan.first));
+    ready = scan.second;
+  } else if (ready) {
     labDetect->setText(tr("Digitizer Detected On COM%1").arg(finder_.DetectedPort()));
-  else
+  } else {
     labDetect->setText(detection_ == Detection::Missing ? tr("Digitizer Not Detected")
                                                         : tr("Digtizer Not Detcted"));
+  }
+  labDetect->setToolTip(source_ == TraceSource::Scan ? labDetect->text() : QString());
   const bool dark = palette().color(QPalette::Window).lightness() < 128;
   const QColor blue = dark ? QColor(130, 180, 255) : QColor(0, 60, 200),
                red = dark ? QColor(255, 130, 120) : QColor(190, 0, 0);
   QPalette colours = labDetect->palette();
-  colours.setColor(QPalette::WindowText, detection_ == Detection::Found ? blue : red);
+  colours.setColor(QPalette::WindowText, ready ? blue : red);
   labDetect->setPalette(colours);
   if (QAbstractButton* port = optCom->button(finder_.TestPort())) port->setChecked(true);
 }
@@ -200,6 +228,7 @@ void frmTasks::Closing() {
   // What cannot be kept is not worth a message.
   const auto keep = [this](const auto& key, const auto& value) { (void)settings_.Set(key, value); };
   keep(setting::DigitizerType, finder_.Type());
+  keep(setting::TraceSource, static_cast<int>(source_));
   keep(setting::ComPort, finder_.DetectedPort());
   // A folder that is only away for now is not forgotten.
   const std::string stored = settings_.Get(setting::TargetFolder);

@@ -9,6 +9,7 @@
 #include <QTableWidget>
 #include <array>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,6 +18,8 @@
 #include "platform/dialogs.h"
 #include "platform/form_window.h"
 #include "platform/popup_menu.h"
+#include "scan/chosen_scans.h"
+#include "scan/scan_image.h"
 #include "staging/tasks/activation.h"
 #include "staging/tasks/staging_area.h"
 #include "staging/tasks/task_rows.h"
@@ -35,13 +38,16 @@ struct TaskServices {
   std::function<void(const ChartRecord& task, bool isNew, const std::string& station,
                      std::function<std::optional<std::string>(ChartRecord)> store)>
       Define;
-  /// Opens the digitizing session; false if it cannot, which the operator has been told.
-  std::function<bool(ActivatedChart chart, const std::string& device)> Digitize;
+  /// Opens the digitizing session; false if it cannot, which the operator has been told. Without a device the
+  /// mouse is the tablet's cursor, on a scan or, where that is null, on an empty page.
+  std::function<bool(ActivatedChart chart, const std::string& device, std::shared_ptr<const ScanImage> scan)>
+      Digitize;
   /// Writes a chart's empty file into the folder and tells its path; nothing if `mayOverwrite` says no.
   std::function<Result<std::optional<std::string>>(
       const ActivatedChart& chart, const std::string& folder,
       const std::function<bool(const std::string& question)>& mayOverwrite)>
       WriteEmptyForm;
+  ChosenScans* Scans;
 };
 
 class frmTasks : public FormWindow {
@@ -87,6 +93,7 @@ class frmTasks : public FormWindow {
   void SetTabOrder();
   void FillChartTypes();
   void RestoreSelection();
+  void ChooseSource(int option);
   void ShowDetection();
   void ShowPopup(const QPoint& at);
 
@@ -109,9 +116,20 @@ class frmTasks : public FormWindow {
   void Digitize(const ChartRecord& task);
   /// Saves; when that fails, asks.
   bool MayClose();
+  void OpenDesk(ActivatedChart chart, const std::string& device, std::shared_ptr<const ScanImage> scan = {});
   void MakeEmptyFile(const ChartRecord& task);
   void Tell(std::string_view title, const std::string& text, BoxIcon icon = BoxIcon::Warning);
   void Tell(const std::string& text);  // under the window's own title
+
+  // The scans: frmTasks_scans.cpp
+  const ChartRecord* SelectedChart() const;
+  void LookForScans();
+  std::pair<std::string, bool> ScanOfSelected() const;
+  void ChooseScan();
+  std::optional<int> ChoosePage(int pages);
+  void ChooseScanFolder();
+  /// Null where it cannot be opened, which the operator has been told.
+  std::shared_ptr<const ScanImage> OpenScan(const ChartRecord& task);
 
   Dialogs& dialogs_;
   const ReferenceLists& lists_;
@@ -124,12 +142,14 @@ class frmTasks : public FormWindow {
   std::string targetFolder_;
   bool targetChosen_ = false;
   bool leaving_ = false;  // for a session: all is saved
+  TraceSource source_;
   enum class Detection { Unknown, Found, Missing } detection_ = Detection::Unknown;
 
   StationView* tvwStations;
   QGroupBox* frmTask;
   QTableWidget* fgdTasks;
-  QPushButton *cmdAdd, *cmdChange, *cmdDelete, *cmdActivate, *cmdSave, *cmdExit, *drvTarget;
+  QPushButton *cmdAdd, *cmdChange, *cmdDelete, *cmdActivate, *cmdSave, *cmdExit, *drvTarget, *cmdScan,
+      *cmdScans;
   QButtonGroup *optCom, *optDig;
   QLabel* labDetect = nullptr;
   QListWidget* lstChartType;

@@ -2,6 +2,7 @@
 #include "core/comments.h"
 #include "core/files.h"
 #include "core/text.h"
+#include "digitizing/scan_placement.h"
 #include "platform/qt_text.h"
 #include "staging/windows/frmTasks.h"
 
@@ -104,16 +105,25 @@ void frmTasks::Activate() {
 
 void frmTasks::Digitize(const ChartRecord& task) {
   constexpr std::string_view Title = "Digitizing a strip chart";
-  if (finder_.DetectedPort() == NoPort)
+  if (source_ == TraceSource::Tablet && finder_.DetectedPort() == NoPort)
     return Tell(Title, "you cannot begin digitizing a chart without having the right Digitizer plugged");
   auto chart = Prepared(task);
   if (!chart) return Tell(Title, chart.error());
   if (!HasTarget() || !SaveTasks()) return;
+  if (source_ == TraceSource::Tablet) return OpenDesk(*std::move(chart), finder_.Device());
+  chart->Tablet = ScanTablet;
+  std::shared_ptr<const ScanImage> scan;
+  if (source_ == TraceSource::Scan && !(scan = OpenScan(task))) return;
+  OpenDesk(*std::move(chart), "", std::move(scan));
+}
+
+void frmTasks::OpenDesk(ActivatedChart chart, const std::string& device,
+                        std::shared_ptr<const ScanImage> scan) {
   finder_.Stop();
-  leaving_ = services_.Digitize(*std::move(chart), finder_.Device());
+  leaving_ = services_.Digitize(std::move(chart), device, std::move(scan));
   if (leaving_)
     close();
-  else
+  else if (source_ == TraceSource::Tablet)
     finder_.Start();
 }
 

@@ -99,9 +99,18 @@ QWidget* frmTasks::MakeTablet() {
   for (int i = 0; i < TabletTypeCount; ++i) {
     auto* option = new QRadioButton(ToQt(TabletTypes()[static_cast<std::size_t>(i)].Name));
     option->setObjectName("optDig" + QString::number(i));
-    option->setChecked(i == finder_.Type());
+    option->setChecked(source_ == TraceSource::Tablet && i == finder_.Type());
     optDig->addButton(option, i);
     layout->addWidget(option, i, 0);
+  }
+  for (const auto& [source, caption] : {std::pair{TraceSource::Scan, "Scanned chart"},
+                                        std::pair{TraceSource::EmptyPage, "Mouse on an empty page"}}) {
+    const int id = TabletTypeCount + static_cast<int>(source) - 1;
+    auto* option = new QRadioButton(tr(caption));
+    option->setObjectName("optDig" + QString::number(id));
+    option->setChecked(source == source_);
+    optDig->addButton(option, id);
+    layout->addWidget(option, id, 0, 1, 2);
   }
   optCom = new QButtonGroup(this);
   for (int port = FirstSerialPort; port <= LastSerialPort; ++port) {
@@ -119,8 +128,16 @@ QWidget* frmTasks::MakeTablet() {
   bold.setBold(true);
   labDetect->setFont(bold);
   labDetect->setMinimumWidth(QFontMetrics(bold).horizontalAdvance("Digitizer Detected On COM1 "));
-  layout->addWidget(labDetect, TabletTypeCount, 0, 1, 2);
-  layout->setRowStretch(TabletTypeCount + 1, 1);
+  constexpr int options = TabletTypeCount + TraceSourceCount - 1;
+  // What is known of a scan may take some lines; the window keeps its width.
+  labDetect->setWordWrap(true);
+  labDetect->setAlignment(Qt::AlignTop);
+  labDetect->setMinimumHeight(2 * QFontMetrics(bold).lineSpacing());
+  cmdScan = MakeButton("cmdScan", "Choose Sca&n...", &frmTasks::ChooseScan);
+  cmdScans = MakeButton("cmdScans", "F&older of Scans...", &frmTasks::ChooseScanFolder);
+  layout->addWidget(labDetect, options, 0, 1, 2);
+  layout->addWidget(Together({cmdScan, cmdScans}), options + 1, 0, 1, 2);
+  layout->setRowStretch(options + 2, 1);
   auto* group = Group("Digitizer", layout);
   group->setToolTip(
       tr("The digitizer is looked for on COM1 and COM2 in turn. Definitions, Program Defaults names their "
@@ -157,7 +174,7 @@ QWidget* frmTasks::MakeTarget() {
 void frmTasks::SetTabOrder() {
   QList<QWidget*> order{tvwStations, fgdTasks, cmdAdd, cmdChange, cmdDelete, cmdActivate};
   for (QAbstractButton* option : optDig->buttons()) order << option;
-  order << lstChartType << dirTarget << drvTarget << cmdSave << cmdExit;
+  order << cmdScan << cmdScans << lstChartType << dirTarget << drvTarget << cmdSave << cmdExit;
   LinkTabs(order);
 }
 

@@ -1,0 +1,64 @@
+// Sessions on a scan in the real program: a picture of a page whose places are known.
+#pragma once
+
+#include <QImage>
+#include <QPainter>
+#include <cmath>
+
+#include "digitizing/windows/desk_scan.h"
+#include "windows/mouse_fixture.h"
+
+namespace hyetex::test {
+
+class ScanDesk : public MouseDesk {
+ protected:
+  static constexpr int Width = 1600, Height = 800;
+  static constexpr double Dpi = 200;
+
+  /// A page with grid and pen line, and what the file says of its resolution.
+  std::string WriteScan(const char* name, double dpi = Dpi, QColor paper = Qt::white) {
+    QImage image(Width, Height, QImage::Format_RGB32);
+    image.fill(paper);
+    QPainter painter(&image);
+    painter.setPen(QColor(240, 150, 120));
+    for (int x = 100; x <= 1500; x += 50) painter.drawLine(x, 60, x, 700);
+    for (int y = 100; y <= 700; y += 60) painter.drawLine(100, y, 1500, y);
+    painter.setPen(QPen(QColor(40, 30, 110), 4));
+    painter.drawPolyline(QPolygon({{100, 700}, {500, 500}, {900, 470}, {1300, 200}}));
+    painter.end();
+    image.setDotsPerMeterX(qRound(dpi / 0.0254));
+    image.setDotsPerMeterY(qRound(dpi / 0.0254));
+    const std::string path = folder_ / name;
+    EXPECT_TRUE(image.save(QString::fromStdString(path)));
+    return path;
+  }
+  /// Chooses a scan for the first chart of Hill Farm.
+  void ChooseScan(const std::string& path) {
+    OpenTasks();
+    Click(Tasks(), "optDig5");
+    dialogs_.Opened = {path};
+    Click(Tasks(), "cmdScan");
+  }
+  void OpenScan(const std::string& path) {
+    ChooseScan(path);
+    Click(Tasks(), "cmdActivate");
+    ASSERT_TRUE(IsOpen());
+    for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
+  }
+  DeskScan& Scan() { return *Window().findChild<DeskScan*>(); }
+  std::string Label(const char* name) { return Part<QLabel>(name).text().toStdString(); }
+  std::string ScanState() { return Find<QLabel>(Tasks(), "labDetect").text().toStdString(); }
+
+  /// A press on a place of the image, in pixels.
+  void PressPixel(double px, double py) {
+    const auto [x, y] = TabletPosition(Scan().Placement(), px, py);
+    MousePress(x, y);
+  }
+  /// The colour on the screen where a place of the image is seen.
+  QColor ColourAt(double px, double py) {
+    const auto [x, y] = TabletPosition(Scan().Placement(), px, py);
+    return Graph().grab().toImage().pixelColor(Seen(x, y).toPoint());
+  }
+};
+
+}  // namespace hyetex::test
