@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "app/program.h"
 #include "chartfiles/comment_target.h"
@@ -110,6 +111,7 @@ class AppDesk : public Desk {
   /// Opens the comment window for something other than a digitizing session.
   void OpenComment(std::unique_ptr<CommentTarget> target);
   void ShowHelp();  // help.cpp
+  std::string_view HelpPlaceOfFront() const;
   void Tell(const std::string& text, BoxIcon icon = BoxIcon::Warning);
   frmHyetex* Digitizing() { return qobject_cast<frmHyetex*>(Window(WindowId::Digitizing)); }
 

@@ -1,9 +1,11 @@
-// The help page: on the site of the settings, or else the one that comes with the program.
+// The help page: on the site of the settings, or else the one that comes with the program, at the section of
+// the window that is in front.
 #include <QCoreApplication>
 #include <QDir>
 #include <QTextDocument>
 
 #include "app/app_desk.h"
+#include "app/help_places.h"
 #include "core/files.h"
 #include "platform/qt_text.h"
 #include "platform/shell.h"
@@ -35,7 +37,20 @@ QString InLines(const QString& text) {
   return lines.join('\n');
 }
 
+// The page from a section on.
+QString FromSection(const QString& page, const QString& place) {
+  const qsizetype id = place.isEmpty() ? -1 : page.indexOf(" id=\"" + place + "\">");
+  return id < 0 ? page : page.mid(page.lastIndexOf('<', id));
+}
+
 }  // namespace
+
+std::string_view AppDesk::HelpPlaceOfFront() const {
+  const QMdiSubWindow* front = shell_->Area().activeSubWindow();
+  for (const auto& [id, frame] : frames_)
+    if (frame && frame == front) return HelpPlace(id);
+  return {};
+}
 
 void AppDesk::ShowHelp() {
   if (const std::string site = program_.Settings.Get(setting::HelpSite); !site.empty()) {
@@ -48,8 +63,8 @@ void AppDesk::ShowHelp() {
       dialogs_.MessageBox(Title, opened.error(), BoxButtons::Ok, BoxIcon::Warning);
     return;
   }
-  const std::string file = HelpFile();
-  if (OpenLocalPage(file)) return;
+  const std::string file = HelpFile(), place(HelpPlaceOfFront());
+  if (OpenLocalPage(file, place)) return;
   // A machine without a browser shows its words.
   const auto page = ReadWholeFile(file, MostHelpBytes);
   if (!page) {
@@ -60,8 +75,8 @@ void AppDesk::ShowHelp() {
     return;
   }
   QTextDocument words;
-  words.setHtml(ToQt(*page));
-  OpenLargeView("Help", FromQt(InLines(words.toPlainText())));
+  words.setHtml(FromSection(ToQt(*page), ToQt(place)));
+  OpenLargeView("Help", FromQt(InLines(words.toPlainText().remove(QChar::ObjectReplacementCharacter))));
 }
 
 }  // namespace hyetex

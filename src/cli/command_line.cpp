@@ -427,7 +427,8 @@ void CommandLine::AddExchangeCommands() {
 
 Exit RunCommandLine(std::span<const std::string> words) {
   CommandLine line;
-  if (const auto answer = Parse(line, words)) return Give(line.get_name(), *answer);
+  if (const auto answer = Parse(line, words))
+    return answer->Status == Done ? Give(line.get_name(), *answer) : Off(answer->Text);
   return line.Chosen();
 }
 

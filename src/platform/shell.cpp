@@ -30,10 +30,12 @@ bool HasApplication([[maybe_unused]] const QString& mimeType) {
   return true;
 }
 
-Result<void> OpenFile(const std::string& path, const QString& mimeType) {
+Result<void> OpenFile(const std::string& path, const QString& mimeType, const std::string& place = {}) {
   const QFileInfo file(ToQt(path));
   if (!file.isFile()) return Failure("There is no file " + path);
-  if (!HasApplication(mimeType) || !QDesktopServices::openUrl(QUrl::fromLocalFile(file.absoluteFilePath())))
+  QUrl address = QUrl::fromLocalFile(file.absoluteFilePath());
+  if (!place.empty()) address.setFragment(ToQt(place));
+  if (!HasApplication(mimeType) || !QDesktopServices::openUrl(address))
     return Failure("No application opens " + path);
   return {};
 }
@@ -44,7 +46,9 @@ Result<void> OpenTextFile(const std::string& path) { return OpenFile(path, "text
 
 Result<void> OpenXmlFile(const std::string& path) { return OpenFile(path, "application/xml"); }
 
-Result<void> OpenLocalPage(const std::string& path) { return OpenFile(path, "text/html"); }
+Result<void> OpenLocalPage(const std::string& path, const std::string& place) {
+  return OpenFile(path, "text/html", place);
+}
 
 Result<void> OpenPage(const std::string& address) {
   const QUrl page(ToQt(address), QUrl::StrictMode);

@@ -15,7 +15,8 @@ Result<void> OpenPage(const std::string& address);
 /// Opens a file of XML in the application that the system has for it. Fails where it has none.
 Result<void> OpenXmlFile(const std::string& path);
 
-/// Opens a page of this machine in the default browser. Fails where the system has none.
-Result<void> OpenLocalPage(const std::string& path);
+/// Opens a page of this machine in the default browser, at the place of this name if there is one. Fails
+/// where the system has none.
+Result<void> OpenLocalPage(const std::string& path, const std::string& place = {});
 
 }  // namespace hyetex

@@ -6,7 +6,9 @@
 #include <thread>
 
 #include "chartfiles/chart_reader.h"
+#include "child.h"
 #include "cli/run.h"
+#include "core/files.h"
 #include "core/folder_lock.h"
 #include "digitizing/tablets.h"
 #include "paths.h"
@@ -15,6 +17,7 @@
 namespace hyetex::test {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -260,6 +263,33 @@ TEST(Setting, IsReadBackByTheNextRun) {
   EXPECT_EQ(setting({"set", "--", "COMport", "--1"}).Status, 0);
   EXPECT_EQ(setting({"get", "TargetFolder"}).Out, "C:\\Data: new\n");
   EXPECT_EQ(setting({"get", "COMport"}).Out, "--1\n");
+}
+
+TEST(Cli, TellsNobodyAPassword) {
+  const Ran off = RunCli({"structure", "DSN=rain;PWD=geheim"});
+  EXPECT_EQ(off.Status, 2);
+  EXPECT_THAT(off.Error, AllOf(HasSubstr("DSN=rain;PWD=***"), Not(HasSubstr("geheim"))));
+
+  // What the list of processes shows of a program that waits.
+  const TempFolder folder;
+  const std::string journal = folder / "x;PWD=geheim";
+  int input[2];
+  ASSERT_EQ(::pipe(input), 0);
+  const pid_t child = StartChild([&] {
+    ::dup2(input[0], 0);
+    ::close(input[1]);
+    const std::string program = CommandLineProgram();
+    return ::execl(program.c_str(), program.c_str(), "trace", "--tablet", "0", "--journal", journal.c_str(),
+                   "-", nullptr) == 0;
+  });
+  ::close(input[0]);
+  const auto shown = [&] { return ReadFile("/proc/" + std::to_string(child) + "/cmdline"); };
+  for (int i = 0; i < 1000 && shown().find("x;PWD=******") == std::string::npos; ++i) ::usleep(10000);
+  EXPECT_THAT(shown(), AllOf(HasSubstr("x;PWD=******"), Not(HasSubstr("geheim"))));
+  ::close(input[1]);
+  int status = 0;
+  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_TRUE(FileExists(journal)) << "the program itself knows the word";
 }
 
 TEST(ListsAndTasks, ShowTheFolderButNoPasswords) {

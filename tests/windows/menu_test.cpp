@@ -6,7 +6,10 @@
 #include <QTimer>
 
 #include "app/app_desk.h"
+#include "app/help_places.h"
 #include "core/definitions.h"
+#include "paths.h"
+#include "platform/qt_text.h"
 #include "staging/windows/frmInit.h"
 #include "staging/windows/frmMessageBox.h"
 #include "staging/windows/frmSettingsText.h"
@@ -206,7 +209,8 @@ TEST_F(FolderTest, HelpOpensThePageThatComesWithTheProgramUnlessASiteIsNamed) {
   QWidget* view = desk.Window(WindowId::LargeView);
   ASSERT_NE(view, nullptr);
   const QString words = Find<QPlainTextEdit>(*view, "txtView").toPlainText();
-  EXPECT_TRUE(words.contains("Tracing a chart"));
+  EXPECT_TRUE(words.startsWith("Hyetex: an operator's day") && words.contains("Pen skew"));
+  EXPECT_FALSE(words.contains(QChar::ObjectReplacementCharacter)) << "of a picture";
   for (const QString& line : words.split('\n')) EXPECT_LE(line.size(), 80) << line.toStdString();
   EXPECT_TRUE(dialogs_.Boxes.empty());
 
@@ -218,6 +222,31 @@ TEST_F(FolderTest, HelpOpensThePageThatComesWithTheProgramUnlessASiteIsNamed) {
                                     "In order to view the help you need to connected to the internet, "
                                     "otherwise use the manual.",
                                     BoxButtons::OkCancel, BoxIcon::None}}));
+}
+
+TEST_F(FolderTest, HelpOpensAtTheSectionOfTheWindowInFront) {
+  const QString file = ToQt(test::Sources() + "/docs/help/hyetex_instructions_part1.htm");
+  const QString page = ToQt(test::ReadFile(FromQt(file)));
+  AppDesk desk({.Folder = folder_.Path()}, dialogs_);
+  for (int id = 1; id < 27; ++id) {
+    const QString place = ToQt(HelpPlace(static_cast<WindowId>(id)));
+    if (!desk.Has(static_cast<WindowId>(id)) || place.isEmpty()) continue;
+    EXPECT_EQ(page.count(" id=\"" + place + "\">"), 1) << id << " " << place.toStdString();
+  }
+
+  desk.Start();
+  Click(*desk.Login(), "cmdOK");
+  desk.Open(WindowId::Lists);
+  QTextBrowser browser;
+  QDesktopServices::setUrlHandler("file", &browser, "setSource");
+  desk.ShellWindow()->findChild<QAction*>("actHelp")->trigger();
+  QDesktopServices::unsetUrlHandler("file");
+  EXPECT_EQ(browser.source().fragment(), "before");
+  desk.ShellWindow()->findChild<QAction*>("actHelp")->trigger();  // no browser
+  QWidget* view = desk.Window(WindowId::LargeView);
+  ASSERT_NE(view, nullptr);
+  EXPECT_TRUE(Find<QPlainTextEdit>(*view, "txtView").toPlainText().startsWith("Before the first chart\n"))
+      << Find<QPlainTextEdit>(*view, "txtView").toPlainText().left(60).toStdString();
 }
 
 TEST(DataSourceQuestion, StaysWhenTheDatabaseIsRefused) {

@@ -124,6 +124,10 @@ std::vector<std::string> ConnectionText::Passwords() const {
     passwords.push_back(value);
     passwords.push_back(WithoutBraces(value));
   }
+  // The driver takes the rest of what it needs from the data source.
+  const std::string source = Find("DSN").value_or("");
+  for (const std::string& key : ProfileKeys(source, "odbc.ini"))
+    if (IsPassword(key)) passwords.push_back(Profile(source, key, "odbc.ini"));
   return passwords;
 }
 
@@ -169,6 +173,15 @@ std::string ShownConnection(std::string_view text) {
     copied = value.data() + value.size();
   });
   return shown.append(copied, text.data() + text.size());
+}
+
+void HidePasswords(std::span<char* const> words) {
+  for (char* const word : words) {
+    const std::string_view text(word);
+    ForEachPair(text, [&](std::string_view key, std::string_view value) {
+      if (IsPassword(key)) std::fill_n(word + (value.data() - text.data()), value.size(), '*');
+    });
+  }
 }
 
 }  // namespace hyetex

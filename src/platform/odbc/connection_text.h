@@ -3,6 +3,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -15,7 +16,7 @@ class ConnectionText {
   explicit ConnectionText(std::string_view text);
   /// The value of a key, without its braces.
   std::optional<std::string> Find(std::string_view key) const;
-  /// All passwords in it, each as it is written and without its braces.
+  /// All passwords in it, each as it is written and without its braces, and those of its data source.
   std::vector<std::string> Passwords() const;
   void Add(std::string key, std::string value) { pairs_.emplace_back(std::move(key), std::move(value)); }
   /// Adds what the driver needs and the text does not set, whatever the data source says: to stream results,
@@ -35,5 +36,8 @@ class ConnectionText {
 std::string ConnectionPair(std::string_view key, std::string_view value);
 /// The text with every password as "***": what may be shown.
 std::string ShownConnection(std::string_view text);
+/// Overwrites every password in a program's words where they stand. The list of the machine's processes shows
+/// them from there to all its users.
+void HidePasswords(std::span<char* const> words);
 
 }  // namespace hyetex

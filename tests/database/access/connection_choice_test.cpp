@@ -14,6 +14,7 @@ using namespace hyetex::test;
 using testing::AllOf;
 using testing::Contains;
 using testing::Not;
+using testing::UnorderedElementsAre;
 
 TEST(ConnectionText, HidesEveryPasswordAndNothingElse) {
   const std::pair<const char*, const char*> cases[] = {
@@ -28,6 +29,23 @@ TEST(ConnectionText, HidesEveryPasswordAndNothingElse) {
       {"Database=/PWD=x;DSN", "Database=/PWD=x;DSN"},
   };
   for (const auto& [text, shown] : cases) EXPECT_EQ(ShownConnection(text), shown);
+}
+
+TEST(ConnectionText, KnowsThePasswordOfItsDataSource) {
+  OwnDataSources sources;
+  sources.Write("[rain]\nDriver=SQLite3\nPassword=se}cret\n");
+  EXPECT_THAT(ConnectionText("DSN=rain;PWD={a}}b}").Passwords(),
+              UnorderedElementsAre("{a}}b}", "a}b", "se}cret"));
+  EXPECT_THAT(ConnectionText("DSN=none").Passwords(), testing::IsEmpty());
+}
+
+TEST(ConnectionText, HidesPasswordsInTheWordsOfAProgram) {
+  std::string words[] = {"--db", "DSN=rain;UID=anna;PWD={a;b}; Password = c", "--db=DSN=rain;Pwd=d", "CHART"};
+  std::vector<char*> argv;
+  for (std::string& word : words) argv.push_back(word.data());
+  HidePasswords(argv);
+  EXPECT_THAT(words, testing::ElementsAre("--db", "DSN=rain;UID=anna;PWD=*****; Password =**",
+                                          "--db=DSN=rain;Pwd=*", "CHART"));
 }
 
 TEST(ConnectionText, IsMadeOfTheValuesOfTheLogon) {
