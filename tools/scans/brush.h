@@ -17,9 +17,9 @@ struct StrokePoint {
 
 class InkLayer {
  public:
-  explicit InkLayer(const Sheet& sheet) : sheet_(&sheet), Cover(sheet.Size(), CV_8U, cv::Scalar(0)) {}
+  explicit InkLayer(const ScannedSheet& sheet) : sheet_(&sheet), Cover(sheet.Size(), CV_8U, cv::Scalar(0)) {}
 
-  const Sheet& On() const { return *sheet_; }
+  const ScannedSheet& On() const { return *sheet_; }
   /// A stroke through places of the paper. Strokes that cross are not darker for it.
   void Stroke(std::span<const StrokePoint> points);
   /// A straight line over the paper, in pieces short enough to follow its warping.
@@ -43,7 +43,7 @@ class InkLayer {
   void Piece(cv::Point2d from, cv::Point2d to, double fromWidth, double toWidth, double fromInk,
              double toInk);
 
-  const Sheet* sheet_;
+  const ScannedSheet* sheet_;
 
  public:
   cv::Mat Cover;

@@ -22,7 +22,7 @@ constexpr double LaidLeftMm = 15, LaidBottomMm = 30;
 const TabletType& Stand() { return TabletTypes()[ScanTablet]; }
 
 cv::Mat Drawn(const PenLine& line, const ChartForm& form, const ScanStyle& style, std::uint64_t seed,
-              const Sheet& sheet) {
+              const ScannedSheet& sheet) {
   cv::Mat image = LayPaper(form, style, seed, sheet);
   {
     InkLayer grid(sheet), letters(sheet);
@@ -69,7 +69,7 @@ Result<DrawnScan> DrawScan(const PenLine& line, const ScanStyle& style, std::uin
                  .BottomRight = {},
                  .Presses = {},
                  .Line = line,
-                 .Paper = Sheet(style.Shape, form.Paper, scale, seed)};
+                 .Paper = ScannedSheet(style.Shape, form.Paper, scale, seed)};
   scan.Image = scan.Paper.Turned(Scanned(Drawn(line, form, style, seed, scan.Paper), style, seed));
   scan.BottomLeft = scan.PlaceOf(0, 0);
   scan.BottomRight = scan.PlaceOf(line.Hours, 0);

@@ -26,7 +26,7 @@ struct DrawnScan {
   cv::Point2d BottomLeft, BottomRight;  ///< the page's corners
   std::vector<ScanPress> Presses;       ///< all that an operator presses of the line
   PenLine Line;
-  Sheet Paper;  ///< how any place of the paper came into the image
+  ScannedSheet Paper;  ///< how any place of the paper came into the image
 
   /// Where an hour of the page and a height over the bottom line, in mm, lie in the image.
   cv::Point2d PlaceOf(double hours, double heightMm) const;

@@ -13,7 +13,7 @@ struct ChartForm {
   double MinorHours = 0, MajorHours = 0;  ///< between the lines of the hours
   double MinorRain = 0, MajorRain = 0;    ///< mm, between the lines of the depths
   double FromHour = 0, ToHour = 0;        ///< printed, since the page's left end
-  cv::Rect2d Paper;                       ///< mm, as Sheet takes it
+  cv::Rect2d Paper;                       ///< mm, as ScannedSheet takes it
 };
 ChartForm FormOf(const PenLine& line, const ScanStyle& style);
 

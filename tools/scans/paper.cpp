@@ -68,7 +68,7 @@ class Outline {
 
 class Shades {
  public:
-  Shades(const ChartForm& form, const ScanStyle& style, std::uint64_t seed, const Sheet& sheet)
+  Shades(const ChartForm& form, const ScanStyle& style, std::uint64_t seed, const ScannedSheet& sheet)
       : form_(form), style_(style), seed_(seed), sheet_(sheet) {
     const cv::Size size(sheet.Size().width / Small + 1, sheet.Size().height / Small + 1);
     light_ = cv::Mat(size, CV_32F, cv::Scalar(1));
@@ -162,13 +162,14 @@ class Shades {
   const ChartForm& form_;
   const ScanStyle& style_;
   std::uint64_t seed_;
-  const Sheet& sheet_;
+  const ScannedSheet& sheet_;
   cv::Mat light_, stain_;
 };
 
 }  // namespace
 
-cv::Mat LayPaper(const ChartForm& form, const ScanStyle& style, std::uint64_t seed, const Sheet& sheet) {
+cv::Mat LayPaper(const ChartForm& form, const ScanStyle& style, std::uint64_t seed,
+                 const ScannedSheet& sheet) {
   return Shades(form, style, seed, sheet).Paper();
 }
 
@@ -188,7 +189,7 @@ void Crack(const ChartForm& form, const ScanStyle& style, std::uint64_t seed, In
   }
 }
 
-void CutOut(const ScanStyle& style, std::uint64_t seed, const Sheet& sheet, cv::Mat& image) {
+void CutOut(const ScanStyle& style, std::uint64_t seed, const ScannedSheet& sheet, cv::Mat& image) {
   Chance chance(seed, "cut");
   const double scale = sheet.PixelsPerMm();
   const cv::Rect2d& paper = sheet.Paper();

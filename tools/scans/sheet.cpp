@@ -13,7 +13,8 @@ double Radians(double degrees) { return degrees * std::numbers::pi / 180; }
 
 }  // namespace
 
-Sheet::Sheet(const SheetShape& shape, const cv::Rect2d& paper, double pixelsPerMm, std::uint64_t seed)
+ScannedSheet::ScannedSheet(const SheetShape& shape, const cv::Rect2d& paper, double pixelsPerMm,
+                           std::uint64_t seed)
     : shape_(shape), paper_(paper), scale_(pixelsPerMm) {
   Chance chance(seed, "warp");
   for (std::size_t i = 0; i < waves_.size(); ++i) {
@@ -46,7 +47,7 @@ Sheet::Sheet(const SheetShape& shape, const cv::Rect2d& paper, double pixelsPerM
            static_cast<int>(std::ceil(bottom - top + 2 * border))};
 }
 
-cv::Point2d Sheet::Place(double alongMm, double upMm) const {
+cv::Point2d ScannedSheet::Place(double alongMm, double upMm) const {
   cv::Point2d moved(alongMm, upMm);
   if (shape_.WarpMm != 0)
     for (const Wave& wave : waves_) {
@@ -57,7 +58,7 @@ cv::Point2d Sheet::Place(double alongMm, double upMm) const {
   return cv::Point2d(at(0), at(1)) * scale_ + origin_;
 }
 
-cv::Point2d Sheet::Turned(cv::Point2d place) const {
+cv::Point2d ScannedSheet::Turned(cv::Point2d place) const {
   switch (shape_.Quarters & 3) {
     case 1:
       return {place.y, size_.width - place.x};
@@ -70,7 +71,7 @@ cv::Point2d Sheet::Turned(cv::Point2d place) const {
   }
 }
 
-cv::Mat Sheet::Turned(const cv::Mat& drawing) const {
+cv::Mat ScannedSheet::Turned(const cv::Mat& drawing) const {
   const int quarters = shape_.Quarters & 3;
   if (quarters == 0) return drawing;
   constexpr int codes[] = {cv::ROTATE_90_COUNTERCLOCKWISE, cv::ROTATE_180, cv::ROTATE_90_CLOCKWISE};

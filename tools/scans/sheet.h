@@ -20,10 +20,10 @@ struct SheetShape {
 
 /// Places of paper are millimetres along the bottom line from the page's bottom-left corner, and up from that
 /// line. Places of the image are pixels from its left and top edges; a pixel's middle lies at a half.
-class Sheet {
+class ScannedSheet {
  public:
   /// `paper`: what the sheet of paper covers, its y from the bottom line up. `seed`: of the warping.
-  Sheet(const SheetShape& shape, const cv::Rect2d& paper, double pixelsPerMm, std::uint64_t seed);
+  ScannedSheet(const SheetShape& shape, const cv::Rect2d& paper, double pixelsPerMm, std::uint64_t seed);
 
   cv::Size Size() const { return size_; }  ///< of the image before the quarter turns
   double PixelsPerMm() const { return scale_; }
