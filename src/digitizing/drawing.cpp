@@ -117,6 +117,8 @@ void DrawOverlay(std::span<const OverlayLine> lines, const DeskLayout& layout, S
   const TextStyle hour{.Font = {.Size = letters}, .Colour = azure, .Place = TextPlace::Centred};
   const TextStyle depth{.Font = {.Size = letters}, .Colour = azure, .Place = TextPlace::Ends};
   std::vector<SurfacePoint> shown;
+  // Where the last labels end: those that would lie on them are left out.
+  double hoursEnd = -1e9, depthsEnd = 1e9;
   for (const OverlayLine& line : lines) {
     shown.clear();
     for (const auto& [x, y] : line.Points) shown.push_back({layout.ScreenX(x), layout.ScreenY(y)});
@@ -128,6 +130,8 @@ void DrawOverlay(std::span<const OverlayLine> lines, const DeskLayout& layout, S
     const double x = line.IsHour ? shown.front().X : shown.front().X - gap;
     const double y = line.IsHour ? shown.front().Y + gap + size.Ascent : shown.front().Y + size.Ascent / 2;
     const double left = line.IsHour ? x - size.Width / 2 : x - size.Width;
+    if (line.IsHour ? left < hoursEnd : y > depthsEnd) continue;
+    (line.IsHour ? hoursEnd : depthsEnd) = line.IsHour ? left + size.Width + gap : y - size.Height();
     surface.FillRect({left, y - size.Ascent, size.Width, size.Height()}, White, 0.75);
     surface.Text(x, y, line.Label, style);
   }

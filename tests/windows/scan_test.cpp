@@ -334,15 +334,20 @@ class ResumedScan : public ScanDesk {
     for (const auto& [px, py] : {std::pair(100, 700), std::pair(1500, 700), std::pair(110, 690)})
       PressPixel(px, py);
     placement_ = Scan().Placement();
-    chart_ = ChartText();
+    chart_ = Traced();
     BreakDown();
+  }
+  // The chart from its points on: which scan is beside it stands before them.
+  std::string Traced() {
+    const std::string text = ChartText();
+    return text.substr(text.find("Digitation Points"));
   }
   void Again(bool hasScan) {
     OpenTasks();
     Click(Tasks(), "optDig6");
     Click(Tasks(), "cmdActivate");
     ASSERT_TRUE(IsOpen());
-    EXPECT_EQ(ChartText(), chart_);
+    EXPECT_EQ(Traced(), chart_);
     EXPECT_EQ(Window().findChild<DeskScan*>() != nullptr, hasScan);
   }
   std::string path_, chart_;

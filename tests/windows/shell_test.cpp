@@ -194,7 +194,7 @@ TEST_F(ProgramDesk, SaysWhyAStagedChartCannotBeDigitized) {
   EXPECT_EQ(
       dialogs_.Boxes,
       (std::vector{
-          Warning("Hyetex", "There is no chart 99 in the staging area; it holds 4"),
+          Warning("Hyetex", "There is no chart 99 in the staging area; it holds 6"),
           Warning("Hyetex", "The chart is marked as extremely defective (CODE213): it is not digitized")}));
 }
 

@@ -160,8 +160,8 @@ TEST_F(StagingDesk, MakesAnEmptyFileOfADefectiveChart) {
   const ShownBox done{"Creating an unAnalysed ASCII file", "An empty file has been created", BoxButtons::Ok,
                       BoxIcon::Information};
   EXPECT_THAT(dialogs_.Boxes, testing::ElementsAre(done));
-  EXPECT_EQ(Row(), -1);
-  EXPECT_EQ(Grid().rowCount(), 1) << "the chart stays";
+  EXPECT_EQ(Row(), 1) << "the next chart";
+  EXPECT_EQ(Grid().rowCount(), 2) << "the chart stays";
   const std::string path = folder_ / "NW-Upper Dam-02-19670131-0700.dat";
   const std::string file = ReadFile(path);
   EXPECT_NE(file.find("Chart Method: 1 - Non-Linear\r\nStart: 31/01/1967 07:00:00\r\n"), std::string::npos);
@@ -215,7 +215,7 @@ TEST_F(StagingDesk, DefinesAChartByKeysAlone) {
   ASSERT_TRUE(WaitFor([&] { return desk_->Window(WindowId::TaskDef) == nullptr; }));
 
   EXPECT_TRUE(Tasks().isEnabled());
-  ASSERT_EQ(Grid().rowCount(), 3);
+  ASSERT_EQ(Grid().rowCount(), 4);
   EXPECT_EQ(Row(), 1) << "the new chart, behind the one that begins an hour before it";
   EXPECT_EQ(Cell(1, 0) + Cell(1, 2) + Cell(1, 3), "05/03/1998 08:00:000.3unknown");
   EXPECT_NE(ReadFile(folder_ / "Tasks.lst")
@@ -343,14 +343,14 @@ TEST_F(StagingDesk, ActsOnStationsOnly) {
                                                       "Delete chart"));
   dialogs_.Answers = {BoxAnswer::No, BoxAnswer::Yes};
   Choose("mnuPopDelete");
-  EXPECT_EQ(Grid().rowCount(), 2);
+  EXPECT_EQ(Grid().rowCount(), 3);
   Choose("mnuPopDelete");
   popup.hide();
-  EXPECT_EQ(Grid().rowCount(), 1);
+  EXPECT_EQ(Grid().rowCount(), 2);
   EXPECT_EQ(dialogs_.Boxes[0],
             (ShownBox{"Deleting a chart", "Are you sure you want to delete this chart from Staging Area ?",
                       BoxButtons::NoUnlessYes, BoxIcon::Question}));
-  EXPECT_EQ(LoadTasks(folder_.Path(), {})->Tasks.size(), 3U);
+  EXPECT_EQ(LoadTasks(folder_.Path(), {})->Tasks.size(), 5U);
 }
 
 TEST_F(StagingDesk, SaysWhatIsOddInTheListAndKeepsIt) {

@@ -47,8 +47,10 @@ void frmHyetex::ShowView() {
 
 void frmHyetex::Paint(Surface& surface, const DeskLayout& layout) const {
   const GraphStyle style{.ShowPoints = shell_.PointsAreShown() || corrects_, .OnScan = scan_ != nullptr};
+  // Below the trace where that leaves what is under it, else over it.
+  if (overlay_ && scan_ != nullptr) DrawOverlay(overlayLines_, layout, surface);
   hyetex::DrawGraph(session_.Line, layout, style, surface);
-  if (overlay_) DrawOverlay(overlayLines_, layout, surface);
+  if (overlay_ && scan_ == nullptr) DrawOverlay(overlayLines_, layout, surface);
   if (corrects_) PaintCorrecting(surface, layout);
   if (scan_ != nullptr)
     for (const auto& [x, y] : scan_->Marks()) DrawMark(x, y, layout, surface);
