@@ -75,8 +75,8 @@ void Database(const std::string& folder) {
   Need(CreateDatabaseFile(folder + "/rain.sqlite"));
   auto connection = Connection::Open(Db(folder));
   Need(connection);
-  const DbValue code[] = {std::string(Hill)};
-  Need(connection->Execute("INSERT INTO INSTRUMENT (instrument_code_id) VALUES (?)", code));
+  const DbValue values[] = {std::string(Hill), "Hill Farm"};
+  Need(connection->Execute("INSERT INTO INSTRUMENT (instrument_code_id, station) VALUES (?, ?)", values));
   WriteCharts(folder, "old");
 }
 void Loaded(const std::string& folder) {
