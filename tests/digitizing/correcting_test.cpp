@@ -13,9 +13,9 @@ namespace {
 using test::Desk;
 
 // A view of one screen unit each: what lies within 120 units of a press is reached.
-class Corrections : public testing::Test {
+class CorrectingHand : public testing::Test {
  protected:
-  Corrections() {
+  CorrectingHand() {
     desk_.Machine.Layout.ScaleX = desk_.Machine.Layout.ScaleY = 1;
     desk_.Calibrated().Click(700, 600).Click(1200, 800).Click(1700, 700).Click(2200, 1100);
   }
@@ -36,7 +36,7 @@ class Corrections : public testing::Test {
   Correcting hand_{desk_.Machine, [this](const std::string& why) { refused_ = why; }};
 };
 
-TEST_F(Corrections, APressTakesAndADragMovesInOneStep) {
+TEST_F(CorrectingHand, APressTakesAndADragMovesInOneStep) {
   const std::string before = Points();
   hand_.Press(1215, 790);
   hand_.Move(1230, 800, true);
@@ -53,7 +53,7 @@ TEST_F(Corrections, APressTakesAndADragMovesInOneStep) {
   EXPECT_FALSE(hand_.Step(1, 0));
 }
 
-TEST_F(Corrections, KeysMoveDeleteAndInsert) {
+TEST_F(CorrectingHand, KeysMoveDeleteAndInsert) {
   hand_.Press(1200, 800);
   EXPECT_TRUE(hand_.Step(1, -10));
   EXPECT_EQ(Line().Point(1).X, 1201);
@@ -73,7 +73,7 @@ TEST_F(Corrections, KeysMoveDeleteAndInsert) {
   EXPECT_FALSE(hand_.LetGo());
 }
 
-TEST_F(Corrections, ADoubleClickPutsAPointIntoTheLine) {
+TEST_F(CorrectingHand, ADoubleClickPutsAPointIntoTheLine) {
   hand_.Press(1450, 760);
   hand_.Release(1450, 760);
   hand_.PressTwice(1450, 760);
@@ -83,7 +83,7 @@ TEST_F(Corrections, ADoubleClickPutsAPointIntoTheLine) {
   EXPECT_EQ(Line().LastPoint(), 4) << "not on a point, and not beside the line";
 }
 
-TEST_F(Corrections, TakesCornersOfThePageWhereThereIsNoPoint) {
+TEST_F(CorrectingHand, TakesCornersOfThePageWhereThereIsNoPoint) {
   Drag(3500, 500, 3480, 600);
   EXPECT_EQ(Line().Paper(0).BottomRightX, 3480);
   EXPECT_EQ(Line().Paper(0).BottomRightY, 600);
@@ -95,7 +95,7 @@ TEST_F(Corrections, TakesCornersOfThePageWhereThereIsNoPoint) {
   EXPECT_EQ(Line().Paper(0).BottomLeftX, 500);
 }
 
-TEST_F(Corrections, ARefusedMoveChangesNothing) {
+TEST_F(CorrectingHand, ARefusedMoveChangesNothing) {
   const std::string before = Points();
   Drag(1200, 800, 1200, 3900);
   EXPECT_NE(refused_, "");

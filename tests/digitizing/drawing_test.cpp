@@ -61,11 +61,11 @@ TEST(Drawing, OutlinesOnlyPapersThatHaveCorners) {
   graph.Line().SetPage(500, 100, 2500, 100);
   graph.Line().AttachPaper(500, 2000, 500,
                            3000);  // its bottom line stands upright, so its top lies to the left
-  EXPECT_THAT(graph.Draw(),
-              ElementsAre("clear", "line 500,3500 2500,3500 grey", "line 500,3500 500,2500 grey",
-                          "line 2500,3500 2500,2500 grey", "line 500,2500 2500,2500 grey",
-                          "line 500,1600 500,600 grey", "line 500,1600 -500,1600 grey",
-                          "line 500,600 -500,600 grey", "line -500,1600 -500,600 grey"));
+  EXPECT_THAT(graph.Draw(), ElementsAre("clear", "line 500,3500 2500,3500 grey",
+                                        "line 500,3500 500,2500 grey", "line 2500,3500 2500,2500 grey",
+                                        "line 500,2500 2500,2500 grey", "line 500,1600 500,600 grey",
+                                        "line 500,1600 -500,1600 grey", "line 500,600 -500,600 grey"))
+      << "the last edge lies beside the view";
 }
 
 TEST(Drawing, SegmentsTakeTheColourOfTheirEnd) {

@@ -52,7 +52,7 @@ cv::Mat Sample(int type, bool bits) {
   return bits ? cv::Mat(image > 128) : image;
 }
 
-TEST(WrittenScan, KeepsEveryPixelAndTellsItsResolution) {
+TEST(DrawnScanFile, KeepsEveryPixelAndTellsItsResolution) {
   for (const cv::Mat& image : {Sample(CV_8UC3, false), Sample(CV_8U, false), Sample(CV_8U, true)})
     for (const char* name : {"a.png", "a.tif", "a.BMP"}) {
       SCOPED_TRACE(name);
@@ -65,7 +65,7 @@ TEST(WrittenScan, KeepsEveryPixelAndTellsItsResolution) {
     }
 }
 
-TEST(WrittenScan, WritesResolutionAsEachFormatHasIt) {
+TEST(DrawnScanFile, WritesResolutionAsEachFormatHasIt) {
   const cv::Mat image = Sample(CV_8U, false);
   const std::string png = EncodeScan(image, "a.png", 240).value();
   const std::size_t chunk = png.find("pHYs");
@@ -88,7 +88,7 @@ TEST(WrittenScan, WritesResolutionAsEachFormatHasIt) {
   EXPECT_EQ(NumberAt(*EncodeScan(image, "a.bmp", 240), 38, 4, true), 9449U);
 }
 
-TEST(WrittenScan, BlackAndWhiteTakesOneBit) {
+TEST(DrawnScanFile, BlackAndWhiteTakesOneBit) {
   const cv::Mat image = Sample(CV_8U, true);
   EXPECT_EQ(EncodeScan(image, "a.png", 300)->at(24), 1);
   EXPECT_EQ(TiffEntry(*EncodeScan(image, "a.tif", 300), 258), 1);

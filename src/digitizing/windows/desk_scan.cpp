@@ -34,15 +34,15 @@ DeskScan::DeskScan(std::shared_ptr<const ScanImage> image, ActionMachine& machin
       hand_(hand),
       dialogs_(dialogs),
       programFolder_(std::move(programFolder)),
-      look_(new frmScanLook) {
+      look_(new ScanControls) {
   look_->ShowName(std::string(BaseName(image_->Path())));
   look_->OfferResolution(image_->PixelsPerMm().has_value());
-  connect(look_, &frmScanLook::LookChanged, this, [this](const ScanLook& look) {
+  connect(look_, &ScanControls::LookChanged, this, [this](const ScanLook& look) {
     shown_ = look;
     emit Changed();
   });
-  connect(look_, &frmScanLook::AngleChosen, this, &DeskScan::Turn);
-  connect(look_, &frmScanLook::ScaleChosen, this, &DeskScan::ChooseScale);
+  connect(look_, &ScanControls::AngleChosen, this, &DeskScan::Turn);
+  connect(look_, &ScanControls::ScaleChosen, this, &DeskScan::ChooseScale);
 
   settled_.setSingleShot(true);
   settled_.setInterval(SettledMs);

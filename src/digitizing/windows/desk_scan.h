@@ -16,8 +16,8 @@
 #include "digitizing/action_machine.h"
 #include "digitizing/pointer_tool.h"
 #include "digitizing/scan_placement.h"
-#include "digitizing/windows/frmScanLook.h"
 #include "digitizing/windows/mouse_hand.h"
+#include "digitizing/windows/scan_controls.h"
 #include "platform/dialogs.h"
 #include "scan/scan_image.h"
 #include "scan/scan_scale.h"
@@ -32,7 +32,7 @@ class DeskScan : public QObject {
   DeskScan(std::shared_ptr<const ScanImage> image, ActionMachine& machine, MouseHand& hand, Dialogs& dialogs,
            std::string programFolder, QObject* parent);
 
-  frmScanLook* Panel() { return look_; }
+  ScanControls* Panel() { return look_; }
   const ScanImage& Image() const { return *image_; }
   const ScanPlacement& Placement() const { return placement_; }
   bool HasScale() const { return scale_.has_value(); }
@@ -105,7 +105,7 @@ class DeskScan : public QObject {
   MouseHand& hand_;
   Dialogs& dialogs_;
   const std::string programFolder_;
-  frmScanLook* look_;
+  ScanControls* look_;
   ScanLook shown_;
   ScanPlacement placement_;
   std::optional<ScanScale> scale_;

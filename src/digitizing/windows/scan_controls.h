@@ -16,11 +16,11 @@
 
 namespace hyetex {
 
-class frmScanLook : public QWidget {
+class ScanControls : public QWidget {
   Q_OBJECT
 
  public:
-  explicit frmScanLook(QWidget* parent = nullptr);
+  explicit ScanControls(QWidget* parent = nullptr);
 
   void ShowName(const std::string& name);
   void ShowScale(const std::string& text);

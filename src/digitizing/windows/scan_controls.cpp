@@ -1,4 +1,4 @@
-#include "digitizing/windows/frmScanLook.h"
+#include "digitizing/windows/scan_controls.h"
 
 #include <QGridLayout>
 #include <QMenu>
@@ -20,8 +20,8 @@ QLabel* Words(const char* name) {
 
 }  // namespace
 
-frmScanLook::frmScanLook(QWidget* parent) : QWidget(parent) {
-  setObjectName(QStringLiteral("frmScanLook"));
+ScanControls::ScanControls(QWidget* parent) : QWidget(parent) {
+  setObjectName(QStringLiteral("scanControls"));
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(labScanName = Words("labScanName"));
@@ -67,7 +67,7 @@ frmScanLook::frmScanLook(QWidget* parent) : QWidget(parent) {
   };
   connect(cmdTurnLeft, &QPushButton::clicked, this, [turn] { turn(90); });
   connect(cmdTurnRight, &QPushButton::clicked, this, [turn] { turn(-90); });
-  connect(spnTurn, &QDoubleSpinBox::valueChanged, this, &frmScanLook::AngleChosen);
+  connect(spnTurn, &QDoubleSpinBox::valueChanged, this, &ScanControls::AngleChosen);
 
   sliders_ = {AddSlider("sldBrightness", "&Brightness:", -100), AddSlider("sldContrast", "C&ontrast:", -100),
               AddSlider("sldFade", "F&ade the grid:", 0)};
@@ -80,7 +80,7 @@ frmScanLook::frmScanLook(QWidget* parent) : QWidget(parent) {
   ShowFixed("");
 }
 
-QSlider* frmScanLook::AddSlider(const char* name, const char* caption, int least) {
+QSlider* ScanControls::AddSlider(const char* name, const char* caption, int least) {
   auto* slider = Named(new QSlider(Qt::Horizontal), name);
   slider->setRange(least, 100);
   slider->setPageStep(20);
@@ -88,32 +88,32 @@ QSlider* frmScanLook::AddSlider(const char* name, const char* caption, int least
   auto* both = static_cast<QVBoxLayout*>(layout());
   both->addWidget(LabelOf(caption, slider));
   both->addWidget(slider);
-  connect(slider, &QSlider::valueChanged, this, &frmScanLook::TellLook);
+  connect(slider, &QSlider::valueChanged, this, &ScanControls::TellLook);
   return slider;
 }
 
-void frmScanLook::TellLook() {
+void ScanControls::TellLook() {
   emit LookChanged({sliders_[0]->value(), sliders_[1]->value(), sliders_[2]->value()});
 }
 
-void frmScanLook::ShowName(const std::string& name) {
+void ScanControls::ShowName(const std::string& name) {
   labScanName->setText(ToQt(name));
   labScanName->setToolTip(ToQt(name));
 }
 
-void frmScanLook::ShowScale(const std::string& text) { labScanScale->setText(ToQt(text)); }
+void ScanControls::ShowScale(const std::string& text) { labScanScale->setText(ToQt(text)); }
 
-void frmScanLook::ShowAngle(double degrees) {
+void ScanControls::ShowAngle(double degrees) {
   const QSignalBlocker quiet(spnTurn);
   spnTurn->setValue(degrees);
 }
 
-void frmScanLook::ShowTrouble(const std::string& why) {
+void ScanControls::ShowTrouble(const std::string& why) {
   labScanTrouble->setText(ToQt(why));
   labScanTrouble->setVisible(!why.empty());
 }
 
-void frmScanLook::ShowFixed(const std::string& why) {
+void ScanControls::ShowFixed(const std::string& why) {
   for (QWidget* control : std::initializer_list<QWidget*>{cmdScanScale, cmdTurnLeft, cmdTurnRight, spnTurn})
     control->setEnabled(why.empty());
   labScanFixed->setText(ToQt(why));
