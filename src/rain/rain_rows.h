@@ -52,21 +52,21 @@ inline RainAmount DepthUntil(const RainPiece& piece, RainTime time) {
 
 /// What was odd about the rows of an instrument and span.
 struct RainRemarks {
-  std::int64_t Rows = 0;      ///< that were read
-  RainSum Depth = 0;          ///< that counts
-  RainTime Covered = 0;       ///< seconds with a known depth
+  RainSum Depth = 0;            ///< that counts
+  RainSum OverlappedDepth = 0;  ///< left out since it would count twice
+  RainSum FallingDepth = 0;     ///< of falling rows, below 0; they count as 0
+  RainSum MomentDepth = 0;      ///< of rows of no length
+  RainSum LeftOutDepth = 0;     ///< of rows that are left out and have one
+  std::int64_t Rows = 0;        ///< that were read
+  RainTime Covered = 0;         ///< seconds with a known depth
   RainTime Missing = 0;       ///< seconds without, between the first and the last moment or those of the span
   std::int64_t Gaps = 0;      ///< stretches that these make
   std::int64_t Overlaps = 0;  ///< rows that overlap an earlier one
   RainTime Overlapped = 0;    ///< seconds
-  RainSum OverlappedDepth = 0;  ///< left out since it would count twice
-  std::int64_t Falling = 0;     ///< rows of a depth below 0
-  RainSum FallingDepth = 0;     ///< theirs, below 0; they count as 0
-  std::int64_t Unknown = 0;     ///< rows without a depth, whose time is not covered
-  std::int64_t Moments = 0;     ///< rows of no length; they count
-  RainSum MomentDepth = 0;
+  std::int64_t Falling = 0;   ///< rows of a depth below 0
+  std::int64_t Unknown = 0;   ///< rows without a depth, whose time is not covered
+  std::int64_t Moments = 0;   ///< rows of no length; they count
   std::int64_t Backward = 0, Untimed = 0, TooLong = 0, TooDeep = 0, Disordered = 0;  ///< left out
-  RainSum LeftOutDepth = 0;  ///< of those that have one
 
   /// A line for each, for the operator; none where nothing is odd. Gaps are among them.
   std::vector<std::string> Lines() const;

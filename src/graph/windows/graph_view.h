@@ -58,7 +58,6 @@ class GraphView : public QWidget {
   void focusOutEvent(QFocusEvent* event) override;
   void leaveEvent(QEvent* event) override;
 
- protected:
   /// What is told of a place of the layout's surface; empty: nothing.
   virtual std::string ReadOutAt(const GraphLayout& layout, double x, double y);
   /// Another part is in view.
