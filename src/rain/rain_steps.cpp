@@ -80,8 +80,8 @@ RainSums::RainSums(std::vector<RainInterval> intervals) : intervals_(std::move(i
   for (const RainInterval& interval : intervals_)
     for (const RainTime time : {interval.Start, interval.End}) moments_.push_back({time});
   std::ranges::sort(moments_, {}, &Moment::Time);
-  const auto [first, last] = std::ranges::unique(moments_, {}, &Moment::Time);
-  moments_.erase(first, last);
+  const auto isSame = [](const Moment& one, const Moment& other) { return one.Time == other.Time; };
+  moments_.erase(std::unique(moments_.begin(), moments_.end(), isSame), moments_.end());
 }
 
 void RainSums::Take(const RainPiece& piece) {

@@ -35,7 +35,7 @@ void InkLayer::Piece(cv::Point2d from, cv::Point2d to, double fromWidth, double 
       const double edge = drawn / 2 + 0.5 - std::sqrt(away.dot(away));
       if (edge <= 0) continue;
       const double cover = std::min(edge, 1.0) * std::min(width, 1.0) * ink;
-      const auto value = static_cast<std::uint8_t>(std::clamp(cover, 0.0, 1.0) * 255 + 0.5);
+      const auto value = static_cast<std::uint8_t>(std::lround(std::clamp(cover, 0.0, 1.0) * 255));
       if (value > row[x]) row[x] = value;
     }
   }
@@ -122,7 +122,8 @@ void InkLayer::Text(const std::string& text, cv::Point2d mm, const Lettering& le
           std::lerp(patch.at<std::uint8_t>(cy, cx), patch.at<std::uint8_t>(cy, cx + 1), px - cx);
       const double lower =
           std::lerp(patch.at<std::uint8_t>(cy + 1, cx), patch.at<std::uint8_t>(cy + 1, cx + 1), px - cx);
-      const auto value = static_cast<std::uint8_t>(std::lerp(upper, lower, py - cy) * letters.Ink + 0.5);
+      const auto value =
+          static_cast<std::uint8_t>(std::lround(std::lerp(upper, lower, py - cy) * letters.Ink));
       if (value > row[x]) row[x] = value;
     }
   }

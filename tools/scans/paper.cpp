@@ -180,8 +180,8 @@ void Crack(const ChartForm& form, const ScanStyle& style, std::uint64_t seed, In
     const cv::Point2d step = fold.To - fold.From, normal = cv::Point2d(-step.y, step.x) / cv::norm(step);
     const double length = cv::norm(step);
     std::vector<StrokePoint> points;
-    for (double at = 0; at < length; at += 0.4) {
-      const double open = width.At(at);
+    for (int i = 0; 0.4 * i < length; ++i) {
+      const double at = 0.4 * i, open = width.At(at);
       points.push_back({fold.From + step * (at / length) + normal * (0.12 * aside.At(at)), 0.16 + 0.14 * open,
                         std::max(0.0, 0.4 + 0.5 * open)});
     }

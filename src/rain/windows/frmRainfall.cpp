@@ -306,20 +306,20 @@ void frmRainfall::FillTab() {
 }
 
 void frmRainfall::ReadYears() {
-  auto years = Worked(
+  const auto years = Worked(
       [&](Progress& progress) { return ReadRainYears(database_, Instrument(), Asked().Clock, progress); });
   hasYears_ = years.has_value();
-  years_ = years ? *std::move(years) : std::vector<RainPeriod>();
+  years_ = years.value_or(std::vector<RainPeriod>());
   grdYears->Show(SheetOfYears(years_));
   if (!hasYears_ && years.error().Number != db_error::Cancelled) database_.Show(years.error());
 }
 
 void frmRainfall::ReadReview() {
-  auto review = Worked([&](Progress& progress) {
+  const auto review = Worked([&](Progress& progress) {
     return ReviewCharts(database_, Instrument(), services_.Stations, progress);
   });
   hasReview_ = review && !review->Stopped;
-  review_ = review ? *std::move(review) : ChartReview();
+  review_ = review.value_or(ChartReview());
   grdCharts->Show(SheetOfReview(review_));
   QString text =
       tr("%1 charts looked at, %2 things to look after").arg(review_.Charts).arg(review_.Lines.size());
@@ -344,7 +344,7 @@ void frmRainfall::Choose(Tab tab, int row) {
       return show(overview_->Compared[at].Start, overview_->Compared[at].End);
     case Maxima:
       if (const auto& start = overview_->Maxima[at].Start)
-        show(*start, *start + overview_->Maxima[at].Minutes * 60);
+        show(*start, *start + RainTime{overview_->Maxima[at].Minutes} * 60);
       return;
     case Storms:
       return show(overview_->Storms[at].Start, overview_->Storms[at].End);

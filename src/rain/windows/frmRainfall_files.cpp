@@ -13,7 +13,6 @@
 namespace hyetex {
 namespace {
 
-constexpr const char* Title = "Rainfall Results";
 constexpr double PicturePixelsPerInch = 150, PageMargin = 36, ReportMargin = 40;
 constexpr int MostReportYears = 100;
 

@@ -64,13 +64,12 @@ void RainView::GoTo(int way, bool toRain) {
 
 void RainView::keyPressEvent(QKeyEvent* event) {
   const bool toRain = event->modifiers() & Qt::ControlModifier;
-  if (event->modifiers() & Qt::AltModifier)
-    GraphView::keyPressEvent(event);
-  else if (event->key() == Qt::Key_Left)
+  const bool ours = !(event->modifiers() & Qt::AltModifier);
+  if (ours && event->key() == Qt::Key_Left)
     GoTo(-1, toRain);
-  else if (event->key() == Qt::Key_Right)
+  else if (ours && event->key() == Qt::Key_Right)
     GoTo(1, toRain);
-  else if (IsReturn(*event) && framed_)
+  else if (ours && IsReturn(*event) && framed_)
     emit StepChosen(*framed_);
   else
     GraphView::keyPressEvent(event);
