@@ -410,5 +410,27 @@ TEST_F(RainfallWindow, FillsTheTablesAfterAQuestion) {
               ElementsAre(RoundedText(Shown().Days[0].Depth, 2), RoundedText(Shown().Days[1].Depth, 2)));
 }
 
+TEST_F(RainfallWindow, ShowsAndTakesAwayButWritesNothingForOneWithoutTheRight) {
+  AddRain();
+  auto lists = ReadLists(folder_.Path());
+  ASSERT_TRUE(lists);
+  for (UserRecord& user : lists->Users) user.Level = 10;
+  ASSERT_TRUE(SaveLists(folder_.Path(), *lists));
+  Open();
+  Click(Rain(), "cmdFill");
+  ASSERT_EQ(dialogs_.Boxes.size(), 1U) << "no question of what to replace";
+  EXPECT_EQ(dialogs_.Boxes[0].Text, "You are not authorized to perform that action.");
+  auto connection = Connection::Open(text_);
+  EXPECT_TRUE(Recordset::Open(*connection, "DAILy_CHART")->Eof());
+  dialogs_.Boxes.clear();
+  Key(Part<RainView>("picRain"), Qt::Key_Return);
+  EXPECT_EQ(desk_->Window(WindowId::Editor), nullptr);
+  dialogs_.Boxes.clear();
+  dialogs_.Files = {folder_ / "rain.csv"};
+  Part<QAction>("mnuCsv").trigger();
+  EXPECT_THAT(ReadFile(folder_ / "rain.csv"), StartsWith("start,end,depth_mm,covered"));
+  EXPECT_THAT(dialogs_.Boxes, IsEmpty());
+}
+
 }  // namespace
 }  // namespace hyetex
