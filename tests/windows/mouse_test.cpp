@@ -85,10 +85,12 @@ TEST_F(MouseDesk, OnePressIsOneBend) {
   OpenEmptyPage();
   MousePress(1000, 1600);
   MousePress(17000, 1600);
+  EXPECT_THAT(Panel(panel::Instruction), ::testing::StartsWith("Press where")) << "for a newcomer";
   MouseDown(1400, 2000);
   for (int i = 0; i < 20; ++i) MouseTo(1400 + 50 * i, 2000, Qt::LeftButton);
   MouseUp(2400, 2000);
   EXPECT_EQ(LastPoint(), 0) << "a held button draws nothing";
+  EXPECT_EQ(Panel(panel::Instruction), "");
   EXPECT_EQ(Digitized().Line.Point(0).X, 1400);
   MousePress(2600, 2100);
   Mouse(QEvent::MouseButtonDblClick, Seen(2600, 2100), Qt::LeftButton, Qt::LeftButton);

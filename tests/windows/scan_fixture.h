@@ -47,7 +47,8 @@ class ScanDesk : public MouseDesk {
   }
   DeskScan& Scan() { return *Window().findChild<DeskScan*>(); }
   std::string Label(const char* name) { return Part<QLabel>(name).text().toStdString(); }
-  std::string ScanState() { return Find<QLabel>(Tasks(), "labDetect").text().toStdString(); }
+  /// All of it, of which the label shows what there is room for.
+  std::string ScanState() { return Find<QLabel>(Tasks(), "labDetect").toolTip().toStdString(); }
 
   /// A press on a place of the image, in pixels.
   void PressPixel(double px, double py) {

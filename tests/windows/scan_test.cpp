@@ -207,7 +207,7 @@ TEST_F(ScanDesk, TellsOfABrokenOrMissingScanBeforeTheDeskOpens) {
   EXPECT_TRUE(Tasks().isVisible());
   dialogs_.Opened = {whole};
   Click(Tasks(), "cmdScan");
-  EXPECT_EQ(ScanState(), "whole.png, 1600 x 800 pixels, 200 dpi by the file");
+  EXPECT_EQ(ScanState(), "whole.png\n1600 x 800 pixels, 200 dpi by the file");
   Click(Tasks(), "cmdActivate");
   EXPECT_TRUE(IsOpen());
 }
@@ -219,14 +219,14 @@ TEST_F(ScanDesk, FindsScansByTheirNames) {
   Click(Tasks(), "optDig5");
   dialogs_.Folders = {scans.Path()};
   Click(Tasks(), "cmdScans");
-  EXPECT_EQ(ScanState(), "NM-Hill Farm-01_19980305.png, 1600 x 800 pixels, 200 dpi by the file");
+  EXPECT_EQ(ScanState(), "NM-Hill Farm-01_19980305.png\n1600 x 800 pixels, 200 dpi by the file");
   Find<QTableWidget>(Tasks(), "fgdTasks").selectRow(1);
   EXPECT_NE(ScanState().find("NM-Hill Farm-01"), 0U) << "another chart's";
   Click(Tasks(), "cmdExit");
   desk_.reset();
   OpenTasks();
   EXPECT_TRUE(Find<QAbstractButton>(Tasks(), "optDig5").isChecked());
-  EXPECT_EQ(ScanState(), "NM-Hill Farm-01_19980305.png, 1600 x 800 pixels, 200 dpi by the file");
+  EXPECT_EQ(ScanState(), "NM-Hill Farm-01_19980305.png\n1600 x 800 pixels, 200 dpi by the file");
 }
 
 TEST_F(ScanDesk, DrawsTheChartsOwnHoursAndDepthsOverTheScan) {

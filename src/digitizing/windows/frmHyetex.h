@@ -106,6 +106,8 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void focusOutEvent(QFocusEvent* event) override;
 
  private:
+  std::string_view IdlePrompt() const;
+
   // The session
   bool OfferUnfinishedChart();
   bool MayClose();
@@ -170,6 +172,7 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   frmToolBox* frmToolBox_;
   MouseHand* hand_;
   bool mouse_ = false;          // is the cursor: there is no tablet
+  bool idle_ = true;            // nothing is waited for but the next point
   DeskPanel* panel_ = nullptr;  // beside the chart view, with the mouse
   Magnifier* magnifier_ = nullptr;
   std::shared_ptr<const ScanImage> openedScan_;

@@ -97,7 +97,14 @@ void frmHyetex::ResizeDesk(double factor) {
 // ---- What the machine shows
 
 void frmHyetex::ShowInstruction(std::string_view text) {
-  shell_.ShowPanel(panel::Instruction, corrects_ ? CorrectingPrompt : text);
+  idle_ = text.empty();
+  shell_.ShowPanel(panel::Instruction, corrects_ ? CorrectingPrompt : idle_ ? IdlePrompt() : text);
+}
+
+// Whoever has a mouse may see the desk for the first time, and nobody beside the tablet to ask.
+std::string_view frmHyetex::IdlePrompt() const {
+  if (!HasMouse() || session_.Line.LastPoint() >= 0 || machine_.State().Action != action::Drawing) return {};
+  return "Press where the pen's line begins, then at each bend";
 }
 
 // It comes with each change of what is waited for.
@@ -110,6 +117,7 @@ void frmHyetex::DrawGraph() {
   UpdateOverlay();
   ShowView();
   if (scan_ != nullptr) scan_->SessionChanged();
+  if (idle_) ShowInstruction({});
   UpdatePanels();
   TellOfJournalTrouble();
 }

@@ -251,7 +251,7 @@ void frmRainfall::Connect() {
 
 // As large as the shell of a usual screen.
 QSize frmRainfall::sizeHint() const {
-  return {fontMetrics().averageCharWidth() * 170, fontMetrics().lineSpacing() * 42};
+  return {fontMetrics().averageCharWidth() * 215, fontMetrics().lineSpacing() * 42};
 }
 
 }  // namespace hyetex

@@ -146,20 +146,18 @@ void frmTasks::UpdateList(std::optional<int> task) {
 
 void frmTasks::ShowDetection() {
   bool ready = source_ != TraceSource::Tablet || detection_ == Detection::Found;
+  labDetect->setToolTip({});
   for (QPushButton* button : {cmdScan, cmdScans}) button->setEnabled(source_ == TraceSource::Scan);
   if (source_ == TraceSource::EmptyPage) {
     labDetect->setText(tr("The mouse is the cursor"));
   } else if (source_ == TraceSource::Scan) {
-    const auto scan = ScanOfSelected();
-    labDetect->setText(ToQt(scan.first));
-    ready = scan.second;
+    ready = ShowScan();
   } else if (ready) {
     labDetect->setText(tr("Digitizer Detected On COM%1").arg(finder_.DetectedPort()));
   } else {
     labDetect->setText(detection_ == Detection::Missing ? tr("Digitizer Not Detected")
                                                         : tr("Digtizer Not Detcted"));
   }
-  labDetect->setToolTip(source_ == TraceSource::Scan ? labDetect->text() : QString());
   const bool dark = palette().color(QPalette::Window).lightness() < 128;
   const QColor blue = dark ? QColor(130, 180, 255) : QColor(0, 60, 200),
                red = dark ? QColor(255, 130, 120) : QColor(190, 0, 0);

@@ -124,7 +124,14 @@ class frmTasks : public FormWindow {
   // The scans: frmTasks_scans.cpp
   const ChartRecord* SelectedChart() const;
   void LookForScans();
-  std::pair<std::string, bool> ScanOfSelected() const;
+  /// What is known of the selected chart's scan, and whether it can be traced.
+  struct ScanText {
+    std::string Name = {}, Facts = {};
+    bool Ready = false;
+  };
+  ScanText ScanOfSelected() const;
+  bool ShowScan();
+  std::string ScanStart() const;
   void ChooseScan();
   std::optional<int> ChoosePage(int pages);
   void ChooseScanFolder();

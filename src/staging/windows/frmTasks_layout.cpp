@@ -129,10 +129,11 @@ QWidget* frmTasks::MakeTablet() {
   labDetect->setFont(bold);
   labDetect->setMinimumWidth(QFontMetrics(bold).horizontalAdvance("Digitizer Detected On COM1 "));
   constexpr int options = TabletTypeCount + TraceSourceCount - 1;
-  // What is known of a scan may take some lines; the window keeps its width.
+  // What is known of a scan may take some lines; the window keeps its size.
+  labDetect->setTextFormat(Qt::PlainText);
   labDetect->setWordWrap(true);
   labDetect->setAlignment(Qt::AlignTop);
-  labDetect->setMinimumHeight(2 * QFontMetrics(bold).lineSpacing());
+  labDetect->setFixedHeight(3 * QFontMetrics(bold).lineSpacing());
   cmdScan = MakeButton("cmdScan", "Choose Sca&n...", &frmTasks::ChooseScan);
   cmdScans = MakeButton("cmdScans", "F&older of Scans...", &frmTasks::ChooseScanFolder);
   layout->addWidget(labDetect, options, 0, 1, 2);

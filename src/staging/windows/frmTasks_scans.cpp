@@ -29,31 +29,48 @@ void frmTasks::LookForScans() {
   (void)services_.Scans->LookIn(folder, staging_.Tasks());
 }
 
-// What is known of the selected chart's scan, and whether it can be traced.
-std::pair<std::string, bool> frmTasks::ScanOfSelected() const {
+frmTasks::ScanText frmTasks::ScanOfSelected() const {
   const ChartRecord* chart = SelectedChart();
-  if (chart == nullptr) return {"Select a chart", false};
+  if (chart == nullptr) return {.Facts = "Select a chart"};
   const auto pick = services_.Scans->Of(*chart);
-  if (!pick) return {pick.error(), false};
-  const std::string name(BaseName(pick->Path));
+  if (!pick) return {.Facts = pick.error()};
   const auto facts = LookAtScan(pick->Path, pick->Page);
-  if (!facts) return {facts.error(), false};
-  std::string text = name;
-  if (facts->Pages > 1) text += ", page " + ShortText(pick->Page + 1) + " of " + ShortText(facts->Pages);
-  text += ", " + ShortText(facts->Width) + " x " + ShortText(facts->Height) + " pixels";
+  if (!facts) return {.Facts = facts.error()};
+  ScanText scan{.Name = std::string(BaseName(pick->Path)), .Facts = {}, .Ready = true};
+  if (facts->Pages > 1)
+    scan.Facts = "page " + ShortText(pick->Page + 1) + " of " + ShortText(facts->Pages) + ", ";
+  scan.Facts += ShortText(facts->Width) + " x " + ShortText(facts->Height) + " pixels";
   if (facts->PixelsPerMm)
-    text += ", " + ScaleText({ScanScale::Source::Resolution, *facts->PixelsPerMm, 0});
+    scan.Facts += ", " + ScaleText({ScanScale::Source::Resolution, *facts->PixelsPerMm, 0});
   else
-    text += facts->Remark.empty() ? ", without a resolution" : ". " + facts->Remark;
-  return {text, true};
+    scan.Facts += facts->Remark.empty() ? ", without a resolution" : ". " + facts->Remark;
+  return scan;
+}
+
+// In the room that it has, so that no button moves away from under the pointer; all of it by the tool tip.
+bool frmTasks::ShowScan() {
+  const ScanText scan = ScanOfSelected();
+  const QString name = ToQt(scan.Name), facts = ToQt(scan.Facts);
+  labDetect->setText(name.isEmpty() ? facts
+                                    : labDetect->fontMetrics().elidedText(name, Qt::ElideMiddle,
+                                                                          labDetect->contentsRect().width()) +
+                                          '\n' + facts);
+  labDetect->setToolTip(name.isEmpty() ? facts : name + '\n' + facts);
+  return scan.Ready;
+}
+
+// Where scans are looked for first: beside the charts, until another folder was chosen.
+std::string frmTasks::ScanStart() const {
+  const std::string folder = settings_.Get(setting::ScanFolder);
+  return folder.empty() ? targetFolder_ : folder;
 }
 
 void frmTasks::ChooseScan() {
   const ChartRecord* chart = SelectedChart();
   if (chart == nullptr) return Tell(ScanTitle, "Select a chart of the list first.");
   const auto before = services_.Scans->Of(*chart);
-  const auto path = dialogs_.ChooseFile(
-      std::string(ScanTitle), before ? before->Path : settings_.Get(setting::ScanFolder), ScanFilter);
+  const auto path =
+      dialogs_.ChooseFile(std::string(ScanTitle), before ? before->Path : ScanStart(), ScanFilter);
   if (!path) return;
   const auto facts = LookAtScan(*path);
   if (!facts) return Tell(ScanTitle, facts.error());
@@ -82,7 +99,7 @@ std::optional<int> frmTasks::ChoosePage(int pages) {
 }
 
 void frmTasks::ChooseScanFolder() {
-  const auto folder = dialogs_.ChooseFolder("Folder of the scans", settings_.Get(setting::ScanFolder));
+  const auto folder = dialogs_.ChooseFolder("Folder of the scans", ScanStart());
   if (!folder) return;
   if (const auto looked = services_.Scans->LookIn(*folder, staging_.Tasks()); !looked)
     return Tell(ScanTitle, looked.error());
