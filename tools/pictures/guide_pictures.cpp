@@ -16,8 +16,10 @@ struct GuidePicture {
   const char *Taken, *Name;
 };
 constexpr GuidePicture Pictures[] = {
-    {"frmInit", "menu"}, {"frmTasks", "staging"},        {"mdiHyetex-digitizing", "desk"},
-    {"frmSave", "save"}, {"frmEditor-series", "review"}, {"frmAlpha", "skew"},
+    {"frmInit", "menu.png"},        {"frmTasks", "staging.png"},
+    {"frmSave", "save.png"},        {"mdiHyetex-digitizing", "desk.png"},
+    {"frmAlpha", "skew.png"},       {"mdiHyetex-scan-traced", "scan.jpg"},
+    {"frmRainfall", "results.png"}, {"frmEditor-series", "review.png"},
 };
 
 // The colours that most of a window's pixels have; the others are shades at the edges of letters.
@@ -32,15 +34,19 @@ QList<QRgb> MainColours(const QImage& picture) {
   return colours.first(std::min(Most, colours.size()));
 }
 
+// As small as they may be: windows in few colours, a photograph of paper as one.
+bool Keep(const QImage& picture, const QString& file) {
+  if (file.endsWith(".jpg")) return picture.save(file, nullptr, 80);
+  return picture.convertToFormat(QImage::Format_Indexed8, MainColours(picture), Qt::AvoidDither).save(file);
+}
+
 }  // namespace
 
 Result<void> KeepGuidePictures(const std::string& pictures, const std::string& guide) {
   for (const auto& [taken, name] : Pictures) {
     const QImage picture(ToQt(JoinPath(pictures, std::string(taken) + ".png")));
-    const std::string file = JoinPath(guide, std::string(name) + ".png");
-    if (picture.isNull() ||
-        !picture.convertToFormat(QImage::Format_Indexed8, MainColours(picture), Qt::AvoidDither)
-             .save(ToQt(file)))
+    const std::string file = JoinPath(guide, name);
+    if (picture.isNull() || !Keep(picture, ToQt(file)))
       return Failure("The picture " + file + " cannot be written");
   }
   return {};

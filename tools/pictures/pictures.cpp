@@ -151,7 +151,7 @@ void TakeSession(AppDesk& desk, Camera& camera) {
 }
 
 // A scan of a day's chart, drawn for the folder of the scans, under the name of the first staged chart.
-Result<void> MakeScan(const std::string& programFolder, const std::string& scans) {
+Result<DrawnScan> MakeScan(const std::string& programFolder, const std::string& scans) {
   const auto lists = ReadLists(programFolder);
   if (!lists) return Failure(lists.error());
   std::vector<RainPoint> rain{{0, 0}};
@@ -163,18 +163,20 @@ Result<void> MakeScan(const std::string& programFolder, const std::string& scans
   ScanStyle style;
   style.Dpi = 200;
   style.Shape.TiltDegrees = 0.4;
-  const auto drawn = DrawScan(*line, style, 7);
-  if (!drawn) return Failure(drawn.error());
+  auto drawn = DrawScan(*line, style, 7);
+  if (!drawn) return drawn;
   const std::string name = "NM-Hill Farm-01_19980305.png";
   const auto bytes = EncodeScan(drawn->Image, name, style.Dpi);
   if (!bytes) return Failure(bytes.error());
   std::error_code error;
   fs::create_directories(scans, error);
-  return WriteWholeFile(JoinPath(scans, name), *bytes);
+  if (const auto written = WriteWholeFile(JoinPath(scans, name), *bytes); !written)
+    return Failure(written.error());
+  return drawn;
 }
 
 // The desk on the scan that was found for the first chart: as it opens, and with a trace that is corrected.
-void TakeScan(AppDesk& desk, Camera& camera) {
+void TakeScan(AppDesk& desk, Camera& camera, const DrawnScan& drawn) {
   desk.Open(WindowId::Tasks);
   QWidget* tasks = desk.Window(WindowId::Tasks);
   if (auto* tree = camera.Find<QTreeWidget>(tasks, "tvwStations"))
@@ -190,23 +192,18 @@ void TakeScan(AppDesk& desk, Camera& camera) {
   if (scan == nullptr) return;
 
   ActionMachine& machine = digitizing->Machine();
-  const double width = scan->Image().Width(), height = scan->Image().Height();
-  const auto press = [&](double across, double down) {
-    const auto [x, y] = TabletPosition(scan->Placement(), across * width, down * height);
-    for (const int button : {-1, 0, -1}) machine.Point(x, y, button);
-  };
-  press(0.06, 0.86);
-  press(0.94, 0.86);
-  for (const auto& [across, down] :
-       {std::pair(0.07, 0.85), std::pair(0.2, 0.8), std::pair(0.3, 0.6), std::pair(0.4, 0.3)})
-    press(across, down);
+  auto steps = MouseSteps(drawn, scan->Placement());
+  steps.resize(steps.size() * 3 / 5);  // the last ones are still to come
+  for (const JournalEvent& step : steps)
+    for (const int button : {-1, 0, -1})
+      if (step.What == JournalEvent::Kind::Press) machine.Point(step.X, step.Y, button);
   digitizing->ToggleOverlay();
   ZoomAround(machine.Layout, machine.CurrentSession().Line.Scales().Tablet, 2,
              machine.Layout.ScaleWidth * 0.3, machine.Layout.ScaleHeight * 0.6);
   digitizing->DrawGraph();
   camera.Take(desk.ShellWindow(), "mdiHyetex-scan-traced");
   digitizing->ToggleCorrecting();
-  machine.State().SelectedPoint = 2;
+  machine.State().SelectedPoint = machine.CurrentSession().Line.LastPoint() / 2;
   digitizing->DrawGraph();
   camera.Take(digitizing, "frmHyetex-correcting");
 }
@@ -433,14 +430,15 @@ Result<void> TakePictures(const std::string& programFolder, const std::string& p
   }
   words.Task.reset();
   const std::string scans = JoinPath(copy, "scans");
-  if (auto made = MakeScan(copy, scans); !made) return made;
+  const auto drawn = MakeScan(copy, scans);
+  if (!drawn) return Failure(drawn.error());
   (void)settings.Set(setting::ScanFolder, scans);
   (void)settings.Set(setting::TraceSource, static_cast<int>(TraceSource::Scan));
   AppDesk desk(words, dialogs);
   desk.ShellSize = ShellSize;
   desk.Start();
   desk.LoggedIn();
-  TakeScan(desk, camera);
+  TakeScan(desk, camera, *drawn);
   return camera.Outcome();
 }
 
