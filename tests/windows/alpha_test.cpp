@@ -7,10 +7,8 @@
 #include "app/app_desk.h"
 #include "core/dates.h"
 #include "core/numbers.h"
-#include "database/access/new_database.h"
 #include "database/stored_charts.h"
-#include "paths.h"
-#include "windows/support.h"
+#include "windows/database_fixture.h"
 
 #include <gmock/gmock.h>
 
@@ -25,23 +23,14 @@ using ::testing::SizeIs;
 
 constexpr const char* Code = "NM-Hill Farm-01";
 
-class AlphaWindow : public FolderTest {
+class AlphaWindow : public DatabaseFolderTest {
  protected:
   AlphaWindow() {
-    std::filesystem::copy(test::Demo("program"), folder_.Path());
-    EXPECT_TRUE(CreateDatabaseFile(folder_ / "rain.sqlite"));
-    text_ = FileConnectionText(folder_ / "rain.sqlite").value_or("");
-    Remember("DataBaseName", text_.c_str());
     for (const char* code : {"NM-Mill Pond-01  ", Code})
       Execute("INSERT INTO INSTRUMENT (instrument_code_id) VALUES (?)", {std::string(code)});
     for (int day = 1; day <= 5; ++day) AddChart(day);
   }
 
-  void Execute(const std::string& sql, std::vector<DbValue> values = {}) {
-    auto connection = Connection::Open(text_);
-    ASSERT_TRUE(connection) << connection.error().Description;
-    EXPECT_TRUE(connection->Execute(sql, values)) << sql;
-  }
   /// One with the alpha 0.1 times the day; the first day's has none.
   void AddChart(int day) {
     StoredChart chart{.Instrument = Code, .Start = MakeDate(1998, 3, day, 7)};
@@ -97,7 +86,6 @@ class AlphaWindow : public FolderTest {
   void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { QTest::keyClick(&Grid(), key, modifiers); }
   QPoint At(int row) { return Grid().visualRect(Grid().model()->index(row, 1)).center(); }
 
-  std::string text_;
   std::unique_ptr<AppDesk> desk_;
 };
 

@@ -11,13 +11,11 @@
 #include "app/app_desk.h"
 #include "core/dates.h"
 #include "core/numbers.h"
-#include "database/access/new_database.h"
 #include "database/conversion/population.h"
 #include "database/stored_charts.h"
-#include "paths.h"
 #include "platform/date_box.h"
 #include "rain/windows/frmRainfall.h"
-#include "windows/support.h"
+#include "windows/database_fixture.h"
 
 #include <gmock/gmock.h>
 
@@ -32,23 +30,14 @@ using ::testing::StartsWith;
 
 constexpr const char* Code = "NM-Hill Farm-01";
 
-class RainfallWindow : public FolderTest {
+class RainfallWindow : public DatabaseFolderTest {
  protected:
   RainfallWindow() {
-    std::filesystem::copy(test::Demo("program"), folder_.Path());
-    EXPECT_TRUE(CreateDatabaseFile(folder_ / "rain.sqlite"));
-    text_ = FileConnectionText(folder_ / "rain.sqlite").value_or("");
-    Remember("DataBaseName", text_.c_str());
     for (const char* code : {"NM-Mill Pond-01", Code})
       Execute("INSERT INTO INSTRUMENT (instrument_code_id, station) VALUES (?, 'Hill Farm')",
               {std::string(code)});
   }
 
-  void Execute(const std::string& sql, std::vector<DbValue> values = {}) {
-    auto connection = Connection::Open(text_);
-    ASSERT_TRUE(connection) << connection.error().Description;
-    EXPECT_TRUE(connection->Execute(sql, values)) << sql;
-  }
   // Of a day each, from 8 to 8; four steps of equal length, the second of them without rain.
   void AddChart(Date start, const char* digitized, const char* manual) {
     const StoredChart chart{.Instrument = Code,
@@ -144,7 +133,6 @@ class RainfallWindow : public FolderTest {
   std::string State() { return Part<QLabel>("labState").text().toStdString(); }
 
   const Date first_ = MakeDate(1998, 3, 5, 8);
-  std::string text_;
   std::unique_ptr<AppDesk> desk_;
 };
 

@@ -93,14 +93,20 @@ class Camera {
   std::string trouble_;
 };
 
-void TakeStaging(AppDesk& desk, Camera& camera) {
+// The staging area with the first chart of its first station.
+QWidget* TakeStagedChart(AppDesk& desk, Camera& camera, const char* name) {
   desk.Open(WindowId::Tasks);
   QWidget* tasks = desk.Window(WindowId::Tasks);
   if (auto* tree = camera.Find<QTreeWidget>(tasks, "tvwStations"))
     for (QTreeWidgetItemIterator item(tree); *item != nullptr; ++item)
       if ((*item)->text(0).contains(" - NM-Hill Farm")) tree->setCurrentItem(*item);
   if (auto* grid = camera.Find<QTableWidget>(tasks, "fgdTasks")) grid->selectRow(0);
-  camera.Take(tasks, "frmTasks");
+  camera.Take(tasks, name);
+  return tasks;
+}
+
+void TakeStaging(AppDesk& desk, Camera& camera) {
+  QWidget* tasks = TakeStagedChart(desk, camera, "frmTasks");
   if (auto* change = camera.Find<QPushButton>(tasks, "cmdChange")) change->click();
   camera.Take(desk.Window(WindowId::TaskDef), "frmTaskDef");
   for (const WindowId id : {WindowId::TaskDef, WindowId::Tasks})
@@ -177,13 +183,7 @@ Result<DrawnScan> MakeScan(const std::string& programFolder, const std::string& 
 
 // The desk on the scan that was found for the first chart: as it opens, and with a trace that is corrected.
 void TakeScan(AppDesk& desk, Camera& camera, const DrawnScan& drawn) {
-  desk.Open(WindowId::Tasks);
-  QWidget* tasks = desk.Window(WindowId::Tasks);
-  if (auto* tree = camera.Find<QTreeWidget>(tasks, "tvwStations"))
-    for (QTreeWidgetItemIterator item(tree); *item != nullptr; ++item)
-      if ((*item)->text(0).contains(" - NM-Hill Farm")) tree->setCurrentItem(*item);
-  if (auto* grid = camera.Find<QTableWidget>(tasks, "fgdTasks")) grid->selectRow(0);
-  camera.Take(tasks, "frmTasks-scan");
+  QWidget* tasks = TakeStagedChart(desk, camera, "frmTasks-scan");
   if (auto* activate = camera.Find<QPushButton>(tasks, "cmdActivate")) activate->click();
   for (int i = 0; i < 4; ++i) QApplication::processEvents();
   auto* digitizing = qobject_cast<frmHyetex*>(desk.Window(WindowId::Digitizing));
