@@ -34,6 +34,7 @@ constexpr std::string_view ReportHeading =
     "chart,scan,verdict,seconds,rain_mm,eyed_mm,gage_mm,emptyings,confidence,doubts,words\n";
 constexpr std::string_view VerdictLine = "# traced from a scan: ";
 constexpr double HoursADay = 24;
+constexpr std::size_t MostReportBytes = 256U << 20;
 constexpr std::size_t MostWords = 16000;  // of one chart: a process hands them over in one go
 
 struct Box {
@@ -67,19 +68,27 @@ std::string Rounded(double value, int digits) {
 }
 std::string Known(float depth) { return depth > 0 ? ShortText(depth) : std::string(); }
 
-TraceWish WishFor(const ActivatedChart& chart) {
+TraceWish WishFor(const Box& box, const ActivatedChart& chart) {
   const ChartRecord& task = chart.Task;
+  const std::vector<double>& start = box.Words.Start;
   return {.Paper = chart.ChartType,
           .StartHour = (task.StartTime - std::floor(task.StartTime)) * HoursADay,
           .Hours = (task.EndTime - task.StartTime) * HoursADay,
           .EyedDepth = task.EyedDepth,
           .GageDepth = task.ManualDepth,
-          .Start = {}};
+          .Start = start.empty() ? std::nullopt : std::optional(TraceWish::Place{start[0], start[1]})};
 }
 
-std::string JournalPath(const Box& box, const Job& job) {
+// A chart file's name with another ending.
+std::string NameWith(const Job& job, std::string_view ending) {
   const std::string name = job.Name();
-  return JoinPath(box.Target, name.substr(0, name.rfind('.')) + ".journal");
+  return name.substr(0, name.rfind('.')) + std::string(ending);
+}
+std::string JournalPath(const Box& box, const Job& job) {
+  return JoinPath(box.Target, NameWith(job, ".journal"));
+}
+std::string PicturePath(const Box& box, const Job& job) {
+  return box.Words.Pictures.empty() ? box.Words.Picture : JoinPath(box.Words.Pictures, NameWith(job, ".jpg"));
 }
 
 // Why a chart needs no tracing: its files stand. A journal without a doubt whose chart file is missing was
@@ -90,8 +99,8 @@ std::optional<std::string> Stands(const Box& box, const Job& job) {
   if (!journal) return std::nullopt;
   const bool clean =
       journal->find(std::string(VerdictLine) + VerdictText(TraceVerdict::Clean)) != std::string::npos;
-  return clean || box.Words.Doubtful ? std::nullopt
-                                     : std::optional<std::string>("its journal stands, to be reviewed");
+  if (clean || box.Words.Doubtful || box.Words.Again) return std::nullopt;
+  return "its journal stands, to be reviewed";
 }
 
 // Journal and chart file of a trace. Nothing is written of a chart that cannot be saved.
@@ -124,7 +133,7 @@ struct Told {
 
 Told TraceOne(const Box& box, const Job& job) {
   const auto begun = std::chrono::steady_clock::now();
-  const TraceWish wish = WishFor(job.Chart);
+  const TraceWish wish = WishFor(box, job.Chart);
   ScanTrace trace;
   std::string trouble;
   const auto notTraced = [&](const std::string& why) {
@@ -143,10 +152,9 @@ Told TraceOne(const Box& box, const Job& job) {
       if (!written) trouble = written.error();
     }
   }
-  if (trouble.empty() && image && !box.Words.Picture.empty()) {
-    const auto picture = PictureOfTrace(*image, trace, box.Words.Picture);
-    const auto written =
-        picture ? WriteWholeFile(box.Words.Picture, *picture) : Result<void>(Failure(picture.error()));
+  if (const std::string name = PicturePath(box, job); trouble.empty() && image && !name.empty()) {
+    const auto picture = PictureOfTrace(*image, trace, name);
+    const auto written = picture ? WriteWholeFile(name, *picture) : Result<void>(Failure(picture.error()));
     if (!written) trouble = written.error();
   }
   std::string words = trouble;
@@ -175,6 +183,13 @@ Result<Job> MakeJob(const Box& box, int task) {
   return Job{*std::move(chart), *std::move(origin), {}};
 }
 
+// As it is found from any folder, since it goes into journal and chart file.
+std::string WholePath(const std::string& path) {
+  std::error_code error;
+  const auto whole = std::filesystem::absolute(path, error);
+  return error ? path : whole.lexically_normal().string();
+}
+
 Result<std::vector<Job>> FindJobs(const Box& box) {
   const AutotraceWords& words = box.Words;
   std::vector<Job> jobs;
@@ -196,7 +211,7 @@ Result<std::vector<Job>> FindJobs(const Box& box) {
     jobs.push_back(*std::move(job));
   }
   if (!words.Scan.empty()) {
-    jobs.front().Scan = words.Scan;
+    jobs.front().Scan = WholePath(words.Scan);
     return jobs;
   }
   const auto scans = FindScans(words.Scans, wanted);
@@ -207,7 +222,7 @@ Result<std::vector<Job>> FindJobs(const Box& box) {
       Say(jobs[i].Name() + " is left out: " + (*scans)[i].error());
       continue;
     }
-    jobs[i].Scan = *(*scans)[i];
+    jobs[i].Scan = WholePath(*(*scans)[i]);
     found.push_back(std::move(jobs[i]));
   }
   return found;
@@ -223,6 +238,8 @@ Result<Box> OpenBox(const AutotraceWords& words) {
   auto target = words.Target.empty() ? ReadTargetFolder(settings) : Result<std::string>(words.Target);
   if (!target) return Failure(target.error());
   if (!FolderExists(*target)) return Failure("There is no target folder " + *target);
+  if (!words.Pictures.empty() && !FolderExists(words.Pictures))
+    return Failure("There is no folder " + words.Pictures);
   Box box{words, settings, *std::move(lists), *std::move(user), *std::move(target), std::nullopt};
   std::error_code error;
   if (std::filesystem::equivalent(box.Target, words.Folder, error)) {
@@ -237,24 +254,25 @@ Result<Box> OpenBox(const AutotraceWords& words) {
 // The charts of a box, each in a process of its own: one that breaks on a scan takes no other with it.
 class Run {
  public:
-  explicit Run(const Box& box) : box_(box) {
-    if (!box.Words.Report.empty() && !FileExists(box.Words.Report)) Report(ReportHeading);
-  }
+  explicit Run(const Box& box) : box_(box) {}
 
-  Exit All(const std::vector<Job>& jobs) {
+  Exit All(const std::vector<Job>& all) {
+    std::vector<const Job*> jobs;
+    for (const Job& job : all) {
+      const auto why = Stands(box_, job);
+      if (why) Say(job.Name() + " is passed over: " + *why);
+      passedOver_ += why ? 1 : 0;
+      if (!why) jobs.push_back(&job);
+    }
+    if (const auto begun = BeginReport(jobs); !begun) return Fail(begun.error());
     const auto begun = std::chrono::steady_clock::now();
     const auto most = static_cast<std::size_t>(
         box_.Words.Jobs > 0 ? box_.Words.Jobs
                             : static_cast<int>(std::max(1U, std::thread::hardware_concurrency())));
     Print(ReportHeading);
-    for (const Job& job : jobs) {
-      if (const auto why = Stands(box_, job)) {
-        Say(job.Name() + " is passed over: " + *why);
-        ++passedOver_;
-        continue;
-      }
+    for (const Job* job : jobs) {
       while (running_.size() >= most) Wait();
-      Begin(job);
+      Begin(*job);
     }
     while (!running_.empty()) Wait();
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count();
@@ -319,6 +337,29 @@ class Run {
                                        ",failed,,,,,,,,\"The tracing ended before its end.\"\n";
     Print(line);
     if (!box_.Words.Report.empty()) Report(line);
+  }
+  // A chart has one line: those of charts that are traced now make way.
+  Result<void> BeginReport(const std::vector<const Job*>& jobs) const {
+    const std::string& path = box_.Words.Report;
+    if (path.empty()) return {};
+    std::string text, kept(ReportHeading);
+    if (FileExists(path)) {
+      auto read = ReadWholeFile(path, MostReportBytes);
+      if (!read) return Failure(read.error());
+      text = *std::move(read);
+    }
+    if (!text.empty() && !text.starts_with(ReportHeading))
+      return Failure(path + " is no report of traced charts; nothing was written");
+    for (std::size_t at = ReportHeading.size(); at < text.size();) {
+      const std::size_t end = std::min(text.find('\n', at), text.size() - 1) + 1;
+      const std::string_view line(text.data() + at, end - at);
+      const bool again = std::any_of(jobs.begin(), jobs.end(), [&](const Job* job) {
+        return line.starts_with(InQuotes(job->Name()) + ",");
+      });
+      if (!again && line.ends_with('\n')) kept += line;
+      at = end;
+    }
+    return kept == text ? Result<void>() : WriteWholeFile(path, kept);
   }
   void Report(std::string_view line) {
     if (const auto written = AppendToFile(box_.Words.Report, line); !written) trouble_ = written.error();

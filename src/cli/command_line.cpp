@@ -179,6 +179,14 @@ void CommandLine::AddAutotrace() {
   trace.Name("--report", &AutotraceWords::Report, "FILE", "a line for each chart is added to this CSV file");
   trace.Name("--picture", &AutotraceWords::Picture, "OUT", "the scan with its line, a .png, .jpg or .tif")
       ->needs(scan);
+  trace.Name("--pictures", &AutotraceWords::Pictures, "DIR",
+             "a folder for such a picture of each chart (.jpg)");
+  AddNumber(
+      trace.Line, "--start", trace.Given.Start, 0, 1e6, "X Y",
+      "the left end of the page's bottom line, pixels from the scan's left and top edges (default: found)")
+      ->expected(2)
+      ->needs(scan);
+  trace.Flag("--again", &AutotraceWords::Again, "trace charts anew whose journal is to be reviewed");
   trace.Flag("--doubtful", &AutotraceWords::Doubtful, "write the chart files of charts to review, too");
 }
 

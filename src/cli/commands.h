@@ -53,8 +53,11 @@ struct AutotraceWords : FolderWords {
   std::string Scan, Scans;  ///< one image, or a folder of them; empty for none
   int Page = 0;
   int Jobs = 0;  ///< at once; 0 for as many as there are processors
-  std::string User, Target, Report, Picture;
-  bool Doubtful = false;  ///< charts to review get their chart file as well
+  std::string User, Target, Report;
+  std::string Picture, Pictures;  ///< of one scan, or a folder for those of all
+  std::vector<double> Start;      ///< x and y of the page's bottom-left corner; empty where it is looked for
+  bool Doubtful = false;          ///< charts to review get their chart file as well
+  bool Again = false;             ///< charts whose journal is to be reviewed are traced anew
 };
 Exit RunAutotrace(const AutotraceWords& words);  // autotrace_command.cpp
 

@@ -53,6 +53,7 @@ Result<TracedSteps> StepsOfTrace(const ScanTrace& trace, const ScanTracer& trace
                      .Y = std::round((BottomMm + heightMm) * units)});
   };
   const auto run = [&](int which) { steps.push_back({.What = Kind::Tool, .Tool = which}); };
+  if (const auto refusal = CheckPlacement(lies)) return Failure(*refusal);
   steps.push_back({.What = Kind::Scan, .Scan = lies});
   press(0, 0);
   press(pageMm, 0);
