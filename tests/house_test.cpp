@@ -72,6 +72,7 @@ const std::vector<Room> Rooms = {
     {"tools/pictures", "*"},
     {"tools", "*"},
     {"bench", "*"},
+    {"bench/autotrace", "core scan tools/tracing tools/scans"},
     {"fuzz", "core platform/odbc digitizing staging/lists staging/tasks chartfiles exchange scan"},
 };
 

@@ -79,6 +79,7 @@ class CommandLine : public Description {
   }
 
   void AddTabletCommands();
+  void AddAutotrace();
   void AddChartCommands();
   void AddPlot();
   void AddFolderCommands();
@@ -145,6 +146,48 @@ void CommandLine::AddTabletCommands() {
   digitize.Line.add_option("--comment", digitize.Given.Comment, "the digitizer's comment")->type_name("TEXT");
   digitize.Flag("--overwrite", &DigitizeWords::Overwrite, "take the place of a chart file that is there");
   AddWord(digitize.Line, "JOURNAL", digitize.Given.Journal, "the session's journal");
+  AddAutotrace();
+}
+
+void CommandLine::AddAutotrace() {
+  auto trace = Add("autotrace",
+                   "Traces scanned charts by itself: journals, chart files, and a report of what to look at.",
+                   RunAutotrace,
+                   "A chart without a doubt gets its chart file, and beside it its journal (.journal). One "
+                   "with doubts gets\n"
+                   "the journal alone, with the doubts in it, and one that cannot be traced gets neither. "
+                   "Charts whose files\n"
+                   "stand are passed over, so a run that was ended goes on where it was. Ends with 3 where a "
+                   "chart is to be\n"
+                   "reviewed or is not traced.");
+  AddFolder(trace.Line, trace.Given);
+  AddWhole(trace.Line, "--task", trace.Given.Task, 0, MaxTask, "N",
+           "the staged chart, from 0 in the order of the task list (default: all that have a scan)");
+  CLI::Option* scan = trace.Name("--scan", &AutotraceWords::Scan, "FILE", "the scan of --task");
+  CLI::Option* scans = trace.Name("--scans", &AutotraceWords::Scans, "DIR",
+                                  "a folder in which the scans of staged charts are found by their names");
+  scan->excludes(scans);
+  AddWhole(trace.Line, "--page", trace.Given.Page, 0, 9999, "N", "of the scan, from 0 (default: 0)")
+      ->needs(scan);
+  AddWhole(trace.Line, "--chart-type", trace.Given.ChartType, 0, MaxChartType, "K",
+           "the chart type (default: the current one of the settings)");
+  AddWhole(trace.Line, "--jobs", trace.Given.Jobs, 1, 1024, "N",
+           "charts at once (default: one for each processor)");
+  trace.Name("--user", &AutotraceWords::User, "NAME", "who answers for it (default: the last user)");
+  trace.Name("--target", &AutotraceWords::Target, "DIR",
+             "where files go (default: the target folder of the settings)");
+  trace.Name("--report", &AutotraceWords::Report, "FILE", "a line for each chart is added to this CSV file");
+  trace.Name("--picture", &AutotraceWords::Picture, "OUT", "the scan with its line, a .png, .jpg or .tif")
+      ->needs(scan);
+  trace.Name("--pictures", &AutotraceWords::Pictures, "DIR",
+             "a folder for such a picture of each chart (.jpg)");
+  AddNumber(
+      trace.Line, "--start", trace.Given.Start, 0, 1e6, "X Y",
+      "the left end of the page's bottom line, pixels from the scan's left and top edges (default: found)")
+      ->expected(2)
+      ->needs(scan);
+  trace.Flag("--again", &AutotraceWords::Again, "trace charts anew whose journal is to be reviewed");
+  trace.Flag("--doubtful", &AutotraceWords::Doubtful, "write the chart files of charts to review, too");
 }
 
 void CommandLine::AddChartCommands() {

@@ -9,7 +9,9 @@
 
 #include "chartfiles/chart_reader.h"
 #include "commandline/answer.h"
+#include "core/settings.h"
 #include "digitizing/desk_view.h"
+#include "staging/lists/lists.h"
 
 namespace hyetex::cli {
 
@@ -42,6 +44,22 @@ struct DigitizeWords : FolderWords {
   std::string Journal;  ///< empty for none
 };
 Exit RunDigitize(const DigitizeWords& words);  // digitize_command.cpp
+/// The user of that name, or else the settings' last one.
+Result<std::string> FindUserName(const std::string& given, const Settings& settings,
+                                 const ReferenceLists& lists);
+
+struct AutotraceWords : FolderWords {
+  std::optional<int> Task, ChartType;
+  std::string Scan, Scans;  ///< one image, or a folder of them; empty for none
+  int Page = 0;
+  int Jobs = 0;  ///< at once; 0 for as many as there are processors
+  std::string User, Target, Report;
+  std::string Picture, Pictures;  ///< of one scan, or a folder for those of all
+  std::vector<double> Start;      ///< x and y of the page's bottom-left corner; empty where it is looked for
+  bool Doubtful = false;          ///< charts to review get their chart file as well
+  bool Again = false;             ///< charts whose journal is to be reviewed are traced anew
+};
+Exit RunAutotrace(const AutotraceWords& words);  // autotrace_command.cpp
 
 struct ShowWords : FolderWords {
   std::vector<std::string> Files;

@@ -25,16 +25,6 @@ struct Work {
   std::string TargetFolder;
 };
 
-Result<std::string> FindUserName(const DigitizeWords& words, const Settings& settings,
-                                 const ReferenceLists& lists) {
-  const auto last = settings.Read(setting::UserName);
-  if (!last) return last;
-  const std::string name = words.User.empty() ? *last : words.User;
-  const int user = FindUser(lists.Users, name);
-  if (user < 0) return Failure("There is no such user: \"" + ShownText(name) + "\"");
-  return lists.Users[static_cast<std::size_t>(user)].Name;
-}
-
 Result<Work> Prepare(const DigitizeWords& words) {
   const Settings settings(words.Folder);
   const std::string& folder = words.Folder;
@@ -44,7 +34,7 @@ Result<Work> Prepare(const DigitizeWords& words) {
   auto chart = ActivateChart(settings, *lists, words.Task, words.ChartType);
   if (!chart) return Failure(chart.error());
   for (const std::string& note : chart->Notes) Say(note);
-  auto user = FindUserName(words, settings, *lists);
+  auto user = FindUserName(words.User, settings, *lists);
   if (!user) return Failure(user.error());
   auto origin = OriginOfChart(*lists, chart->Task, *std::move(user));
   if (!origin) return Failure(origin.error());
@@ -111,6 +101,16 @@ Exit DigitizeJournal(const DigitizeWords& words, const Work& work) {
 }
 
 }  // namespace
+
+Result<std::string> FindUserName(const std::string& given, const Settings& settings,
+                                 const ReferenceLists& lists) {
+  const auto last = settings.Read(setting::UserName);
+  if (!last) return last;
+  const std::string name = given.empty() ? *last : given;
+  const int user = FindUser(lists.Users, name);
+  if (user < 0) return Failure("There is no such user: \"" + ShownText(name) + "\"");
+  return lists.Users[static_cast<std::size_t>(user)].Name;
+}
 
 Exit RunDigitize(const DigitizeWords& words) {
   const auto work = Prepare(words);

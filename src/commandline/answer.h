@@ -7,8 +7,9 @@
 
 namespace hyetex::commandline {
 
-/// A program's exit status: it is done, it could not be done, the words are off.
-enum Exit : int { Done = 0, Failed = 1, WordsOff = 2 };
+/// A program's exit status: it is done, it could not be done, the words are off, it is done and a person has
+/// to look at some of it.
+enum Exit : int { Done = 0, Failed = 1, WordsOff = 2, ToReview = 3 };
 
 /// What the words alone have led to: help or the version (Done), or what is off with them (WordsOff).
 struct Answer {

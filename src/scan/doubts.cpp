@@ -1,0 +1,252 @@
+#include "scan/doubts.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <opencv2/imgproc.hpp>
+
+#include "core/numbers.h"
+
+namespace hyetex {
+namespace {
+
+// Charges of the path; see PenCosts.
+constexpr float SureMargin = 25;  // the best other way costs so much more
+constexpr float LeastMargin = 6;  // below, the other way is almost as good
+constexpr float SureEmptying = 8;
+constexpr float SureInk = 0.45F;
+constexpr double BlankMm = 2.5;  // without ink
+constexpr double ShortBlankRainMm = 0.1;
+constexpr double TopOffMm = 2.5;  // of an emptying, from the usual top
+constexpr double HiddenMm = 60;
+constexpr double LevelMm = 0.5;
+constexpr double EndMm = 2;
+constexpr double LeastDepthOffMm = 0.3;
+constexpr double DepthOff = 0.05;  // of another gauge's sum
+constexpr double EndsWithinMm = 4;
+
+std::string Clock(double hour) {
+  const int minutes = static_cast<int>(std::lround(hour * 60));
+  char text[16];
+  std::snprintf(text, sizeof text, "%02d:%02d", minutes / 60 % 24, minutes % 60);
+  return text;
+}
+
+std::string Mm(double value) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.1f", value);
+  return text;
+}
+
+class Finder {
+ public:
+  explicit Finder(const DoubtQuestion& about) : about_(about), columns_(about.Path.Columns) {}
+
+  std::vector<TraceDoubt> Find() {
+    Ends();
+    Blanks();
+    OtherWays();
+    HiddenStretches();
+    Events();
+    std::stable_sort(doubts_.begin(), doubts_.end(),
+                     [](const TraceDoubt& a, const TraceDoubt& b) { return a.FromHour < b.FromHour; });
+    return std::move(doubts_);
+  }
+
+ private:
+  int Count() const { return static_cast<int>(columns_.size()); }
+  double Hour(int column) const {
+    return about_.Flat.AlongMm(about_.Path.FirstColumn + column) * about_.Wish.Paper.TimeScale;
+  }
+  std::string At(int column) const { return Clock(about_.Wish.StartHour + Hour(column)); }
+  double Rain(int rows) const { return rows / about_.Flat.PixelsPerMm * about_.Wish.Paper.DepthScale; }
+  // What the path rises between two columns, an emptying or a new start left out.
+  double RiseMm(int from, int past) const {
+    int rows = 0;
+    for (int i = from; i < past; ++i) {
+      const PathColumn& column = columns_[static_cast<std::size_t>(i)];
+      if (i > from && column.How == PathColumn::Come::Along)
+        rows += std::max(0, columns_[static_cast<std::size_t>(i) - 1].LeaveRow - column.EnterRow);
+      rows += std::max(0, column.EnterRow - column.LeaveRow);
+    }
+    return Rain(rows);
+  }
+  void Add(TraceDoubt::Kind kind, int from, int past, std::string why) {
+    doubts_.push_back({kind, std::max(0.0, Hour(from)), Hour(past), 0, -1, std::move(why)});
+  }
+
+  void Ends() {
+    const int within = static_cast<int>(EndsWithinMm * about_.Flat.PixelsPerMm);
+    const auto blank = FindBlanks(about_.Path, about_.Flat, EndsWithinMm);
+    if (!blank.empty() && blank.front().From <= within) {
+      Add(TraceDoubt::Kind::Start, 0, blank.front().Past,
+          "No ink is seen before " + At(blank.front().Past) + ": confirm where the line begins.");
+      firstInk_ = blank.front().Past;
+    }
+    if (!blank.empty() && blank.back().Past >= Count() - within && blank.back().Past > firstInk_) {
+      Add(TraceDoubt::Kind::End, blank.back().From, Count(),
+          "No ink is seen from " + At(blank.back().From) + " on: confirm where the line ends.");
+      lastInk_ = blank.back().From;
+    } else {
+      lastInk_ = Count();
+    }
+  }
+
+  void Blanks() {
+    for (const Blank& blank : FindBlanks(about_.Path, about_.Flat, BlankMm)) {
+      if (blank.Past <= firstInk_ || blank.From >= lastInk_) continue;
+      const double rise = RiseMm(blank.From, blank.Past);
+      Add(TraceDoubt::Kind::NoInk, blank.From, blank.Past,
+          "No ink is seen from " + At(blank.From) + " to " + At(blank.Past) +
+              (rise < ShortBlankRainMm ? "; the line is taken to run level."
+                                       : "; the line is taken to rise by " + Mm(rise) + " mm of rain."));
+    }
+    // Upright within a few columns nothing is blank for long, and millimetres may hang on it.
+    for (int i = 0; i < Count(); ++i) {
+      const PathColumn& column = columns_[static_cast<std::size_t>(i)];
+      if (Rain(column.EnterRow - column.LeaveRow) < 0.02 * UsualRain() ||
+          (column.Ink > 0.25F && column.Hidden < 0.6F))
+        continue;
+      Add(TraceDoubt::Kind::NoInk, std::max(0, i - 2), std::min(Count(), i + 3),
+          "A steep rise of " + Mm(Rain(column.EnterRow - column.LeaveRow)) + " mm at " + At(i) +
+              " has little ink of its own.");
+    }
+  }
+
+  double UsualRain() const { return about_.Reach.TopMm * about_.Wish.Paper.DepthScale; }
+
+  void OtherWays() {
+    // At its very ends the line may end anywhere.
+    const int ends = static_cast<int>(EndMm * about_.Flat.PixelsPerMm);
+    for (int i = ends; i < Count() - ends;) {
+      if (columns_[static_cast<std::size_t>(i)].Margin >= LeastMargin) {
+        ++i;
+        continue;
+      }
+      int past = i;
+      for (int j = i; j < Count() - ends && j - past < 24; ++j)
+        if (columns_[static_cast<std::size_t>(j)].Margin < LeastMargin) past = j + 1;
+      // A limb that may stand a little to the side is no other rain.
+      if (past - i >= ends / 2)
+        Add(TraceDoubt::Kind::OtherWay, i, past,
+            "Between " + At(i) + " and " + At(past) + " another way of the line fits almost as well.");
+      i = past;
+    }
+  }
+
+  void HiddenStretches() {
+    const int least = static_cast<int>(HiddenMm * about_.Flat.PixelsPerMm);
+    for (int i = 0; i < Count(); ++i) {
+      int past = i;
+      const int row = columns_[static_cast<std::size_t>(i)].EnterRow;
+      while (past < Count() && columns_[static_cast<std::size_t>(past)].Hidden > 0.8F &&
+             columns_[static_cast<std::size_t>(past)].Ink < 0.2F &&
+             std::abs(columns_[static_cast<std::size_t>(past)].LeaveRow - row) <
+                 LevelMm * about_.Flat.PixelsPerMm)
+        ++past;
+      if (past - i < least) continue;
+      Add(TraceDoubt::Kind::OtherWay, i, past,
+          "From " + At(i) + " to " + At(past) +
+              " the line is taken to lie on a printed one, which hides it.");
+      i = past;
+    }
+  }
+
+  float MarginAround(int column) const {
+    constexpr int Beside = 9;
+    return std::min(columns_[static_cast<std::size_t>(std::max(0, column - Beside))].Margin,
+                    columns_[static_cast<std::size_t>(std::min(Count() - 1, column + Beside))].Margin);
+  }
+
+  void Events() {
+    for (int i = 1; i < Count(); ++i) {
+      const PathColumn &column = columns_[static_cast<std::size_t>(i)],
+                       &before = columns_[static_cast<std::size_t>(i) - 1];
+      if (column.How == PathColumn::Come::Along) continue;
+      const int from = std::max(0, i - 8), past = std::min(Count(), i + 8);
+      if (column.How == PathColumn::Come::SetAnew) {
+        Add(TraceDoubt::Kind::SetAnew, from, past,
+            "At " + At(i) + " the line goes on at another height: confirm that the pen was set anew.");
+        continue;
+      }
+      const double top = about_.Flat.HeightMm(before.LeaveRow);
+      if (about_.Reach.UsualTopMm && std::abs(top - *about_.Reach.UsualTopMm) > TopOffMm)
+        Add(TraceDoubt::Kind::Emptying, from, past,
+            "The emptying at " + At(i) + " begins " + Mm(std::abs(top - *about_.Reach.UsualTopMm)) +
+                " mm of paper " + (top < *about_.Reach.UsualTopMm ? "below" : "above") + " the others.");
+      else if (MarginAround(i) < SureEmptying)
+        Add(TraceDoubt::Kind::Emptying, from, past, "Confirm the emptying at " + At(i) + ".");
+    }
+  }
+
+  const DoubtQuestion& about_;
+  const std::vector<PathColumn>& columns_;
+  std::vector<TraceDoubt> doubts_;
+  int firstInk_ = 0, lastInk_ = 0;
+};
+
+}  // namespace
+
+std::vector<float> ConfidenceOfColumns(const PenPath& path) {
+  std::vector<float> confidence;
+  confidence.reserve(path.Columns.size());
+  for (const PathColumn& column : path.Columns) {
+    const float ink = std::min(1.0F, std::max(column.Ink, 0.6F * column.Hidden * SureInk) / SureInk);
+    const float margin = std::clamp(column.Margin / SureMargin, 0.0F, 1.0F);
+    confidence.push_back(std::min(0.3F + 0.7F * ink, 0.2F + 0.8F * margin));
+  }
+  return confidence;
+}
+
+double ExplainedInk(const PenPath& path, std::span<const FallLine> falls, const FlatChart& flat,
+                    const PenInk& ink, const PenReach& reach) {
+  constexpr float Sure = 0.5F;
+  constexpr double LineMm = 8;
+  const int near = static_cast<int>(0.6 * flat.PixelsPerMm);
+  const int first = path.FirstColumn, past = first + static_cast<int>(path.Columns.size());
+  const int top = std::max(0, static_cast<int>(flat.Row(reach.TopMm)));
+  const int bottom = std::min(ink.Ink.rows, static_cast<int>(flat.Row(reach.FootMm - 1)));
+  // Lines alone: numbers and specks are not what was missed.
+  cv::Mat labels, boxes, middles;
+  cv::connectedComponentsWithStats(ink.Ink > Sure, labels, boxes, middles, 8, CV_32S);
+  const int longest = static_cast<int>(LineMm * flat.PixelsPerMm);
+  double all = 0, explained = 0;
+  for (int x = first; x < past; ++x) {
+    int high = ink.Ink.rows, low = 0;
+    bool fell = false;
+    for (int i = std::max(first, x - near); i <= std::min(past - 1, x + near); ++i) {
+      const PathColumn& column = path.Columns[static_cast<std::size_t>(i - first)];
+      high = std::min({high, column.EnterRow, column.LeaveRow});
+      low = std::max({low, column.EnterRow, column.LeaveRow});
+      fell = fell || column.How != PathColumn::Come::Along;
+    }
+    for (const FallLine& fall : falls) fell = fell || std::abs(fall.Column - x) <= near;
+    for (int y = top; y < bottom; ++y) {
+      const int label = labels.at<int>(y, x);
+      if (label == 0 || std::max(boxes.at<int>(label, cv::CC_STAT_WIDTH),
+                                 boxes.at<int>(label, cv::CC_STAT_HEIGHT)) < longest)
+        continue;
+      const double value = ink.Ink.at<float>(y, x);
+      all += value;
+      if (fell || (y >= high - near && y <= low + near)) explained += value;
+    }
+  }
+  return all > 0 ? explained / all : 0;
+}
+
+std::vector<TraceDoubt> DoubtsOfPath(const DoubtQuestion& about) { return Finder(about).Find(); }
+
+std::vector<TraceDoubt> DoubtsOfDepth(double rainMm, const TraceWish& wish) {
+  std::vector<TraceDoubt> doubts;
+  const auto compare = [&](float known, const std::string& how) {
+    if (!(known > 0) || std::abs(rainMm - known) <= std::max(LeastDepthOffMm, DepthOff * known)) return;
+    doubts.push_back({TraceDoubt::Kind::Chart, 0, wish.Hours, 0, -1,
+                      "The line gives " + Mm(rainMm) + " mm of rain, " + how + " gave " + Mm(known) +
+                          " mm: look for what is missing or too much."});
+  };
+  compare(wish.EyedDepth, "the eye");
+  compare(wish.GageDepth, "the gage");
+  return doubts;
+}
+
+}  // namespace hyetex

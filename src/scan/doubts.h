@@ -1,0 +1,31 @@
+// Which parts of a path are not to be believed, and why: in words that an operator can act on.
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "scan/path_points.h"
+#include "scan/scan_trace.h"
+
+namespace hyetex {
+
+/// How sure each column of a path is, 0 to 1: by its ink, and by how much the best other way costs more.
+std::vector<float> ConfidenceOfColumns(const PenPath& path);
+
+/// The share of the sheet's pen ink within the pen's reach that lies on the path or its falls.
+double ExplainedInk(const PenPath& path, std::span<const FallLine> falls, const FlatChart& flat,
+                    const PenInk& ink, const PenReach& reach);
+
+struct DoubtQuestion {
+  const PenPath& Path;
+  const FlatChart& Flat;
+  std::span<const FallLine> Falls;
+  const PenReach& Reach;
+  const TraceWish& Wish;
+};
+/// The doubts about a path's stretches, in order of time; their points are still none.
+std::vector<TraceDoubt> DoubtsOfPath(const DoubtQuestion& about);
+/// About the sum, where another one is known.
+std::vector<TraceDoubt> DoubtsOfDepth(double rainMm, const TraceWish& wish);
+
+}  // namespace hyetex

@@ -1,0 +1,83 @@
+// The upright lines of a falling pen. They are told apart from rain because the path pays for one fall, and
+// must not find ink to climb on in the line that the fall has left.
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "scan/pen_path.h"
+
+namespace hyetex {
+namespace {
+
+constexpr std::size_t Parts = 6;  // of the height, each of which must have some
+constexpr float LeastOfPart = 0.18F;
+constexpr float LeastClear = 0.25F;  // of the height, that the form does not hide
+constexpr double LeastSeen = 0.38;   // of the height, with ink
+constexpr int MostLean = 1;          // columns from foot to top
+constexpr double ApartMm = 0.6;      // of two lines
+constexpr float Darkest = 0.7F;      // ink counts no more than this
+
+}  // namespace
+
+std::vector<FallLine> FindFallLines(const FlatChart& flat, const PenInk& ink, const PenReach& reach) {
+  const int top = std::clamp(static_cast<int>(flat.Row(reach.LeastTopMm)), 0, ink.Ink.rows - 1);
+  const int bottom = std::clamp(static_cast<int>(flat.Row(reach.FootMm + 3)), top, ink.Ink.rows - 1);
+  const int columns = ink.Ink.cols, rows = bottom - top + 1;
+  if (rows < 16) return {};
+  // Of every place, the most ink within a column to each side.
+  cv::Mat wide(rows, columns, CV_32F), seen(rows, columns, CV_32F);
+  for (int row = 0; row < rows; ++row) {
+    const auto *from = ink.Ink.ptr<float>(top + row), *hidden = ink.Hidden.ptr<float>(top + row);
+    auto *to = wide.ptr<float>(row), *clear = seen.ptr<float>(row);
+    for (int x = 0; x < columns; ++x) {
+      const float most = std::max({from[std::max(0, x - 1)], from[x], from[std::min(columns - 1, x + 1)]});
+      to[x] = std::min(most, Darkest) / Darkest;
+      clear[x] = 1 - hidden[x];
+    }
+  }
+  std::vector<FallLine> lines(static_cast<std::size_t>(columns));
+  std::array<std::vector<float>, Parts> sum, weight;
+  for (int lean = -MostLean; lean <= MostLean; ++lean) {
+    for (std::size_t part = 0; part < Parts; ++part) {
+      sum[part].assign(static_cast<std::size_t>(columns), 0);
+      weight[part].assign(static_cast<std::size_t>(columns), 0);
+    }
+    for (int row = 0; row < rows; row += 2) {
+      const int shift = static_cast<int>(std::lround(lean * (0.5 - (row + 0.5) / rows)));
+      const auto part =
+          std::min(Parts - 1, static_cast<std::size_t>(row) * Parts / static_cast<std::size_t>(rows));
+      const auto *value = wide.ptr<float>(row), *clear = seen.ptr<float>(row);
+      for (int x = std::max(0, -shift); x < std::min(columns, columns - shift); ++x) {
+        sum[part][static_cast<std::size_t>(x)] += value[x + shift] * clear[x + shift];
+        weight[part][static_cast<std::size_t>(x)] += clear[x + shift];
+      }
+    }
+    for (std::size_t x = 0; x < lines.size(); ++x) {
+      float all = 0, clear = 0, weakest = 1;
+      for (std::size_t part = 0; part < Parts; ++part) {
+        all += sum[part][x];
+        clear += weight[part][x];
+        if (weight[part][x] > LeastClear * static_cast<float>(rows) / 2 / Parts)
+          weakest = std::min(weakest, sum[part][x] / weight[part][x]);
+      }
+      if (clear < LeastClear * static_cast<float>(rows) / 2 || weakest < LeastOfPart) continue;
+      const double share = all / clear - 0.01 * std::abs(lean);
+      if (share > lines[x].Seen) lines[x] = {static_cast<int>(x), static_cast<double>(lean), share};
+    }
+  }
+  std::vector<FallLine> found;
+  const int apart = static_cast<int>(ApartMm * flat.PixelsPerMm);
+  for (int x = 0; x < columns; ++x) {
+    const FallLine& line = lines[static_cast<std::size_t>(x)];
+    if (line.Seen < LeastSeen) continue;
+    bool best = true;
+    for (int near = std::max(0, x - apart); best && near <= std::min(columns - 1, x + apart); ++near) {
+      const double other = lines[static_cast<std::size_t>(near)].Seen;
+      best = other < line.Seen || (other == line.Seen && near >= x);
+    }
+    if (best) found.push_back(line);
+  }
+  return found;
+}
+
+}  // namespace hyetex

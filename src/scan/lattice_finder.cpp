@@ -1,0 +1,331 @@
+// How the grid of a scan is found: its scale by the spectra of its lines, its shape by their phases, and then
+// which line is which.
+#include <algorithm>
+#include <cmath>
+#include <opencv2/imgproc.hpp>
+
+#include "core/numbers.h"
+#include "scan/grid_scale.h"
+#include "scan/line_fitter.h"
+
+namespace hyetex {
+namespace {
+
+constexpr double MostPixelsPerMm = 10;  // lines are fitted no finer than this
+constexpr double LeastClear = 0.5;      // of the picture, that follows the fitted lines
+constexpr double PresentShare = 0.35;   // of what a line usually has over its surroundings
+constexpr int MostMissing = 2;          // lines one after the other, within the grid
+constexpr int FewestTogether = 4;       // lines on either side of missing ones
+// The header with the printed hours has so much more print than the foot; below, a sheet stands on its head.
+constexpr double HeaderIsAbove = 0.75;
+constexpr double MajorsStandOut = 0.10;
+
+// How much more ink lies on a printed line than beside it.
+struct Lines {
+  int First = 0;
+  std::vector<double> Ink;
+
+  int Last() const { return First + static_cast<int>(Ink.size()) - 1; }
+  double At(int line) const {
+    return line < First || line > Last() ? 0 : Ink[static_cast<std::size_t>(line - First)];
+  }
+};
+
+struct Run {
+  int First = 0, Last = -1;
+};
+
+// The longest row of lines that are there. Some may be missing in its middle, not at its ends: a frame around
+// the band is no line of it.
+Run LongestRun(const Lines& lines) {
+  std::vector<double> sorted = lines.Ink;
+  std::sort(sorted.begin(), sorted.end());
+  const double least = PresentShare * sorted[sorted.size() * 2 / 3];
+  std::vector<Run> runs;
+  for (int line = lines.First; line <= lines.Last(); ++line) {
+    if (!(lines.At(line) > least)) continue;
+    if (runs.empty() || runs.back().Last != line - 1) runs.push_back({line, line - 1});
+    runs.back().Last = line;
+  }
+  const auto isLong = [](const Run& run) { return run.Last - run.First + 1 >= FewestTogether; };
+  Run best, run;
+  for (const Run& next : runs) {
+    if (!isLong(next)) continue;
+    if (run.Last >= run.First && next.First - run.Last <= MostMissing + 1)
+      run.Last = next.Last;
+    else
+      run = next;
+    if (run.Last - run.First > best.Last - best.First) best = run;
+  }
+  return best;
+}
+
+// From the first line that is surely there to the last: where only the heavy ones are left.
+Run AllLines(const Lines& lines) {
+  std::vector<double> sorted = lines.Ink;
+  std::sort(sorted.begin(), sorted.end());
+  const double least = 0.5 * sorted[sorted.size() * 19 / 20];
+  Run run{lines.Last(), lines.First};
+  for (int line = lines.First; line <= lines.Last(); ++line) {
+    if (!(lines.At(line) > least)) continue;
+    run.First = std::min(run.First, line);
+    run.Last = line;
+  }
+  return run;
+}
+
+struct Majors {
+  int Every = 1, Class = 0;
+  double StandOut = 0;
+};
+
+// Which lines, folded by how many stand from one heavy one to the next, are the heavy ones.
+Majors FoldLines(const Lines& lines, const Run& run, std::initializer_list<int> everies) {
+  Majors best;
+  for (const int every : everies) {
+    if (run.Last - run.First < 2 * every) continue;
+    std::vector<double> sums(static_cast<std::size_t>(every)), counts(sums);
+    for (int line = run.First; line <= run.Last; ++line) {
+      const auto fold = static_cast<std::size_t>((line % every + every) % every);
+      sums[fold] += lines.At(line);
+      counts[fold] += 1;
+    }
+    double all = 0;
+    std::size_t heavy = 0;
+    for (std::size_t i = 0; i < sums.size(); ++i) {
+      sums[i] /= counts[i];
+      all += sums[i];
+      if (sums[i] > sums[heavy]) heavy = i;
+    }
+    const double others = every == 1 ? 0 : (all - sums[heavy]) / (every - 1);
+    const double standOut = every == 1 ? 0 : sums[heavy] / std::max(1e-9, others) - 1;
+    if (standOut > best.StandOut) best = {every, static_cast<int>(heavy), standOut};
+  }
+  return best;
+}
+
+}  // namespace
+
+class LatticeFinder {
+ public:
+  LatticeFinder(const ScanImage& image, const PageSpan& page, const GridScale& scale)
+      : image_(image), page_(page), scale_(scale) {
+    lattice_.page_ = page;
+    lattice_.acrossMm_ = scale.AcrossMm;
+    lattice_.upMm_ = scale.UpMm;
+    lattice_.pixelsPerMm_ = scale.PixelsPerMm;
+  }
+
+  /// `overHead`: as if the scan stood on its head.
+  Result<Lattice> Find(bool overHead) {
+    overHead_ = overHead;
+    lattice_.doubts_.clear();
+    Picture();
+    const LineFitter fitter(ink_);
+    const auto depths = fitter.FitLines(scale_.UpMm * scale_.UpPixelsPerMm / step_, false, {});
+    if (depths.Clear < LeastClear) return NoGrid("depths");
+    lattice_.depths_ = depths.Field;
+    FindBand();
+    const auto hours = fitter.FitLines(scale_.AcrossMm * scale_.AcrossPixelsPerMm / step_, true, Leads());
+    if (hours.Clear < LeastClear) return NoGrid("hours");
+    lattice_.hours_ = hours.Field;
+    lattice_.residualMm_ = std::max(hours.ResidualPx, depths.ResidualPx) * step_ / scale_.PixelsPerMm;
+    if (const auto found = FindStart(); !found) return Failure(found.error());
+    return lattice_;
+  }
+
+  /// Print about the band's top for that about its bottom edge.
+  double HeaderShare() const {
+    constexpr double Inside = 5, Outside = 9;
+    const double band = lattice_.bandMm_;
+    return Words(band - Inside, band + Outside) / std::max(1.0, Words(-Outside, Inside));
+  }
+
+ private:
+  static tl::unexpected<std::string> NoGrid(const std::string& what) {
+    return Failure("the printed lines of the " + what +
+                   " are not clear enough to be followed over the sheet");
+  }
+
+  // The image as it stands upright, as ink.
+  void Picture() {
+    step_ = std::max(1.0, scale_.PixelsPerMm / MostPixelsPerMm);
+    const double w = image_.Width(), h = image_.Height(), s = step_;
+    const bool upright = scale_.Upright;
+    const cv::Size size(static_cast<int>((upright ? w : h) / s), static_cast<int>((upright ? h : w) / s));
+    // Where the picture's corner and the steps to the right and down lie in the image.
+    constexpr double cosine[] = {1, 0, -1, 0}, sine[] = {0, 1, 0, -1};
+    const int quarters = (upright ? 0 : 1) + (overHead_ ? 2 : 0);
+    const double c = cosine[quarters] * s, d = sine[quarters] * s;
+    const double left = quarters == 2 || quarters == 3 ? w : 0, top = quarters == 1 || quarters == 2 ? h : 0;
+    const cv::Mat colours = RenderColours(image_, {left, top, c, -d, d, c}, size);
+    lattice_.toImage_ = {c, d, left, -d, c, top};
+    const double square = s * s;
+    lattice_.toPicture_ = {c / square, -d / square, (d * top - c * left) / square,
+                           d / square, c / square,  -(d * left + c * top) / square};
+    ink_.create(colours.size(), CV_32F);
+    for (int y = 0; y < colours.rows; ++y) {
+      const auto* from = colours.ptr<cv::Vec3b>(y);
+      auto* to = ink_.ptr<float>(y);
+      for (int x = 0; x < colours.cols; ++x)
+        to[x] = 1 - static_cast<float>(std::min({from[x][0], from[x][1], from[x][2]})) / 255;
+    }
+  }
+
+  // On an arc chart, how many lines of the hours a place's number has more than on a straight one.
+  cv::Mat Leads() const {
+    if (ArcLeadMm(page_.Paper, page_.Paper.ChartHeightMm / 2) <= 0) return {};
+    constexpr int Apart = 32;
+    cv::Mat coarse(ink_.rows / Apart + 1, ink_.cols / Apart + 1, CV_32F), leads;
+    for (int y = 0; y < coarse.rows; ++y)
+      for (int x = 0; x < coarse.cols; ++x) {
+        const double up = -lattice_.depths_.At((x + 0.5) * Apart, (y + 0.5) * Apart) * lattice_.upMm_;
+        coarse.at<float>(y, x) = static_cast<float>(ArcLeadMm(page_.Paper, up) / lattice_.acrossMm_);
+      }
+    cv::resize(coarse, leads, {coarse.cols * Apart, coarse.rows * Apart}, 0, 0, cv::INTER_LINEAR);
+    return leads(cv::Rect(0, 0, ink_.cols, ink_.rows)).clone();
+  }
+
+  double InkAround(double x, double y) const {
+    const int column = static_cast<int>(x), row = static_cast<int>(y);
+    if (column < 1 || row < 1 || column + 1 >= ink_.cols || row + 1 >= ink_.rows) return -1;
+    double sum = 0;
+    for (int i = -1; i <= 1; ++i)
+      for (int j = -1; j <= 1; ++j) sum += ink_.at<float>(row + i, column + j);
+    return sum / 9;
+  }
+
+  // `place` takes a share of the way along a line, and the line's number.
+  template <typename Place>
+  Lines Measure(double middle, double half, const Place& place) const {
+    constexpr int Samples = 300, Fewest = 24;
+    Lines lines{static_cast<int>(std::floor(middle - half)), {}};
+    for (int line = lines.First; line <= std::ceil(middle + half); ++line) {
+      double sum = 0;
+      int count = 0;
+      const auto inkAt = [&](double share, double number) {
+        const cv::Point2d at = place(share, number);
+        return InkAround(at.x, at.y);
+      };
+      for (int i = 0; i < Samples; ++i) {
+        const double share = (i + 0.5) / Samples, on = inkAt(share, line);
+        if (on < 0) continue;
+        const double before = inkAt(share, line - 0.5), behind = inkAt(share, line + 0.5);
+        sum += on - (before < 0 || behind < 0 ? std::max({before, behind, 0.0}) : (before + behind) / 2);
+        ++count;
+      }
+      lines.Ink.push_back(count < Fewest ? 0 : sum / count);
+    }
+    return lines;
+  }
+
+  // How much is printed between two heights beside lines: numbers and words, told by their edges, since the
+  // scanner's bed may be dark.
+  double Words(double fromMm, double toMm) const {
+    const double width = page_.Hours / page_.Paper.TimeScale, apart = 0.12;
+    double sum = 0;
+    for (double up = fromMm; up < toMm; up += 0.37) {
+      double before = -1;
+      for (double along = 0; along < width; along += apart) {
+        const cv::Point2d at = lattice_.ToPicture({along, up});
+        const double ink = InkAround(at.x, at.y);
+        if (ink >= 0 && before >= 0) sum += std::abs(ink - before);
+        before = ink;
+      }
+    }
+    return sum;
+  }
+
+  // The lines of the depths that are there: from the band's bottom edge to its top.
+  void FindBand() {
+    LineField& depths = lattice_.depths_;
+    const auto place = [&](double share, double number) {
+      const double x = (0.04 + 0.92 * share) * ink_.cols;
+      double y = ink_.rows / 2.0;
+      for (int i = 0; i < 6; ++i) y += (number - depths.At(x, y)) * depths.Period();
+      return cv::Point2d(x, y);
+    };
+    const double middle = depths.At(ink_.cols / 2.0, ink_.rows / 2.0),
+                 half = ink_.rows / 2.0 / depths.Period();
+    const Lines lines = Measure(middle, half, place);
+    const Run run = LongestRun(lines);
+    depths.Shift(-run.Last);
+    lattice_.bandMm_ = (run.Last - run.First) * lattice_.upMm_;
+  }
+
+  Result<void> FindStart() {
+    LineField& hours = lattice_.hours_;
+    const double band = lattice_.bandMm_ / lattice_.upMm_;
+    const auto place = [&](double share, double number) {
+      const double depth = -share * band;
+      const double lead = ArcLeadMm(page_.Paper, share * lattice_.bandMm_) / lattice_.acrossMm_;
+      cv::Point2d at{ink_.cols / 2.0, ink_.rows / 2.0};
+      for (int i = 0; i < 6; ++i) {
+        at.x += (number - lead - hours.At(at.x, at.y)) * hours.Period();
+        at.y += (depth - lattice_.depths_.At(at.x, at.y)) * lattice_.depths_.Period();
+      }
+      return at;
+    };
+    const double middle = hours.At(ink_.cols / 2.0, ink_.rows / 2.0), half = ink_.cols / 2.0 / hours.Period();
+    const Lines lines = Measure(middle, half, place);
+    const double lineHours = lattice_.acrossMm_ * page_.Paper.TimeScale;
+    Run run = LongestRun(lines);
+    if (run.Last - run.First < page_.Hours / lineHours) run = AllLines(lines);
+    const int inAnHour = static_cast<int>(std::lround(1 / lineHours));
+    const Majors majors =
+        inAnHour > 1 ? FoldLines(lines, run, {inAnHour}) : FoldLines(lines, run, {2, 3, 4, 6, 12, 24});
+    const bool sure = majors.StandOut > MajorsStandOut;
+    const double after = std::fmod(page_.StartHour, majors.Every * lineHours) / lineHours;
+    const double length = page_.Hours / lineHours;
+    const double spare = run.Last - run.First - length;
+    if (spare < -0.12 * length)
+      return Failure("the printed grid is too short for the chart's " + ShortText(page_.Hours) + " hours");
+    std::vector<double> starts;
+    for (int line = run.First - majors.Every; line <= run.Last; ++line) {
+      if ((line % majors.Every + majors.Every) % majors.Every != majors.Class) continue;
+      const double start = line + after;
+      const double allowed = 1.2 + std::max(0.0, -spare);
+      if (start >= run.First - allowed && start + length <= run.Last + allowed) starts.push_back(start);
+    }
+    // Of several, the one that leaves as much of the grid on the left as on the right.
+    const double middleStart = (run.First + run.Last - length) / 2;
+    std::sort(starts.begin(), starts.end(), [&](double one, double other) {
+      return std::abs(one - middleStart) < std::abs(other - middleStart);
+    });
+    if (starts.empty()) starts.push_back(run.First + std::max(0.0, spare / 2));
+    if (starts.size() != 1 || !sure || spare < -1.5)
+      lattice_.doubts_.push_back(
+          "The printed hours do not tell by themselves where the chart starts. It is taken to "
+          "start " +
+          ShortText(std::round((starts.front() - run.First) * lattice_.acrossMm_)) +
+          " mm behind the grid's left edge: confirm the hour.");
+    hours.Shift(-starts.front());
+    return {};
+  }
+
+  const ScanImage& image_;
+  const PageSpan& page_;
+  const GridScale& scale_;
+  Lattice lattice_;
+  bool overHead_ = false;
+  cv::Mat ink_;
+  double step_ = 1;
+};
+
+Result<Lattice> Lattice::Find(const ScanImage& image, const PageSpan& page) {
+  const auto scale = ScaleByGrid(image, page.Paper, page.Hours);
+  if (!scale)
+    return Failure("no printed grid with the lines of the chart type \"" + page.Paper.Name +
+                   "\" stands out in the image");
+  LatticeFinder finder(image, page, *scale);
+  auto lattice = finder.Find(false);
+  if (!lattice) return lattice;
+  const double share = finder.HeaderShare();
+  if (share > 1 / HeaderIsAbove) return lattice;
+  auto turned = finder.Find(true);
+  if (turned && share > HeaderIsAbove)
+    lattice->doubts_.emplace_back("The scan may stand on its head: confirm which side is up.");
+  return share > HeaderIsAbove || !turned ? lattice : turned;
+}
+
+}  // namespace hyetex

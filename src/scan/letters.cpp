@@ -1,0 +1,54 @@
+#include "scan/letters.h"
+
+#include <algorithm>
+#include <cmath>
+#include <opencv2/imgproc.hpp>
+#include <vector>
+
+namespace hyetex {
+namespace {
+
+constexpr double InkFrom = 0.3;
+constexpr double LeastMm = 1.0, MostMm = 7.0;  // of a letter's height
+constexpr double MostWordMm = 40;
+constexpr double MuchStroke = 1.5;  // the strokes' length, for 1 of a line through their box
+constexpr double AroundMm = 0.3;
+
+}  // namespace
+
+void TakeOutLetters(PenInk& ink, double pixelsPerMm) {
+  cv::Mat inked = ink.Ink > InkFrom, labels, boxes, middles, depth;
+  const int count = cv::connectedComponentsWithStats(inked, labels, boxes, middles, 8, CV_32S);
+  cv::distanceTransform(inked, depth, cv::DIST_L2, 3);
+  std::vector<float> thick(static_cast<std::size_t>(count), 0);
+  for (int y = 0; y < labels.rows; ++y) {
+    const auto* label = labels.ptr<int>(y);
+    const auto* deep = depth.ptr<float>(y);
+    for (int x = 0; x < labels.cols; ++x) {
+      float& most = thick[static_cast<std::size_t>(label[x])];
+      most = std::max(most, deep[x]);
+    }
+  }
+  cv::Mat taken = cv::Mat::zeros(inked.size(), CV_8U);
+  for (int i = 1; i < count; ++i) {
+    const double width = boxes.at<int>(i, cv::CC_STAT_WIDTH) / pixelsPerMm,
+                 height = boxes.at<int>(i, cv::CC_STAT_HEIGHT) / pixelsPerMm;
+    if (std::min(width, height) < LeastMm || std::max(width, height) > MostWordMm || height > MostMm)
+      continue;
+    const double area = boxes.at<int>(i, cv::CC_STAT_AREA) / pixelsPerMm / pixelsPerMm;
+    // Where strokes run together they look thicker than they are.
+    const double stroke = std::clamp(2.0 * thick[static_cast<std::size_t>(i)] / pixelsPerMm, 0.3, 0.7);
+    if (area / stroke < MuchStroke * std::hypot(width, height)) continue;
+    const cv::Rect box(boxes.at<int>(i, cv::CC_STAT_LEFT), boxes.at<int>(i, cv::CC_STAT_TOP),
+                       boxes.at<int>(i, cv::CC_STAT_WIDTH), boxes.at<int>(i, cv::CC_STAT_HEIGHT));
+    cv::Mat part = taken(box);
+    part.setTo(255, labels(box) == i);
+  }
+  const int around = 2 * static_cast<int>(std::lround(AroundMm * pixelsPerMm)) + 1;
+  cv::dilate(taken, taken, cv::getStructuringElement(cv::MORPH_ELLIPSE, {around, around}));
+  ink.Ink.setTo(0, taken);
+  ink.Raw.setTo(0, taken);
+  ink.Hidden.setTo(1, taken);
+}
+
+}  // namespace hyetex

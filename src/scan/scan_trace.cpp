@@ -1,0 +1,243 @@
+#include "scan/scan_trace.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include "scan/doubts.h"
+#include "scan/letters.h"
+#include "scan/path_points.h"
+#include "scan/scan_scale.h"
+
+namespace hyetex {
+namespace {
+
+constexpr double MarginMm = 4;          // of paper around what is traced, for what looks around a place
+constexpr double WithinMm = 0.15;       // of the path: half a pen's width
+constexpr double GapHours = 0.75;       // without ink, from which on it is told as a gap
+constexpr double LeastContrast = 0.05;  // of a pen against its paper
+constexpr double LeastExplained = 0.3, SureExplained = 0.75;
+constexpr double LeastOnLine = 0.15;  // ink on the line, where the form does not hide it
+constexpr double ScaleOff = 0.06;     // of the file's own resolution: more than paper shrinks
+constexpr double FallHalfMm = 0.36;
+constexpr double SureFall = 0.4;  // of a fall's line is seen: it is taken out of the ink
+constexpr double FirstLeastTop = 0.7, LeastTop = 0.88;  // of the reach, of the usual top
+
+std::string Dpi(double pixelsPerMm) { return std::to_string(std::lround(pixelsPerMm * MmPerInch)); }
+
+// The line that a fall has left is no ink to climb on, and hides what lies under it.
+void TakeOutFalls(PenInk& ink, const FlatChart& flat, std::span<const FallLine> falls,
+                  const PenReach& reach) {
+  const int top = std::clamp(static_cast<int>(flat.Row(reach.TopMm)), 0, ink.Ink.rows - 1);
+  const int bottom = std::clamp(static_cast<int>(flat.Row(reach.FootMm - 1)), top, ink.Ink.rows - 1);
+  const int half = static_cast<int>(std::lround(FallHalfMm * flat.PixelsPerMm));
+  for (const FallLine& fall : falls) {
+    if (fall.Seen < SureFall) continue;
+    for (int row = top; row <= bottom; ++row) {
+      const double share = (row - top + 0.5) / (bottom - top + 1);
+      const int middle = static_cast<int>(std::lround(fall.Column + fall.Lean * (0.5 - share)));
+      for (int x = std::max(0, middle - half); x <= std::min(ink.Ink.cols - 1, middle + half); ++x) {
+        ink.Ink.at<float>(row, x) = 0;
+        ink.Hidden.at<float>(row, x) = 1;
+      }
+    }
+  }
+}
+
+std::optional<double> Median(std::vector<double> values) {
+  if (values.empty()) return std::nullopt;
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+double RainOf(std::span<const ScanPoint> points, const ChartTypeRecord& paper) {
+  if (paper.ChartMethod == static_cast<std::int16_t>(ChartMethod::TippingBucket)) return 0;
+  const bool falls = paper.ChartMethod == static_cast<std::int16_t>(ChartMethod::NonLinear);
+  double mm = 0;
+  for (std::size_t i = 1; i < points.size(); ++i) {
+    if (points[i].How != ScanPoint::Step::Along) continue;
+    const double rise = points[i].HeightMm - points[i - 1].HeightMm;
+    mm += falls ? std::abs(rise) : std::max(0.0, rise);
+  }
+  return mm * paper.DepthScale;
+}
+
+}  // namespace
+
+std::string VerdictText(TraceVerdict verdict) {
+  return verdict == TraceVerdict::Clean      ? "clean"
+         : verdict == TraceVerdict::ToReview ? "to review"
+                                             : "not traced";
+}
+
+struct ScanTracer::Data {
+  TraceWish Wish;
+  Lattice Grid;
+  FlatChart Flat;
+  PenInk Ink;
+  std::vector<FallLine> Falls;
+  PenReach Reach;
+  PenCosts Costs;
+  int First = 0, Past = 0;  // columns of the page
+  std::optional<double> FilePixelsPerMm;
+
+  bool IsLinear() const { return Wish.Paper.ChartMethod == static_cast<std::int16_t>(ChartMethod::Linear); }
+  PenPath Path(int first, int past, const PathEnds& ends) const {
+    return FindPenPath(Flat, Ink, Falls, Reach, Costs, first, past, ends);
+  }
+  // Where the instrument empties and the pen comes down is learned from the chart's own falls.
+  void LearnReach() {
+    const PenPath path = Path(First, Past, {});
+    std::vector<double> tops, feet;
+    for (std::size_t i = 1; i < path.Columns.size(); ++i) {
+      if (path.Columns[i].How != PathColumn::Come::Emptied) continue;
+      tops.push_back(Flat.HeightMm(path.Columns[i - 1].LeaveRow));
+      feet.push_back(Flat.HeightMm(path.Columns[i].EnterRow));
+    }
+    Reach.UsualTopMm = Median(tops);
+    if (Reach.UsualTopMm) Reach.LeastTopMm = std::max(Reach.LeastTopMm, LeastTop * *Reach.UsualTopMm);
+    if (const auto foot = Median(feet)) Reach.FootMm = *foot;
+  }
+  ScanTrace Told(const PenPath& path) const;
+};
+
+ScanTrace ScanTracer::Data::Told(const PenPath& path) const {
+  ScanTrace trace;
+  trace.PixelsPerMm = Grid.PixelsPerMm();
+  const std::vector<Blank> gaps = FindBlanks(path, Flat, GapHours / Wish.Paper.TimeScale);
+  const std::vector<float> sure = ConfidenceOfColumns(path);
+  std::size_t column = 0;
+  for (const PathPoint& point : PointsOfPath(path, Flat, Ink, Falls, gaps, WithinMm)) {
+    ScanPoint told{static_cast<ScanPoint::Step>(point.How), point.AlongMm, point.HeightMm, 0, 0, 1};
+    const cv::Point2d place = Grid.ToImage({point.AlongMm, point.HeightMm});
+    told.X = place.x;
+    told.Y = place.y;
+    for (; column <= static_cast<std::size_t>(point.Column) && column < sure.size(); ++column)
+      told.Confidence = std::min(told.Confidence, sure[column]);
+    if (point.How == PathPoint::Step::Drop)
+      trace.EmptyingHours.push_back(point.AlongMm * Wish.Paper.TimeScale);
+    trace.Points.push_back(told);
+  }
+  trace.RainMm = RainOf(trace.Points, Wish.Paper);
+  trace.InkExplained = ExplainedInk(path, Falls, Flat, Ink, Reach);
+
+  const auto chart = [&](std::string why) {
+    trace.Doubts.push_back({TraceDoubt::Kind::Chart, 0, Wish.Hours, 0, -1, std::move(why)});
+  };
+  double onLine = 0, seen = 1e-9;
+  for (const PathColumn& at : path.Columns) {
+    onLine += at.Ink * (1 - at.Hidden);
+    seen += 1 - at.Hidden;
+  }
+  if (Ink.Contrast < LeastContrast || onLine / seen < LeastOnLine || trace.InkExplained < LeastExplained) {
+    trace.Points.clear();
+    trace.EmptyingHours.clear();
+    trace.RainMm = 0;
+    chart("No pen line stands out from the printed form.");
+    return trace;
+  }
+  if (FilePixelsPerMm && std::abs(Grid.PixelsPerMm() / *FilePixelsPerMm - 1) > ScaleOff)
+    chart("The printed grid lies as on a scan of " + Dpi(Grid.PixelsPerMm()) + " dpi, the file says " +
+          Dpi(*FilePixelsPerMm) + ": confirm the chart type \"" + Wish.Paper.Name + "\".");
+  for (const std::string& doubt : Grid.Doubts()) chart(doubt);
+  if (trace.InkExplained < SureExplained)
+    chart("There is ink on the chart that the line does not explain: another line, or one that was missed.");
+  for (TraceDoubt& doubt : DoubtsOfDepth(trace.RainMm, Wish)) trace.Doubts.push_back(std::move(doubt));
+  for (TraceDoubt& doubt : DoubtsOfPath({path, Flat, Falls, Reach, Wish}))
+    trace.Doubts.push_back(std::move(doubt));
+  for (TraceDoubt& doubt : trace.Doubts) {
+    if (doubt.What == TraceDoubt::Kind::Chart) continue;
+    const auto hour = [&](const ScanPoint& point) { return point.AlongMm * Wish.Paper.TimeScale; };
+    const auto from = std::find_if(trace.Points.begin(), trace.Points.end(),
+                                   [&](const ScanPoint& point) { return hour(point) > doubt.FromHour; });
+    const auto past = std::find_if(from, trace.Points.end(),
+                                   [&](const ScanPoint& point) { return hour(point) >= doubt.ToHour; });
+    doubt.FirstPoint = std::max(0, static_cast<int>(from - trace.Points.begin()) - 1);
+    doubt.LastPoint =
+        std::min(static_cast<int>(trace.Points.size()) - 1, static_cast<int>(past - trace.Points.begin()));
+  }
+  // A tenth of the way may be weak without the sum hanging on it.
+  std::vector<float> sorted = sure;
+  std::sort(sorted.begin(), sorted.end());
+  trace.Confidence = sorted.empty() ? 0 : sorted[sorted.size() / 10];
+  trace.Verdict = trace.Doubts.empty() ? TraceVerdict::Clean : TraceVerdict::ToReview;
+  return trace;
+}
+
+ScanTracer::ScanTracer(std::unique_ptr<Data> data) : data_(std::move(data)) {}
+ScanTracer::ScanTracer(ScanTracer&&) noexcept = default;
+ScanTracer& ScanTracer::operator=(ScanTracer&&) noexcept = default;
+ScanTracer::~ScanTracer() = default;
+
+Result<ScanTracer> ScanTracer::Open(const ScanImage& image, const TraceWish& wish) {
+  if (!(wish.Hours > 0) || !(wish.Paper.TimeScale > 0) || !(wish.Paper.DepthScale > 0))
+    return Failure("the chart has no length, or its chart type no scales");
+  if (wish.Paper.ChartMethod != static_cast<std::int16_t>(ChartMethod::Linear))
+    return Failure("only charts of a straight pen are traced by themselves yet");
+  auto lattice = Lattice::Find(image, {wish.Paper, wish.StartHour, wish.Hours});
+  if (!lattice) return Failure(lattice.error());
+  if (wish.Start) lattice->StartAt({wish.Start->X, wish.Start->Y});
+  auto data = std::make_unique<Data>();
+  data->Wish = wish;
+  data->FilePixelsPerMm = image.PixelsPerMm();
+  data->Costs = PenCosts::For(static_cast<ChartMethod>(wish.Paper.ChartMethod));
+  PenReach& reach = data->Reach;
+  // The chart type's height is the page's, which may be printed higher or lower than the band.
+  reach.TopMm = lattice->BandMm();
+  if (wish.Paper.ChartHeightMm > 0.5F * static_cast<float>(reach.TopMm))
+    reach.TopMm = std::min(reach.TopMm, static_cast<double>(wish.Paper.ChartHeightMm) + 0.5);
+  reach.LeastTopMm = FirstLeastTop * reach.TopMm;
+  reach.Empties = data->IsLinear();
+  const double pageMm = wish.Hours / wish.Paper.TimeScale;
+  data->Flat = LayFlat(image, *lattice, {-MarginMm, pageMm + MarginMm, -MarginMm, reach.TopMm + MarginMm});
+  data->Ink = FindPenInk(data->Flat);
+  TakeOutLetters(data->Ink, data->Flat.PixelsPerMm);
+  if (data->IsLinear()) {
+    data->Falls = FindFallLines(data->Flat, data->Ink, reach);
+    TakeOutFalls(data->Ink, data->Flat, data->Falls, reach);
+  }
+  data->First = static_cast<int>(std::lround(data->Flat.Column(0)));
+  data->Past = static_cast<int>(std::lround(data->Flat.Column(pageMm))) + 1;
+  data->Grid = *std::move(lattice);
+  if (data->IsLinear()) data->LearnReach();
+  return ScanTracer(std::move(data));
+}
+
+ScanTrace ScanTracer::Trace() const { return data_->Told(data_->Path(data_->First, data_->Past, {})); }
+
+ScanTrace ScanTracer::Between(double fromHour, double fromHeightMm, double toHour, double toHeightMm) const {
+  const FlatChart& flat = data_->Flat;
+  const double scale = data_->Wish.Paper.TimeScale;
+  const int first =
+      std::clamp(static_cast<int>(std::lround(flat.Column(fromHour / scale))), data_->First, data_->Past - 2);
+  const int past =
+      std::clamp(static_cast<int>(std::lround(flat.Column(toHour / scale))) + 1, first + 2, data_->Past);
+  const PathEnds ends{static_cast<int>(std::lround(flat.Row(fromHeightMm))),
+                      static_cast<int>(std::lround(flat.Row(toHeightMm)))};
+  return data_->Told(data_->Path(first, past, ends));
+}
+
+TraceWish::Place ScanTracer::InImage(double hour, double heightMm) const {
+  const cv::Point2d place = data_->Grid.ToImage({hour / data_->Wish.Paper.TimeScale, heightMm});
+  return {place.x, place.y};
+}
+
+ScanPoint ScanTracer::OnPaper(double x, double y) const {
+  const cv::Point2d place = data_->Grid.ToPaper({x, y});
+  return {ScanPoint::Step::Along, place.x, place.y, x, y, 1};
+}
+
+double ScanTracer::PixelsPerMm() const { return data_->Grid.PixelsPerMm(); }
+double ScanTracer::BandMm() const { return data_->Grid.BandMm(); }
+
+ScanTrace TraceScan(const ScanImage& image, const TraceWish& wish) {
+  const auto tracer = ScanTracer::Open(image, wish);
+  if (tracer) return tracer->Trace();
+  ScanTrace trace;
+  trace.Doubts.push_back(
+      {TraceDoubt::Kind::Chart, 0, wish.Hours, 0, -1, "Not traced: " + tracer.error() + "."});
+  return trace;
+}
+
+}  // namespace hyetex

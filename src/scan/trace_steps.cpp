@@ -1,0 +1,90 @@
+#include "scan/trace_steps.h"
+
+#include <cmath>
+#include <cstdio>
+#include <numbers>
+
+#include "core/comments.h"
+#include "core/numbers.h"
+#include "digitizing/tablets.h"
+#include "digitizing/tools.h"
+#include "scan/lattice.h"
+
+namespace hyetex {
+namespace {
+
+constexpr double LeftMm = 40, BottomMm = 120;  // where the page's bottom-left corner lies on the tablet
+// A fall of the pen of more than 60% of the page's height marks itself.
+constexpr double SureDrop = 0.65;
+constexpr const char* GapReason = "Pen did not record";
+
+}  // namespace
+
+Result<TracedSteps> StepsOfTrace(const ScanTrace& trace, const ScanTracer& tracer, const ScanImage& image,
+                                 const TraceWish& wish) {
+  if (trace.Points.empty()) return Failure("the chart is not traced");
+  if (trace.Points.size() > MaxPoint) return Failure("the line has more points than a chart holds");
+  const TabletExtents& tablet = TabletTypes()[ScanTablet].Extents;
+  const double units = tablet.TabletWidthUnits / tablet.TabletWidthMm;
+  const double pageMm = wish.Hours / wish.Paper.TimeScale;
+  if (LeftMm + pageMm > tablet.TabletWidthMm)
+    return Failure("the page is longer than the tablet that a scan stands in for");
+
+  const auto left = tracer.InImage(0, 0), right = tracer.InImage(wish.Hours, 0);
+  const double across = right.X - left.X, down = right.Y - left.Y, pixels = std::hypot(across, down);
+  TracedSteps traced;
+  ScanPlacement& lies = traced.Placement;
+  lies = {image.Sha256(),
+          image.Page(),
+          0,
+          0,
+          units * pageMm / pixels,
+          std::atan2(down, across) * 180 / std::numbers::pi,
+          image.Path()};
+  const auto [x, y] = TabletPosition(lies, left.X, left.Y);
+  lies.X0 = LeftMm * units - x;
+  lies.Y0 = BottomMm * units - y;
+
+  using Kind = JournalEvent::Kind;
+  auto& steps = traced.Steps;
+  const auto press = [&](double alongMm, double heightMm) {
+    steps.push_back({.What = Kind::Press,
+                     .X = std::round((LeftMm + alongMm - ArcLeadMm(wish.Paper, heightMm)) * units),
+                     .Y = std::round((BottomMm + heightMm) * units)});
+  };
+  const auto run = [&](int which) { steps.push_back({.What = Kind::Tool, .Tool = which}); };
+  if (const auto refusal = CheckPlacement(lies)) return Failure(*refusal);
+  steps.push_back({.What = Kind::Scan, .Scan = lies});
+  press(0, 0);
+  press(pageMm, 0);
+  const double page =
+      wish.Paper.ChartHeightMm > 0 ? wish.Paper.ChartHeightMm : ChartTypeRecord{}.ChartHeightMm;
+  for (std::size_t i = 0; i < trace.Points.size(); ++i) {
+    const ScanPoint& point = trace.Points[i];
+    const bool afterSegment = i > 0 && trace.Points[i - 1].How == ScanPoint::Step::Segment;
+    if (point.How == ScanPoint::Step::Drop &&
+        (afterSegment || trace.Points[i - 1].HeightMm - point.HeightMm < SureDrop * page))
+      run(tool::Alpha);
+    if (point.How == ScanPoint::Step::Segment) run(tool::NewSegment);
+    if (point.How == ScanPoint::Step::GapEnd) run(tool::Gap);
+    press(point.AlongMm, point.HeightMm);
+    if (point.How == ScanPoint::Step::GapEnd)
+      steps.push_back({.What = Kind::Comment, .Code = ShortText(CodeGapEnd), .Text = GapReason});
+  }
+  return traced;
+}
+
+std::string JournalOfTrace(const TracedSteps& steps, const ScanTrace& trace) {
+  std::string text = JournalHead(ScanTablet);
+  text += "# traced from a scan: " + VerdictText(trace.Verdict) + "\n";
+  for (const TraceDoubt& doubt : trace.Doubts) {
+    char numbers[96];
+    std::snprintf(numbers, sizeof numbers, "# doubt %d %d %.3f %.3f ", doubt.FirstPoint, doubt.LastPoint,
+                  doubt.FromHour, doubt.ToHour);
+    text += numbers + doubt.Why + "\n";
+  }
+  for (const JournalEvent& step : steps.Steps) text += JournalLine(step) + "\n";
+  return text;
+}
+
+}  // namespace hyetex

@@ -1,0 +1,33 @@
+// A scan that the program has traced as the steps of a session, as an operator would have pressed them with a
+// mouse, so that it goes the way of every chart: action machine, journal, chart file.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "digitizing/journal.h"
+#include "digitizing/scan_placement.h"
+#include "scan/scan_trace.h"
+
+namespace hyetex {
+
+struct TracedSteps {
+  /// Lays the page's bottom line level on the tablet that a scan stands in for; path and checksum are the
+  /// image's.
+  ScanPlacement Placement;
+  /// The page's corners and the points. A point is pressed where its hour and height lie on a page that is
+  /// neither warped nor shrunk, so that the sheet's damage does not go into the rain: on the scan it can lie
+  /// beside the line by as much.
+  std::vector<JournalEvent> Steps;
+};
+
+/// Fails, in words, on a trace without points, with more than a chart holds, or a page that the tablet has no
+/// room for.
+Result<TracedSteps> StepsOfTrace(const ScanTrace& trace, const ScanTracer& tracer, const ScanImage& image,
+                                 const TraceWish& wish);
+
+/// The session's journal, with the verdict and the doubts as comments: "# doubt 12 15 7.200 7.450 WHY", first
+/// and last point, hours since the page's start.
+std::string JournalOfTrace(const TracedSteps& steps, const ScanTrace& trace);
+
+}  // namespace hyetex

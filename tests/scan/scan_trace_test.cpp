@@ -1,0 +1,197 @@
+// A drawn scan of a known day traces itself, or says what it is not sure of.
+#include "scan/scan_trace.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <opencv2/core.hpp>
+
+#include "core/geometry.h"
+#include "digitizing/action_machine.h"
+#include "scan/lattice.h"
+#include "scan/trace_steps.h"
+#include "scans/scan_damage.h"
+#include "scans/scan_file.h"
+#include "support.h"
+#include "tracing/rain.h"
+
+namespace hyetex {
+namespace {
+
+using test::TempFolder;
+using ::testing::HasSubstr;
+
+constexpr double ZeroMm = 3.2, FullMm = 80;
+
+// Half a day, so that it is soon drawn: a shower, a heavy storm that empties the recorder twice, and drizzle.
+PenLine Day() {
+  const std::vector<RainPoint> rain{{0, 0},    {1.5, 0},  {2.1, 2.1},  {4, 2.1}, {4.3, 6}, {4.7, 17},
+                                    {5.1, 23}, {7, 23.4}, {8.5, 23.4}, {10, 25}, {11, 26}, {12, 26}};
+  RainChart chart;
+  chart.Paper.Name = "Daily siphon";
+  chart.Paper.TimeScale = 1 / 16.1F;
+  chart.Paper.DepthScale = 0.125F;
+  chart.Paper.ChartHeightMm = static_cast<float>(ZeroMm + FullMm + 2);
+  chart.FullMm = FullMm;
+  return *DrawRain(rain, chart);
+}
+
+struct Sheets {
+  TempFolder Folder;
+  PenLine Line = Day();
+  std::optional<DrawnScan> Drawn;
+
+  ScanImage Draw(const std::string& damage, int quarters = 0) {
+    ScanStyle style;
+    style.Dpi = 170;
+    style.ZeroMm = ZeroMm;
+    style.BandMm = Line.Paper.ChartHeightMm;
+    style.Shape.Quarters = quarters;
+    EXPECT_TRUE(Damage(style, damage, 5));
+    auto drawn = DrawScan(Line, style, 5);
+    Drawn.emplace(*std::move(drawn));
+    const std::string path = Folder / (style.JpegQuality ? "scan.jpg" : "scan.png");
+    test::WriteFile(path, *EncodeScan(Drawn->Image, path, std::nullopt, style.JpegQuality.value_or(92)));
+    return *ScanImage::Open(path);
+  }
+  TraceWish Wish() const {
+    TraceWish wish;
+    wish.Paper = Line.Paper;
+    wish.StartHour = 7;
+    wish.Hours = Line.Hours;
+    return wish;
+  }
+};
+
+TEST(Lattice, LiesOnTheGridOfATiltedWarpedOrTurnedSheet) {
+  Sheets sheets;
+  struct {
+    const char* Damage;
+    int Quarters;
+  } const cases[] = {{"", 0}, {"tilt=0.8,shear=0.6,shrink=0.7,warp=0.3", 0}, {"tilt=0.2", 1}, {"", 2}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.Damage + std::to_string(c.Quarters));
+    const ScanImage image = sheets.Draw(c.Damage, c.Quarters);
+    const auto lattice = Lattice::Find(image, {sheets.Line.Paper, 7, 12});
+    ASSERT_TRUE(lattice) << lattice.error();
+    // Where the first hour is not sure, a whole hour may be off, and is told.
+    const double off = lattice->ToPaper(sheets.Drawn->PlaceOf(6, 40)).x - 6 * 16.1;
+    const double hours = std::round(off / 16.1);
+    EXPECT_TRUE(hours == 0 || !lattice->Doubts().empty());
+    for (const double hour : {0.0, 3.5, 6.0, 11.5})
+      for (const double height : {0.0, 40.0, 80.0}) {
+        const cv::Point2d away =
+            lattice->ToImage({(hour + hours) * 16.1, height}) - sheets.Drawn->PlaceOf(hour, height);
+        EXPECT_LT(std::hypot(away.x, away.y) / lattice->PixelsPerMm(), 0.45)
+            << hour << " h, " << height << " mm";
+        const cv::Point2d there = lattice->ToPaper(lattice->ToImage({hour * 16.1, height}));
+        EXPECT_NEAR(there.x, hour * 16.1, 1e-3);
+        EXPECT_NEAR(there.y, height, 1e-3);
+      }
+  }
+}
+
+TEST(ScanTrace, GivesTheRainAndTheEmptyingsOfADrawnDay) {
+  Sheets sheets;
+  const double rain = sheets.Line.Points.back().Rain;
+  std::vector<double> falls;
+  for (const PenPoint& point : sheets.Line.Points)
+    if (point.Step == PenStep::Drop) falls.push_back(point.Hours);
+  ASSERT_EQ(falls.size(), 2U);
+  for (const char* damage : {"", "tilt=0.5,shrink=0.5", "grey,jpeg=0.5", "stains=0.4,tint=0.5,holes=0.5"}) {
+    SCOPED_TRACE(damage);
+    const ScanTrace trace = TraceScan(sheets.Draw(damage), sheets.Wish());
+    ASSERT_NE(trace.Verdict, TraceVerdict::NotTraced) << trace.Doubts.front().Why;
+    const bool clean = trace.Verdict == TraceVerdict::Clean;
+    EXPECT_NEAR(trace.RainMm, rain, (clean ? 0.01 : 0.03) * rain) << VerdictText(trace.Verdict);
+    ASSERT_EQ(trace.EmptyingHours.size(), falls.size());
+    for (std::size_t i = 0; i < falls.size(); ++i) EXPECT_NEAR(trace.EmptyingHours[i], falls[i], 0.025);
+  }
+}
+
+TEST(ScanTrace, GoesTheRoadOfEveryChart) {
+  Sheets sheets;
+  const ScanImage image = sheets.Draw("tilt=0.3");
+  const TraceWish wish = sheets.Wish();
+  const auto tracer = ScanTracer::Open(image, wish);
+  ASSERT_TRUE(tracer) << tracer.error();
+  const ScanTrace trace = tracer->Trace();
+  const auto steps = StepsOfTrace(trace, *tracer, image, wish);
+  ASSERT_TRUE(steps) << steps.error();
+  const Journal journal = ReadJournal(JournalOfTrace(*steps, trace));
+  ASSERT_FALSE(journal.Error);
+  Session session(TabletTypes()[ScanTablet].Extents, wish.Paper, {});
+  SilentView view;
+  ActionMachine machine(session, TabletTypes()[ScanTablet], view);
+  machine.Start();
+  ASSERT_TRUE(Replay(journal, machine));
+  EXPECT_NEAR(session.TotalDepth(session.Line.LastPoint()), trace.RainMm, 0.1);
+  EXPECT_NEAR(session.Line.TimeTo(session.Line.LastPoint()) * 24, 12, 0.03);
+
+  // The line between two of its places, as an operator gives them.
+  const double from = 4.52, to = 4.65;
+  const auto height = [&](double hour) {
+    for (std::size_t i = 1; i < trace.Points.size(); ++i) {
+      const double a = trace.Points[i - 1].AlongMm / 16.1, b = trace.Points[i].AlongMm / 16.1;
+      if (b >= hour && b > a)
+        return std::lerp(trace.Points[i - 1].HeightMm, trace.Points[i].HeightMm, (hour - a) / (b - a));
+    }
+    return 0.0;
+  };
+  const ScanTrace again = tracer->Between(from, height(from), to, height(to));
+  ASSERT_GE(again.Points.size(), 2U);
+  EXPECT_NEAR(again.Points.front().HeightMm, height(from), 0.4);
+  EXPECT_NEAR(again.Points.back().HeightMm, height(to), 0.4);
+  EXPECT_NEAR(again.RainMm, (height(to) - height(from)) * 0.125, 0.15);
+}
+
+TEST(ScanTrace, SaysInWordsWhatIsNoChartOfThisKind) {
+  Sheets sheets;
+  const auto open = [&](const cv::Mat& image) {
+    const std::string path = sheets.Folder / "other.png";
+    test::WriteFile(path, *EncodeScan(image, path, 170));
+    return *ScanImage::Open(path);
+  };
+  const auto trace = [&](const cv::Mat& image, const TraceWish& wish) {
+    const ScanTrace told = TraceScan(open(image), wish);
+    EXPECT_EQ(told.Verdict, TraceVerdict::NotTraced);
+    EXPECT_TRUE(told.Points.empty());
+    return told.Doubts.empty() ? std::string() : told.Doubts.front().Why;
+  };
+  cv::Mat noise(700, 2800, CV_8UC1);
+  cv::theRNG().state = 7;
+  cv::randu(noise, 0, 255);
+  EXPECT_THAT(trace(noise, sheets.Wish()), HasSubstr("no printed grid"));
+  EXPECT_THAT(trace(cv::Mat(600, 2400, CV_8UC1, cv::Scalar(250)), sheets.Wish()),
+              HasSubstr("no printed grid"));
+
+  sheets.Draw("");
+  TraceWish week = sheets.Wish();
+  week.Paper.TimeScale = 0.5F;
+  week.Hours = 168;
+  // Its lines are taken for those of the other type, at a scale that the file contradicts.
+  const ScanTrace other = TraceScan(open(sheets.Drawn->Image), week);
+  EXPECT_NE(other.Verdict, TraceVerdict::Clean);
+  ASSERT_FALSE(other.Doubts.empty());
+  EXPECT_THAT(other.Doubts.front().Why, HasSubstr("dpi"));
+  TraceWish arc = sheets.Wish();
+  arc.Paper.ChartMethod = 1;
+  EXPECT_THAT(trace(sheets.Drawn->Image, arc), HasSubstr("straight pen"));
+}
+
+TEST(ScanTrace, DoubtsADepthThatIsKnownOtherwiseAndInkThatIsMissing) {
+  Sheets sheets;
+  TraceWish wish = sheets.Wish();
+  wish.GageDepth = static_cast<float>(1.2 * sheets.Line.Points.back().Rain);
+  const ScanTrace off = TraceScan(sheets.Draw(""), wish);
+  EXPECT_EQ(off.Verdict, TraceVerdict::ToReview);
+  ASSERT_FALSE(off.Doubts.empty());
+  EXPECT_THAT(off.Doubts.front().Why, HasSubstr("the gage gave"));
+
+  const ScanTrace gaps = TraceScan(sheets.Draw("gaps=1"), sheets.Wish());
+  EXPECT_NE(gaps.Verdict, TraceVerdict::Clean);
+  EXPECT_FALSE(gaps.Doubts.empty());
+}
+
+}  // namespace
+}  // namespace hyetex
