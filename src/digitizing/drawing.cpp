@@ -151,6 +151,16 @@ void DrawDragged(double x1, double y1, double x2, double y2, const DeskLayout& l
                  width);
 }
 
+void DrawDoubt(const Trace& line, int first, int last, bool shown, const DeskLayout& layout,
+               Surface& surface) {
+  constexpr Rgb amber{255, 179, 0}, red{229, 57, 53};
+  for (int point = first + 1; point <= last; ++point) {
+    const DigitizedPoint &from = line.Point(point - 1), &to = line.Point(point);
+    surface.Line(layout.ScreenX(from.TrueX()), layout.ScreenY(from.Y), layout.ScreenX(to.TrueX()),
+                 layout.ScreenY(to.Y), shown ? red : amber, shown ? Thick + 6 : Thick + 4);
+  }
+}
+
 void DrawMark(double x, double y, const DeskLayout& layout, Surface& surface) {
   constexpr Rgb red{229, 57, 53};
   constexpr double arm = 150;  // screen units

@@ -28,6 +28,9 @@ void DrawMark(double x, double y, const DeskLayout& layout, Surface& surface);
 
 /// A ring around a place that can be taken hold of, or that has been.
 void DrawHandle(double x, double y, bool selected, const DeskLayout& layout, Surface& surface);
+/// Marks a stretch of the line that a person should look at, below the line itself.
+void DrawDoubt(const Trace& line, int first, int last, bool shown, const DeskLayout& layout,
+               Surface& surface);
 /// A line to where a point is being dragged.
 void DrawDragged(double x1, double y1, double x2, double y2, const DeskLayout& layout, Surface& surface);
 

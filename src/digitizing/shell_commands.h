@@ -34,6 +34,7 @@ class SessionCommands {
   virtual void ToggleOverlay() = 0;     ///< the chart's own hours and depths
   virtual void ToggleCorrecting() = 0;  ///< presses of the mouse correct points instead of tracing them
   virtual void InsertPoint() = 0;       ///< beside the one that is being corrected
+  virtual void TraceScan() = 0;         ///< the program traces the scan by itself
 };
 
 /// The Definitions menu's texts.

@@ -43,6 +43,7 @@ DeskScan::DeskScan(std::shared_ptr<const ScanImage> image, ActionMachine& machin
   });
   connect(look_, &ScanControls::AngleChosen, this, &DeskScan::Turn);
   connect(look_, &ScanControls::ScaleChosen, this, &DeskScan::ChooseScale);
+  connect(look_, &ScanControls::TraceChosen, this, &DeskScan::TraceAsked);
 
   settled_.setSingleShot(true);
   settled_.setInterval(SettledMs);
@@ -86,6 +87,17 @@ void DeskScan::Resume(const ScanPlacement& placement) {
                         : RoundedText(scale_->PixelsPerMm * MmPerInch, 1) + " dpi, as when it was begun");
   Place(placement);
   Keep();
+}
+
+void DeskScan::LayByGrid(const ScanPlacement& placement) {
+  const double unitsPerMm = machine_.CurrentSession().Line.Scales().Tablet.UnitsPerMmVertical();
+  if (!scale_) scale_ = ScanScale{};
+  scale_->PixelsPerMm = unitsPerMm / placement.UnitsPerPx;
+  look_->ShowScale(RoundedText(scale_->PixelsPerMm * MmPerInch, 1) + " dpi by the printed grid");
+  marks_.At.clear();
+  measuring_ = false;
+  GiveHandBack();
+  Place(placement);
 }
 
 bool DeskScan::Lay(const ScanScale& scale) {

@@ -44,6 +44,8 @@ class DeskScan : public QObject {
   void Begin();
   /// Lays it where a journal says that it was.
   void Resume(const ScanPlacement& placement);
+  /// Lays it where the program has found the chart on it, by the printed grid.
+  void LayByGrid(const ScanPlacement& placement);
   /// Fills a picture with what lies under a view.
   void Paint(QImage& picture, const DeskLayout& layout, Rgb around) const;
   /// The session has gone on: the scan may have to stay as it is now, or may be free again.
@@ -58,6 +60,7 @@ class DeskScan : public QObject {
 
  signals:
   void Changed();                           ///< it looks different, or lies elsewhere
+  void TraceAsked();                        ///< by the program itself
   void Instruction(std::string_view text);  ///< for the operator
 
  private:

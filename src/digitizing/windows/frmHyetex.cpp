@@ -234,7 +234,9 @@ void frmHyetex::OpenComment(const CommentRequest&) {
 }
 
 void frmHyetex::OpenSave() {
-  if (!replaying_) desk_.Open(WindowId::Save);
+  if (replaying_) return;
+  if (!MaySaveWithDoubts()) return EnableDesk(true);
+  desk_.Open(WindowId::Save);
 }
 
 bool frmHyetex::Redigitize() {

@@ -29,6 +29,8 @@
 #include "platform/dialogs.h"
 #include "platform/form_window.h"
 #include "platform/serial_port.h"
+#include "scan/trace_review.h"
+#include "scan/trace_steps.h"
 
 namespace hyetex {
 
@@ -57,6 +59,8 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   // What the menus ask for
   void NewFile() override { machine_.NewFile(); }
   void SaveFile() override { RunTool(tool::SaveFile); }
+  /// What is left to look at of a scan that the program has traced.
+  const TraceReview& Review() const { return review_; }
   void RunTool(int tool) override;
   void AutoZoom() override { machine_.AutoZoom(); }
   void ShowBoard() override;
@@ -68,6 +72,7 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void ToggleOverlay() override;
   void ToggleCorrecting() override;
   void InsertPoint() override;
+  void TraceScan() override;
   void Undo() override;
   void Redo() override;
   bool HasPoints() const override { return session_.Line.LastPoint() >= 0; }
@@ -104,6 +109,7 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
+  bool focusNextPrevChild(bool next) override;
 
  private:
   std::string_view IdlePrompt() const;
@@ -150,6 +156,13 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void LeaveCorrecting();
   void PaintCorrecting(Surface& surface, const DeskLayout& layout) const;
 
+  // A scan that the program traces: frmHyetex_trace.cpp
+  void TakeTrace(const ScanTrace& trace, const TracedSteps& steps);
+  void ShowDoubt();
+  void ConfirmDoubt();
+  void PaintDoubts(Surface& surface, const DeskLayout& layout) const;
+  bool MaySaveWithDoubts();
+
   // The scan under the trace: frmHyetex_scan.cpp
   void BeginScan();
   void LayScan(std::shared_ptr<const ScanImage> image);
@@ -181,6 +194,7 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   bool corrects_ = false;  // the mouse corrects
   bool overlay_ = false;   // the chart's own hours and depths are shown
   std::vector<OverlayLine> overlayLines_;
+  TraceReview review_;
 
   int boxes_ = 0;              // message boxes that are up
   bool watched_ = false;       // for being maximised

@@ -49,6 +49,7 @@ void frmHyetex::Paint(Surface& surface, const DeskLayout& layout) const {
   const GraphStyle style{.ShowPoints = shell_.PointsAreShown() || corrects_, .OnScan = scan_ != nullptr};
   // Below the trace where that leaves what is under it, else over it.
   if (overlay_ && scan_ != nullptr) DrawOverlay(overlayLines_, layout, surface);
+  PaintDoubts(surface, layout);
   hyetex::DrawGraph(session_.Line, layout, style, surface);
   if (overlay_ && scan_ == nullptr) DrawOverlay(overlayLines_, layout, surface);
   if (corrects_) PaintCorrecting(surface, layout);
@@ -100,6 +101,11 @@ void frmHyetex::ShowModes() {
 // What the mouse is at ends before anything that the machine waits for.
 bool frmHyetex::EscapeMouse() {
   if (scan_ != nullptr && scan_->Escape()) return true;
+  if (review_.Leave()) {
+    ShowInstruction(machine_.Instruction());
+    ShowView();
+    return true;
+  }
   if (!corrects_) return false;
   if (correcting_.LetGo())
     ShowView();

@@ -6,6 +6,7 @@
 
 #include "digitizing/windows/frmHyetex.h"
 #include "digitizing/windows/units.h"
+#include "platform/controls.h"
 #include "platform/qt_text.h"
 
 namespace hyetex {
@@ -98,7 +99,9 @@ void frmHyetex::ResizeDesk(double factor) {
 
 void frmHyetex::ShowInstruction(std::string_view text) {
   idle_ = text.empty();
-  shell_.ShowPanel(panel::Instruction, corrects_ ? CorrectingPrompt : idle_ ? IdlePrompt() : text);
+  if (corrects_) return shell_.ShowPanel(panel::Instruction, CorrectingPrompt);
+  if (review_.Shown() != nullptr) return shell_.ShowPanel(panel::Instruction, review_.Words());
+  shell_.ShowPanel(panel::Instruction, idle_ ? IdlePrompt() : text);
 }
 
 // Whoever has a mouse may see the desk for the first time, and nobody beside the tablet to ask.
@@ -203,6 +206,7 @@ void frmHyetex::ShowToolText(int tool) {
 // ---- Keys and wheel
 
 void frmHyetex::keyPressEvent(QKeyEvent* event) {
+  if (hasFocus() && !corrects_ && review_.Shown() != nullptr && IsReturn(*event)) return ConfirmDoubt();
   if (hasFocus() && hand_->KeyPressed(*event)) return;
   if (HasMouse() && !hasFocus() && event->key() == Qt::Key_Escape) return setFocus();  // from the panel
   if (event->key() == Qt::Key_Escape && EscapeMouse()) return;

@@ -137,6 +137,8 @@ void mdiHyetex::MakeMenus() {
   mnuCorrect->setCheckable(true);
   AddItem(mnuTools, "mnuInsert", "&Insert a Point", tell([](SessionCommands& c) { c.InsertPoint(); }))
       ->setShortcut(Qt::Key_Insert);
+  AddItem(mnuTools, "mnuTrace", "&Trace This Scan", tell([](SessionCommands& c) { c.TraceScan(); }))
+      ->setShortcut(Qt::Key_T);
 
   mnuPop = new QMenu(this);
   mnuPop->setObjectName("mnuPop");

@@ -28,6 +28,11 @@ ScanControls::ScanControls(QWidget* parent) : QWidget(parent) {
   layout->addWidget(labScanTrouble = Words("labScanTrouble"));
   layout->addWidget(labScanScale = Words("labScanScale"));
 
+  cmdTraceScan = Named(new QPushButton(tr("&Trace This Scan")), "cmdTraceScan");
+  cmdTraceScan->setToolTip(tr("The program traces the line by itself, and tells where to look (T)"));
+  connect(cmdTraceScan, &QPushButton::clicked, this, &ScanControls::TraceChosen);
+  layout->addWidget(cmdTraceScan);
+
   cmdScanScale = Named(new QPushButton(tr("S&cale...")), "cmdScanScale");
   auto* scales = new QMenu(cmdScanScale);
   const auto offer = [&](const char* name, const char* caption, ScanScale::Source by) {
