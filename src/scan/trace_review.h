@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/result.h"
 #include "core/session.h"
 #include "scan/scan_trace.h"
 
@@ -41,5 +42,10 @@ class TraceReview {
 /// The points of a line, as it is now, that a doubt is about, with the one before them and the one behind:
 /// first and last. None, as {0, -1}, where it is about the whole chart or the line has no such points.
 std::pair<int, int> StretchOf(const TraceDoubt& doubt, const Trace& line);
+
+/// Where the scan's line bends between two points of the page, traced anew between where they are now: in
+/// report units, in order of time. Fails, in words, where there is no one line from the one to the other.
+Result<std::vector<std::pair<double, double>>> TraceBetween(const ScanTracer& tracer, const Trace& line,
+                                                            int first, int last);
 
 }  // namespace hyetex

@@ -6,6 +6,11 @@
 #include <cmath>
 
 #include "digitizing/windows/desk_scan.h"
+#include "scans/drawn_scan.h"
+#include "scans/scan_damage.h"
+#include "scans/scan_file.h"
+#include "staging/lists/lists.h"
+#include "tracing/rain.h"
 #include "windows/mouse_fixture.h"
 
 namespace hyetex::test {
@@ -31,6 +36,21 @@ class ScanDesk : public MouseDesk {
     const std::string path = folder_ / name;
     EXPECT_TRUE(image.save(QString::fromStdString(path)));
     return path;
+  }
+  /// A drawn scan of a day's known rain, with this damage.
+  DrawnScan DrawDay(const char* name, const char* damage = "") {
+    std::vector<RainPoint> rain{{0, 0}};
+    for (int i = 1; i <= 40; ++i) rain.push_back({2 + i * 0.45, rain.back().Rain + 0.1 * (i % 9)});
+    rain.push_back({24, rain.back().Rain});
+    RainChart chart;
+    chart.Paper = ReadLists(folder_.Path())->ChartTypes[0];
+    ScanStyle style;
+    style.Dpi = 150;
+    EXPECT_TRUE(*damage == 0 || Damage(style, damage, 7));
+    auto drawn = DrawScan(*DrawRain(rain, chart), style, 7);
+    EXPECT_TRUE(drawn) << drawn.error();
+    WriteFile(folder_ / name, *EncodeScan(drawn->Image, name, style.Dpi));
+    return *std::move(drawn);
   }
   /// Chooses a scan for the first chart of Hill Farm.
   void ChooseScan(const std::string& path) {

@@ -39,33 +39,18 @@ TEST_F(ScanDesk, GivesTheRainThatIsOnThePaper) {
 
 // A day of a siphon recorder, drawn from rain that is known, with the scanner's and the paper's faults.
 TEST_F(ScanDesk, GivesTheRainThatFellFromADrawnScan) {
-  const auto lists = ReadLists(folder_.Path());
-  ASSERT_TRUE(lists);
-  std::vector<RainPoint> rain{{0, 0}};
-  for (int i = 1; i <= 40; ++i) rain.push_back({2 + i * 0.45, rain.back().Rain + 0.1 * (i % 9)});
-  RainChart chart;
-  chart.Paper = lists->ChartTypes[0];
-  const auto line = DrawRain(rain, chart);
-  ASSERT_TRUE(line) << line.error();
-  ScanStyle style;
-  style.Dpi = 150;
-  const auto drawn = DrawScan(*line, style, 7);
-  ASSERT_TRUE(drawn) << drawn.error();
-  const auto bytes = EncodeScan(drawn->Image, "day.png", style.Dpi);
-  ASSERT_TRUE(bytes) << bytes.error();
-  WriteFile(folder_ / "day.png", *bytes);
-
+  const DrawnScan drawn = DrawDay("day.png");
   OpenScan(folder_ / "day.png");
-  const ScanPlacement drawnAs = PlacementOf(*drawn);
-  for (const JournalEvent& step : MouseSteps(*drawn, drawnAs)) {
+  const ScanPlacement drawnAs = PlacementOf(drawn);
+  for (const JournalEvent& step : MouseSteps(drawn, drawnAs)) {
     if (step.What == JournalEvent::Kind::Tool) Machine().RunTool(step.Tool);
     if (step.What != JournalEvent::Kind::Press) continue;
     const auto [px, py] = ImagePosition(drawnAs, step.X, step.Y);
     PressPixel(px, py);
   }
   EXPECT_GT(LastPoint(), 20);
-  EXPECT_NEAR(Digitized().TotalDepth(LastPoint()), line->Points.back().Rain,
-              line->Points.back().Rain * 0.005);
+  const double rain = drawn.Line.Points.back().Rain;
+  EXPECT_NEAR(Digitized().TotalDepth(LastPoint()), rain, rain * 0.005);
 }
 
 TEST_F(ScanDesk, AsksForAScaleThatTheFileDoesNotSay) {

@@ -39,6 +39,7 @@ class Commands : public SessionCommands {
   void ToggleOverlay() override { Asked += "overlay "; }
   void ToggleCorrecting() override { Asked += "correcting "; }
   void InsertPoint() override { Asked += "insert "; }
+  void TraceScan() override { Asked += "trace "; }
 };
 
 TEST(Shell, HasItsMenusInOrder) {

@@ -160,6 +160,8 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void TakeTrace(const ScanTrace& trace, const TracedSteps& steps);
   void ShowDoubt();
   void ConfirmDoubt();
+  void RetraceDoubt();
+  Result<void> PutBetween(int first, int last, const std::vector<std::pair<double, double>>& places);
   void PaintDoubts(Surface& surface, const DeskLayout& layout) const;
   bool MaySaveWithDoubts();
 
@@ -194,6 +196,7 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   bool corrects_ = false;  // the mouse corrects
   bool overlay_ = false;   // the chart's own hours and depths are shown
   std::vector<OverlayLine> overlayLines_;
+  std::optional<ScanTracer> tracer_;  // of the scan that the program has traced
   TraceReview review_;
 
   int boxes_ = 0;              // message boxes that are up

@@ -16,27 +16,21 @@ constexpr const char* Title = "Tracing the scan";
 constexpr double PartOfView = 0.4;  // that a doubtful stretch takes when it is looked at
 
 struct Traced {
+  ScanTracer Tracer;
   ScanTrace Trace;
-  std::optional<TracedSteps> Steps;
-  std::string Trouble;
+  TracedSteps Steps;
 };
 
-Traced TraceBeside(const ScanImage& image, const TraceWish& wish) {
-  Traced traced;
-  const auto tracer = ScanTracer::Open(image, wish);
-  if (!tracer) return traced.Trouble = "The scan cannot be traced: " + tracer.error() + ".", traced;
-  traced.Trace = tracer->Trace();
-  if (traced.Trace.Verdict == TraceVerdict::NotTraced) {
-    traced.Trouble =
-        traced.Trace.Doubts.empty() ? "The scan cannot be traced." : traced.Trace.Doubts.front().Why;
-    return traced;
-  }
-  auto steps = StepsOfTrace(traced.Trace, *tracer, image, wish);
-  if (steps)
-    traced.Steps = *std::move(steps);
-  else
-    traced.Trouble = "The scan cannot be traced: " + steps.error() + ".";
-  return traced;
+Result<Traced> TraceBeside(const ScanImage& image, const TraceWish& wish) {
+  auto tracer = ScanTracer::Open(image, wish);
+  if (!tracer) return Failure("The scan cannot be traced: " + tracer.error() + ".");
+  ScanTrace trace = tracer->Trace();
+  if (trace.Verdict == TraceVerdict::NotTraced)
+    return Failure(trace.Doubts.empty() ? std::string("The scan cannot be traced.")
+                                        : trace.Doubts.front().Why);
+  auto steps = StepsOfTrace(trace, *tracer, image, wish);
+  if (!steps) return Failure("The scan cannot be traced: " + steps.error() + ".");
+  return Traced{*std::move(tracer), std::move(trace), *std::move(steps)};
 }
 
 }  // namespace
@@ -54,10 +48,11 @@ void frmHyetex::TraceScan() {
     wish.Start = TraceWish::Place{x, y};
   }
   ++boxes_;
-  const Traced traced = RunBeside([&] { return TraceBeside(scan_->Image(), wish); });
+  auto traced = RunBeside([&] { return TraceBeside(scan_->Image(), wish); });
   --boxes_;
-  if (!traced.Steps) return ShowMessage(Title, ShownText(traced.Trouble));
-  TakeTrace(traced.Trace, *traced.Steps);
+  if (!traced) return ShowMessage(Title, ShownText(traced.error()));
+  tracer_ = std::move(traced->Tracer);
+  TakeTrace(traced->Trace, traced->Steps);
 }
 
 // The same way as what a hand presses, into the journal as well.
@@ -129,11 +124,39 @@ void frmHyetex::ConfirmDoubt() {
   ShowDoubt();
 }
 
+// Between the points at its two ends, which the operator has put right before.
+void frmHyetex::RetraceDoubt() {
+  const TraceDoubt* doubt = review_.Shown();
+  const auto [first, last] = doubt != nullptr ? StretchOf(*doubt, session_.Line) : std::pair(0, -1);
+  if (!tracer_ || last <= first || session_.Line.CurrentPaper() > 0)
+    return shell_.ShowPanel(panel::Instruction, "Tab leads to a stretch that can be traced again");
+  const auto places = TraceBetween(*tracer_, session_.Line, first, last);
+  const auto put = places ? PutBetween(first, last, *places) : Result<void>(Failure(places.error()));
+  if (!put)
+    return shell_.ShowPanel(panel::Instruction, "This stretch cannot be traced again: " + put.error());
+  ShowView();
+}
+
+// All of them, or the line stays as it was.
+Result<void> frmHyetex::PutBetween(int first, int last,
+                                   const std::vector<std::pair<double, double>>& places) {
+  int steps = 0;
+  Result<void> done;
+  for (int point = last - 1; done && point > first; --point, ++steps) done = machine_.DeletePoint(point);
+  for (std::size_t i = places.size(); done && i-- > 0; ++steps)
+    done = machine_.InsertPoint(first + 1, places[i].first, places[i].second);
+  if (!done)
+    while (--steps > 0) machine_.Undo();
+  return done;
+}
+
 void frmHyetex::PaintDoubts(Surface& surface, const DeskLayout& layout) const {
-  for (const TraceDoubt& doubt : review_.Open()) {
+  const auto draw = [&](const TraceDoubt& doubt, bool shown) {
     const auto [first, last] = StretchOf(doubt, session_.Line);
-    DrawDoubt(session_.Line, first, last, &doubt == review_.Shown(), layout, surface);
-  }
+    DrawDoubt(session_.Line, first, last, shown, layout, surface);
+  };
+  for (const TraceDoubt& doubt : review_.Open()) draw(doubt, false);
+  if (const TraceDoubt* shown = review_.Shown()) draw(*shown, true);
 }
 
 bool frmHyetex::MaySaveWithDoubts() {

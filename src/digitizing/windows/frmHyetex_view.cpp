@@ -207,6 +207,8 @@ void frmHyetex::ShowToolText(int tool) {
 
 void frmHyetex::keyPressEvent(QKeyEvent* event) {
   if (hasFocus() && !corrects_ && review_.Shown() != nullptr && IsReturn(*event)) return ConfirmDoubt();
+  if (hasFocus() && !corrects_ && review_.Shown() != nullptr && event->key() == Qt::Key_R)
+    return RetraceDoubt();
   if (hasFocus() && hand_->KeyPressed(*event)) return;
   if (HasMouse() && !hasFocus() && event->key() == Qt::Key_Escape) return setFocus();  // from the panel
   if (event->key() == Qt::Key_Escape && EscapeMouse()) return;

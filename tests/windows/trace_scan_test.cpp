@@ -1,0 +1,103 @@
+// The desk traces a drawn scan by itself: what comes of it, how a person works off the doubts, and what stays
+// after a breakdown.
+#include "windows/scan_fixture.h"
+
+#include <gmock/gmock.h>
+
+namespace hyetex {
+namespace {
+
+using namespace hyetex::test;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+class TracedDesk : public ScanDesk {
+ protected:
+  void Trace(const char* damage = "") {
+    rain_ = DrawDay("day.png", damage).Line.Points.back().Rain;
+    OpenScan(folder_ / "day.png");
+    Key(Qt::Key_T);
+    ASSERT_GT(LastPoint(), 10) << (dialogs_.Boxes.empty() ? "" : dialogs_.Boxes.back().Text);
+  }
+  double Depth() { return Digitized().TotalDepth(LastPoint()); }
+  std::size_t Doubts() { return Window().Review().Open().size(); }
+
+  double rain_ = 0;
+};
+
+TEST_F(TracedDesk, GivesTheRainAndComesBackAfterABreakdown) {
+  Trace();
+  EXPECT_NEAR(Depth(), rain_, rain_ * 0.01);
+  EXPECT_THAT(Panel(panel::Instruction), HasSubstr(" mm traced. "));
+  EXPECT_THAT(Label("labScanScale"), HasSubstr("by the printed grid"));
+  const int points = LastPoint();
+  // As a hand would have pressed them: undone and made again point by point.
+  Key(Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(LastPoint(), points - 1);
+  const std::string chart = ChartText();
+  BreakDown();
+  dialogs_.Answers = {BoxAnswer::Yes};
+  OpenTasks();
+  Click(Tasks(), "optDig6");
+  Click(Tasks(), "cmdActivate");
+  ASSERT_TRUE(IsOpen());
+  EXPECT_EQ(ChartText(), chart);
+  Key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(LastPoint(), points - 1) << "nothing was undone since";
+}
+
+TEST_F(TracedDesk, LeadsFromDoubtToDoubtAndAsksBeforeItSavesWithSome) {
+  Trace("gaps=1");
+  const std::size_t doubts = Doubts();
+  ASSERT_GT(doubts, 1U);
+  Key(Qt::Key_Tab);
+  EXPECT_THAT(Panel(panel::Instruction), StartsWith("Doubt 1 of " + std::to_string(doubts) + ": "));
+  Key(Qt::Key_Backtab, Qt::ShiftModifier);
+  EXPECT_THAT(Panel(panel::Instruction), StartsWith("Doubt " + std::to_string(doubts) + " of "));
+  EXPECT_TRUE(Machine().Layout.Zoomed);
+  const int points = LastPoint();
+  Key(Qt::Key_Return);
+  EXPECT_EQ(Doubts(), doubts - 1) << "confirmed";
+  EXPECT_EQ(LastPoint(), points) << "and nothing pressed";
+  Key(Qt::Key_Escape);
+  EXPECT_EQ(Window().Review().Shown(), nullptr);
+  EXPECT_EQ(Doubts(), doubts - 1);
+
+  dialogs_.Answers = {BoxAnswer::No};
+  Key(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_THAT(dialogs_.Boxes.back().Text, HasSubstr("still in doubt"));
+  EXPECT_EQ(desk_->Window(WindowId::Save), nullptr);
+  EXPECT_TRUE(Window().isEnabled());
+  Key(Qt::Key_Tab);
+  while (Doubts() > 0) Key(Qt::Key_Return);
+  EXPECT_EQ(Panel(panel::Instruction), "Nothing is in doubt any more");
+  Key(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_NE(desk_->Window(WindowId::Save), nullptr);
+}
+
+TEST_F(TracedDesk, TracesAStretchAgainBetweenItsTwoEnds) {
+  Trace("gaps=1");
+  Key(Qt::Key_Backtab, Qt::ShiftModifier);
+  while (Window().Review().Shown() != nullptr &&
+         StretchOf(*Window().Review().Shown(), Digitized().Line).second < 0)
+    Key(Qt::Key_Return);
+  ASSERT_NE(Window().Review().Shown(), nullptr);
+  const auto [first, last] = StretchOf(*Window().Review().Shown(), Digitized().Line);
+  const DigitizedPoint before = Digitized().Line.Point(first);
+  const double depth = Depth();
+  Key(Qt::Key_R);
+  EXPECT_EQ(Digitized().Line.Point(first).X, before.X) << "its ends stay";
+  EXPECT_NEAR(Depth(), depth, depth * 0.05);
+}
+
+TEST_F(TracedDesk, SaysWhatItCannotTraceAndTakesNothing) {
+  OpenScan(WriteScan("page.png"));
+  Key(Qt::Key_T);
+  ASSERT_EQ(dialogs_.Boxes.size(), 1U);
+  EXPECT_EQ(dialogs_.Boxes[0].Title, "Tracing the scan");
+  EXPECT_EQ(LastPoint(), -1);
+  EXPECT_EQ(State().Action, action::PageLeftCorner);
+}
+
+}  // namespace
+}  // namespace hyetex
