@@ -64,7 +64,7 @@ TEST(Shell, HasItsMenusInOrder) {
             "Segment\n  mnuLevel Level a Point\n"
             "  mnuAlpha Toggle Alpha Sign\n  mnuGap Toggle Data Gap\n  mnuComment Add a Comment\n"
             "  mnuRecovered Toggle Recovered Sign\n  mnuAppend Attach Additional Strip Chart\n"
-            "  mnuCorrect Correct Points\n  mnuInsert Insert a Point\n"
+            "  mnuCorrect Correct Points\n  mnuInsert Insert a Point\n  mnuTrace Trace This Scan\n"
             "mnuFix Syncronize Stations Lists\n");
   EXPECT_EQ(shell.Popup().actions().size(), 3);
 }

@@ -137,8 +137,9 @@ void mdiHyetex::MakeMenus() {
   mnuCorrect->setCheckable(true);
   AddItem(mnuTools, "mnuInsert", "&Insert a Point", tell([](SessionCommands& c) { c.InsertPoint(); }))
       ->setShortcut(Qt::Key_Insert);
-  AddItem(mnuTools, "mnuTrace", "&Trace This Scan", tell([](SessionCommands& c) { c.TraceScan(); }))
-      ->setShortcut(Qt::Key_T);
+  mnuTrace =
+      AddItem(mnuTools, "mnuTrace", "&Trace This Scan", tell([](SessionCommands& c) { c.TraceScan(); }));
+  mnuTrace->setShortcut(Qt::Key_T);
 
   mnuPop = new QMenu(this);
   mnuPop->setObjectName("mnuPop");
@@ -198,7 +199,7 @@ void mdiHyetex::ShowSessionMenus(bool shown) {
       caption.prepend('&');
     menu->setTitle(caption);
   }
-  for (QAction* item : {mnuMagnifier, mnuMagnify}) item->setVisible(shown && commands_->HasMouse());
+  for (QAction* item : {mnuMagnifier, mnuMagnify, mnuTrace}) item->setVisible(shown && commands_->HasMouse());
   for (QAction* item : mnuDEf->actions())
     if (item != mnuDefaults) item->setVisible(shown);
   mnuDEf->menuAction()->setVisible(shown || mnuDefaults->isVisible());

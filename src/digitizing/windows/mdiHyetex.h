@@ -71,8 +71,8 @@ class mdiHyetex final : public QMainWindow, public Shell, public PopupMenu {
   QPointer<QWidget> popupOwner_;
 
   QMenu *mnuFile, *mnuView, *mnuDEf, *mnuTools, *mnuPop;
-  QAction *mnuNew, *mnuSave, *mnuPoints, *mnuMagnifier, *mnuMagnify, *mnuOverlay, *mnuCorrect, *mnuAngle,
-      *mnuVertical, *mnuHorizontal, *mnuDefaults, *mnuFix, *mnuUndo, *mnuRedo;
+  QAction *mnuNew, *mnuSave, *mnuPoints, *mnuMagnifier, *mnuMagnify, *mnuOverlay, *mnuCorrect, *mnuTrace,
+      *mnuAngle, *mnuVertical, *mnuHorizontal, *mnuDefaults, *mnuFix, *mnuUndo, *mnuRedo;
   std::array<QLabel*, 4> panels_;
   QProgressBar* prbThink;
 };
