@@ -1,6 +1,7 @@
 #include "digitizing/drawing.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 #include <vector>
 
@@ -151,13 +152,21 @@ void DrawDragged(double x1, double y1, double x2, double y2, const DeskLayout& l
                  width);
 }
 
+// On both sides of the line, so that it and the ink below it are seen.
 void DrawDoubt(const Trace& line, int first, int last, bool shown, const DeskLayout& layout,
                Surface& surface) {
-  constexpr Rgb amber{255, 179, 0}, red{229, 57, 53};
+  constexpr Rgb amber{255, 143, 0}, red{213, 0, 0};
+  constexpr double beside = 75;  // screen units
   for (int point = first + 1; point <= last; ++point) {
     const DigitizedPoint &from = line.Point(point - 1), &to = line.Point(point);
-    surface.Line(layout.ScreenX(from.TrueX()), layout.ScreenY(from.Y), layout.ScreenX(to.TrueX()),
-                 layout.ScreenY(to.Y), shown ? red : amber, shown ? Thick + 6 : Thick + 4);
+    const double x1 = layout.ScreenX(from.TrueX()), y1 = layout.ScreenY(from.Y);
+    const double x2 = layout.ScreenX(to.TrueX()), y2 = layout.ScreenY(to.Y);
+    const double length = std::hypot(x2 - x1, y2 - y1);
+    if (length == 0) continue;
+    const double right = -(y2 - y1) / length * beside, down = (x2 - x1) / length * beside;
+    for (const double side : {-1.0, 1.0})
+      surface.Line(x1 + side * right, y1 + side * down, x2 + side * right, y2 + side * down,
+                   shown ? red : amber, shown ? Thick + 1 : Thick);
   }
 }
 
