@@ -5,6 +5,7 @@ packages=(g++ cmake ninja-build ccache libexpected-dev libcli11-dev libcairo2-de
 # Of the tests and benchmarks alone: ./run does without a database server.
 test_packages=(libgtest-dev libgmock-dev libbenchmark-dev xvfb odbc-postgresql postgresql)
 check_packages=(clang-format clang-tidy git)
+coverage_packages=(gcovr python3)
 
 lacking() { # lacking PACKAGE...
   local package
