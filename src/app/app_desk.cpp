@@ -12,6 +12,7 @@
 #include "chartfiles/windows/frmSave.h"
 #include "core/dates.h"
 #include "core/files.h"
+#include "digitizing/resume.h"
 #include "platform/entry_box.h"
 #include "platform/qt_text.h"
 #include "platform/serial_devices.h"
@@ -139,6 +140,7 @@ void AppDesk::Closed(WindowId id) {
     frame->deleteLater();
   }
   frames_.erase(id);
+  if (id == WindowId::Digitizing) shell_->ShowChart("");
   if (ending_) return;
 
   const auto isMain = [](const auto& entry) { return entry.second && Find(entry.first)->IsMain; };
@@ -222,6 +224,7 @@ QWidget* AppDesk::MakeDigitizing() {
   auto* window = new frmHyetex(*this, *shell_, dialogs_, program_.Settings, chart->Session, chart->Tablet,
                                chart->Device);
   window->UseScan(chart->Scan);
+  shell_->ShowChart(ChartName(chart->Session.Chart));
   // The window is gone some time after it has closed, perhaps when the next chart is there already.
   QObject::connect(window, &QObject::destroyed, [chart] {});
   return window;

@@ -10,6 +10,7 @@
 #include "core/folder_lock.h"
 #include "core/settings.h"
 #include "core/temporary_file.h"
+#include "platform/outlined_style.h"
 #include "platform/qt_dialogs.h"
 #include "platform/qt_text.h"
 
@@ -54,5 +55,6 @@ int main(int argc, char** argv) {
   QApplication::setApplicationVersion(HYETEX_VERSION);
   QApplication::setWindowIcon(QIcon(":/icons/hyetex.svg"));
   QApplication::setQuitOnLastWindowClosed(false);
+  OutlinedStyle::Install();
   return Run(*std::move(line));
 }

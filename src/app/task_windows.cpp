@@ -1,7 +1,9 @@
 // The staging area's windows, and the way from a staged chart into the digitizing session.
 #include "app/app_desk.h"
 #include "app/task_comments.h"
+#include "chartfiles/chart_text.h"
 #include "chartfiles/empty_form.h"
+#include "core/files.h"
 #include "platform/serial_devices.h"
 #include "staging/lists/list_recovery.h"
 #include "staging/windows/frmTaskDef.h"
@@ -38,6 +40,10 @@ QWidget* AppDesk::MakeTasks() {
     if (!origin) return Failure(origin.error());
     return WriteEmptyForm(chart.Task, chart.Task.ChartMethod, *origin, folder, mayOverwrite);
   };
+  const auto chartFile = [](const ChartRecord& task, const std::string& folder) {
+    std::string name = ChartFileName(task.InstrumentCode, task.StartTime);
+    return FileExists(JoinPath(folder, name)) ? name : std::string();
+  };
   // The first port may have been named on the command line.
   const auto device = [this](int port) {
     return port == FirstSerialPort && !words_.Port.empty() ? words_.Port
@@ -49,7 +55,8 @@ QWidget* AppDesk::MakeTasks() {
                        .Define = details,
                        .Digitize = digitize,
                        .WriteEmptyForm = writeEmptyForm,
-                       .Scans = &program_.Scans},
+                       .Scans = &program_.Scans,
+                       .ChartFile = chartFile},
                       words_.Tablet);
 }
 

@@ -34,7 +34,9 @@ Result<void> Settings::Put(const std::string& name, std::string_view value) {
   return SetDefinition(folder_, name, value);
 }
 
-bool Settings::Has(const SettingKey& key) const { return !GetDefinition(folder_, key.Name).empty(); }
+bool Settings::Has(const SettingKey& key, std::string_view member) const {
+  return !GetDefinition(folder_, SettingName(key, member)).empty();
+}
 
 std::int16_t Settings::Get(const Int16Key& key) const { return LeadingInt16(Text(key)); }
 float Settings::Get(const FloatKey& key) const { return LeadingFloat(Text(key)); }

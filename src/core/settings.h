@@ -52,6 +52,7 @@ namespace setting {
 
 // platform
 inline constexpr FloatFamily PlaceTop{"*-Top"}, PlaceLeft{"*-Left"};  ///< by the window's name
+inline constexpr TextFamily PlaceSize{"*-Size"};                      ///< "width,height", the same way
 inline constexpr TextFamily SerialPort{"SerialPort*"};  ///< a port's device; without it the machine's Nth one
 
 // digitizing
@@ -98,11 +99,11 @@ inline constexpr TextKey RainDryHours{"frmRainfall-DryHours", "6"};  ///< as typ
 
 /// The whole table.
 inline constexpr std::array All = std::to_array<SettingKey>(
-    {PlaceTop,     PlaceLeft,     SerialPort,   ViewHeight,    BoardPlace, CommentCode,  EditorChart,
-     UserName,     HelpSite,      TargetFolder, DigitizerType, ComPort,    CurrentChart, DefaultsChart,
-     TraceSource,  ScanFolder,    TaskRow,      TaskStation,   TaskBegin,  TaskEnd,      TaskReliability,
-     DatabaseName, LoadSource,    LoadTarget,   LoadMoves,     GmtHours,   UseAlpha,     ExchangeFolder,
-     RainFolder,   RainDayBegins, RainDryHours});
+    {PlaceTop,        PlaceLeft,    PlaceSize,     SerialPort,   ViewHeight,    BoardPlace, CommentCode,
+     EditorChart,     UserName,     HelpSite,      TargetFolder, DigitizerType, ComPort,    CurrentChart,
+     DefaultsChart,   TraceSource,  ScanFolder,    TaskRow,      TaskStation,   TaskBegin,  TaskEnd,
+     TaskReliability, DatabaseName, LoadSource,    LoadTarget,   LoadMoves,     GmtHours,   UseAlpha,
+     ExchangeFolder,  RainFolder,   RainDayBegins, RainDryHours});
 
 }  // namespace setting
 
@@ -118,7 +119,7 @@ class Settings {
   const std::string& Folder() const { return folder_; }
 
   /// Whether the file has a value for the key.
-  bool Has(const SettingKey& key) const;
+  bool Has(const SettingKey& key, std::string_view member = {}) const;
 
   std::string Get(const TextKey& key) const { return Text(key); }
   std::int16_t Get(const Int16Key& key) const;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -11,7 +12,7 @@ namespace hyetex {
 namespace {
 
 constexpr Rgb Black{0, 0, 0}, Grey{100, 100, 100}, Blue{0, 0, 255}, Green{0, 255, 0};
-constexpr Rgb White{255, 255, 255};
+constexpr Rgb White{255, 255, 255}, Dark{66, 66, 66};
 constexpr int Thin = 0, Thick = 1;
 constexpr double Outside = 150;  // screen units beyond the view in which nothing is seen any more
 
@@ -47,8 +48,9 @@ class Drawing {
   Drawing(const ChartScales& scales, const DeskLayout& layout, Surface& surface)
       : scales_(scales), layout_(layout), surface_(surface) {}
 
-  /// From now on lines are only edged: each is drawn wider, in white.
-  void Edge(bool edge) { edge_ = edge; }
+  /// From now on lines are only edged: each is drawn wider by `pixels` in this colour.
+  void Edge(Rgb colour, int pixels) { edge_ = {colour, pixels}; }
+  void NoEdge() { edge_.reset(); }
 
   void Paper(const ChartPaper& paper) {
     const double x1 = paper.BottomLeftX, y1 = paper.BottomLeftY;
@@ -68,8 +70,12 @@ class Drawing {
     Line(from.TrueX(), from.Y, to.TrueX(), to.Y, style.Colour, style.Width);
   }
 
-  void Circle(const DigitizedPoint& point) {
-    surface_.Circle(X(point.TrueX()), Y(point.Y), layout_.ScaleWidth / 360, ColourOfCircle(point));
+  void Circle(const DigitizedPoint& point, bool edged) {
+    constexpr double pixel = 15;
+    const double x = X(point.TrueX()), y = Y(point.Y), radius = layout_.ScaleWidth / 360;
+    const Rgb colour = ColourOfCircle(point);
+    if (edged && colour != Blue) surface_.Circle(x, y, radius + pixel, Dark);
+    surface_.Circle(x, y, radius, colour);
   }
 
  private:
@@ -81,7 +87,7 @@ class Drawing {
         std::max(fromY, toY) < -Outside || std::min(fromY, toY) > layout_.ScaleHeight + Outside)
       return;
     if (edge_)
-      surface_.Line(fromX, fromY, toX, toY, White, width + 1);
+      surface_.Line(fromX, fromY, toX, toY, edge_->Colour, width + edge_->Pixels);
     else
       surface_.Line(fromX, fromY, toX, toY, colour, width);
   }
@@ -89,7 +95,11 @@ class Drawing {
   const ChartScales& scales_;
   const DeskLayout& layout_;
   Surface& surface_;
-  bool edge_ = false;
+  struct EdgeStyle {
+    Rgb Colour;
+    int Pixels;
+  };
+  std::optional<EdgeStyle> edge_;
 };
 
 }  // namespace
@@ -98,17 +108,22 @@ void DrawGraph(const Trace& line, const DeskLayout& layout, const GraphStyle& st
   surface.Clear();
   Drawing drawing(line.Scales(), layout, surface);
   if (style.OnScan) {
-    drawing.Edge(true);
+    drawing.Edge(White, 1);
     for (int i = 0; i <= MaxPaper; ++i) drawing.Paper(line.Paper(i));
-    for (int i = 0; i < line.LastPoint(); ++i)
-      if (!line.Point(i + 1).StartsSegment()) drawing.Segment(line.Point(i), line.Point(i + 1));
-    drawing.Edge(false);
+  } else {
+    drawing.Edge(Dark, 2);
   }
+  for (int i = 0; i < line.LastPoint(); ++i) {
+    const DigitizedPoint& end = line.Point(i + 1);
+    if (!end.StartsSegment() && (style.OnScan || StyleOfSegment(end).Code != 0))
+      drawing.Segment(line.Point(i), end);
+  }
+  drawing.NoEdge();
   for (int i = 0; i <= MaxPaper; ++i) drawing.Paper(line.Paper(i));
   for (int i = 0; i <= line.LastPoint(); ++i) {
     if (i < line.LastPoint() && !line.Point(i + 1).StartsSegment())
       drawing.Segment(line.Point(i), line.Point(i + 1));
-    if (style.ShowPoints) drawing.Circle(line.Point(i));
+    if (style.ShowPoints) drawing.Circle(line.Point(i), !style.OnScan);
   }
 }
 

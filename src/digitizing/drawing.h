@@ -14,6 +14,8 @@ namespace hyetex {
 struct GraphStyle {
   bool ShowPoints = false;  ///< each point gets a circle
   /// There is a scan below: every line gets a white edge, so that it is seen on paper, grid and ink alike.
+  /// Without one the lines in colour get a dark one: yellow and green would be lost on the desk's light
+  /// green.
   bool OnScan = false;
 };
 

@@ -25,7 +25,9 @@ void FormWindow::SetKeyButtons(QPushButton* accept, QPushButton* cancel) {
 void FormWindow::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
   // Only now does the window stand in the shell, inside which its place counts.
-  if (!std::exchange(placed_, true)) RestorePlace(*this, settings_);
+  if (std::exchange(placed_, true)) return;
+  if (RemembersSize()) RestoreSize(*this, settings_);
+  RestorePlace(*this, settings_);
 }
 
 void FormWindow::Leave() {
@@ -38,6 +40,7 @@ void FormWindow::closeEvent(QCloseEvent* event) {
   if (!closed_ && !leaves_ && !MayLeave()) return event->ignore();
   if (std::exchange(closed_, true)) return;
   StorePlace(*this, settings_);
+  if (RemembersSize()) StoreSize(*this, settings_);
   Closing();
   desk_.Closed(id_);
 }

@@ -1,5 +1,5 @@
-// A window of the shell with boxes and buttons. It remembers its place, has one button for Return and one for
-// Escape, and tells the desk when it closes.
+// A window of the shell with boxes and buttons. It remembers its place and size, has one button for Return
+// and one for Escape, and tells the desk when it closes.
 #pragma once
 
 #include <QPushButton>
@@ -25,6 +25,8 @@ class FormWindow : public QWidget {
   virtual bool MayLeave() { return true; }
   /// Closes without a question: what was entered is taken, or given up by the button that says so.
   void Leave();
+  /// Whether its size is remembered as its place is; not where something else decides it.
+  virtual bool RemembersSize() const { return true; }
   /// Runs once, when the window closes, by whatever way, before the desk hears of it.
   virtual void Closing() {}
 

@@ -4,6 +4,7 @@
 #include <QMdiSubWindow>
 #include <QScreen>
 
+#include "core/numbers.h"
 #include "platform/qt_text.h"
 #include "platform/units.h"
 
@@ -35,20 +36,42 @@ QPoint BroughtInside(const QRect& frame, const QRect& area) {
 void RestorePlace(QWidget& window, const Settings& settings) {
   QWidget& frame = FrameOf(window);
   const std::string name = FromQt(window.objectName());
+  const bool known = settings.Has(setting::PlaceLeft, name) || settings.Has(setting::PlaceTop, name);
   const QPoint place(ToPixels(settings.Get(setting::PlaceLeft, name)),
                      ToPixels(settings.Get(setting::PlaceTop, name)));
   // A frame that was never shown has its hint's size, not its own.
   const QSize size =
       frame.testAttribute(Qt::WA_Resized) || frame.isVisible() ? frame.size() : frame.sizeHint();
-  frame.move(BroughtInside(QRect(place, size), AreaFor(frame, place)));
+  const QRect area = AreaFor(frame, place);
+  QRect wanted(place, size);
+  if (!known) wanted.moveCenter(area.center());
+  frame.move(BroughtInside(wanted, area));
 }
 
 void StorePlace(const QWidget& window, Settings& settings) {
-  const QPoint place = FrameOf(const_cast<QWidget&>(window)).pos();
+  const QWidget& frame = FrameOf(const_cast<QWidget&>(window));
+  if (frame.isMaximized() || frame.isMinimized()) return;
   // A place that cannot be kept is not worth a message.
   const std::string name = FromQt(window.objectName());
-  (void)settings.Set(setting::PlaceTop, name, ToUnits(place.y()));
-  (void)settings.Set(setting::PlaceLeft, name, ToUnits(place.x()));
+  (void)settings.Set(setting::PlaceTop, name, ToUnits(frame.y()));
+  (void)settings.Set(setting::PlaceLeft, name, ToUnits(frame.x()));
+}
+
+void RestoreSize(QWidget& window, const Settings& settings) {
+  const std::string kept = settings.Get(setting::PlaceSize, FromQt(window.objectName()));
+  const std::size_t comma = kept.find(',');
+  if (comma == std::string::npos) return;
+  QWidget& frame = FrameOf(window);
+  const QSize size(ToPixels(LeadingFloat(kept)), ToPixels(LeadingFloat(kept.substr(comma + 1))));
+  if (!size.isEmpty())
+    frame.resize(size.boundedTo(AreaFor(frame, {}).size()).expandedTo(frame.minimumSizeHint()));
+}
+
+void StoreSize(const QWidget& window, Settings& settings) {
+  const QWidget& frame = FrameOf(const_cast<QWidget&>(window));
+  if (frame.isMaximized() || frame.isMinimized()) return;
+  (void)settings.Set(setting::PlaceSize, FromQt(window.objectName()),
+                     ShortText(ToUnits(frame.width())) + "," + ShortText(ToUnits(frame.height())));
 }
 
 }  // namespace hyetex

@@ -29,6 +29,7 @@ struct Canvas : test::BlankSurface {
   static std::string Name(Rgb c) {
     for (const auto& [colour, name] : std::vector<std::pair<Rgb, const char*>>{{{0, 0, 0}, "black"},
                                                                                {{100, 100, 100}, "grey"},
+                                                                               {{66, 66, 66}, "dark"},
                                                                                {{255, 0, 0}, "red"},
                                                                                {{0, 255, 0}, "green"},
                                                                                {{0, 0, 255}, "blue"},
@@ -82,9 +83,12 @@ TEST(Drawing, SegmentsTakeTheColourOfTheirEnd) {
   add(600, "", true);
   add(700, "CODE203::CODE202::CODE206");
   EXPECT_THAT(graph.Draw(),
-              ElementsAre("clear", "line 0,3000 100,3000 black", "line 100,3000 200,3000 red thick",
-                          "line 200,3000 300,3000 green", "line 300,3000 400,3000 magenta",
-                          "line 400,3000 500,3000 yellow thick", "line 600,3000 700,3000 green"));
+              ElementsAre("clear", "line 100,3000 200,3000 dark thick", "line 200,3000 300,3000 dark thick",
+                          "line 300,3000 400,3000 dark thick", "line 400,3000 500,3000 dark thick",
+                          "line 600,3000 700,3000 dark thick", "line 0,3000 100,3000 black",
+                          "line 100,3000 200,3000 red thick", "line 200,3000 300,3000 green",
+                          "line 300,3000 400,3000 magenta", "line 400,3000 500,3000 yellow thick",
+                          "line 600,3000 700,3000 green"));
 }
 
 TEST(Drawing, CirclesGoByTheirOwnOrderOfCodes) {
@@ -95,9 +99,11 @@ TEST(Drawing, CirclesGoByTheirOwnOrderOfCodes) {
   graph.Line().Add(0, 0, true, "CODE205::CODE206::CODE203");
   graph.Line().Add(0, 0, true, "CODE205::CODE203::CODE202");
   graph.Line().Add(0, 0, true, "CODE203::CODE202");
-  EXPECT_THAT(graph.Draw(true), ElementsAre("clear", "circle 0,3600 10 blue", "circle 0,3600 10 green",
-                                            "circle 0,3600 10 magenta", "circle 0,3600 10 green",
-                                            "circle 0,3600 10 red", "circle 0,3600 10 yellow"));
+  std::vector<std::string> drawn = graph.Draw(true);
+  EXPECT_EQ(std::erase(drawn, "circle 0,3600 25 dark"), 5U) << "all but the blue one are edged";
+  EXPECT_THAT(drawn, ElementsAre("clear", "circle 0,3600 10 blue", "circle 0,3600 10 green",
+                                 "circle 0,3600 10 magenta", "circle 0,3600 10 green", "circle 0,3600 10 red",
+                                 "circle 0,3600 10 yellow"));
 }
 
 TEST(Drawing, ZoomMovesThePictureAndNoPoint) {

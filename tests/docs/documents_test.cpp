@@ -120,6 +120,7 @@ const std::set<std::string> OfOthers = {
     "chmod 600 ~/.odbc.ini",
     "~/.odbc.ini",
     "rain",
+    "cmake --build build/release --target package",
     "db.example.org;Port=5433",
     "XDG_DATA_HOME",
     "~/.local/share/hyetex",

@@ -83,6 +83,7 @@ TEST_F(StagingDesk, LeadsFromTheLoginToTheChartFileAndTheNextChart) {
   ASSERT_TRUE(Detects(tablet_, "Digitizer Detected On COM2"));
   Click(Tasks(), "cmdActivate");
   ASSERT_TRUE(IsOpen());
+  EXPECT_EQ(desk_->ShellWindow()->windowTitle(), "Hyetex - NM-Hill Farm-01 05/03/1998 07:00:00");
   EXPECT_EQ(desk_->Window(WindowId::Tasks), nullptr);
   EXPECT_EQ(desk_->Window(WindowId::MainMenu), nullptr);
   EXPECT_EQ(Remembered("COMport") + " " + Remembered("frmTasks-Row") + " " + Remembered("frmTasks-Station"),
@@ -92,12 +93,19 @@ TEST_F(StagingDesk, LeadsFromTheLoginToTheChartFileAndTheNextChart) {
   Press(700, 1000);
   Press(900, 1100);
   Choose("mnuSave");
+  const char* file = "NM-Hill Farm-01-19980305-0700.dat";
+  EXPECT_EQ(Find<QLabel>(*desk_->Window(WindowId::Save), "labFile").text().toStdString(),
+            std::string("Chart file: ") + file);
   Click(*desk_->Window(WindowId::Save), "cmdSave");
   ASSERT_TRUE(WaitFor([&] { return desk_->Window(WindowId::Tasks) != nullptr; }));
   EXPECT_FALSE(IsOpen());
+  EXPECT_EQ(desk_->ShellWindow()->windowTitle(), "Hyetex");
+  EXPECT_EQ(Grid().item(0, 0)->toolTip().toStdString(), std::string("Digitized: ") + file);
+  EXPECT_FALSE(Grid().item(0, 0)->icon().isNull());
+  EXPECT_TRUE(Grid().item(1, 0)->icon().isNull()) << "not digitized yet";
   EXPECT_EQ(Row(), 1) << "the next chart";
   EXPECT_EQ(Control<QGroupBox>("frmTask").title().toStdString(), HillFarm);
-  EXPECT_TRUE(FileExists(folder_ / "NM-Hill Farm-01-19980305-0700.dat"));
+  EXPECT_TRUE(FileExists(folder_ / file));
 
   Hurry();
   EXPECT_TRUE(Detects(tablet_, "Digitizer Detected On COM2")) << "the session has let go of the port";

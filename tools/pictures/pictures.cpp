@@ -20,6 +20,7 @@
 #include "core/settings.h"
 #include "digitizing/view.h"
 #include "pictures/picture_database.h"
+#include "platform/outlined_style.h"
 #include "platform/qt_text.h"
 #include "scans/drawn_scan.h"
 #include "scans/scan_file.h"
@@ -383,6 +384,7 @@ Result<void> TakePictures(const std::string& programFolder, const std::string& p
   if (error) return Failure("The program folder " + programFolder + " cannot be copied: " + error.message());
 
   QApplication::setStyle(QStyleFactory::create("Fusion"));
+  OutlinedStyle::Install();
   QApplication::setFont(QFont("DejaVu Sans", 10));
   PictureDialogs dialogs;
   dialogs.Agrees = true;  // an unfinished chart is resumed

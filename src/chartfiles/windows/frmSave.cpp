@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/dates.h"
+#include "core/files.h"
 #include "core/numbers.h"
 #include "core/text.h"
 #include "platform/controls.h"
@@ -82,6 +83,14 @@ void frmSave::ShowDetails() {
   txtEyed->setText(ToQt(details.EyedDepth));
   txtManual->setText(ToQt(details.ManualDepth));
   comChart->setCurrentIndex(comChart->findData(static_cast<int>(session_.Chart.Reliability)));
+  ShowFile();
+}
+
+// Under which name, and in which folder, Save would write it now.
+void frmSave::ShowFile() {
+  const std::string name = ChartFileName(origin_.InstrumentCode, session_.Chart.StartTime);
+  labFile->setText("Chart file: " + ToQt(name));
+  labFile->setToolTip(ToQt(JoinPath(TargetFolder(settings_), name)));
 }
 
 EditedDetails frmSave::ShownDetails() const {
@@ -123,6 +132,7 @@ bool frmSave::ResetDefinitions() {
     return false;
   }
   MarkPendingDetails();
+  ShowFile();
   ShowChosenDepth();
   if (const auto error = SessionError(session_))
     txtPrompt->setPlainText(ToQt(*error));

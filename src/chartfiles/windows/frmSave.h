@@ -63,6 +63,7 @@ class frmSave : public FormWindow, public FocusListener {
   void SetTabOrder();
 
   void ShowDetails();
+  void ShowFile();
   EditedDetails ShownDetails() const;
   /// Takes the edited details; false if they cannot be, which the operator has been told.
   bool ResetDefinitions();
@@ -87,7 +88,7 @@ class frmSave : public FormWindow, public FocusListener {
   QTimeEdit *dtpBeginTime, *dtpEndTime;
   QComboBox *comRain, *comChart;
   QPushButton *cmdDefiine, *cmdSave, *cmdRedigitize, *cmdCancel, *cmdBack, *cmdNext;
-  QLabel* labPending;
+  QLabel *labPending, *labFile;
   QTimer* timPrompt;
 };
 

@@ -42,9 +42,14 @@ void frmSave::MakeLayout() {
   comment->addWidget(LabelOf("Digiti&zer Comment:", txtComment));
   comment->addWidget(txtComment);
 
+  labFile = Named(new QLabel, "labFile");
+  labFile->setTextFormat(Qt::PlainText);
+  labFile->setTextInteractionFlags(Qt::TextSelectableByMouse);
+
   auto* layout = new QVBoxLayout(this);
   layout->addLayout(both, 1);
   layout->addLayout(comment);
+  layout->addWidget(labFile);
   layout->addWidget(MakeButtons());
   SetKeyButtons(cmdSave, cmdCancel);
   SetTabOrder();
@@ -52,9 +57,11 @@ void frmSave::MakeLayout() {
 
 QWidget* frmSave::MakeStepped(QLineEdit*& box, const char* name, double step, std::optional<double> lowest) {
   box = Named(new EntryBox(lowest ? DepthEntry : NumberEntry{}), QByteArray("txt").append(name).constData());
-  return WithArrows(
+  QWidget* both = WithArrows(
       box, QByteArray("udn").append(name).constData(),
       [step, lowest](std::string_view text, int way) { return StepNumber(text, step * way, lowest); });
+  if (lowest) both->layout()->addWidget(new QLabel("mm"));
+  return both;
 }
 
 void frmSave::AddRow(QGridLayout& layout, const char* caption, QWidget* buddy, QWidget* shown) {

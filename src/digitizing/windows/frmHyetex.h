@@ -104,6 +104,7 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
  protected:
   void closeEvent(QCloseEvent* event) override;
   void Closing() override;
+  bool RemembersSize() const override { return false; }  // the tablet's proportions and frmHyetex-Height do
   void showEvent(QShowEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;

@@ -43,6 +43,10 @@ mdiHyetex::~mdiHyetex() {
   delete area_;
 }
 
+void mdiHyetex::ShowChart(const std::string& name) {
+  setWindowTitle(name.empty() ? "Hyetex" : "Hyetex - " + ToQt(name));
+}
+
 QMenu* mdiHyetex::AddMenu(const char* name, const char* caption) {
   QMenu* menu = menuBar()->addMenu(tr(caption));
   menu->setObjectName(name);

@@ -26,6 +26,8 @@ class mdiHyetex final : public QMainWindow, public Shell, public PopupMenu {
 
   QMdiArea& Area() { return *area_; }
   QMenu& Popup() { return *mnuPop; }  ///< of the lists, with its three commands
+  /// Names the chart that is on the desk in the frame's title; empty: there is none.
+  void ShowChart(const std::string& name);
   QAction& Fix() { return *mnuFix; }  ///< disabled until there are stations to synchronise
 
   void Digitizing(SessionCommands& commands) override;

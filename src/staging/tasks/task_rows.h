@@ -11,7 +11,7 @@
 
 namespace hyetex {
 
-inline constexpr std::size_t TaskColumns = 4;
+inline constexpr std::size_t TaskColumns = 4, FirstDepthColumn = 2;
 /// The blanks keep room for the cells below.
 inline constexpr std::array<std::string_view, TaskColumns> TaskHeadings{"Start Time   ", "End Time     ",
                                                                         "Eyed Depth   ", "Manual Depth "};

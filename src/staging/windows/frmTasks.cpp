@@ -7,6 +7,7 @@
 #include "core/files.h"
 #include "core/numbers.h"
 #include "core/text.h"
+#include "platform/outlined_style.h"
 #include "platform/qt_text.h"
 #include "staging/lists/station_tree.h"
 
@@ -133,15 +134,28 @@ void frmTasks::UpdateList(std::optional<int> task) {
 
   fgdTasks->clearSelection();
   fgdTasks->setRowCount(static_cast<int>(rows_.size()));
-  for (int r = 0; r < fgdTasks->rowCount(); ++r)
-    for (int c = 0; c < static_cast<int>(TaskColumns); ++c)
-      fgdTasks->setItem(
-          r, c,
-          new QTableWidgetItem(ToQt(rows_[static_cast<std::size_t>(r)].Cells[static_cast<std::size_t>(c)])));
+  for (int r = 0; r < fgdTasks->rowCount(); ++r) FillRow(r);
   int next = row;
   for (int r = 0; task && r < fgdTasks->rowCount(); ++r)
     if (rows_[static_cast<std::size_t>(r)].Task == *task) next = r;
   SelectRow(next);
+}
+
+void frmTasks::FillRow(int row) {
+  const TaskRow& shown = rows_[static_cast<std::size_t>(row)];
+  for (std::size_t c = 0; c < TaskColumns; ++c) {
+    auto* item = new QTableWidgetItem(ToQt(shown.Cells[c]));
+    if (c >= FirstDepthColumn) item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    fgdTasks->setItem(row, static_cast<int>(c), item);
+  }
+  const ChartRecord& task = staging_.Tasks()[static_cast<std::size_t>(shown.Task)];
+  const std::string file = services_.ChartFile ? services_.ChartFile(task, targetFolder_) : "";
+  if (file.empty()) return;
+  QTableWidgetItem* first = fgdTasks->item(row, 0);
+  first->setIcon(style()->standardIcon(QStyle::SP_DialogApplyButton));
+  const QString done = tr("Digitized: %1").arg(ToQt(file));
+  first->setData(Qt::AccessibleTextRole, first->text() + ", " + done);
+  for (std::size_t c = 0; c < TaskColumns; ++c) fgdTasks->item(row, static_cast<int>(c))->setToolTip(done);
 }
 
 void frmTasks::ShowDetection() {
@@ -158,7 +172,7 @@ void frmTasks::ShowDetection() {
     labDetect->setText(detection_ == Detection::Missing ? tr("Digitizer Not Detected")
                                                         : tr("Digtizer Not Detcted"));
   }
-  const bool dark = palette().color(QPalette::Window).lightness() < 128;
+  const bool dark = IsDark(palette());
   const QColor blue = dark ? QColor(130, 180, 255) : QColor(0, 60, 200),
                red = dark ? QColor(255, 130, 120) : QColor(190, 0, 0);
   QPalette colours = labDetect->palette();

@@ -48,6 +48,8 @@ struct TaskServices {
       const std::function<bool(const std::string& question)>& mayOverwrite)>
       WriteEmptyForm;
   ChosenScans* Scans;
+  /// The name of a chart's file, where the folder has it; else empty.
+  std::function<std::string(const ChartRecord& task, const std::string& folder)> ChartFile = {};
 };
 
 class frmTasks : public FormWindow {
@@ -66,6 +68,7 @@ class frmTasks : public FormWindow {
   bool SaveTasks();
   /// Shows the charts of the selected station; the row stays, or moves to a chart's if one is named.
   void UpdateList(std::optional<int> task = {});
+  void FillRow(int row);
   /// Deletes the selected chart.
   void DeleteCurrentTask();
   /// Whether a node of the tree is selected.

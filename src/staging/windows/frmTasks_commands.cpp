@@ -69,6 +69,7 @@ void frmTasks::BrowseTarget() {
   targetFolder_ = CheckTargetFolder(*chosen, settings_.Folder());
   targetChosen_ = true;
   dirTarget->setText(ToQt(targetFolder_));
+  UpdateList();
 }
 
 bool frmTasks::HasTarget() {
