@@ -130,6 +130,7 @@ ScanTrace ScanTracer::Data::Told(const PenPath& path) const {
     onLine += at.Ink * (1 - at.Hidden);
     seen += 1 - at.Hidden;
   }
+
   if (Ink.Contrast < LeastContrast || onLine / seen < LeastOnLine || trace.InkExplained < LeastExplained) {
     trace.Points.clear();
     trace.EmptyingHours.clear();
@@ -199,6 +200,7 @@ Result<ScanTracer> ScanTracer::Open(const ScanImage& image, const TraceWish& wis
   }
   data->First = static_cast<int>(std::lround(data->Flat.Column(0)));
   data->Past = static_cast<int>(std::lround(data->Flat.Column(pageMm))) + 1;
+
   data->Grid = *std::move(lattice);
   if (data->IsLinear()) data->LearnReach();
   return ScanTracer(std::move(data));
