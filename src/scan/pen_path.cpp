@@ -27,6 +27,7 @@ class Search {
     rows_ = bottom - top_ + 1;
     const auto count = static_cast<std::size_t>(rows_);
     begin_.assign(count, Never);
+    rest_.assign(count, 0);
     land_.assign(count, Never);
     for (int row = 0; row < rows_; ++row) {
       const double height = flat.HeightMm(top_ + row);
@@ -35,8 +36,9 @@ class Search {
         begin_[at] =
             costs.Emptying +
             (reach.UsualTopMm ? costs.TopOff * static_cast<float>(std::abs(height - *reach.UsualTopMm)) : 0);
-      if (const double off = std::abs(height - reach.FootMm); off <= reach.FootWithinMm)
-        land_[at] = costs.FootOff * static_cast<float>(off);
+      const double off = std::abs(height - reach.FootMm);
+      rest_[at] = off <= AtRestMm ? 1 : 0;
+      if (off <= reach.FootWithinMm) land_[at] = costs.FootOff * static_cast<float>(off);
     }
     seen_.assign(static_cast<std::size_t>(columns_), 0);
     // In one column each: a line that a fall has left is that of one emptying.
@@ -61,6 +63,7 @@ class Search {
 
  private:
   static constexpr double BelowFootMm = 1.2;
+  static constexpr double AtRestMm = 0.5;
   static constexpr int RidgeApart = 3;  // columns to each side
   using Costs = std::vector<float>;
 
@@ -88,6 +91,7 @@ class Search {
       const float blank = std::max(0.0F, 1 - ink / FaintInk) * (1 - hidden), covered = costs_.Hidden * hidden;
       const auto at = static_cast<std::size_t>(row);
       enter_[at] = -ink + costs_.Blank * blank + covered;
+      if (rest_[at] != 0) enter_[at] -= costs_.AtRest * hidden;
       const bool ridge = ridges_.at<std::uint8_t>(row, column) != 0;
       climb_[at] = (ridge ? -costs_.ClimbInk * ink : 0) + costs_.BlankClimb * blank + covered;
     }
@@ -250,6 +254,7 @@ class Search {
   const PenInk& ink_;
   const PenCosts& costs_;
   int first_, columns_, top_ = 0, rows_ = 0;
+  std::vector<char> rest_;
   Costs begin_, land_, seen_, enter_, climb_;
   cv::Mat ridges_;
   std::vector<Costs> cost_;

@@ -1,5 +1,6 @@
 #include "scan/trace_steps.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <numbers>
@@ -8,6 +9,7 @@
 #include "core/numbers.h"
 #include "digitizing/tablets.h"
 #include "digitizing/tools.h"
+#include "scan/doubt_review.h"
 #include "scan/lattice.h"
 
 namespace hyetex {
@@ -72,6 +74,23 @@ Result<TracedSteps> StepsOfTrace(const ScanTrace& trace, const ScanTracer& trace
       steps.push_back({.What = Kind::Comment, .Code = ShortText(CodeGapEnd), .Text = GapReason});
   }
   return traced;
+}
+
+std::vector<DoubtPlace> PlacesOfDoubts(const ScanTrace& trace, const TraceWish& wish) {
+  const TabletExtents& tablet = TabletTypes()[ScanTablet].Extents;
+  const double units = tablet.TabletWidthUnits / tablet.TabletWidthMm;
+  const double page =
+      wish.Paper.ChartHeightMm > 0 ? wish.Paper.ChartHeightMm : ChartTypeRecord{}.ChartHeightMm;
+  double top = 0;
+  for (const ScanPoint& point : trace.Points) top = std::max(top, point.HeightMm);
+  std::vector<DoubtPlace> places;
+  for (const TraceDoubt& doubt : trace.Doubts) {
+    const auto x = [&](double hour) { return (LeftMm + hour / wish.Paper.TimeScale) * units; };
+    places.push_back({x(doubt.FromHour), x(doubt.ToHour), BottomMm * units,
+                      (BottomMm + std::min(page, top + 2)) * units,
+                      doubt.FromHour <= 0 && doubt.ToHour >= wish.Hours, doubt.Why});
+  }
+  return places;
 }
 
 std::string JournalOfTrace(const TracedSteps& steps, const ScanTrace& trace) {

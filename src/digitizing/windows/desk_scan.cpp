@@ -43,6 +43,7 @@ DeskScan::DeskScan(std::shared_ptr<const ScanImage> image, ActionMachine& machin
   });
   connect(look_, &ScanControls::AngleChosen, this, &DeskScan::Turn);
   connect(look_, &ScanControls::ScaleChosen, this, &DeskScan::ChooseScale);
+  connect(look_, &ScanControls::TraceWanted, this, &DeskScan::TraceWanted);
 
   settled_.setSingleShot(true);
   settled_.setInterval(SettledMs);
@@ -86,6 +87,15 @@ void DeskScan::Resume(const ScanPlacement& placement) {
                         : RoundedText(scale_->PixelsPerMm * MmPerInch, 1) + " dpi, as when it was begun");
   Place(placement);
   Keep();
+}
+
+void DeskScan::LayByGrid(const ScanPlacement& placement, double pixelsPerMm) {
+  scale_ = ScanScale{};
+  scale_->PixelsPerMm = pixelsPerMm;
+  look_->ShowScale(RoundedText(pixelsPerMm * MmPerInch, 1) + " dpi by the printed grid");
+  Place(placement);
+  Keep();
+  GiveHandBack();
 }
 
 bool DeskScan::Lay(const ScanScale& scale) {

@@ -44,10 +44,17 @@ class DeskScan : public QObject {
   void Begin();
   /// Lays it where a journal says that it was.
   void Resume(const ScanPlacement& placement);
+  /// Lays it as its printed grid says.
+  void LayByGrid(const ScanPlacement& placement, double pixelsPerMm);
+  /// The image itself, for work beside the windows.
+  std::shared_ptr<const ScanImage> SharedImage() const { return image_; }
   /// Fills a picture with what lies under a view.
   void Paint(QImage& picture, const DeskLayout& layout, Rgb around) const;
   /// The session has gone on: the scan may have to stay as it is now, or may be free again.
   void SessionChanged();
+
+  /// Why the scan has to stay as it lies; empty if it may be laid anew.
+  std::string WhyFixed() const;
 
   /// Waits for two marks on the scan.
   void Measure();
@@ -59,6 +66,7 @@ class DeskScan : public QObject {
  signals:
   void Changed();                           ///< it looks different, or lies elsewhere
   void Instruction(std::string_view text);  ///< for the operator
+  void TraceWanted();                       ///< by the program itself
 
  private:
   // Two places on the scan, one after the other.
@@ -94,7 +102,6 @@ class DeskScan : public QObject {
   void Place(const ScanPlacement& placement);
   void Keep();
   void GiveHandBack();
-  std::string WhyFixed() const;
   std::optional<double> AskForMm(const std::string& prompt);
   void LookAtFile();
   void Tell(const std::string& text);

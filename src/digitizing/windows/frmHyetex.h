@@ -29,6 +29,8 @@
 #include "platform/dialogs.h"
 #include "platform/form_window.h"
 #include "platform/serial_port.h"
+#include "scan/doubt_review.h"
+#include "scan/trace_steps.h"
 
 namespace hyetex {
 
@@ -104,6 +106,7 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
+  bool focusNextPrevChild(bool next) override;
 
  private:
   // The session
@@ -152,6 +155,13 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   void BeginScan();
   void LayScan(std::shared_ptr<const ScanImage> image);
   void FindScanAgain();
+
+  // The scan that traces itself: frmHyetex_trace.cpp
+  void TraceScan();
+  void PressTrace(const TracedSteps& steps, double pixelsPerMm);
+  bool DoubtKey(const QKeyEvent& event);
+  void ShowDoubt();
+  void PaintDoubts(Surface& surface, const DeskLayout& layout) const;
   Shape* ShapeOf(DragShape shape) { return shape == DragShape::Selection ? shpSelect : shpZoom; }
 
   Shell& shell_;
@@ -173,6 +183,7 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   DeskPanel* panel_ = nullptr;  // beside the chart view, with the mouse
   Magnifier* magnifier_ = nullptr;
   std::shared_ptr<const ScanImage> openedScan_;
+  DoubtReview doubts_;
   DeskScan* scan_ = nullptr;  // null: there is none under the trace
   Correcting correcting_;
   bool corrects_ = false;  // the mouse corrects

@@ -47,6 +47,7 @@ void frmHyetex::ShowView() {
 
 void frmHyetex::Paint(Surface& surface, const DeskLayout& layout) const {
   const GraphStyle style{.ShowPoints = shell_.PointsAreShown() || corrects_, .OnScan = scan_ != nullptr};
+  PaintDoubts(surface, layout);
   // Below the trace where that leaves what is under it, else over it.
   if (overlay_ && scan_ != nullptr) DrawOverlay(overlayLines_, layout, surface);
   hyetex::DrawGraph(session_.Line, layout, style, surface);

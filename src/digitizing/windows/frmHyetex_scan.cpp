@@ -27,6 +27,7 @@ void frmHyetex::LayScan(std::shared_ptr<const ScanImage> image) {
   scan_ = new DeskScan(std::move(image), machine_, *hand_, dialogs_, settings_.Folder(), this);
   panel_->Add(scan_->Panel());
   connect(scan_, &DeskScan::Changed, this, &frmHyetex::ShowView);
+  connect(scan_, &DeskScan::TraceWanted, this, &frmHyetex::TraceScan);
   connect(scan_, &DeskScan::Instruction, this, [this](std::string_view text) { ShowInstruction(text); });
   picGraph_->SetBelow(
       [this](QImage& picture) { scan_->Paint(picture, machine_.Layout, picGraph_->Background()); });

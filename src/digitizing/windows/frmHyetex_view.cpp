@@ -195,7 +195,7 @@ void frmHyetex::ShowToolText(int tool) {
 // ---- Keys and wheel
 
 void frmHyetex::keyPressEvent(QKeyEvent* event) {
-  if (hasFocus() && hand_->KeyPressed(*event)) return;
+  if (hasFocus() && (DoubtKey(*event) || hand_->KeyPressed(*event))) return;
   if (HasMouse() && !hasFocus() && event->key() == Qt::Key_Escape) return setFocus();  // from the panel
   if (event->key() == Qt::Key_Escape && EscapeMouse()) return;
   if (event->key() == Qt::Key_Escape)

@@ -69,6 +69,11 @@ ScanControls::ScanControls(QWidget* parent) : QWidget(parent) {
   connect(cmdTurnRight, &QPushButton::clicked, this, [turn] { turn(-90); });
   connect(spnTurn, &QDoubleSpinBox::valueChanged, this, &ScanControls::AngleChosen);
 
+  cmdTraceScan = Named(new QPushButton(tr("Trace T&his Scan")), "cmdTraceScan");
+  cmdTraceScan->setToolTip(tr("Traces the line by the printed grid and tells what is doubtful (T)"));
+  layout->addWidget(cmdTraceScan);
+  connect(cmdTraceScan, &QPushButton::clicked, this, &ScanControls::TraceWanted);
+
   sliders_ = {AddSlider("sldBrightness", "&Brightness:", -100), AddSlider("sldContrast", "C&ontrast:", -100),
               AddSlider("sldFade", "F&ade the grid:", 0)};
   cmdLookReset = Named(new QPushButton(tr("As Sca&nned")), "cmdLookReset");
@@ -114,7 +119,8 @@ void ScanControls::ShowTrouble(const std::string& why) {
 }
 
 void ScanControls::ShowFixed(const std::string& why) {
-  for (QWidget* control : std::initializer_list<QWidget*>{cmdScanScale, cmdTurnLeft, cmdTurnRight, spnTurn})
+  for (QWidget* control :
+       std::initializer_list<QWidget*>{cmdScanScale, cmdTurnLeft, cmdTurnRight, spnTurn, cmdTraceScan})
     control->setEnabled(why.empty());
   labScanFixed->setText(ToQt(why));
   labScanFixed->setVisible(!why.empty());

@@ -36,13 +36,14 @@ class ScanControls : public QWidget {
   void LookChanged(const ScanLook& look);
   void AngleChosen(double degrees);
   void ScaleChosen(ScanScale::Source by);
+  void TraceWanted();  ///< by the program itself
 
  private:
   QSlider* AddSlider(const char* name, const char* caption, int least);
   void TellLook();
 
   QLabel *labScanName, *labScanScale, *labScanTrouble, *labScanFixed;
-  QPushButton *cmdScanScale, *cmdTurnLeft, *cmdTurnRight, *cmdLookReset;
+  QPushButton *cmdScanScale, *cmdTurnLeft, *cmdTurnRight, *cmdLookReset, *cmdTraceScan;
   QAction* actResolution;
   QDoubleSpinBox* spnTurn;
   std::array<QSlider*, 3> sliders_{};
