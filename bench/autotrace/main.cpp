@@ -14,6 +14,7 @@
 
 #include "core/files.h"
 #include "drawn_chart.h"
+#include "scan/trace_picture.h"
 #include "scans/scan_damage.h"
 #include "scans/scan_file.h"
 
@@ -145,11 +146,13 @@ int Measure(const Words& words) {
   const std::string folder =
       (std::filesystem::temp_directory_path() / ("hyetex-autotrace-" + std::to_string(getpid()))).string();
   std::filesystem::create_directory(folder);
+  std::uint64_t day = 0;  // another one for each chart, so that few charts hold many days
   for (const Kind& kind : Kinds()) {
+    day += 37;
     if (kind.HeldBack != words.HeldBack || (!words.Only.empty() && kind.Name != words.Only)) continue;
     Row row;
     for (int i = 0; i < words.Each; ++i) {
-      const auto seed = static_cast<std::uint64_t>(words.Seed) * 1000 + static_cast<std::uint64_t>(i);
+      const auto seed = static_cast<std::uint64_t>(words.Seed) * 10000 + day + static_cast<std::uint64_t>(i);
       const PenLine line = RandomDay(seed);
       ScanStyle style = PlainStyle(line);
       if (const auto damaged = Damage(style, kind.Damage, seed); !damaged) {
@@ -170,14 +173,18 @@ int Measure(const Words& words) {
       const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count();
       const TraceErrors errors = Compare(trace, line);
       row.Add(trace, errors, seconds);
-      if (!words.Keep.empty()) {
+      if (!words.Keep.empty() && image) {
         const std::string kept = words.Keep + "/" + kind.Name + "-" + std::to_string(seed);
         std::filesystem::copy_file(path, kept + path.substr(path.rfind('.')),
                                    std::filesystem::copy_options::overwrite_existing);
         std::string text = VerdictText(trace.Verdict) + ", " + std::to_string(errors.TrueMm) + " mm true, " +
                            std::to_string(errors.Mm) + " mm traced\n";
-        for (const TraceDoubt& doubt : trace.Doubts) text += doubt.Why + "\n";
+        for (const TraceDoubt& doubt : trace.Doubts)
+          text +=
+              std::to_string(doubt.FromHour) + " " + std::to_string(doubt.ToHour) + " " + doubt.Why + "\n";
         if (!WriteWholeFile(kept + ".txt", text)) return 1;
+        const auto picture = PictureOfTrace(*image, trace, kept + "-traced.png");
+        if (!picture || !WriteWholeFile(kept + "-traced.png", *picture)) return 1;
       }
     }
     PrintRow(kind.Name, row);

@@ -69,14 +69,9 @@ std::string Rounded(double value, int digits) {
 std::string Known(float depth) { return depth > 0 ? ShortText(depth) : std::string(); }
 
 TraceWish WishFor(const Box& box, const ActivatedChart& chart) {
-  const ChartRecord& task = chart.Task;
-  const std::vector<double>& start = box.Words.Start;
-  return {.Paper = chart.ChartType,
-          .StartHour = (task.StartTime - std::floor(task.StartTime)) * HoursADay,
-          .Hours = (task.EndTime - task.StartTime) * HoursADay,
-          .EyedDepth = task.EyedDepth,
-          .GageDepth = task.ManualDepth,
-          .Start = start.empty() ? std::nullopt : std::optional(TraceWish::Place{start[0], start[1]})};
+  TraceWish wish = WishOf(chart.ChartType, chart.Task);
+  if (const auto& start = box.Words.Start; !start.empty()) wish.Start = TraceWish::Place{start[0], start[1]};
+  return wish;
 }
 
 // A chart file's name with another ending.

@@ -24,6 +24,10 @@ constexpr double EndMm = 2;
 constexpr double LeastDepthOffMm = 0.3;
 constexpr double DepthOff = 0.05;  // of another gauge's sum
 constexpr double EndsWithinMm = 4;
+constexpr int Together = 8;          // columns: doubts nearer than this are one
+constexpr double SureFall = 0.5;     // of a fall's line is seen
+constexpr double FallNearMm = 0.7;   // of its emptying
+constexpr double CloseHours = 0.12;  // emptyings nearer to each other hide each other's limbs
 
 std::string Clock(double hour) {
   const int minutes = static_cast<int>(std::lround(hour * 60));
@@ -48,6 +52,7 @@ class Finder {
     OtherWays();
     HiddenStretches();
     Events();
+    OtherFalls();
     std::stable_sort(doubts_.begin(), doubts_.end(),
                      [](const TraceDoubt& a, const TraceDoubt& b) { return a.FromHour < b.FromHour; });
     return std::move(doubts_);
@@ -103,16 +108,28 @@ class Finder {
     }
     // Upright within a few columns nothing is blank for long, and millimetres may hang on it.
     for (int i = 0; i < Count(); ++i) {
-      const PathColumn& column = columns_[static_cast<std::size_t>(i)];
-      if (Rain(column.EnterRow - column.LeaveRow) < 0.02 * UsualRain() ||
-          (column.Ink > 0.25F && column.Hidden < 0.6F))
-        continue;
-      Add(TraceDoubt::Kind::NoInk, std::max(0, i - 2), std::min(Count(), i + 3),
-          "A steep rise of " + Mm(Rain(column.EnterRow - column.LeaveRow)) + " mm at " + At(i) +
-              " has little ink of its own.");
+      if (!RisesUnseen(i)) continue;
+      int past = i + 1;
+      double rise = 0;
+      for (int j = i; j < std::min(Count(), past + Together); ++j) {
+        if (!RisesUnseen(j)) continue;
+        past = j + 1;
+        rise += ColumnRain(j);
+      }
+      Add(TraceDoubt::Kind::NoInk, std::max(0, i - 2), std::min(Count(), past + 2),
+          "A steep rise of " + Mm(rise) + " mm at " + At(i) + " has little ink of its own.");
+      i = past;
     }
   }
 
+  double ColumnRain(int i) const {
+    const PathColumn& column = columns_[static_cast<std::size_t>(i)];
+    return Rain(column.EnterRow - column.LeaveRow);
+  }
+  bool RisesUnseen(int i) const {
+    const PathColumn& column = columns_[static_cast<std::size_t>(i)];
+    return ColumnRain(i) >= 0.02 * UsualRain() && (column.Ink <= 0.25F || column.Hidden >= 0.6F);
+  }
   double UsualRain() const { return about_.Reach.TopMm * about_.Wish.Paper.DepthScale; }
 
   void OtherWays() {
@@ -152,6 +169,21 @@ class Finder {
     }
   }
 
+  // Upright lines over the whole height that no emptying of the path has left.
+  void OtherFalls() {
+    const int near = static_cast<int>(FallNearMm * about_.Flat.PixelsPerMm);
+    for (const FallLine& fall : about_.Falls) {
+      const int at = fall.Column - about_.Path.FirstColumn;
+      if (fall.Seen < SureFall || at < 0 || at >= Count()) continue;
+      bool used = false;
+      for (int i = std::max(0, at - near); i <= std::min(Count() - 1, at + near); ++i)
+        used = used || columns_[static_cast<std::size_t>(i)].How == PathColumn::Come::Emptied;
+      if (!used)
+        Add(TraceDoubt::Kind::Emptying, std::max(0, at - 2 * near), std::min(Count(), at + 2 * near),
+            "The upright line at " + At(at) + " may be an emptying that was left out.");
+    }
+  }
+
   float MarginAround(int column) const {
     constexpr int Beside = 9;
     return std::min(columns_[static_cast<std::size_t>(std::max(0, column - Beside))].Margin,
@@ -174,8 +206,12 @@ class Finder {
         Add(TraceDoubt::Kind::Emptying, from, past,
             "The emptying at " + At(i) + " begins " + Mm(std::abs(top - *about_.Reach.UsualTopMm)) +
                 " mm of paper " + (top < *about_.Reach.UsualTopMm ? "below" : "above") + " the others.");
+      else if (Hour(i) - lastEmptied_ < CloseHours)
+        Add(TraceDoubt::Kind::Emptying, from, past,
+            "The emptying at " + At(i) + " follows close on another: confirm how many there are.");
       else if (MarginAround(i) < SureEmptying)
         Add(TraceDoubt::Kind::Emptying, from, past, "Confirm the emptying at " + At(i) + ".");
+      lastEmptied_ = Hour(i);
     }
   }
 
@@ -183,6 +219,7 @@ class Finder {
   const std::vector<PathColumn>& columns_;
   std::vector<TraceDoubt> doubts_;
   int firstInk_ = 0, lastInk_ = 0;
+  double lastEmptied_ = -24;  // hours
 };
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <map>
 #include <numbers>
 #include <opencv2/imgproc.hpp>
 #include <vector>
@@ -19,7 +20,11 @@ constexpr double AlongHoursMm = 25;
 constexpr double LineShare = 0.55;      // of a line's pixels are lighter than the line is taken to be
 constexpr double HeaviestLines = 0.97;  // of the rows of lines are no darker than a heavy line is
 constexpr float DarkestLine = 1.08F;    // what a line can be, for 1 of that
-constexpr double PenShare = 0.996;      // of the sheet has less ink than the pen
+constexpr int DepthsInHeavy = 10, HoursInHeavy = 12;  // or a part of it
+constexpr std::size_t FewestAlike = 4;
+constexpr float DarkerThanAlike = 1.35F, DarkerBy = 0.1F;
+constexpr double EdgeMm = 5;        // of what is laid flat, in which the band's frame lies
+constexpr double PenShare = 0.996;  // of the sheet has less ink than the pen
 constexpr double StrokeMm = 0.6, StrokeWidthMm = 0.1;
 
 float Quantile(std::vector<float>& values, double share) {
@@ -50,18 +55,28 @@ cv::Mat Darkness(const cv::Mat& grey, double pixelsPerMm) {
   return cv::max(dark, 0);
 }
 
+struct PrintedLines {
+  double First = 0, Apart = 1, Half = 1;  // rows
+  int InHeavy = 1, Edge = 0;
+};
+
 // How dark the printed lines along the rows of `dark` are, which stand every `apart` pixels from row `first`
 // on: along each row what most of its pixels reach, in pieces as long as `along`.
-cv::Mat LinesAlongRows(const cv::Mat& dark, double first, double apart, double half, double along) {
+// `inHeavy` lines stand from one heavy line to the next; `edge` rows at either end hold the frame.
+cv::Mat LinesAlongRows(const cv::Mat& dark, const PrintedLines& print, double along) {
+  const auto [first, apart, half, inHeavy, edge] = print;
   cv::Mat lines = cv::Mat::zeros(dark.size(), CV_32F);
   const int piece = std::max(16, static_cast<int>(along / 2)), pieces = std::max(1, dark.cols / piece);
   std::vector<float> values, usual;
   std::vector<int> rows;
+  std::vector<int> lineOf;       // of each of the rows
+  std::map<int, float> darkest;  // of each line
   cv::Mat levels(dark.rows, pieces, CV_32F);
   for (int row = 0; row < dark.rows; ++row) {
     const double off = (row - first) / apart;
     if (std::abs(off - std::round(off)) * apart > half) continue;
     rows.push_back(row);
+    lineOf.push_back(static_cast<int>(std::lround(off)));
     const auto* from = dark.ptr<float>(row);
     auto* level = levels.ptr<float>(row);
     for (int i = 0; i < pieces; ++i) {  // pieces overlap by half
@@ -72,18 +87,29 @@ cv::Mat LinesAlongRows(const cv::Mat& dark, double first, double apart, double h
     }
     values.assign(level, level + pieces);
     usual.push_back(Quantile(values, 0.5));
+    float& line = darkest[lineOf.back()];
+    line = std::max(line, usual.back());
   }
   if (rows.empty()) return lines;
   // What is darker than any printed line is a level pen on one.
   const float most = DarkestLine * Quantile(usual, HeaviestLines);
-  for (const int row : rows) {
+  // And so is what is darker than the other lines that stand where this one does between heavy ones.
+  std::map<int, std::vector<float>> alike;
+  const auto classOf = [n = inHeavy](int line) { return (line % n + n) % n; };
+  for (const auto& [line, level] : darkest) alike[classOf(line)].push_back(level);
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    const int row = rows[i];
+    float cap = most;
+    if (auto& others = alike[classOf(lineOf[i])];
+        row >= edge && row < dark.rows - edge && others.size() >= FewestAlike)
+      cap = std::min(most, DarkerThanAlike * Quantile(others, 0.5) + DarkerBy);
     const auto* level = levels.ptr<float>(row);
     auto* to = lines.ptr<float>(row);
     for (int x = 0; x < dark.cols; ++x) {
       const double place = std::clamp((x + 0.5) / piece - 0.5, 0.0, pieces - 1.0);
       const int before = static_cast<int>(place), behind = std::min(before + 1, pieces - 1);
       const auto part = static_cast<float>(place - before);
-      to[x] = std::min(most, (1 - part) * level[before] + part * level[behind]);
+      to[x] = std::min(cap, (1 - part) * level[before] + part * level[behind]);
     }
   }
   return lines;
@@ -91,11 +117,15 @@ cv::Mat LinesAlongRows(const cv::Mat& dark, double first, double apart, double h
 
 cv::Mat FormDarkness(const FlatChart& flat, const cv::Mat& dark) {
   const double scale = flat.PixelsPerMm;
+  const int edge = static_cast<int>(EdgeMm * scale);
   const cv::Mat depths =
-      LinesAlongRows(dark, flat.Row(0), flat.UpMm * scale, DepthHalfMm * scale, AlongDepthsMm * scale);
-  const cv::Mat hours = LinesAlongRows(dark.t(), flat.Column(0), flat.AcrossMm * scale, HourHalfMm * scale,
-                                       AlongHoursMm * scale)
-                            .t();
+      LinesAlongRows(dark, {flat.Row(0), flat.UpMm * scale, DepthHalfMm * scale, DepthsInHeavy, edge},
+                     AlongDepthsMm * scale);
+  const cv::Mat hours =
+      LinesAlongRows(dark.t(),
+                     {flat.Column(0), flat.AcrossMm * scale, HourHalfMm * scale, HoursInHeavy, edge},
+                     AlongHoursMm * scale)
+          .t();
   return cv::max(depths, hours);
 }
 

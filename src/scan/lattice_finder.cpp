@@ -15,7 +15,10 @@ constexpr double MostPixelsPerMm = 10;  // lines are fitted no finer than this
 constexpr double LeastClear = 0.5;      // of the picture, that follows the fitted lines
 constexpr double PresentShare = 0.35;   // of what a line usually has over its surroundings
 constexpr int MostMissing = 2;          // lines one after the other, within the grid
-constexpr int FewestTogether = 4;       // lines on either side of missing ones
+constexpr double LeastBand = 0.65;      // of the height that the chart type has
+constexpr std::pair<double, int> WornLines[] = {{0.25, 3}, {0.15, 5}, {0.1, 8}};  // share, missing
+constexpr double MajorsMm = 10;    // from one heavy line of the depths to the next, at most
+constexpr int FewestTogether = 4;  // lines on either side of missing ones
 // The header with the printed hours has so much more print than the foot; below, a sheet stands on its head.
 constexpr double HeaderIsAbove = 0.75;
 constexpr double MajorsStandOut = 0.10;
@@ -37,10 +40,10 @@ struct Run {
 
 // The longest row of lines that are there. Some may be missing in its middle, not at its ends: a frame around
 // the band is no line of it.
-Run LongestRun(const Lines& lines) {
+Run LongestRun(const Lines& lines, double share = PresentShare, int missing = MostMissing) {
   std::vector<double> sorted = lines.Ink;
   std::sort(sorted.begin(), sorted.end());
-  const double least = PresentShare * sorted[sorted.size() * 2 / 3];
+  const double least = share * sorted[sorted.size() * 2 / 3];
   std::vector<Run> runs;
   for (int line = lines.First; line <= lines.Last(); ++line) {
     if (!(lines.At(line) > least)) continue;
@@ -51,7 +54,7 @@ Run LongestRun(const Lines& lines) {
   Run best, run;
   for (const Run& next : runs) {
     if (!isLong(next)) continue;
-    if (run.Last >= run.First && next.First - run.Last <= MostMissing + 1)
+    if (run.Last >= run.First && next.First - run.Last <= missing + 1)
       run.Last = next.Last;
     else
       run = next;
@@ -72,6 +75,22 @@ Run AllLines(const Lines& lines) {
     run.Last = line;
   }
   return run;
+}
+
+// The heavy lines that stand by themselves beyond the ends of a worn grid, up to `apart` lines away, and
+// `most` lines in all.
+void TakeHeavyLinesAround(const Lines& lines, int apart, int most, Run& run) {
+  std::vector<double> sorted = lines.Ink;
+  std::sort(sorted.begin(), sorted.end());
+  const double heavy = 0.25 * sorted[sorted.size() * 19 / 20];
+  for (const int step : {-1, 1}) {
+    int& end = step < 0 ? run.First : run.Last;
+    for (int line = end + step, left = apart; left > 0; line += step, --left)
+      if (lines.At(line) > heavy && run.Last - run.First + std::abs(line - end) <= most) {
+        end = line;
+        break;
+      }
+  }
 }
 
 struct Majors {
@@ -248,7 +267,17 @@ class LatticeFinder {
     const double middle = depths.At(ink_.cols / 2.0, ink_.rows / 2.0),
                  half = ink_.rows / 2.0 / depths.Period();
     const Lines lines = Measure(middle, half, place);
-    const Run run = LongestRun(lines);
+    // Where a threshold has taken fine lines away, more may be missing; how high the band is, its chart type
+    // knows about.
+    Run run = LongestRun(lines);
+    const double most = page_.Paper.ChartHeightMm / lattice_.upMm_;
+    const bool worn = run.Last - run.First < LeastBand * most;
+    for (const auto& [share, missing] : WornLines)
+      if (run.Last - run.First < LeastBand * most) run = LongestRun(lines, share, missing);
+    if (run.Last - run.First < LeastBand * most) run = AllLines(lines);
+    if (worn)
+      TakeHeavyLinesAround(lines, static_cast<int>(MajorsMm / lattice_.upMm_), static_cast<int>(most) + 1,
+                           run);
     depths.Shift(-run.Last);
     lattice_.bandMm_ = (run.Last - run.First) * lattice_.upMm_;
   }
@@ -270,6 +299,8 @@ class LatticeFinder {
     const Lines lines = Measure(middle, half, place);
     const double lineHours = lattice_.acrossMm_ * page_.Paper.TimeScale;
     Run run = LongestRun(lines);
+    for (const auto& [share, missing] : WornLines)
+      if (run.Last - run.First < page_.Hours / lineHours) run = LongestRun(lines, share, missing);
     if (run.Last - run.First < page_.Hours / lineHours) run = AllLines(lines);
     const int inAnHour = static_cast<int>(std::lround(1 / lineHours));
     const Majors majors =

@@ -11,6 +11,8 @@ constexpr float MostlyHidden = 0.5F;
 constexpr double JoinMm = 0.8;     // a speck of ink does not end a blank
 constexpr double EndMostMm = 0.9;  // by which strokes were followed beyond their ends
 constexpr float EndInk = 0.3F;
+constexpr double LiftApartMm = 0.8;  // a printed line may hide so much of a fall
+constexpr double LeastLiftMm = 0.4, SureLiftMm = 1.6;
 constexpr int FallNear = 6;  // columns between a limb's top and the line of its fall
 
 // The pen's ends at an emptying, by the ink itself: rows from `row` on in direction `step` until there is
@@ -73,6 +75,33 @@ std::vector<Blank> FindBlanks(const PenPath& path, const FlatChart& flat, double
   }
   std::erase_if(blanks, [&](const Blank& blank) { return blank.Past - blank.From < least; });
   return blanks;
+}
+
+void LiftTops(PenPath& path, const FlatChart& flat, const PenInk& ink, std::span<const FallLine> falls,
+              const PenReach& reach) {
+  const int most = std::max(0, static_cast<int>(std::lround(flat.Row(reach.TopMm))));
+  const int apart = static_cast<int>(LiftApartMm * flat.PixelsPerMm);
+  for (std::size_t i = 1; i < path.Columns.size(); ++i) {
+    if (path.Columns[i].How != PathColumn::Come::Emptied) continue;
+    PathColumn& before = path.Columns[i - 1];
+    const int column = path.FirstColumn + static_cast<int>(i);
+    int top = before.LeaveRow;
+    for (const FallLine& fall : falls) {
+      if (std::abs(fall.Column - column) > FallNear) continue;
+      const int at =
+          std::clamp(static_cast<int>(std::lround(fall.Column + fall.Lean / 2)), 1, ink.Raw.cols - 2);
+      for (int row = before.LeaveRow, seen = row; row >= most && seen - row <= apart; --row) {
+        const auto* raw = ink.Raw.ptr<float>(row) + at;
+        if (std::max({raw[-1], raw[0], raw[1]}) < EndInk) continue;
+        seen = row;
+        top = std::min(top, row);
+      }
+    }
+    const double lifted = (before.LeaveRow - top) / flat.PixelsPerMm;
+    if (lifted < LeastLiftMm) continue;
+    before.LeaveRow = top;
+    if (lifted > SureLiftMm) before.Hidden = 1;
+  }
 }
 
 std::vector<PathPoint> PointsOfPath(const PenPath& path, const FlatChart& flat, const PenInk& ink,

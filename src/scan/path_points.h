@@ -22,6 +22,11 @@ struct Blank {
 /// Stretches of at least `mm`.
 std::vector<Blank> FindBlanks(const PenPath& path, const FlatChart& flat, double mm);
 
+/// The pen falls from where the line of its fall begins, also where the limb's own top cannot be told from
+/// it: the path climbs up to there before an emptying. What it climbs more counts as hidden.
+void LiftTops(PenPath& path, const FlatChart& flat, const PenInk& ink, std::span<const FallLine> falls,
+              const PenReach& reach);
+
 /// No place of the path lies farther from the points' line than `withinMm`. Stretches in `gaps` end in a
 /// GapEnd.
 std::vector<PathPoint> PointsOfPath(const PenPath& path, const FlatChart& flat, const PenInk& ink,

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <opencv2/imgproc.hpp>
 
 namespace hyetex {
 namespace {
@@ -26,6 +27,7 @@ class Search {
     rows_ = bottom - top_ + 1;
     const auto count = static_cast<std::size_t>(rows_);
     begin_.assign(count, Never);
+    rest_.assign(count, 0);
     land_.assign(count, Never);
     for (int row = 0; row < rows_; ++row) {
       const double height = flat.HeightMm(top_ + row);
@@ -34,19 +36,20 @@ class Search {
         begin_[at] =
             costs.Emptying +
             (reach.UsualTopMm ? costs.TopOff * static_cast<float>(std::abs(height - *reach.UsualTopMm)) : 0);
-      if (const double off = std::abs(height - reach.FootMm); off <= reach.FootWithinMm)
-        land_[at] = costs.FootOff * static_cast<float>(off);
+      const double off = std::abs(height - reach.FootMm);
+      rest_[at] = off <= AtRestMm ? 1 : 0;
+      if (off <= reach.FootWithinMm) land_[at] = costs.FootOff * static_cast<float>(off);
     }
     seen_.assign(static_cast<std::size_t>(columns_), 0);
+    // In one column each: a line that a fall has left is that of one emptying.
     for (const FallLine& fall : falls)
-      for (int column = fall.Column - 2; column <= fall.Column + 2; ++column)
-        if (column >= first_ && column < past) {
-          float& seen = seen_[static_cast<std::size_t>(column - first_)];
-          seen = std::max(seen, costs.FallSeen * static_cast<float>(fall.Seen));
-        }
+      if (fall.Column >= first_ && fall.Column < past)
+        seen_[static_cast<std::size_t>(fall.Column - first_)] =
+            costs.FallSeen * static_cast<float>(fall.Seen);
   }
 
   PenPath Find(const PathEnds& ends) {
+    FindRidges();
     Forwards(ends);
     const auto& last = cost_.back();
     int row = ends.LastRow ? Row(*ends.LastRow)
@@ -60,11 +63,22 @@ class Search {
 
  private:
   static constexpr double BelowFootMm = 1.2;
+  static constexpr double AtRestMm = 0.5;
+  static constexpr int RidgeApart = 3;  // columns to each side
   using Costs = std::vector<float>;
 
   int Row(int flatRow) const { return std::clamp(flatRow - top_, 0, rows_ - 1); }
   std::size_t At(int column, int row) const {
     return static_cast<std::size_t>(column) * static_cast<std::size_t>(rows_) + static_cast<std::size_t>(row);
+  }
+
+  // A limb is as wide as its pen, and counts once: in each row where it has most ink.
+  void FindRidges() {
+    const cv::Mat part = ink_.Ink(cv::Rect(first_, top_, columns_, rows_));
+    cv::Mat most;
+    cv::dilate(part, most, cv::Mat::ones(1, 2 * RidgeApart + 1, CV_8U));
+    ridges_ = part >= most;
+    cv::dilate(ridges_, ridges_, cv::Mat::ones(3, 1, CV_8U));
   }
 
   // What the places of a column cost: entered, and passed upright.
@@ -77,7 +91,9 @@ class Search {
       const float blank = std::max(0.0F, 1 - ink / FaintInk) * (1 - hidden), covered = costs_.Hidden * hidden;
       const auto at = static_cast<std::size_t>(row);
       enter_[at] = -ink + costs_.Blank * blank + covered;
-      climb_[at] = -costs_.ClimbInk * ink + costs_.BlankClimb * blank + covered;
+      if (rest_[at] != 0) enter_[at] -= costs_.AtRest * hidden;
+      const bool ridge = ridges_.at<std::uint8_t>(row, column) != 0;
+      climb_[at] = (ridge ? -costs_.ClimbInk * ink : 0) + costs_.BlankClimb * blank + covered;
     }
   }
   float SinkAt(std::size_t row) const { return costs_.Sink + std::max(0.0F, climb_[row]); }
@@ -238,7 +254,9 @@ class Search {
   const PenInk& ink_;
   const PenCosts& costs_;
   int first_, columns_, top_ = 0, rows_ = 0;
+  std::vector<char> rest_;
   Costs begin_, land_, seen_, enter_, climb_;
+  cv::Mat ridges_;
   std::vector<Costs> cost_;
   std::vector<std::uint8_t> steps_;
   std::vector<int> fallFrom_, anewFrom_;

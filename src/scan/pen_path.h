@@ -22,9 +22,10 @@ struct PenCosts {
   float Blank = 0.35F;      ///< a column where there is no ink
   float BlankClimb = 0.7F;  ///< a row upright where there is no ink
   float Hidden = 0.1F;      ///< a place that the form hides
+  float AtRest = 0.25F;     ///< what that costs less at the foot, where a pen lies without rain
   float ClimbInk = 1.0F;    ///< what ink counts upright, for 1 level
-  float Emptying = 110;     ///< a fall from the top to the foot
-  float FallSeen = 70;      ///< what that costs less where the fall itself has left its line
+  float Emptying = 95;      ///< a fall from the top to the foot
+  float FallSeen = 190;     ///< what that costs less where the fall itself has left its line
   float TopOff = 4;         ///< for each mm that the fall begins off the usual top
   float FootOff = 2;        ///< for each mm that it ends off the foot
   float SetAnew = 200;      ///< a hand sets the pen down anywhere

@@ -84,7 +84,9 @@ struct ScanTracer::Data {
 
   bool IsLinear() const { return Wish.Paper.ChartMethod == static_cast<std::int16_t>(ChartMethod::Linear); }
   PenPath Path(int first, int past, const PathEnds& ends) const {
-    return FindPenPath(Flat, Ink, Falls, Reach, Costs, first, past, ends);
+    PenPath path = FindPenPath(Flat, Ink, Falls, Reach, Costs, first, past, ends);
+    LiftTops(path, Flat, Ink, Falls, Reach);
+    return path;
   }
   // Where the instrument empties and the pen comes down is learned from the chart's own falls.
   void LearnReach() {
@@ -130,6 +132,7 @@ ScanTrace ScanTracer::Data::Told(const PenPath& path) const {
     onLine += at.Ink * (1 - at.Hidden);
     seen += 1 - at.Hidden;
   }
+
   if (Ink.Contrast < LeastContrast || onLine / seen < LeastOnLine || trace.InkExplained < LeastExplained) {
     trace.Points.clear();
     trace.EmptyingHours.clear();
@@ -140,14 +143,16 @@ ScanTrace ScanTracer::Data::Told(const PenPath& path) const {
   if (FilePixelsPerMm && std::abs(Grid.PixelsPerMm() / *FilePixelsPerMm - 1) > ScaleOff)
     chart("The printed grid lies as on a scan of " + Dpi(Grid.PixelsPerMm()) + " dpi, the file says " +
           Dpi(*FilePixelsPerMm) + ": confirm the chart type \"" + Wish.Paper.Name + "\".");
-  for (const std::string& doubt : Grid.Doubts()) chart(doubt);
+  // With another hour every stretch would lie elsewhere.
+  for (const std::string& doubt : Grid.Doubts())
+    trace.Doubts.push_back({TraceDoubt::Kind::Start, 0, Wish.Hours, 0, -1, doubt});
   if (trace.InkExplained < SureExplained)
     chart("There is ink on the chart that the line does not explain: another line, or one that was missed.");
   for (TraceDoubt& doubt : DoubtsOfDepth(trace.RainMm, Wish)) trace.Doubts.push_back(std::move(doubt));
   for (TraceDoubt& doubt : DoubtsOfPath({path, Flat, Falls, Reach, Wish}))
     trace.Doubts.push_back(std::move(doubt));
   for (TraceDoubt& doubt : trace.Doubts) {
-    if (doubt.What == TraceDoubt::Kind::Chart) continue;
+    if (doubt.FromHour <= 0 && doubt.ToHour >= Wish.Hours) continue;
     const auto hour = [&](const ScanPoint& point) { return point.AlongMm * Wish.Paper.TimeScale; };
     const auto from = std::find_if(trace.Points.begin(), trace.Points.end(),
                                    [&](const ScanPoint& point) { return hour(point) > doubt.FromHour; });
@@ -199,6 +204,7 @@ Result<ScanTracer> ScanTracer::Open(const ScanImage& image, const TraceWish& wis
   }
   data->First = static_cast<int>(std::lround(data->Flat.Column(0)));
   data->Past = static_cast<int>(std::lround(data->Flat.Column(pageMm))) + 1;
+
   data->Grid = *std::move(lattice);
   if (data->IsLinear()) data->LearnReach();
   return ScanTracer(std::move(data));

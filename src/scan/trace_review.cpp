@@ -12,16 +12,6 @@ constexpr double Near = 1.0 / 60;  // hours: points are pressed on whole report 
 
 }  // namespace
 
-TraceWish WishOf(const Session& session) {
-  const ChartRecord& chart = session.Chart;
-  return {.Paper = session.Line.Scales().ChartType,
-          .StartHour = (chart.StartTime - std::floor(chart.StartTime)) * HoursADay,
-          .Hours = (chart.EndTime - chart.StartTime) * HoursADay,
-          .EyedDepth = chart.EyedDepth,
-          .GageDepth = chart.ManualDepth,
-          .Start = std::nullopt};
-}
-
 const TraceDoubt* TraceReview::Shown() const {
   return shown_ < 0 ? nullptr : &doubts_[static_cast<std::size_t>(shown_)];
 }
@@ -50,7 +40,7 @@ std::string TraceReview::Words() const {
 }
 
 std::pair<int, int> StretchOf(const TraceDoubt& doubt, const Trace& line) {
-  if (doubt.What == TraceDoubt::Kind::Chart) return {0, -1};
+  if (doubt.What == TraceDoubt::Kind::Chart || doubt.LastPoint < doubt.FirstPoint) return {0, -1};
   const int last = line.LastPoint();
   const auto hour = [&](int point) { return line.TimeTo(point) * HoursADay; };
   int first = 0;

@@ -12,9 +12,6 @@
 
 namespace hyetex {
 
-/// What a session knows of its chart before it is traced.
-TraceWish WishOf(const Session& session);
-
 class TraceReview {
  public:
   TraceReview() = default;

@@ -20,6 +20,16 @@ constexpr const char* GapReason = "Pen did not record";
 
 }  // namespace
 
+TraceWish WishOf(const ChartTypeRecord& paper, const ChartRecord& chart) {
+  constexpr double hoursADay = 24;
+  return {.Paper = paper,
+          .StartHour = (chart.StartTime - std::floor(chart.StartTime)) * hoursADay,
+          .Hours = (chart.EndTime - chart.StartTime) * hoursADay,
+          .EyedDepth = chart.EyedDepth,
+          .GageDepth = chart.ManualDepth,
+          .Start = std::nullopt};
+}
+
 Result<TracedSteps> StepsOfTrace(const ScanTrace& trace, const ScanTracer& tracer, const ScanImage& image,
                                  const TraceWish& wish) {
   if (trace.Points.empty()) return Failure("the chart is not traced");

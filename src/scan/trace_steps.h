@@ -11,6 +11,9 @@
 
 namespace hyetex {
 
+/// What is known of a staged chart before it is traced.
+TraceWish WishOf(const ChartTypeRecord& paper, const ChartRecord& chart);
+
 struct TracedSteps {
   /// Lays the page's bottom line level on the tablet that a scan stands in for; path and checksum are the
   /// image's.

@@ -40,7 +40,7 @@ void frmHyetex::TraceScan() {
   if (scan_ == nullptr) return shell_.ShowPanel(panel::Instruction, "There is no scan under the points");
   if (HasPoints() && !Redigitize()) return;
   LeaveCorrecting();
-  TraceWish wish = WishOf(session_);
+  TraceWish wish = WishOf(session_.Line.Scales().ChartType, session_.Chart);
   // Where the operator has set the page, there the chart begins.
   const ChartPaper& page = session_.Line.Paper(0);
   if (IsCalibrated(page)) {
