@@ -73,6 +73,8 @@ AppDesk::~AppDesk() {
 void AppDesk::Start() {
   login_ = new frmLogin(*this, dialogs_, program_.Settings, program_.Lists, program_.CurrentUser);
   login_->setAttribute(Qt::WA_DeleteOnClose);
+  login_->adjustSize();
+  login_->move(login_->screen()->availableGeometry().center() - login_->rect().center());
   login_->show();
 }
 
