@@ -33,7 +33,6 @@ namespace {
 constexpr std::string_view ReportHeading =
     "chart,scan,verdict,seconds,rain_mm,eyed_mm,gage_mm,emptyings,confidence,doubts,words\n";
 constexpr std::string_view VerdictLine = "# traced from a scan: ";
-constexpr double HoursADay = 24;
 constexpr std::size_t MostReportBytes = 256U << 20;
 constexpr std::size_t MostWords = 16000;  // of one chart: a process hands them over in one go
 
