@@ -109,6 +109,8 @@ class JournalFile : public JournalSink {
   /// Goes on with the journal at `path`.
   static Result<JournalFile> Continue(const std::string& path);
   void Record(const JournalEvent& event) override;
+  /// A comment line, for whoever reads the journal; without a line end.
+  void Note(std::string_view text);
   /// Why events could not be written; nothing as long as all are on disk.
   const std::optional<std::string>& Trouble() const { return trouble_; }
   /// Takes the journal away: the chart is saved or given up.

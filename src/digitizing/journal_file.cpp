@@ -50,6 +50,8 @@ Result<JournalFile> JournalFile::Continue(const std::string& path) { return Open
 
 void JournalFile::Record(const JournalEvent& event) { Append(JournalLine(event) + "\n"); }
 
+void JournalFile::Note(std::string_view text) { Append("# " + std::string(text) + "\n"); }
+
 // One write: a killed program leaves whole lines.
 void JournalFile::Append(std::string_view bytes) {
   pending_ += bytes;

@@ -44,6 +44,13 @@ void SessionJournal::Record(const JournalEvent& event) {
   if (!path_.empty()) TryToOpen();
 }
 
+void SessionJournal::Note(std::string_view text) {
+  if (file_)
+    file_->Note(text);
+  else
+    collected_ += "# " + std::string(text) + "\n";
+}
+
 void SessionJournal::TryToOpen() {
   trouble_.reset();
   if (const auto written = WriteWholeFile(path_, collected_); !written) {

@@ -27,6 +27,7 @@ class SessionJournal : public JournalSink {
   /// When that fails, it is tried again with each event.
   void Start(const std::string& programFolder, int tablet, const ChartRecord& chart);
   void Record(const JournalEvent& event) override;
+  void Note(std::string_view text);  ///< as JournalFile's
   /// Why events are not on disk; nothing as long as all are.
   const std::optional<std::string>& Trouble() const { return file_ ? file_->Trouble() : trouble_; }
   /// Takes the journal away: the chart is saved.

@@ -1,5 +1,6 @@
 #include "scan/trace_steps.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <numbers>
@@ -16,6 +17,7 @@ namespace {
 constexpr double LeftMm = 40, BottomMm = 120;  // where the page's bottom-left corner lies on the tablet
 // A fall of the pen of more than 60% of the page's height marks itself.
 constexpr double SureDrop = 0.65;
+constexpr std::string_view TracedNote = "traced from a scan: ", DoubtNote = "doubt ";
 constexpr const char* GapReason = "Pen did not record";
 
 }  // namespace
@@ -84,15 +86,40 @@ Result<TracedSteps> StepsOfTrace(const ScanTrace& trace, const ScanTracer& trace
   return traced;
 }
 
-std::string JournalOfTrace(const TracedSteps& steps, const ScanTrace& trace) {
-  std::string text = JournalHead(ScanTablet);
-  text += "# traced from a scan: " + VerdictText(trace.Verdict) + "\n";
+std::vector<std::string> NotesOfTrace(const ScanTrace& trace) {
+  std::vector<std::string> notes{std::string(TracedNote) + VerdictText(trace.Verdict)};
   for (const TraceDoubt& doubt : trace.Doubts) {
     char numbers[96];
-    std::snprintf(numbers, sizeof numbers, "# doubt %d %d %.3f %.3f ", doubt.FirstPoint, doubt.LastPoint,
+    std::snprintf(numbers, sizeof numbers, "%d %d %.3f %.3f ", doubt.FirstPoint, doubt.LastPoint,
                   doubt.FromHour, doubt.ToHour);
-    text += numbers + doubt.Why + "\n";
+    notes.push_back(std::string(DoubtNote) + numbers + doubt.Why);
   }
+  return notes;
+}
+
+std::vector<TraceDoubt> DoubtsOfJournal(std::string_view journal) {
+  std::vector<TraceDoubt> doubts;
+  while (!journal.empty()) {
+    const std::string line(journal.substr(0, journal.find('\n')));
+    journal.remove_prefix(std::min(line.size() + 1, journal.size()));
+    if (line.starts_with("# " + std::string(TracedNote))) doubts.clear();
+    if (!line.starts_with("# " + std::string(DoubtNote))) continue;
+    TraceDoubt doubt;
+    int numbers = 0;
+    const char* words = line.c_str() + 2 + DoubtNote.size();
+    if (std::sscanf(words, "%d %d %lf %lf %n", &doubt.FirstPoint, &doubt.LastPoint, &doubt.FromHour,
+                    &doubt.ToHour, &numbers) != 4)
+      continue;
+    doubt.What = doubt.LastPoint < doubt.FirstPoint ? TraceDoubt::Kind::Chart : TraceDoubt::Kind::OtherWay;
+    doubt.Why = words + numbers;
+    doubts.push_back(std::move(doubt));
+  }
+  return doubts;
+}
+
+std::string JournalOfTrace(const TracedSteps& steps, const ScanTrace& trace) {
+  std::string text = JournalHead(ScanTablet);
+  for (const std::string& note : NotesOfTrace(trace)) text += "# " + note + "\n";
   for (const JournalEvent& step : steps.Steps) text += JournalLine(step) + "\n";
   return text;
 }

@@ -29,6 +29,12 @@ struct TracedSteps {
 Result<TracedSteps> StepsOfTrace(const ScanTrace& trace, const ScanTracer& tracer, const ScanImage& image,
                                  const TraceWish& wish);
 
+/// What a journal says of a trace beside its steps, a comment line each: the verdict, and the doubts as
+/// "doubt 12 15 7.200 7.450 WHY", first and last point, hours since the page's start.
+std::vector<std::string> NotesOfTrace(const ScanTrace& trace);
+/// The doubts of the last trace that a journal tells of.
+std::vector<TraceDoubt> DoubtsOfJournal(std::string_view journal);
+
 /// The session's journal, with the verdict and the doubts as comments: "# doubt 12 15 7.200 7.450 WHY", first
 /// and last point, hours since the page's start.
 std::string JournalOfTrace(const TracedSteps& steps, const ScanTrace& trace);

@@ -68,6 +68,14 @@ TEST_F(TracedDesk, LeadsFromDoubtToDoubtAndAsksBeforeItSavesWithSome) {
   EXPECT_THAT(dialogs_.Boxes.back().Text, HasSubstr("still in doubt"));
   EXPECT_EQ(desk_->Window(WindowId::Save), nullptr);
   EXPECT_TRUE(Window().isEnabled());
+  BreakDown();
+  dialogs_.Answers = {BoxAnswer::Yes};
+  OpenTasks();
+  Click(Tasks(), "optDig6");
+  Click(Tasks(), "cmdActivate");
+  ASSERT_TRUE(IsOpen());
+  EXPECT_EQ(Doubts(), doubts) << "all are back with the points, the confirmed one too";
+  EXPECT_EQ(LastPoint(), points);
   Key(Qt::Key_Tab);
   while (Doubts() > 0) Key(Qt::Key_Return);
   EXPECT_EQ(Panel(panel::Instruction), "Nothing is in doubt any more");

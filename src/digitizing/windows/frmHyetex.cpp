@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <utility>
 
+#include "core/files.h"
 #include "core/numbers.h"
 #include "digitizing/windows/units.h"
 #include "platform/qt_text.h"
@@ -135,6 +136,8 @@ void frmHyetex::Resume(const UnfinishedChart& unfinished) {
   replaying_ = true;
   const auto replayed = Replay(unfinished.Steps, machine_);
   replaying_ = false;
+  if (const auto text = ReadWholeFile(JoinPath(settings_.Folder(), JournalFileName), MostJournalBytes))
+    ResumeDoubts(*text);
   DrawGraph();
   if (!replayed)
     ShowMessage(ResumeTitle, "Only a part of the chart could be brought back: " + replayed.error());

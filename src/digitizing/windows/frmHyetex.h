@@ -159,6 +159,7 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
 
   // A scan that the program traces: frmHyetex_trace.cpp
   void TakeTrace(const ScanTrace& trace, const TracedSteps& steps);
+  void ResumeDoubts(const std::string& journal);
   void ShowDoubt();
   void ConfirmDoubt();
   void RetraceDoubt();

@@ -59,6 +59,8 @@ void frmHyetex::TraceScan() {
 void frmHyetex::TakeTrace(const ScanTrace& trace, const TracedSteps& steps) {
   Journal journal{ScanTablet, steps.Steps, std::vector<int>(steps.Steps.size()), {}};
   std::iota(journal.Lines.begin(), journal.Lines.end(), 1);
+  // First of all, so that a breakdown leaves no line without its doubts.
+  for (const std::string& note : NotesOfTrace(trace)) journal_.Note(note);
   replaying_ = true;
   machine_.Escape();
   if (IsCalibrated(session_.Line.Paper(0))) machine_.SetPageAgain();
@@ -79,6 +81,16 @@ void frmHyetex::TakeTrace(const ScanTrace& trace, const TracedSteps& steps) {
 }
 
 // ---- Doubts
+
+// All of them once more, also those that have been confirmed.
+void frmHyetex::ResumeDoubts(const std::string& journal) {
+  ScanTrace trace;
+  trace.Doubts = DoubtsOfJournal(journal);
+  if (trace.Doubts.empty()) return;
+  trace.Verdict = TraceVerdict::ToReview;
+  for (const std::string& note : NotesOfTrace(trace)) journal_.Note(note);
+  review_ = TraceReview(std::move(trace.Doubts));
+}
 
 bool frmHyetex::focusNextPrevChild(bool next) {
   if (!hasFocus() || corrects_ || review_.Open().empty()) return FormWindow::focusNextPrevChild(next);
