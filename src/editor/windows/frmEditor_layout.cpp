@@ -316,8 +316,10 @@ QWidget* frmEditor::MakeBoxes() {
   const auto depth = [&](const char* caption, QLineEdit*& box, const char* txtName, const char* udnName) {
     box = Named(new EntryBox(DepthEntry), txtName);
     box->setToolTip(tr("mm; -1 is a depth that is not known"));
-    add(caption, box,
-        WithArrows(box, udnName, [](std::string_view text, int way) { return StepNumber(text, 0.1 * way); }));
+    QWidget* stepped =
+        WithArrows(box, udnName, [](std::string_view text, int way) { return StepNumber(text, 0.1 * way); });
+    stepped->layout()->addWidget(new QLabel(tr("mm")));
+    add(caption, box, stepped);
   };
   depth("Selected Dept&h:", txtRain, "txtRain", "udnRain");
   depth("Manua&l Depth:", txtManual, "txtManual", "udnManual");
