@@ -19,6 +19,8 @@ constexpr double LeastContrast = 0.05;  // of a pen against its paper
 constexpr double LeastExplained = 0.3, SureExplained = 0.75;
 constexpr double LeastOnLine = 0.15;  // ink on the line, where the form does not hide it
 constexpr double ScaleOff = 0.06;     // of the file's own resolution: more than paper shrinks
+constexpr std::size_t ManyDoubts = 10;
+constexpr double DoubtfulShare = 0.4;  // of the chart's hours
 constexpr double FallHalfMm = 0.36;
 constexpr double SureFall = 0.4;  // of a fall's line is seen: it is taken out of the ink
 constexpr double FirstLeastTop = 0.7, LeastTop = 0.88;  // of the reach, of the usual top
@@ -49,6 +51,16 @@ std::optional<double> Median(std::vector<double> values) {
   const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
   std::nth_element(values.begin(), middle, values.end());
   return *middle;
+}
+
+// Stretches overlap; in order of time.
+bool IsMostlyDoubtful(std::span<const TraceDoubt> stretches, double hours) {
+  double doubtful = 0, past = 0;
+  for (const TraceDoubt& doubt : stretches) {
+    doubtful += std::max(0.0, doubt.ToHour - std::max(past, doubt.FromHour));
+    past = std::max(past, doubt.ToHour);
+  }
+  return stretches.size() >= ManyDoubts || doubtful > DoubtfulShare * hours;
 }
 
 double RainOf(std::span<const ScanPoint> points, const ChartTypeRecord& paper) {
@@ -149,8 +161,11 @@ ScanTrace ScanTracer::Data::Told(const PenPath& path) const {
   if (trace.InkExplained < SureExplained)
     chart("There is ink on the chart that the line does not explain: another line, or one that was missed.");
   for (TraceDoubt& doubt : DoubtsOfDepth(trace.RainMm, Wish)) trace.Doubts.push_back(std::move(doubt));
-  for (TraceDoubt& doubt : DoubtsOfPath({path, Flat, Falls, Reach, Wish}))
-    trace.Doubts.push_back(std::move(doubt));
+  std::vector<TraceDoubt> stretches = DoubtsOfPath({path, Flat, Falls, Reach, Wish});
+  if (IsMostlyDoubtful(stretches, Wish.Hours))
+    trace.Doubts.push_back({TraceDoubt::Kind::OtherWay, 0, Wish.Hours, 0, -1,
+                            "So much of this chart is doubtful that the rest is not to be trusted either."});
+  for (TraceDoubt& doubt : stretches) trace.Doubts.push_back(std::move(doubt));
   for (TraceDoubt& doubt : trace.Doubts) {
     if (doubt.FromHour <= 0 && doubt.ToHour >= Wish.Hours) continue;
     const auto hour = [&](const ScanPoint& point) { return point.AlongMm * Wish.Paper.TimeScale; };
