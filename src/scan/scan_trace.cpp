@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numeric>
 
+#include "core/numbers.h"
 #include "scan/doubts.h"
 #include "scan/letters.h"
 #include "scan/path_points.h"
@@ -19,6 +20,7 @@ constexpr double LeastContrast = 0.05;  // of a pen against its paper
 constexpr double LeastExplained = 0.3, SureExplained = 0.75;
 constexpr double LeastOnLine = 0.15;  // ink on the line, where the form does not hide it
 constexpr double ScaleOff = 0.06;     // of the file's own resolution: more than paper shrinks
+constexpr double MostBand = 1.5;      // of the chart type's height
 constexpr std::size_t ManyDoubts = 10;
 constexpr double DoubtfulShare = 0.4;  // of the chart's hours
 constexpr double FallHalfMm = 0.36;
@@ -197,6 +199,9 @@ Result<ScanTracer> ScanTracer::Open(const ScanImage& image, const TraceWish& wis
     return Failure("only charts of a straight pen are traced by themselves yet");
   auto lattice = Lattice::Find(image, {wish.Paper, wish.StartHour, wish.Hours});
   if (!lattice) return Failure(lattice.error());
+  if (wish.Paper.ChartHeightMm > 0 && lattice->BandMm() > MostBand * wish.Paper.ChartHeightMm)
+    return Failure("the printed grid would be " + ShortText(std::round(lattice->BandMm())) +
+                   " mm high, and that of the chart type is " + ShortText(wish.Paper.ChartHeightMm) + " mm");
   if (wish.Start) lattice->StartAt({wish.Start->X, wish.Start->Y});
   auto data = std::make_unique<Data>();
   data->Wish = wish;
