@@ -17,6 +17,7 @@ constexpr double PresentShare = 0.35;   // of what a line usually has over its s
 constexpr int MostMissing = 2;          // lines one after the other, within the grid
 constexpr double LeastBand = 0.65;      // of the height that the chart type has
 constexpr std::pair<double, int> WornLines[] = {{0.25, 3}, {0.15, 5}, {0.1, 8}};  // share, missing
+constexpr double HeavyShare = 0.25;                                               // of the darkest lines' ink
 constexpr double MajorsMm = 10;    // from one heavy line of the depths to the next, at most
 constexpr int FewestTogether = 4;  // lines on either side of missing ones
 // The header with the printed hours has so much more print than the foot; below, a sheet stands on its head.
@@ -82,7 +83,7 @@ Run AllLines(const Lines& lines) {
 void TakeHeavyLinesAround(const Lines& lines, int apart, int most, Run& run) {
   std::vector<double> sorted = lines.Ink;
   std::sort(sorted.begin(), sorted.end());
-  const double heavy = 0.25 * sorted[sorted.size() * 19 / 20];
+  const double heavy = HeavyShare * sorted[sorted.size() * 19 / 20];
   for (const int step : {-1, 1}) {
     int& end = step < 0 ? run.First : run.Last;
     for (int line = end + step, left = apart; left > 0; line += step, --left)
@@ -299,10 +300,17 @@ class LatticeFinder {
     const Lines lines = Measure(middle, half, place);
     const double lineHours = lattice_.acrossMm_ * page_.Paper.TimeScale;
     Run run = LongestRun(lines);
+    const bool worn = run.Last - run.First < page_.Hours / lineHours;
     for (const auto& [share, missing] : WornLines)
       if (run.Last - run.First < page_.Hours / lineHours) run = LongestRun(lines, share, missing);
     if (run.Last - run.First < page_.Hours / lineHours) run = AllLines(lines);
     const int inAnHour = static_cast<int>(std::lround(1 / lineHours));
+    // Heavy lines, an hour apart, go on beyond where fine ones are lost.
+    const int most = static_cast<int>(page_.Hours / lineHours) + 2 * inAnHour;
+    for (int before = -1; worn && inAnHour > 1 && before != run.Last - run.First;) {
+      before = run.Last - run.First;
+      TakeHeavyLinesAround(lines, inAnHour, most, run);
+    }
     const Majors majors =
         inAnHour > 1 ? FoldLines(lines, run, {inAnHour}) : FoldLines(lines, run, {2, 3, 4, 6, 12, 24});
     const bool sure = majors.StandOut > MajorsStandOut;

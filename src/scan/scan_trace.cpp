@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numeric>
 
+#include "core/numbers.h"
 #include "scan/doubts.h"
 #include "scan/letters.h"
 #include "scan/path_points.h"
@@ -19,6 +20,9 @@ constexpr double LeastContrast = 0.05;  // of a pen against its paper
 constexpr double LeastExplained = 0.3, SureExplained = 0.75;
 constexpr double LeastOnLine = 0.15;  // ink on the line, where the form does not hide it
 constexpr double ScaleOff = 0.06;     // of the file's own resolution: more than paper shrinks
+constexpr double MostBand = 1.5;      // of the chart type's height
+constexpr std::size_t ManyDoubts = 10;
+constexpr double DoubtfulShare = 0.4;  // of the chart's hours
 constexpr double FallHalfMm = 0.36;
 constexpr double SureFall = 0.4;  // of a fall's line is seen: it is taken out of the ink
 constexpr double FirstLeastTop = 0.7, LeastTop = 0.88;  // of the reach, of the usual top
@@ -49,6 +53,16 @@ std::optional<double> Median(std::vector<double> values) {
   const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
   std::nth_element(values.begin(), middle, values.end());
   return *middle;
+}
+
+// Stretches overlap; in order of time.
+bool IsMostlyDoubtful(std::span<const TraceDoubt> stretches, double hours) {
+  double doubtful = 0, past = 0;
+  for (const TraceDoubt& doubt : stretches) {
+    doubtful += std::max(0.0, doubt.ToHour - std::max(past, doubt.FromHour));
+    past = std::max(past, doubt.ToHour);
+  }
+  return stretches.size() >= ManyDoubts || doubtful > DoubtfulShare * hours;
 }
 
 double RainOf(std::span<const ScanPoint> points, const ChartTypeRecord& paper) {
@@ -149,8 +163,11 @@ ScanTrace ScanTracer::Data::Told(const PenPath& path) const {
   if (trace.InkExplained < SureExplained)
     chart("There is ink on the chart that the line does not explain: another line, or one that was missed.");
   for (TraceDoubt& doubt : DoubtsOfDepth(trace.RainMm, Wish)) trace.Doubts.push_back(std::move(doubt));
-  for (TraceDoubt& doubt : DoubtsOfPath({path, Flat, Falls, Reach, Wish}))
-    trace.Doubts.push_back(std::move(doubt));
+  std::vector<TraceDoubt> stretches = DoubtsOfPath({path, Flat, Falls, Reach, Wish});
+  if (IsMostlyDoubtful(stretches, Wish.Hours))
+    trace.Doubts.push_back({TraceDoubt::Kind::OtherWay, 0, Wish.Hours, 0, -1,
+                            "So much of this chart is doubtful that the rest is not to be trusted either."});
+  for (TraceDoubt& doubt : stretches) trace.Doubts.push_back(std::move(doubt));
   for (TraceDoubt& doubt : trace.Doubts) {
     if (doubt.FromHour <= 0 && doubt.ToHour >= Wish.Hours) continue;
     const auto hour = [&](const ScanPoint& point) { return point.AlongMm * Wish.Paper.TimeScale; };
@@ -182,6 +199,9 @@ Result<ScanTracer> ScanTracer::Open(const ScanImage& image, const TraceWish& wis
     return Failure("only charts of a straight pen are traced by themselves yet");
   auto lattice = Lattice::Find(image, {wish.Paper, wish.StartHour, wish.Hours});
   if (!lattice) return Failure(lattice.error());
+  if (wish.Paper.ChartHeightMm > 0 && lattice->BandMm() > MostBand * wish.Paper.ChartHeightMm)
+    return Failure("the printed grid would be " + ShortText(std::round(lattice->BandMm())) +
+                   " mm high, and that of the chart type is " + ShortText(wish.Paper.ChartHeightMm) + " mm");
   if (wish.Start) lattice->StartAt({wish.Start->X, wish.Start->Y});
   auto data = std::make_unique<Data>();
   data->Wish = wish;

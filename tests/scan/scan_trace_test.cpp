@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cmath>
 #include <opencv2/core.hpp>
 
@@ -24,9 +25,7 @@ using ::testing::HasSubstr;
 constexpr double ZeroMm = 3.2, FullMm = 80;
 
 // Half a day, so that it is soon drawn: a shower, a heavy storm that empties the recorder twice, and drizzle.
-PenLine Day() {
-  const std::vector<RainPoint> rain{{0, 0},    {1.5, 0},  {2.1, 2.1},  {4, 2.1}, {4.3, 6}, {4.7, 17},
-                                    {5.1, 23}, {7, 23.4}, {8.5, 23.4}, {10, 25}, {11, 26}, {12, 26}};
+PenLine DayOf(const std::vector<RainPoint>& rain) {
   RainChart chart;
   chart.Paper.Name = "Daily siphon";
   chart.Paper.TimeScale = 1 / 16.1F;
@@ -34,6 +33,11 @@ PenLine Day() {
   chart.Paper.ChartHeightMm = static_cast<float>(ZeroMm + FullMm + 2);
   chart.FullMm = FullMm;
   return *DrawRain(rain, chart);
+}
+PenLine Day() {
+  const std::vector<RainPoint> rain{{0, 0},    {1.5, 0},  {2.1, 2.1},  {4, 2.1}, {4.3, 6}, {4.7, 17},
+                                    {5.1, 23}, {7, 23.4}, {8.5, 23.4}, {10, 25}, {11, 26}, {12, 26}};
+  return DayOf(rain);
 }
 
 struct Sheets {
@@ -109,6 +113,22 @@ TEST(ScanTrace, GivesTheRainAndTheEmptyingsOfADrawnDay) {
   }
 }
 
+// 21 mm within some minutes: limbs and falls that stand as close as the pen is wide.
+TEST(ScanTrace, IsNotSilentlyWrongAboutACloudburst) {
+  for (const double minutes : {4.0, 9.0}) {
+    SCOPED_TRACE(minutes);
+    Sheets sheets;
+    sheets.Line = DayOf({{0, 0}, {3, 2}, {5, 2}, {5 + minutes / 60, 23}, {9, 24}, {12, 24}});
+    const ScanTrace trace = TraceScan(sheets.Draw(""), sheets.Wish());
+    ASSERT_NE(trace.Verdict, TraceVerdict::NotTraced);
+    const bool told = std::any_of(trace.Doubts.begin(), trace.Doubts.end(), [](const TraceDoubt& doubt) {
+      return doubt.What != TraceDoubt::Kind::Chart && doubt.FromHour < 5.2 && doubt.ToHour > 4.9;
+    });
+    EXPECT_TRUE(told);
+    EXPECT_NEAR(trace.RainMm, 24, 11) << "no emptying more or less than one";
+  }
+}
+
 TEST(ScanTrace, GoesTheRoadOfEveryChart) {
   Sheets sheets;
   const ScanImage image = sheets.Draw("tilt=0.3");
@@ -173,7 +193,7 @@ TEST(ScanTrace, SaysInWordsWhatIsNoChartOfThisKind) {
   const ScanTrace other = TraceScan(open(sheets.Drawn->Image), week);
   EXPECT_NE(other.Verdict, TraceVerdict::Clean);
   ASSERT_FALSE(other.Doubts.empty());
-  EXPECT_THAT(other.Doubts.front().Why, HasSubstr("dpi"));
+  EXPECT_THAT(other.Doubts.front().Why, ::testing::AnyOf(HasSubstr("dpi"), HasSubstr("mm high")));
   TraceWish arc = sheets.Wish();
   arc.Paper.ChartMethod = 1;
   EXPECT_THAT(trace(sheets.Drawn->Image, arc), HasSubstr("straight pen"));
