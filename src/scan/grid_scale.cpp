@@ -84,9 +84,13 @@ struct Fit {
 // The best comb for lines `mm` apart, near a scale.
 Fit BestNear(const Spectrum& spectrum, double mm, double scale) {
   Fit best;
-  for (double part = 1 - MostStretch / 2; part <= 1 + MostStretch / 2; part += 0.0015)
+  constexpr double step = 0.0015;
+  constexpr int steps = static_cast<int>(MostStretch / step);
+  for (int i = 0; i <= steps; ++i) {
+    const double part = 1 - MostStretch / 2 + i * step;
     if (const double score = spectrum.Comb(mm * scale * part); score > best.Score)
       best = {score, scale * part};
+  }
   return best;
 }
 
@@ -134,11 +138,14 @@ std::optional<GridScale> ScaleByGrid(const ScanImage& image, const ChartTypeReco
     const double paperMm = hours / paper.TimeScale;
     const double most = std::min(1.03 * width / paperMm, 1.5 * height / std::max(1.0F, paper.ChartHeightMm));
     const double least = LeastShare * most;
+    constexpr double finer = 1.002;
+    const int scales = static_cast<int>(std::log(most / least) / std::log(finer)) + 1;
     for (const double minutes : MinuteSteps)
       for (const double depth : DepthSteps) {
         const double acrossMm = minutes / 60 / paper.TimeScale, upMm = depth / paper.DepthScale;
         Candidate best{0, {}};
-        for (double scale = least; scale <= most; scale *= 1.002) {
+        for (int i = 0; i < scales; ++i) {
+          const double scale = least * std::pow(finer, i);
           if (std::min(acrossMm, upMm) * scale < LeastPeriod) continue;
           const double rough = std::min(across.Comb(acrossMm * scale), up.Comb(upMm * scale));
           if (rough < 0.3 * best.Score) continue;

@@ -242,12 +242,14 @@ class LatticeFinder {
   // How much is printed between two heights beside lines: numbers and words, told by their edges, since the
   // scanner's bed may be dark.
   double Words(double fromMm, double toMm) const {
-    const double width = page_.Hours / page_.Paper.TimeScale, apart = 0.12;
+    constexpr double right = 0.12, up = 0.37;
+    const int columns = static_cast<int>(std::ceil(page_.Hours / page_.Paper.TimeScale / right));
+    const int rows = static_cast<int>(std::ceil((toMm - fromMm) / up));
     double sum = 0;
-    for (double up = fromMm; up < toMm; up += 0.37) {
+    for (int row = 0; row < rows; ++row) {
       double before = -1;
-      for (double along = 0; along < width; along += apart) {
-        const cv::Point2d at = lattice_.ToPicture({along, up});
+      for (int column = 0; column < columns; ++column) {
+        const cv::Point2d at = lattice_.ToPicture({column * right, fromMm + row * up});
         const double ink = InkAround(at.x, at.y);
         if (ink >= 0 && before >= 0) sum += std::abs(ink - before);
         before = ink;

@@ -28,7 +28,10 @@ struct LineFitter::Phases {
   std::vector<double> Phase, Weight;
 
   double X(int n) const { return (n % Columns + 0.5) * StepX; }
-  double Y(int n) const { return (n / Columns + 0.5) * StepY; }
+  double Y(int n) const {
+    const int row = n / Columns;
+    return (row + 0.5) * StepY;
+  }
 };
 
 LineFitter::Phases LineFitter::FindPhases(const cv::Mat& ink, double period, bool across,

@@ -112,7 +112,7 @@ void frmHyetex::ShowDoubt() {
     return ShowView();
   }
   const auto points =
-      line.Points().subspan(static_cast<std::size_t>(first), static_cast<std::size_t>(last - first + 1));
+      line.Points().first(static_cast<std::size_t>(last) + 1).subspan(static_cast<std::size_t>(first));
   const auto [left, right] = std::ranges::minmax(points, {}, &DigitizedPoint::TrueX);
   const auto [low, high] = std::ranges::minmax(points, {}, &DigitizedPoint::Y);
   const double whole = HomeScale(layout), width = right.TrueX() - left.TrueX(), height = high.Y - low.Y;
