@@ -115,10 +115,11 @@ struct ScanTracer::Data {
     if (Reach.UsualTopMm) Reach.LeastTopMm = std::max(Reach.LeastTopMm, LeastTop * *Reach.UsualTopMm);
     if (const auto foot = Median(feet)) Reach.FootMm = *foot;
   }
-  ScanTrace Told(const PenPath& path) const;
+  ScanTrace Told(const PenPath& path, bool whole = true) const;
 };
 
-ScanTrace ScanTracer::Data::Told(const PenPath& path) const {
+// A stretch is not judged by what the whole sheet's ink says: a person has said where it begins and ends.
+ScanTrace ScanTracer::Data::Told(const PenPath& path, bool whole) const {
   ScanTrace trace;
   trace.PixelsPerMm = Grid.PixelsPerMm();
   const std::vector<Blank> gaps = FindBlanks(path, Flat, GapHours / Wish.Paper.TimeScale);
@@ -136,6 +137,10 @@ ScanTrace ScanTracer::Data::Told(const PenPath& path) const {
     trace.Points.push_back(told);
   }
   trace.RainMm = RainOf(trace.Points, Wish.Paper);
+  if (!whole) {
+    trace.Verdict = TraceVerdict::ToReview;
+    return trace;
+  }
   trace.InkExplained = ExplainedInk(path, Falls, Flat, Ink, Reach);
 
   const auto chart = [&](std::string why) {
@@ -241,7 +246,7 @@ ScanTrace ScanTracer::Between(double fromHour, double fromHeightMm, double toHou
       std::clamp(static_cast<int>(std::lround(flat.Column(toHour / scale))) + 1, first + 2, data_->Past);
   const PathEnds ends{static_cast<int>(std::lround(flat.Row(fromHeightMm))),
                       static_cast<int>(std::lround(flat.Row(toHeightMm)))};
-  return data_->Told(data_->Path(first, past, ends));
+  return data_->Told(data_->Path(first, past, ends), false);
 }
 
 TraceWish::Place ScanTracer::InImage(double hour, double heightMm) const {

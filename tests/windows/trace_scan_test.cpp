@@ -19,6 +19,15 @@ class TracedDesk : public ScanDesk {
     Key(Qt::Key_T);
     ASSERT_GT(LastPoint(), 10) << (dialogs_.Boxes.empty() ? "" : dialogs_.Boxes.back().Text);
   }
+  /// After a breakdown.
+  void ComeBack() {
+    BreakDown();
+    dialogs_.Answers = {BoxAnswer::Yes};
+    OpenTasks();
+    Click(Tasks(), "optDig6");
+    Click(Tasks(), "cmdActivate");
+    ASSERT_TRUE(IsOpen());
+  }
   double Depth() { return Digitized().TotalDepth(LastPoint()); }
   std::size_t Doubts() { return Window().Review().Open().size(); }
 
@@ -35,12 +44,7 @@ TEST_F(TracedDesk, GivesTheRainAndComesBackAfterABreakdown) {
   Key(Qt::Key_Z, Qt::ControlModifier);
   EXPECT_EQ(LastPoint(), points - 1);
   const std::string chart = ChartText();
-  BreakDown();
-  dialogs_.Answers = {BoxAnswer::Yes};
-  OpenTasks();
-  Click(Tasks(), "optDig6");
-  Click(Tasks(), "cmdActivate");
-  ASSERT_TRUE(IsOpen());
+  ComeBack();
   EXPECT_EQ(ChartText(), chart);
   Key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
   EXPECT_EQ(LastPoint(), points) << "what was undone before can still be made again";
@@ -68,12 +72,7 @@ TEST_F(TracedDesk, LeadsFromDoubtToDoubtAndAsksBeforeItSavesWithSome) {
   EXPECT_THAT(dialogs_.Boxes.back().Text, HasSubstr("still in doubt"));
   EXPECT_EQ(desk_->Window(WindowId::Save), nullptr);
   EXPECT_TRUE(Window().isEnabled());
-  BreakDown();
-  dialogs_.Answers = {BoxAnswer::Yes};
-  OpenTasks();
-  Click(Tasks(), "optDig6");
-  Click(Tasks(), "cmdActivate");
-  ASSERT_TRUE(IsOpen());
+  ComeBack();
   EXPECT_EQ(Doubts(), doubts) << "all are back with the points, the confirmed one too";
   EXPECT_EQ(LastPoint(), points);
   Key(Qt::Key_Tab);
@@ -93,9 +92,17 @@ TEST_F(TracedDesk, TracesAStretchAgainBetweenItsTwoEnds) {
   const auto [first, last] = StretchOf(*Window().Review().Shown(), Digitized().Line);
   const DigitizedPoint before = Digitized().Line.Point(first);
   const double depth = Depth();
+  // A point far above the line, which the new tracing takes away.
+  const TraceDoubt& doubt = *Window().Review().Shown();
+  const ChartScales& scales = Digitized().Line.Scales();
+  const double along = (doubt.FromHour + doubt.ToHour) / 2 / scales.ChartType.TimeScale;
+  const double x = Digitized().Line.Paper(0).BottomLeftX + along * scales.Tablet.UnitsPerMmVertical();
+  const double y = std::max(before.Y, Digitized().Line.Point(last).Y) + 1500;
+  ASSERT_TRUE(Machine().InsertPoint(last, std::round(x), y));
+  ASSERT_GT(Depth(), depth * 1.1);
   Key(Qt::Key_R);
   EXPECT_EQ(Digitized().Line.Point(first).X, before.X) << "its ends stay";
-  EXPECT_NEAR(Depth(), depth, depth * 0.05);
+  EXPECT_NEAR(Depth(), depth, depth * 0.05) << Panel(panel::Instruction);
 }
 
 TEST_F(TracedDesk, SaysWhatItCannotTraceAndTakesNothing) {
@@ -105,6 +112,20 @@ TEST_F(TracedDesk, SaysWhatItCannotTraceAndTakesNothing) {
   EXPECT_EQ(dialogs_.Boxes[0].Title, "Tracing the scan");
   EXPECT_EQ(LastPoint(), -1);
   EXPECT_EQ(State().Action, action::PageLeftCorner);
+  for (const auto& [px, py] : {std::pair(100, 700), std::pair(1500, 700), std::pair(110, 690)})
+    PressPixel(px, py);
+  Key(Qt::Key_T);
+  EXPECT_EQ(dialogs_.Boxes.size(), 2U) << "no question of giving up the point";
+  EXPECT_EQ(LastPoint(), 0);
+}
+
+TEST_F(TracedDesk, SetsThePageItselfWhereAFirstCornerWasPressed) {
+  rain_ = DrawDay("day.png").Line.Points.back().Rain;
+  OpenScan(folder_ / "day.png");
+  PressPixel(300, 300);
+  ASSERT_EQ(State().Action, action::PageRightCorner);
+  Key(Qt::Key_T);
+  EXPECT_NEAR(Depth(), rain_, rain_ * 0.01);
 }
 
 }  // namespace

@@ -38,8 +38,6 @@ Result<Traced> TraceBeside(const ScanImage& image, const TraceWish& wish) {
 void frmHyetex::TraceScan() {
   if (!isEnabled() || replaying_ || machine_.CommentIsOpen()) return;
   if (scan_ == nullptr) return shell_.ShowPanel(panel::Instruction, "There is no scan under the points");
-  if (HasPoints() && !Redigitize()) return;
-  LeaveCorrecting();
   TraceWish wish = WishOf(session_.Line.Scales().ChartType, session_.Chart);
   // Where the operator has set the page, there the chart begins.
   const ChartPaper& page = session_.Line.Paper(0);
@@ -51,6 +49,9 @@ void frmHyetex::TraceScan() {
   auto traced = RunBeside([&] { return TraceBeside(scan_->Image(), wish); });
   --boxes_;
   if (!traced) return ShowMessage(Title, ShownText(traced.error()));
+  // Only for a line that there is: what a hand has traced is not given up for none.
+  if (HasPoints() && !Redigitize()) return;
+  LeaveCorrecting();
   tracer_ = std::move(traced->Tracer);
   TakeTrace(traced->Trace, traced->Steps);
 }
@@ -62,12 +63,11 @@ void frmHyetex::TakeTrace(const ScanTrace& trace, const TracedSteps& steps) {
   // First of all, so that a breakdown leaves no line without its doubts.
   for (const std::string& note : NotesOfTrace(trace)) journal_.Note(note);
   replaying_ = true;
-  machine_.Escape();
-  if (IsCalibrated(session_.Line.Paper(0))) machine_.SetPageAgain();
+  machine_.SetPageAgain();  // whatever was waited for, a first corner too
   const auto done = Replay(journal, machine_);
   replaying_ = false;
   scan_->LayByGrid(steps.Placement);
-  review_ = TraceReview(done ? trace.Doubts : std::vector<TraceDoubt>{});
+  review_ = TraceReview(trace.Doubts);
   setFocus();
   UpdateMenus();
   DrawGraph();

@@ -120,7 +120,7 @@ void frmHyetex::DrawGraph() {
   UpdateOverlay();
   ShowView();
   if (scan_ != nullptr) scan_->SessionChanged();
-  if (idle_) ShowInstruction({});
+  if (idle_ && HasMouse() && !corrects_) ShowInstruction({});
   UpdatePanels();
   TellOfJournalTrouble();
 }
