@@ -6,6 +6,7 @@
 #include <map>
 #include <numbers>
 #include <opencv2/imgproc.hpp>
+#include <optional>
 #include <vector>
 
 namespace hyetex {
@@ -25,6 +26,9 @@ constexpr std::size_t FewestAlike = 4;
 constexpr float DarkerThanAlike = 1.35F, DarkerBy = 0.1F;
 constexpr double EdgeMm = 5;        // of what is laid flat, in which the band's frame lies
 constexpr double PenShare = 0.996;  // of the sheet has less ink than the pen
+constexpr double LeastLight = 0.08;  // of the paper's: blacker is black
+constexpr int FewestPen = 400;       // pixels
+constexpr double LeastSpread = 1e-4;
 constexpr double StrokeMm = 0.6, StrokeWidthMm = 0.1;
 
 float Quantile(std::vector<float>& values, double share) {
@@ -33,8 +37,9 @@ float Quantile(std::vector<float>& values, double share) {
   return values[static_cast<std::size_t>(at)];
 }
 
-// The share of light that is taken away from the paper around, 0 to 1.
-cv::Mat Darkness(const cv::Mat& grey, double pixelsPerMm) {
+// How dense the ink is: what it leaves of the light of the paper around, as a logarithm, so that the pen adds
+// the same to a printed line as to the paper.
+cv::Mat Density(const cv::Mat& grey, double pixelsPerMm) {
   const int tile = static_cast<int>(PaperTileMm * pixelsPerMm);
   cv::Mat paper((grey.rows + tile - 1) / tile, (grey.cols + tile - 1) / tile, CV_32F);
   std::vector<float> values;
@@ -47,12 +52,13 @@ cv::Mat Darkness(const cv::Mat& grey, double pixelsPerMm) {
           values.push_back(part.at<std::uint8_t>(row, column));
       paper.at<float>(y, x) = std::max(24.0F, Quantile(values, PaperShare));
     }
-  cv::Mat smooth, all, dark;
+  cv::Mat smooth, all, light, dense;
   cv::GaussianBlur(paper, smooth, {3, 3}, 0);
   cv::resize(smooth, all, {smooth.cols * tile, smooth.rows * tile}, 0, 0, cv::INTER_LINEAR);
-  grey.convertTo(dark, CV_32F);
-  dark = 1 - dark / all(cv::Rect({}, grey.size()));
-  return cv::max(dark, 0);
+  grey.convertTo(light, CV_32F);
+  light = cv::max(light / all(cv::Rect({}, grey.size())), LeastLight);
+  cv::log(light, dense);
+  return -dense;
 }
 
 struct PrintedLines {
@@ -164,23 +170,51 @@ cv::Mat FollowStrokes(const cv::Mat& raw, const cv::Mat& seen, double scale) {
 }
 
 struct Channel {
-  cv::Mat Left, Form;  // darkness that the form does not explain, and the form's
+  cv::Mat Left, Form;  // density that the form does not explain, and the form's
   double Pen = 0, Noise = 0;
+
+  double Clear() const { return Pen / (Noise + 0.02); }
 };
 
-Channel Explain(const FlatChart& flat, const cv::Mat& grey) {
+Channel Explain(const FlatChart& flat, const cv::Mat& dense) {
   Channel channel;
-  const cv::Mat dark = Darkness(grey, flat.PixelsPerMm);
-  channel.Form = FormDarkness(flat, dark);
-  channel.Left = cv::max(dark - channel.Form, 0);
+  channel.Form = FormDarkness(flat, cv::max(dense, 0));
+  channel.Left = cv::max(dense - channel.Form, 0);
   std::vector<float> values;
-  for (int y = 0; y < dark.rows; y += 2) {
+  for (int y = 0; y < dense.rows; y += 2) {
     const auto* row = channel.Left.ptr<float>(y);
-    for (int x = 0; x < dark.cols; x += 2) values.push_back(row[x]);
+    for (int x = 0; x < dense.cols; x += 2) values.push_back(row[x]);
   }
   channel.Pen = Quantile(values, PenShare);
   channel.Noise = Quantile(values, 0.85);
   return channel;
+}
+
+// How much of the pen's own colour each place has: of all sums of the three lights the one in which pen
+// stands out most from all else that is on the sheet. `clear` knows where the pen surely is.
+std::optional<cv::Mat> PensColour(const std::array<cv::Mat, 3>& dense, const Channel& clear) {
+  const auto pen = static_cast<float>(clear.Pen);
+  cv::Mat sure = (clear.Left > 0.6F * pen) & (clear.Form < 0.2F * pen), around, other;
+  cv::dilate(clear.Left > 0.15F * pen, around, cv::Mat::ones(5, 5, CV_8U));
+  other = around == 0;
+  if (cv::countNonZero(sure) < FewestPen || cv::countNonZero(other) < FewestPen) return std::nullopt;
+  cv::Vec3d mean;
+  cv::Matx33d spread = cv::Matx33d::eye() * LeastSpread;
+  for (int i = 0; i < 3; ++i) {
+    mean[i] = cv::mean(dense[static_cast<std::size_t>(i)], sure)[0];
+    for (int j = 0; j <= i; ++j) {
+      const double both =
+          cv::mean(dense[static_cast<std::size_t>(i)].mul(dense[static_cast<std::size_t>(j)]), other)[0];
+      spread(i, j) += both;
+      if (j < i) spread(j, i) += both;
+    }
+  }
+  const cv::Vec3d way = spread.inv() * mean;
+  const double length = way.dot(mean);
+  if (!(length > 0)) return std::nullopt;
+  // In parts of the pen's own density, so that this stays what contrast is measured by.
+  const double scale = cv::norm(mean, cv::NORM_INF) / length;
+  return cv::Mat(scale * (way[0] * dense[0] + way[1] * dense[1] + way[2] * dense[2]));
 }
 
 }  // namespace
@@ -192,16 +226,17 @@ PenInk FindPenInk(const FlatChart& flat) {
   cv::absdiff(colours[0], colours[2], coloured);
   const bool grey = cv::countNonZero(coloured > 12) < coloured.rows * coloured.cols / 1000;
   Channel best;
-  double most = -1;
+  std::array<cv::Mat, 3> dense;
   // The light in which the pen stands out most from the form.
   for (std::size_t i = 0; i < (grey ? 1 : colours.size()); ++i) {
-    const Channel channel = Explain(flat, colours[i]);
-    const double clear = channel.Pen / (channel.Noise + 0.02);
-    if (clear > most) best = channel;
-    most = std::max(most, clear);
+    dense[i] = Density(colours[i], flat.PixelsPerMm);
+    if (const Channel channel = Explain(flat, dense[i]); i == 0 || channel.Clear() > best.Clear())
+      best = channel;
   }
+  if (!grey)
+    if (const auto own = PensColour(dense, best)) best = Explain(flat, *own);
   PenInk ink;
-  ink.Contrast = best.Pen;
+  ink.Contrast = 1 - std::exp(-best.Pen);
   const double pen = std::max(0.04, best.Pen);
   ink.Noise = best.Noise / pen;
   ink.Hidden = cv::min(best.Form / pen, 1.0);
