@@ -16,17 +16,20 @@ constexpr float LeastMargin = 6;  // below, the other way is almost as good
 constexpr float SureEmptying = 8;
 constexpr float SureInk = 0.45F;
 constexpr double BlankMm = 2.5;  // without ink
-constexpr double ShortBlankRainMm = 0.1;
+constexpr double ShortBlankRainMm = 0.1, LevelBlankHours = 0.5;
 constexpr double TopOffMm = 2.5;  // of an emptying, from the usual top
 constexpr double HiddenMm = 60;
 constexpr double LevelMm = 0.5;
+constexpr double SeenEndMm = 1.5;  // of the line, where it comes to a printed one or leaves it
 constexpr double EndMm = 2;
 constexpr double LeastDepthOffMm = 0.3;
 constexpr double DepthOff = 0.05;  // of another gauge's sum
 constexpr double EndsWithinMm = 4;
-constexpr int Together = 8;          // columns: doubts nearer than this are one
-constexpr double SureFall = 0.5;     // of a fall's line is seen
-constexpr double FallNearMm = 0.7;   // of its emptying
+constexpr int Together = 8;             // columns: doubts nearer than this are one
+constexpr double SureFall = 0.5;        // of a fall's line is seen
+constexpr int BesideFall = 3;           // columns to each side
+constexpr double MostBesideFall = 0.5;  // of the height
+constexpr double UprightNearMm = 1.4;
 constexpr double CloseHours = 0.12;  // emptyings nearer to each other hide each other's limbs
 
 std::string Clock(double hour) {
@@ -101,6 +104,9 @@ class Finder {
     for (const Blank& blank : FindBlanks(about_.Path, about_.Flat, BlankMm)) {
       if (blank.Past <= firstInk_ || blank.From >= lastInk_) continue;
       const double rise = RiseMm(blank.From, blank.Past);
+      // A pen that goes on as high as it stopped has missed no rain, or a whole emptying: not in a short
+      // while.
+      if (rise < ShortBlankRainMm && Hour(blank.Past) - Hour(blank.From) < LevelBlankHours) continue;
       Add(TraceDoubt::Kind::NoInk, blank.From, blank.Past,
           "No ink is seen from " + At(blank.From) + " to " + At(blank.Past) +
               (rise < ShortBlankRainMm ? "; the line is taken to run level."
@@ -126,8 +132,15 @@ class Finder {
     const PathColumn& column = columns_[static_cast<std::size_t>(i)];
     return Rain(column.EnterRow - column.LeaveRow);
   }
+  // The fall itself hides what stands beside it, and its own ends tell how far the pen rises there.
+  bool IsBesideFall(int i) const {
+    for (int near = std::max(1, i - BesideFall + 1); near <= std::min(Count() - 1, i + BesideFall); ++near)
+      if (columns_[static_cast<std::size_t>(near)].How == PathColumn::Come::Emptied) return true;
+    return false;
+  }
   bool RisesUnseen(int i) const {
     const PathColumn& column = columns_[static_cast<std::size_t>(i)];
+    if (ColumnRain(i) < MostBesideFall * UsualRain() && IsBesideFall(i)) return false;
     return ColumnRain(i) >= 0.02 * UsualRain() && (column.Ink <= 0.25F || column.Hidden >= 0.6F);
   }
   double UsualRain() const { return about_.Reach.TopMm * about_.Wish.Paper.DepthScale; }
@@ -151,6 +164,7 @@ class Finder {
     }
   }
 
+  // A line that lies on a printed one is known by its ends: it is seen to come to it, or to leave it.
   void HiddenStretches() {
     const int least = static_cast<int>(HiddenMm * about_.Flat.PixelsPerMm);
     for (int i = 0; i < Count(); ++i) {
@@ -162,26 +176,37 @@ class Finder {
                  LevelMm * about_.Flat.PixelsPerMm)
         ++past;
       if (past - i < least) continue;
-      Add(TraceDoubt::Kind::OtherWay, i, past,
-          "From " + At(i) + " to " + At(past) +
-              " the line is taken to lie on a printed one, which hides it.");
+      if (!IsSeenBeside(i - 1, -1) && !IsSeenBeside(past, 1))
+        Add(TraceDoubt::Kind::OtherWay, i, past,
+            "From " + At(i) + " to " + At(past) +
+                " the line is taken to lie on a printed one, which hides it.");
       i = past;
     }
+  }
+  bool IsSeenBeside(int column, int step) const {
+    const int length = static_cast<int>(SeenEndMm * about_.Flat.PixelsPerMm);
+    int seen = 0;
+    for (int i = 0; i < length; ++i, column += step) {
+      if (column < 0 || column >= Count()) return false;
+      const PathColumn& at = columns_[static_cast<std::size_t>(column)];
+      if (at.How != PathColumn::Come::Along) return false;
+      if (at.Ink > SureInk && at.Hidden < 0.5F) ++seen;
+    }
+    return seen > length / 2;
   }
 
   // Upright lines over the whole height that no emptying of the path has left.
   void OtherFalls() {
-    const int near = static_cast<int>(FallNearMm * about_.Flat.PixelsPerMm);
-    for (const FallLine& fall : about_.Falls) {
-      const int at = fall.Column - about_.Path.FirstColumn;
-      if (fall.Seen < SureFall || at < 0 || at >= Count()) continue;
-      bool used = false;
-      for (int i = std::max(0, at - near); i <= std::min(Count() - 1, at + near); ++i)
-        used = used || columns_[static_cast<std::size_t>(i)].How == PathColumn::Come::Emptied;
-      if (!used)
-        Add(TraceDoubt::Kind::Emptying, std::max(0, at - 2 * near), std::min(Count(), at + 2 * near),
+    const int near = static_cast<int>(UprightNearMm * about_.Flat.PixelsPerMm);
+    for (const std::span<const FallLine> lines : {about_.Falls, about_.Uprights})
+      for (const FallLine& fall : lines) {
+        const int at = fall.Column - about_.Path.FirstColumn;
+        if (fall.Seen < SureFall || at < 0 || at >= Count() || Empties(about_.Path, fall, about_.Flat) ||
+            Climbs(about_.Path, fall, about_.Flat, about_.Reach))
+          continue;
+        Add(TraceDoubt::Kind::Emptying, std::max(0, at - near), std::min(Count(), at + near),
             "The upright line at " + At(at) + " may be an emptying that was left out.");
-    }
+      }
   }
 
   float MarginAround(int column) const {

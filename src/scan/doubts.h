@@ -19,7 +19,7 @@ double ExplainedInk(const PenPath& path, std::span<const FallLine> falls, const 
 struct DoubtQuestion {
   const PenPath& Path;
   const FlatChart& Flat;
-  std::span<const FallLine> Falls;
+  std::span<const FallLine> Falls, Uprights;  ///< the latter, as high as falls, are none
   const PenReach& Reach;
   const TraceWish& Wish;
 };

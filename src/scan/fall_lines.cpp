@@ -15,7 +15,11 @@ constexpr float LeastClear = 0.25F;  // of the height, that the form does not hi
 constexpr double LeastSeen = 0.38;   // of the height, with ink
 constexpr int MostLean = 1;          // columns from foot to top
 constexpr double ApartMm = 0.6;      // of two lines
-constexpr float Darkest = 0.7F;      // ink counts no more than this
+constexpr float Darkest = 0.5F;      // ink counts no more than this
+constexpr double SureFall = 0.4;     // of its line is seen: it is taken out of the ink
+constexpr double PenHalfMm = 0.25;
+constexpr double NearMm = 0.7;        // an emptying, or a limb, and its line
+constexpr double ClimbedShare = 0.6;  // of a line that a limb has left
 
 }  // namespace
 
@@ -27,7 +31,7 @@ std::vector<FallLine> FindFallLines(const FlatChart& flat, const PenInk& ink, co
   // Of every place, the most ink within a column to each side.
   cv::Mat wide(rows, columns, CV_32F), seen(rows, columns, CV_32F);
   for (int row = 0; row < rows; ++row) {
-    const auto *from = ink.Ink.ptr<float>(top + row), *hidden = ink.Hidden.ptr<float>(top + row);
+    const auto *from = ink.Steep.ptr<float>(top + row), *hidden = ink.Hidden.ptr<float>(top + row);
     auto *to = wide.ptr<float>(row), *clear = seen.ptr<float>(row);
     for (int x = 0; x < columns; ++x) {
       const float most = std::max({from[std::max(0, x - 1)], from[x], from[std::min(columns - 1, x + 1)]});
@@ -78,6 +82,47 @@ std::vector<FallLine> FindFallLines(const FlatChart& flat, const PenInk& ink, co
     if (best) found.push_back(line);
   }
   return found;
+}
+
+void TakeOutFalls(PenInk& ink, const FlatChart& flat, std::span<const FallLine> falls,
+                  const PenReach& reach) {
+  const int top = std::clamp(static_cast<int>(flat.Row(reach.TopMm)), 0, ink.Raw.rows - 1);
+  const int bottom = std::clamp(static_cast<int>(flat.Row(reach.FootMm - 1)), top, ink.Raw.rows - 1);
+  const int half = static_cast<int>(std::lround(PenHalfMm * flat.PixelsPerMm));
+  for (const FallLine& fall : falls) {
+    if (fall.Seen < SureFall) continue;
+    for (int row = top; row <= bottom; ++row) {
+      const double share = (row - top + 0.5) / (bottom - top + 1);
+      const int middle = static_cast<int>(std::lround(fall.Column + fall.Lean * (0.5 - share)));
+      for (int x = std::max(0, middle - half); x <= std::min(ink.Raw.cols - 1, middle + half); ++x) {
+        ink.Raw.at<float>(row, x) = 0;
+        ink.Hidden.at<float>(row, x) = 1;
+      }
+    }
+    const int near = half + static_cast<int>(flat.PixelsPerMm);
+    FollowStrokes(ink, flat.PixelsPerMm, fall.Column - near, fall.Column + near + 1);
+  }
+}
+
+bool Empties(const PenPath& path, const FallLine& fall, const FlatChart& flat) {
+  const int near = static_cast<int>(NearMm * flat.PixelsPerMm), at = fall.Column - path.FirstColumn;
+  const int last = static_cast<int>(path.Columns.size()) - 1;
+  for (int i = std::max(0, at - near); i <= std::min(last, at + near); ++i)
+    if (path.Columns[static_cast<std::size_t>(i)].How == PathColumn::Come::Emptied) return true;
+  return false;
+}
+
+bool Climbs(const PenPath& path, const FallLine& fall, const FlatChart& flat, const PenReach& reach) {
+  const int near = static_cast<int>(NearMm * flat.PixelsPerMm), at = fall.Column - path.FirstColumn;
+  const int last = static_cast<int>(path.Columns.size()) - 1;
+  int rows = 0;
+  for (int i = std::max(0, at - near); i <= std::min(last, at + near); ++i) {
+    const PathColumn& column = path.Columns[static_cast<std::size_t>(i)];
+    rows += std::max(0, column.EnterRow - column.LeaveRow);
+    if (i > 0 && column.How == PathColumn::Come::Along)
+      rows += std::max(0, path.Columns[static_cast<std::size_t>(i) - 1].LeaveRow - column.EnterRow);
+  }
+  return rows > ClimbedShare * (reach.TopMm - reach.FootMm) * flat.PixelsPerMm;
 }
 
 }  // namespace hyetex

@@ -24,10 +24,15 @@ constexpr float DarkestLine = 1.08F;    // what a line can be, for 1 of that
 constexpr int DepthsInHeavy = 10, HoursInHeavy = 12;  // or a part of it
 constexpr std::size_t FewestAlike = 4;
 constexpr float DarkerThanAlike = 1.35F, DarkerBy = 0.1F;
-constexpr double EdgeMm = 5;        // of what is laid flat, in which the band's frame lies
-constexpr double PenShare = 0.996;  // of the sheet has less ink than the pen
+constexpr double EdgeMm = 5;         // of what is laid flat, in which the band's frame lies
+constexpr double PenShare = 0.996;   // of the sheet has less ink than the pen
 constexpr double LeastLight = 0.08;  // of the paper's: blacker is black
 constexpr int FewestPen = 400;       // pixels
+constexpr std::array ShareOfDarkest{0.6, 0.4, 0.25, 0.15};
+constexpr std::array JoinMm{0.8, 2.0};
+constexpr double AboveNoise = 4, LeastDense = 0.03;  // of what may be pen
+constexpr double LeastPenMm = 10, MostPenHalfMm = 0.45, MostColumns = 0.5;
+constexpr double SurePenShare = 0.75;  // of where the pen surely is has less ink
 constexpr double LeastSpread = 1e-4;
 constexpr double StrokeMm = 0.6, StrokeWidthMm = 0.1;
 
@@ -151,24 +156,6 @@ cv::Mat Along(const cv::Mat& from, double degrees, double lengthPx) {
   return sum;
 }
 
-// What is seen of strokes, each place by the direction in which most ink lies, hidden places left out.
-cv::Mat FollowStrokes(const cv::Mat& raw, const cv::Mat& seen, double scale) {
-  constexpr std::array Directions{0.0, 20.0, 40.0, 58.0, 72.0, 82.0, 90.0};
-  constexpr float LeastSeen = 0.18F;  // of a stroke's length: less counts as that much blank
-  const double across = std::max(0.6, StrokeWidthMm * scale);
-  cv::Mat ink, clear, best = cv::Mat::zeros(raw.size(), CV_32F);
-  cv::GaussianBlur(raw.mul(seen), ink, {5, 5}, across);
-  cv::GaussianBlur(seen, clear, {5, 5}, across);
-  const double all = cv::sum(Along(cv::Mat::ones(32, 32, CV_32F), 0, 4).row(16).col(16))[0];
-  for (const double degrees : Directions) {
-    cv::Mat share;
-    cv::divide(Along(ink, degrees, 1.6 * StrokeMm * scale),
-               Along(clear, degrees, 1.6 * StrokeMm * scale) + LeastSeen * all, share);
-    best = cv::max(best, share);
-  }
-  return best;
-}
-
 struct Channel {
   cv::Mat Left, Form;  // density that the form does not explain, and the form's
   double Pen = 0, Noise = 0;
@@ -190,18 +177,61 @@ Channel Explain(const FlatChart& flat, const cv::Mat& dense) {
   return channel;
 }
 
-// How much of the pen's own colour each place has: of all sums of the three lights the one in which pen
-// stands out most from all else that is on the sheet. `clear` knows where the pen surely is.
-std::optional<cv::Mat> PensColour(const std::array<cv::Mat, 3>& dense, const Channel& clear) {
-  const auto pen = static_cast<float>(clear.Pen);
-  cv::Mat sure = (clear.Left > 0.6F * pen) & (clear.Form < 0.2F * pen), around, other;
-  cv::dilate(clear.Left > 0.15F * pen, around, cv::Mat::ones(5, 5, CV_8U));
-  other = around == 0;
-  if (cv::countNonZero(sure) < FewestPen || cv::countNonZero(other) < FewestPen) return std::nullopt;
+// Where the pen surely is: thin strokes that go on for long, which neither numbers nor stains do.
+cv::Mat LongStrokes(const Channel& channel, double least, double joinMm, double pixelsPerMm) {
+  const cv::Mat inked = channel.Left > least;
+  const int join = 2 * static_cast<int>(std::lround(joinMm / 2 * pixelsPerMm)) + 1;
+  cv::Mat joined, depth, labels, boxes, middles;
+  cv::morphologyEx(inked, joined, cv::MORPH_CLOSE, cv::Mat::ones(join, join, CV_8U));
+  cv::distanceTransform(joined, depth, cv::DIST_L2, 3);
+  const int count = cv::connectedComponentsWithStats(joined, labels, boxes, middles, 8, CV_32S);
+  std::vector<double> deep(static_cast<std::size_t>(count), 0);
+  for (int y = 0; y < labels.rows; ++y)
+    for (int x = 0; x < labels.cols; ++x)
+      deep[static_cast<std::size_t>(labels.at<int>(y, x))] += depth.at<float>(y, x);
+  std::vector<std::uint8_t> isPen(static_cast<std::size_t>(count), 0);
+  for (int i = 1; i < count; ++i) {
+    const double area = boxes.at<int>(i, cv::CC_STAT_AREA);
+    const int longest = std::max(boxes.at<int>(i, cv::CC_STAT_WIDTH), boxes.at<int>(i, cv::CC_STAT_HEIGHT));
+    isPen[static_cast<std::size_t>(i)] =
+        longest >= LeastPenMm * pixelsPerMm &&
+        deep[static_cast<std::size_t>(i)] / area < MostPenHalfMm * pixelsPerMm;
+  }
+  cv::Mat pen = cv::Mat::zeros(labels.size(), CV_8U);
+  for (int y = 0; y < labels.rows; ++y)
+    for (int x = 0; x < labels.cols; ++x)
+      if (inked.at<std::uint8_t>(y, x) != 0 && isPen[static_cast<std::size_t>(labels.at<int>(y, x))] != 0)
+        pen.at<std::uint8_t>(y, x) = 255;
+  return pen;
+}
+
+// A pen writes in every column. What is darkest may be print: the darkest that does it is the pen.
+cv::Mat SurePen(const Channel& channel, double pixelsPerMm) {
+  cv::Mat best;
+  int most = 0;
+  for (const double join : JoinMm)
+    for (const double share : ShareOfDarkest) {
+      const double least = std::max(share * channel.Pen, AboveNoise * channel.Noise + LeastDense);
+      cv::Mat pen = LongStrokes(channel, least, join, pixelsPerMm), columns;
+      cv::reduce(pen, columns, 0, cv::REDUCE_MAX);
+      const int count = cv::countNonZero(columns);
+      if (count > most) best = pen;
+      most = std::max(most, count);
+      if (count >= MostColumns * pen.cols) return best;
+    }
+  return best;
+}
+
+// Of all sums of the three lights the one in which the pen stands out most from all else that is on the
+// sheet.
+cv::Mat PensColour(const std::array<cv::Mat, 3>& dense, const cv::Mat& pen) {
+  cv::Mat around;
+  cv::dilate(pen, around, cv::Mat::ones(7, 7, CV_8U));
+  const cv::Mat other = around == 0;
   cv::Vec3d mean;
   cv::Matx33d spread = cv::Matx33d::eye() * LeastSpread;
   for (int i = 0; i < 3; ++i) {
-    mean[i] = cv::mean(dense[static_cast<std::size_t>(i)], sure)[0];
+    mean[i] = cv::mean(dense[static_cast<std::size_t>(i)], pen)[0];
     for (int j = 0; j <= i; ++j) {
       const double both =
           cv::mean(dense[static_cast<std::size_t>(i)].mul(dense[static_cast<std::size_t>(j)]), other)[0];
@@ -210,14 +240,48 @@ std::optional<cv::Mat> PensColour(const std::array<cv::Mat, 3>& dense, const Cha
     }
   }
   const cv::Vec3d way = spread.inv() * mean;
-  const double length = way.dot(mean);
-  if (!(length > 0)) return std::nullopt;
   // In parts of the pen's own density, so that this stays what contrast is measured by.
-  const double scale = cv::norm(mean, cv::NORM_INF) / length;
-  return cv::Mat(scale * (way[0] * dense[0] + way[1] * dense[1] + way[2] * dense[2]));
+  const double scale = cv::norm(mean, cv::NORM_INF) / std::max(1e-9, way.dot(mean));
+  return scale * (way[0] * dense[0] + way[1] * dense[1] + way[2] * dense[2]);
 }
 
 }  // namespace
+
+// Hidden places are left out of what is seen of strokes.
+void FollowStrokes(PenInk& ink, double pixelsPerMm, int first, int past) {
+  constexpr std::array Directions{0.0, 20.0, 40.0, 58.0, 72.0, 82.0, 90.0};
+  constexpr double SteepFrom = 50;
+  constexpr float LeastSeen = 0.18F;  // of a stroke's length: less counts as that much blank
+  constexpr float MuchSeen = 0.5F;    // of it: nothing is hidden
+  const double across = std::max(0.6, StrokeWidthMm * pixelsPerMm), along = 1.6 * StrokeMm * pixelsPerMm;
+  const int beside = static_cast<int>(along) + 4;
+  const cv::Range whole(0, ink.Raw.rows),
+      part(std::max(0, first - beside), std::min(ink.Raw.cols, past + beside));
+  const cv::Mat seen = 1 - ink.Hidden(whole, part);
+  cv::Mat raw, clear, best = cv::Mat::zeros(seen.size(), CV_32F), steep = best.clone(), upright;
+  cv::GaussianBlur(ink.Raw(whole, part).mul(seen), raw, {5, 5}, across);
+  cv::GaussianBlur(seen, clear, {5, 5}, across);
+  const double all = cv::sum(Along(cv::Mat::ones(32, 32, CV_32F), 0, 4).row(16).col(16))[0];
+  for (const double degrees : Directions) {
+    cv::Mat share;
+    upright = Along(clear, degrees, along);
+    cv::divide(Along(raw, degrees, along), upright + LeastSeen * all, share);
+    best = cv::max(best, share);
+    if (degrees >= SteepFrom) steep = cv::max(steep, share);
+  }
+  const cv::Mat hidden = cv::max(1 - upright / (MuchSeen * all), 0);
+  if (ink.Ink.size() != ink.Raw.size())
+    for (cv::Mat* of : {&ink.Ink, &ink.Steep, &ink.SteepHidden}) *of = cv::Mat::zeros(ink.Raw.size(), CV_32F);
+  const cv::Range to(std::max(0, first), std::min(ink.Raw.cols, past)),
+      from(to.start - part.start, to.end - part.start);
+  best.colRange(from).copyTo(ink.Ink.colRange(to));
+  steep.colRange(from).copyTo(ink.Steep.colRange(to));
+  cv::Mat(cv::min(hidden, 1 - seen)).colRange(from).copyTo(ink.SteepHidden.colRange(to));
+}
+
+PenInk PenInk::Clone() const {
+  return {Raw.clone(), All, Hidden.clone(), Ink.clone(), Steep.clone(), SteepHidden.clone(), Contrast, Noise};
+}
 
 PenInk FindPenInk(const FlatChart& flat) {
   std::array<cv::Mat, 3> colours;
@@ -233,8 +297,15 @@ PenInk FindPenInk(const FlatChart& flat) {
     if (const Channel channel = Explain(flat, dense[i]); i == 0 || channel.Clear() > best.Clear())
       best = channel;
   }
-  if (!grey)
-    if (const auto own = PensColour(dense, best)) best = Explain(flat, *own);
+  if (const cv::Mat sure = SurePen(best, flat.PixelsPerMm);
+      !sure.empty() && cv::countNonZero(sure) >= FewestPen) {
+    if (!grey) best = Explain(flat, PensColour(dense, sure));
+    std::vector<float> values;
+    for (int y = 0; y < sure.rows; ++y)
+      for (int x = 0; x < sure.cols; ++x)
+        if (sure.at<std::uint8_t>(y, x) != 0) values.push_back(best.Left.at<float>(y, x));
+    best.Pen = Quantile(values, SurePenShare);
+  }
   PenInk ink;
   ink.Contrast = 1 - std::exp(-best.Pen);
   const double pen = std::max(0.04, best.Pen);
@@ -242,7 +313,8 @@ PenInk FindPenInk(const FlatChart& flat) {
   ink.Hidden = cv::min(best.Form / pen, 1.0);
   const double floor = std::min(0.5, 1.5 * ink.Noise);
   ink.Raw = cv::min(cv::max((best.Left / pen - floor) / (1 - floor), 0), 1.0);
-  ink.Ink = FollowStrokes(ink.Raw, 1 - ink.Hidden, flat.PixelsPerMm);
+  ink.All = ink.Raw;
+  FollowStrokes(ink, flat.PixelsPerMm, 0, ink.Raw.cols);
   return ink;
 }
 

@@ -46,9 +46,8 @@ void TakeOutLetters(PenInk& ink, double pixelsPerMm) {
   }
   const int around = 2 * static_cast<int>(std::lround(AroundMm * pixelsPerMm)) + 1;
   cv::dilate(taken, taken, cv::getStructuringElement(cv::MORPH_ELLIPSE, {around, around}));
-  ink.Ink.setTo(0, taken);
-  ink.Raw.setTo(0, taken);
-  ink.Hidden.setTo(1, taken);
+  for (cv::Mat* of : {&ink.Raw, &ink.Ink, &ink.Steep}) of->setTo(0, taken);
+  for (cv::Mat* of : {&ink.Hidden, &ink.SteepHidden}) of->setTo(1, taken);
 }
 
 }  // namespace hyetex

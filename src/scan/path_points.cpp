@@ -21,9 +21,9 @@ int EndOfInk(const PenInk& ink, int column, int row, int step, double pixelsPerM
   const int most = static_cast<int>(EndMostMm * pixelsPerMm);
   for (int i = 0; i <= most; ++i) {
     const int at = row + i * step;
-    if (at < 0 || at >= ink.Raw.rows) break;
-    for (int near = std::max(0, column - 2); near <= std::min(ink.Raw.cols - 1, column + 2); ++near)
-      if (ink.Raw.at<float>(at, near) >= EndInk || ink.Hidden.at<float>(at, near) > MostlyHidden) return at;
+    if (at < 0 || at >= ink.All.rows) break;
+    for (int near = std::max(0, column - 2); near <= std::min(ink.All.cols - 1, column + 2); ++near)
+      if (ink.All.at<float>(at, near) >= EndInk || ink.Hidden.at<float>(at, near) > MostlyHidden) return at;
   }
   return row;
 }
@@ -89,9 +89,9 @@ void LiftTops(PenPath& path, const FlatChart& flat, const PenInk& ink, std::span
     for (const FallLine& fall : falls) {
       if (std::abs(fall.Column - column) > FallNear) continue;
       const int at =
-          std::clamp(static_cast<int>(std::lround(fall.Column + fall.Lean / 2)), 1, ink.Raw.cols - 2);
+          std::clamp(static_cast<int>(std::lround(fall.Column + fall.Lean / 2)), 1, ink.All.cols - 2);
       for (int row = before.LeaveRow, seen = row; row >= most && seen - row <= apart; --row) {
-        const auto* raw = ink.Raw.ptr<float>(row) + at;
+        const auto* raw = ink.All.ptr<float>(row) + at;
         if (std::max({raw[-1], raw[0], raw[1]}) < EndInk) continue;
         seen = row;
         top = std::min(top, row);

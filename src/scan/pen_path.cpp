@@ -74,7 +74,7 @@ class Search {
 
   // A limb is as wide as its pen, and counts once: in each row where it has most ink.
   void FindRidges() {
-    const cv::Mat part = ink_.Ink(cv::Rect(first_, top_, columns_, rows_));
+    const cv::Mat part = ink_.Steep(cv::Rect(first_, top_, columns_, rows_));
     cv::Mat most;
     cv::dilate(part, most, cv::Mat::ones(1, 2 * RidgeApart + 1, CV_8U));
     ridges_ = part >= most;
@@ -93,7 +93,11 @@ class Search {
       enter_[at] = -ink + costs_.Blank * blank + covered;
       if (rest_[at] != 0) enter_[at] -= costs_.AtRest * hidden;
       const bool ridge = ridges_.at<std::uint8_t>(row, column) != 0;
-      climb_[at] = (ridge ? -costs_.ClimbInk * ink : 0) + costs_.BlankClimb * blank + covered;
+      const float steep = ink_.Steep.at<float>(top_ + row, first_ + column),
+                  unseen = ink_.SteepHidden.at<float>(top_ + row, first_ + column);
+      climb_[at] = (ridge ? -costs_.ClimbInk * steep : 0) +
+                   costs_.BlankClimb * std::max(0.0F, 1 - steep / FaintInk) * (1 - unseen) +
+                   costs_.Hidden * unseen;
     }
   }
   float SinkAt(std::size_t row) const { return costs_.Sink + std::max(0.0F, climb_[row]); }
@@ -159,20 +163,18 @@ class Search {
     for (int column = columns_ - 1; column >= 0; --column) {
       PathColumn& at = path.Columns[static_cast<std::size_t>(column)];
       at.LeaveRow = top_ + row;
-      const auto see = [&](int place) {
-        at.Ink += ink_.Ink.at<float>(top_ + place, first_ + column);
-        at.Hidden += ink_.Hidden.at<float>(top_ + place, first_ + column);
-      };
-      see(row);
-      int count = 1;
+      int count = 0;
       for (std::uint8_t step = steps_[At(column, row)]; step == Up || step == Down;
            step = steps_[At(column, row)]) {
+        at.Ink += ink_.Steep.at<float>(top_ + row, first_ + column);
+        at.Hidden += ink_.SteepHidden.at<float>(top_ + row, first_ + column);
         row += step == Up ? 1 : -1;
-        see(row);
         ++count;
       }
-      at.Ink /= static_cast<float>(count);
-      at.Hidden /= static_cast<float>(count);
+      at.Ink += ink_.Ink.at<float>(top_ + row, first_ + column);
+      at.Hidden += ink_.Hidden.at<float>(top_ + row, first_ + column);
+      at.Ink /= static_cast<float>(count + 1);
+      at.Hidden /= static_cast<float>(count + 1);
       at.EnterRow = top_ + row;
       const auto c = static_cast<std::size_t>(column);
       switch (steps_[At(column, row)]) {

@@ -20,7 +20,7 @@ struct PenCosts {
   float Climb = 0.1F;       ///< a row up within a column
   float Sink = 1.6F;        ///< a row down within a column, or slanting
   float Blank = 0.35F;      ///< a column where there is no ink
-  float BlankClimb = 0.7F;  ///< a row upright where there is no ink
+  float BlankClimb = 0.5F;  ///< a row upright where there is no ink
   float Hidden = 0.1F;      ///< a place that the form hides
   float AtRest = 0.25F;     ///< what that costs less at the foot, where a pen lies without rain
   float ClimbInk = 1.0F;    ///< what ink counts upright, for 1 level
@@ -49,6 +49,8 @@ struct FallLine {
   double Seen = 0;  ///< 0 to 1: how much of it has ink
 };
 std::vector<FallLine> FindFallLines(const FlatChart& flat, const PenInk& ink, const PenReach& reach);
+/// The line that a fall has left is no ink to climb on, and hides what lies under it.
+void TakeOutFalls(PenInk& ink, const FlatChart& flat, std::span<const FallLine> falls, const PenReach& reach);
 
 struct PathColumn {
   enum class Come { Along, Emptied, SetAnew };
@@ -69,6 +71,10 @@ struct PenPath {
   std::vector<PathColumn> Columns;
   double Cost = 0;
 };
+
+/// The path leaves its line here by an emptying, or climbs this line as a limb.
+bool Empties(const PenPath& path, const FallLine& fall, const FlatChart& flat);
+bool Climbs(const PenPath& path, const FallLine& fall, const FlatChart& flat, const PenReach& reach);
 
 /// Columns from `first` to before `past`.
 PenPath FindPenPath(const FlatChart& flat, const PenInk& ink, std::span<const FallLine> falls,

@@ -22,31 +22,11 @@ constexpr double LeastOnLine = 0.15;  // ink on the line, where the form does no
 constexpr double ScaleOff = 0.06;     // of the file's own resolution: more than paper shrinks
 constexpr double MostBand = 1.5;      // of the chart type's height
 constexpr std::size_t ManyDoubts = 10;
-constexpr double DoubtfulShare = 0.4;  // of the chart's hours
-constexpr double FallHalfMm = 0.36;
-constexpr double SureFall = 0.4;  // of a fall's line is seen: it is taken out of the ink
+constexpr double DoubtfulShare = 0.4;                   // of the chart's hours
+constexpr int MostTries = 4;                            // to tell falls from limbs
 constexpr double FirstLeastTop = 0.7, LeastTop = 0.88;  // of the reach, of the usual top
 
 std::string Dpi(double pixelsPerMm) { return std::to_string(std::lround(pixelsPerMm * MmPerInch)); }
-
-// The line that a fall has left is no ink to climb on, and hides what lies under it.
-void TakeOutFalls(PenInk& ink, const FlatChart& flat, std::span<const FallLine> falls,
-                  const PenReach& reach) {
-  const int top = std::clamp(static_cast<int>(flat.Row(reach.TopMm)), 0, ink.Ink.rows - 1);
-  const int bottom = std::clamp(static_cast<int>(flat.Row(reach.FootMm - 1)), top, ink.Ink.rows - 1);
-  const int half = static_cast<int>(std::lround(FallHalfMm * flat.PixelsPerMm));
-  for (const FallLine& fall : falls) {
-    if (fall.Seen < SureFall) continue;
-    for (int row = top; row <= bottom; ++row) {
-      const double share = (row - top + 0.5) / (bottom - top + 1);
-      const int middle = static_cast<int>(std::lround(fall.Column + fall.Lean * (0.5 - share)));
-      for (int x = std::max(0, middle - half); x <= std::min(ink.Ink.cols - 1, middle + half); ++x) {
-        ink.Ink.at<float>(row, x) = 0;
-        ink.Hidden.at<float>(row, x) = 1;
-      }
-    }
-  }
-}
 
 std::optional<double> Median(std::vector<double> values) {
   if (values.empty()) return std::nullopt;
@@ -89,8 +69,8 @@ struct ScanTracer::Data {
   TraceWish Wish;
   Lattice Grid;
   FlatChart Flat;
-  PenInk Ink;
-  std::vector<FallLine> Falls;
+  PenInk Ink;                             // without the falls' lines
+  std::vector<FallLine> Falls, Uprights;  // the latter, as high as falls, are none
   PenReach Reach;
   PenCosts Costs;
   int First = 0, Past = 0;  // columns of the page
@@ -102,9 +82,27 @@ struct ScanTracer::Data {
     LiftTops(path, Flat, Ink, Falls, Reach);
     return path;
   }
+  // Upright lines are taken for falls at first. One beside which the path does not empty is a limb: it stays
+  // in the ink, and the path is looked for anew.
+  void TellFalls() {
+    const PenInk whole = Ink.Clone();
+    Falls = FindFallLines(Flat, whole, Reach);
+    for (int tries = 0; tries < MostTries; ++tries) {
+      Ink = whole.Clone();
+      TakeOutFalls(Ink, Flat, Falls, Reach);
+      const PenPath path = Path(First, Past, {});
+      LearnReach(path);
+      const auto limbs = std::stable_partition(
+          Falls.begin(), Falls.end(), [&](const FallLine& fall) { return Empties(path, fall, Flat); });
+      if (limbs == Falls.end()) return;
+      Uprights.insert(Uprights.end(), limbs, Falls.end());
+      Falls.erase(limbs, Falls.end());
+    }
+    Ink = whole.Clone();
+    TakeOutFalls(Ink, Flat, Falls, Reach);
+  }
   // Where the instrument empties and the pen comes down is learned from the chart's own falls.
-  void LearnReach() {
-    const PenPath path = Path(First, Past, {});
+  void LearnReach(const PenPath& path) {
     std::vector<double> tops, feet;
     for (std::size_t i = 1; i < path.Columns.size(); ++i) {
       if (path.Columns[i].How != PathColumn::Come::Emptied) continue;
@@ -112,7 +110,8 @@ struct ScanTracer::Data {
       feet.push_back(Flat.HeightMm(path.Columns[i].EnterRow));
     }
     Reach.UsualTopMm = Median(tops);
-    if (Reach.UsualTopMm) Reach.LeastTopMm = std::max(Reach.LeastTopMm, LeastTop * *Reach.UsualTopMm);
+    if (Reach.UsualTopMm)
+      Reach.LeastTopMm = std::max(FirstLeastTop * Reach.TopMm, LeastTop * *Reach.UsualTopMm);
     if (const auto foot = Median(feet)) Reach.FootMm = *foot;
   }
   ScanTrace Told(const PenPath& path, bool whole = true) const;
@@ -168,7 +167,7 @@ ScanTrace ScanTracer::Data::Told(const PenPath& path, bool whole) const {
   if (trace.InkExplained < SureExplained)
     chart("There is ink on the chart that the line does not explain: another line, or one that was missed.");
   for (TraceDoubt& doubt : DoubtsOfDepth(trace.RainMm, Wish)) trace.Doubts.push_back(std::move(doubt));
-  std::vector<TraceDoubt> stretches = DoubtsOfPath({path, Flat, Falls, Reach, Wish});
+  std::vector<TraceDoubt> stretches = DoubtsOfPath({path, Flat, Falls, Uprights, Reach, Wish});
   if (IsMostlyDoubtful(stretches, Wish.Hours))
     trace.Doubts.push_back({TraceDoubt::Kind::OtherWay, 0, Wish.Hours, 0, -1,
                             "So much of this chart is doubtful that the rest is not to be trusted either."});
@@ -223,15 +222,11 @@ Result<ScanTracer> ScanTracer::Open(const ScanImage& image, const TraceWish& wis
   data->Flat = LayFlat(image, *lattice, {-MarginMm, pageMm + MarginMm, -MarginMm, reach.TopMm + MarginMm});
   data->Ink = FindPenInk(data->Flat);
   TakeOutLetters(data->Ink, data->Flat.PixelsPerMm);
-  if (data->IsLinear()) {
-    data->Falls = FindFallLines(data->Flat, data->Ink, reach);
-    TakeOutFalls(data->Ink, data->Flat, data->Falls, reach);
-  }
   data->First = static_cast<int>(std::lround(data->Flat.Column(0)));
   data->Past = static_cast<int>(std::lround(data->Flat.Column(pageMm))) + 1;
 
   data->Grid = *std::move(lattice);
-  if (data->IsLinear()) data->LearnReach();
+  if (data->IsLinear()) data->TellFalls();
   return ScanTracer(std::move(data));
 }
 
