@@ -20,7 +20,7 @@ constexpr double ShortBlankRainMm = 0.1, LevelBlankHours = 0.5;
 constexpr double TopOffMm = 2.5;  // of an emptying, from the usual top
 constexpr double HiddenMm = 60;
 constexpr double LevelMm = 0.5;
-constexpr double SeenEndMm = 1.5;  // of the line, where it comes to a printed one or leaves it
+constexpr double SeenEndMm = 6;  // of the line, where it comes to a printed one or leaves it
 constexpr double EndMm = 2;
 constexpr double LeastDepthOffMm = 0.3;
 constexpr double DepthOff = 0.05;  // of another gauge's sum
@@ -29,6 +29,8 @@ constexpr int Together = 8;             // columns: doubts nearer than this are 
 constexpr double SureFall = 0.5;        // of a fall's line is seen
 constexpr int BesideFall = 3;           // columns to each side
 constexpr double MostBesideFall = 0.5;  // of the height
+constexpr double SureReading = 30;      // what another reading of an upright line costs more
+constexpr double FallNearMm = 0.4;
 constexpr double UprightNearMm = 1.4;
 constexpr double CloseHours = 0.12;  // emptyings nearer to each other hide each other's limbs
 
@@ -190,9 +192,9 @@ class Finder {
       if (column < 0 || column >= Count()) return false;
       const PathColumn& at = columns_[static_cast<std::size_t>(column)];
       if (at.How != PathColumn::Come::Along) return false;
-      if (at.Ink > SureInk && at.Hidden < 0.5F) ++seen;
+      if (at.Ink > SureInk && at.Hidden < 0.5F && ++seen > length / 4) return true;
     }
-    return seen > length / 2;
+    return false;
   }
 
   // Upright lines over the whole height that no emptying of the path has left.
@@ -201,14 +203,21 @@ class Finder {
     for (const std::span<const FallLine> lines : {about_.Falls, about_.Uprights})
       for (const FallLine& fall : lines) {
         const int at = fall.Column - about_.Path.FirstColumn;
-        if (fall.Seen < SureFall || at < 0 || at >= Count() || Empties(about_.Path, fall, about_.Flat) ||
-            Climbs(about_.Path, fall, about_.Flat, about_.Reach))
+        if (fall.Seen < SureFall || fall.Sure > SureReading || at < 0 || at >= Count() ||
+            Empties(about_.Path, fall, about_.Flat) || Climbs(about_.Path, fall, about_.Flat, about_.Reach))
           continue;
         Add(TraceDoubt::Kind::Emptying, std::max(0, at - near), std::min(Count(), at + near),
             "The upright line at " + At(at) + " may be an emptying that was left out.");
       }
   }
 
+  // The line of its fall is seen, and can't well be read as anything else.
+  bool IsSurelyRead(int column) const {
+    const double near = FallNearMm * about_.Flat.PixelsPerMm;
+    return std::any_of(about_.Falls.begin(), about_.Falls.end(), [&](const FallLine& fall) {
+      return fall.Sure > SureReading && std::abs(fall.Column - about_.Path.FirstColumn - column) <= near;
+    });
+  }
   float MarginAround(int column) const {
     constexpr int Beside = 9;
     return std::min(columns_[static_cast<std::size_t>(std::max(0, column - Beside))].Margin,
@@ -231,6 +240,8 @@ class Finder {
         Add(TraceDoubt::Kind::Emptying, from, past,
             "The emptying at " + At(i) + " begins " + Mm(std::abs(top - *about_.Reach.UsualTopMm)) +
                 " mm of paper " + (top < *about_.Reach.UsualTopMm ? "below" : "above") + " the others.");
+      else if (IsSurelyRead(i))
+        ;
       else if (Hour(i) - lastEmptied_ < CloseHours)
         Add(TraceDoubt::Kind::Emptying, from, past,
             "The emptying at " + At(i) + " follows close on another: confirm how many there are.");

@@ -48,12 +48,17 @@ class Search {
             costs.FallSeen * static_cast<float>(fall.Seen);
   }
 
+  double Cost(const PathEnds& ends) {
+    FindRidges();
+    Forwards(ends);
+    return cost_.back()[static_cast<std::size_t>(LastRow(ends))];
+  }
+
   PenPath Find(const PathEnds& ends) {
     FindRidges();
     Forwards(ends);
     const auto& last = cost_.back();
-    int row = ends.LastRow ? Row(*ends.LastRow)
-                           : static_cast<int>(std::min_element(last.begin(), last.end()) - last.begin());
+    const int row = LastRow(ends);
     PenPath path{first_, std::vector<PathColumn>(static_cast<std::size_t>(columns_)),
                  last[static_cast<std::size_t>(row)]};
     Follow(path, row);
@@ -62,11 +67,16 @@ class Search {
   }
 
  private:
-  static constexpr double BelowFootMm = 1.2;
+  static constexpr double BelowFootMm = 2.2;
   static constexpr double AtRestMm = 0.5;
   static constexpr int RidgeApart = 3;  // columns to each side
   using Costs = std::vector<float>;
 
+  int LastRow(const PathEnds& ends) const {
+    const Costs& last = cost_.back();
+    return ends.LastRow ? Row(*ends.LastRow)
+                        : static_cast<int>(std::min_element(last.begin(), last.end()) - last.begin());
+  }
   int Row(int flatRow) const { return std::clamp(flatRow - top_, 0, rows_ - 1); }
   std::size_t At(int column, int row) const {
     return static_cast<std::size_t>(column) * static_cast<std::size_t>(rows_) + static_cast<std::size_t>(row);
@@ -275,6 +285,12 @@ PenCosts PenCosts::For(ChartMethod method) {
 PenPath FindPenPath(const FlatChart& flat, const PenInk& ink, std::span<const FallLine> falls,
                     const PenReach& reach, const PenCosts& costs, int first, int past, const PathEnds& ends) {
   return Search(flat, ink, falls, reach, costs, first, past).Find(ends);
+}
+
+double CostOfPenPath(const FlatChart& flat, const PenInk& ink, std::span<const FallLine> falls,
+                     const PenReach& reach, const PenCosts& costs, int first, int past,
+                     const PathEnds& ends) {
+  return Search(flat, ink, falls, reach, costs, first, past).Cost(ends);
 }
 
 }  // namespace hyetex

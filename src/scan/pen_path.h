@@ -25,7 +25,7 @@ struct PenCosts {
   float AtRest = 0.25F;     ///< what that costs less at the foot, where a pen lies without rain
   float ClimbInk = 1.0F;    ///< what ink counts upright, for 1 level
   float Emptying = 95;      ///< a fall from the top to the foot
-  float FallSeen = 190;     ///< what that costs less where the fall itself has left its line
+  float FallSeen = 350;     ///< what that costs less where the fall itself has left its line
   float TopOff = 4;         ///< for each mm that the fall begins off the usual top
   float FootOff = 2;        ///< for each mm that it ends off the foot
   float SetAnew = 200;      ///< a hand sets the pen down anywhere
@@ -47,6 +47,7 @@ struct FallLine {
   int Column = 0;   ///< half way up
   double Lean = 0;  ///< columns to the right from the foot to the top
   double Seen = 0;  ///< 0 to 1: how much of it has ink
+  double Sure = 0;  ///< what the best path costs more that reads this line, or those beside it, otherwise
 };
 std::vector<FallLine> FindFallLines(const FlatChart& flat, const PenInk& ink, const PenReach& reach);
 /// The line that a fall has left is no ink to climb on, and hides what lies under it.
@@ -80,5 +81,8 @@ bool Climbs(const PenPath& path, const FallLine& fall, const FlatChart& flat, co
 PenPath FindPenPath(const FlatChart& flat, const PenInk& ink, std::span<const FallLine> falls,
                     const PenReach& reach, const PenCosts& costs, int first, int past,
                     const PathEnds& ends = {});
+/// What that path costs.
+double CostOfPenPath(const FlatChart& flat, const PenInk& ink, std::span<const FallLine> falls,
+                     const PenReach& reach, const PenCosts& costs, int first, int past, const PathEnds& ends);
 
 }  // namespace hyetex

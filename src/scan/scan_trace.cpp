@@ -22,8 +22,10 @@ constexpr double LeastOnLine = 0.15;  // ink on the line, where the form does no
 constexpr double ScaleOff = 0.06;     // of the file's own resolution: more than paper shrinks
 constexpr double MostBand = 1.5;      // of the chart type's height
 constexpr std::size_t ManyDoubts = 10;
-constexpr double DoubtfulShare = 0.4;                   // of the chart's hours
-constexpr int MostTries = 4;                            // to tell falls from limbs
+constexpr double DoubtfulShare = 0.4;  // of the chart's hours
+constexpr int Rounds = 2;              // to tell falls from limbs
+constexpr double ClusterMm = 2, AroundMm = 25;
+constexpr std::size_t MostTogether = 5;
 constexpr double FirstLeastTop = 0.7, LeastTop = 0.88;  // of the reach, of the usual top
 
 std::string Dpi(double pixelsPerMm) { return std::to_string(std::lround(pixelsPerMm * MmPerInch)); }
@@ -82,24 +84,80 @@ struct ScanTracer::Data {
     LiftTops(path, Flat, Ink, Falls, Reach);
     return path;
   }
-  // Upright lines are taken for falls at first. One beside which the path does not empty is a limb: it stays
-  // in the ink, and the path is looked for anew.
+  // Upright lines are taken for falls at first, then each is read as the cheapest path would have it.
   void TellFalls() {
     const PenInk whole = Ink.Clone();
-    Falls = FindFallLines(Flat, whole, Reach);
-    for (int tries = 0; tries < MostTries; ++tries) {
+    std::vector<FallLine> lines = FindFallLines(Flat, whole, Reach);
+    std::vector<char> falls(lines.size(), 1);
+    for (int round = 0; round < Rounds; ++round) {
+      Read(lines, falls);
       Ink = whole.Clone();
       TakeOutFalls(Ink, Flat, Falls, Reach);
       const PenPath path = Path(First, Past, {});
       LearnReach(path);
-      const auto limbs = std::stable_partition(
-          Falls.begin(), Falls.end(), [&](const FallLine& fall) { return Empties(path, fall, Flat); });
-      if (limbs == Falls.end()) return;
-      Uprights.insert(Uprights.end(), limbs, Falls.end());
-      Falls.erase(limbs, Falls.end());
+      const int apart = static_cast<int>(ClusterMm * Flat.PixelsPerMm);
+      for (std::size_t i = 0, past = 0; i < lines.size(); i = past) {
+        for (past = i + 1; past < lines.size() && past - i < MostTogether &&
+                           lines[past].Column - lines[past - 1].Column <= apart;)
+          ++past;
+        TellCluster(whole, path, lines, falls, i, past);
+      }
     }
+    Read(lines, falls);
     Ink = whole.Clone();
     TakeOutFalls(Ink, Flat, Falls, Reach);
+    LearnReach(Path(First, Past, {}));
+  }
+  void Read(std::span<const FallLine> lines, std::span<const char> falls) {
+    Falls.clear();
+    Uprights.clear();
+    for (std::size_t i = 0; i < lines.size(); ++i) (falls[i] != 0 ? Falls : Uprights).push_back(lines[i]);
+  }
+  // All readings of lines that stand beside each other, from the path before them to the path behind them.
+  void TellCluster(const PenInk& whole, const PenPath& path, std::vector<FallLine>& lines,
+                   std::vector<char>& falls, std::size_t from, std::size_t to) {
+    const int around = static_cast<int>(AroundMm * Flat.PixelsPerMm);
+    const int first = std::max(First, lines[from].Column - around),
+              past = std::min(Past, lines[to - 1].Column + around + 1);
+    if (past - first < 2 || lines[from].Column >= Past || lines[to - 1].Column < First) return;
+    const auto row = [&](int column) {
+      return path.Columns[static_cast<std::size_t>(column - First)].EnterRow;
+    };
+    PathEnds ends;
+    if (first > First) ends.FirstRow = row(first);
+    if (past < Past) ends.LastRow = path.Columns[static_cast<std::size_t>(past - 1 - First)].LeaveRow;
+    const cv::Rect window(first, 0, past - first, Ink.Raw.rows);
+    double least = 0, next = 0;
+    unsigned best = 0;
+    const unsigned readings = 1U << (to - from);
+    for (unsigned reading = 0; reading < readings; ++reading) {
+      for (std::size_t i = from; i < to; ++i) falls[i] = (reading >> (i - from) & 1U) != 0;
+      Read(lines, falls);
+      std::vector<FallLine> here;
+      for (const FallLine& fall : Falls)
+        if (fall.Column >= first && fall.Column < past) here.push_back(fall);
+      for (const auto& [of, by] : {std::pair{&Ink.Raw, &whole.Raw},
+                                   {&Ink.Hidden, &whole.Hidden},
+                                   {&Ink.Ink, &whole.Ink},
+                                   {&Ink.Steep, &whole.Steep},
+                                   {&Ink.SteepHidden, &whole.SteepHidden}}) {
+        cv::Mat part = (*of)(window);
+        (*by)(window).copyTo(part);
+      }
+      TakeOutFalls(Ink, Flat, here, Reach);
+      const double cost = CostOfPenPath(Flat, Ink, Falls, Reach, Costs, first, past, ends);
+      if (reading == 0 || cost < least) {
+        next = reading == 0 ? cost + 1e6 : least;
+        least = cost;
+        best = reading;
+      } else {
+        next = std::min(next, cost);
+      }
+    }
+    for (std::size_t i = from; i < to; ++i) {
+      falls[i] = (best >> (i - from) & 1U) != 0;
+      lines[i].Sure = next - least;
+    }
   }
   // Where the instrument empties and the pen comes down is learned from the chart's own falls.
   void LearnReach(const PenPath& path) {

@@ -124,7 +124,8 @@ TEST(ScanTrace, IsNotSilentlyWrongAboutACloudburst) {
     const bool told = std::any_of(trace.Doubts.begin(), trace.Doubts.end(), [](const TraceDoubt& doubt) {
       return doubt.What != TraceDoubt::Kind::Chart && doubt.FromHour < 5.2 && doubt.ToHour > 4.9;
     });
-    EXPECT_TRUE(told);
+    const bool right = std::abs(trace.RainMm - 24) < 0.02 * 24 && trace.EmptyingHours.size() == 2;
+    EXPECT_TRUE(told || right) << trace.RainMm << " mm, " << trace.EmptyingHours.size() << " emptyings";
     EXPECT_NEAR(trace.RainMm, 24, 11) << "no emptying more or less than one";
   }
 }
