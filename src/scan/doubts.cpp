@@ -31,6 +31,8 @@ constexpr int BesideFall = 3;           // columns to each side
 constexpr double MostBesideFall = 0.5;  // of the height
 constexpr double SureReading = 30;      // what another reading of an upright line costs more
 constexpr double FallNearMm = 0.4;
+constexpr double MoreNearMm = 1.5, MorePenMm = 0.3, MoreShare = 0.3;
+constexpr float MoreInk = 0.45F;
 constexpr double UprightNearMm = 1.4;
 constexpr double CloseHours = 0.12;  // emptyings nearer to each other hide each other's limbs
 
@@ -211,6 +213,40 @@ class Finder {
       }
   }
 
+  // Upright ink beside an emptying that neither its limb nor its fall explains: of another limb, or another
+  // fall.
+  bool HasMoreBeside(int column) const {
+    const double scale = about_.Flat.PixelsPerMm;
+    const int near = static_cast<int>(MoreNearMm * scale), pen = static_cast<int>(MorePenMm * scale);
+    const int at = about_.Path.FirstColumn + column, left = std::max(0, at - near),
+              right = std::min(about_.Ink.All.cols - 1, at + near);
+    const int top = std::max(0, static_cast<int>(about_.Flat.Row(about_.Reach.TopMm)));
+    const int bottom =
+        std::min(about_.Ink.All.rows - 1, static_cast<int>(about_.Flat.Row(about_.Reach.FootMm + EndMm)));
+    cv::Mat explained = cv::Mat::zeros(about_.Ink.All.rows, right - left + 1, CV_8U);
+    const auto line = [&](int x, int from, int to) {
+      cv::line(explained, {x - left, from}, {x - left, to}, 255);
+    };
+    for (int x = std::max(left, about_.Path.FirstColumn + 1); x <= right; ++x) {
+      const int i = x - about_.Path.FirstColumn;
+      if (i >= Count()) break;
+      const PathColumn &now = columns_[static_cast<std::size_t>(i)],
+                       &before = columns_[static_cast<std::size_t>(i) - 1];
+      line(x, now.EnterRow, now.LeaveRow);
+      if (now.How != PathColumn::Come::Along) line(x, before.LeaveRow, now.EnterRow);
+    }
+    for (const FallLine& fall : about_.Falls)
+      if (fall.Column >= left && fall.Column <= right) line(fall.Column, top, about_.Ink.All.rows - 1);
+    cv::dilate(explained, explained, cv::Mat::ones(2 * pen + 1, 2 * pen + 1, CV_8U));
+    int rows = 0;
+    for (int row = top; row <= bottom; ++row)
+      for (int x = left; x <= right; ++x)
+        if (explained.at<std::uint8_t>(row, x - left) == 0 && about_.Ink.All.at<float>(row, x) > MoreInk) {
+          ++rows;
+          break;
+        }
+    return rows > MoreShare * (bottom - top + 1);
+  }
   // The line of its fall is seen, and can't well be read as anything else.
   bool IsSurelyRead(int column) const {
     const double near = FallNearMm * about_.Flat.PixelsPerMm;
@@ -240,6 +276,9 @@ class Finder {
         Add(TraceDoubt::Kind::Emptying, from, past,
             "The emptying at " + At(i) + " begins " + Mm(std::abs(top - *about_.Reach.UsualTopMm)) +
                 " mm of paper " + (top < *about_.Reach.UsualTopMm ? "below" : "above") + " the others.");
+      else if (HasMoreBeside(i))
+        Add(TraceDoubt::Kind::Emptying, from, past,
+            "Beside the emptying at " + At(i) + " there is more ink: confirm that there is only one.");
       else if (IsSurelyRead(i))
         ;
       else if (Hour(i) - lastEmptied_ < CloseHours)

@@ -19,6 +19,7 @@ double ExplainedInk(const PenPath& path, std::span<const FallLine> falls, const 
 struct DoubtQuestion {
   const PenPath& Path;
   const FlatChart& Flat;
+  const PenInk& Ink;
   std::span<const FallLine> Falls, Uprights;  ///< the latter, as high as falls, are none
   const PenReach& Reach;
   const TraceWish& Wish;

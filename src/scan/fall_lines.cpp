@@ -14,7 +14,7 @@ constexpr float LeastOfPart = 0.18F;
 constexpr float LeastClear = 0.25F;  // of the height, that the form does not hide
 constexpr double LeastSeen = 0.38;   // of the height, with ink
 constexpr int MostLean = 1;          // columns from foot to top
-constexpr double ApartMm = 0.6;      // of two lines
+constexpr double ApartMm = 0.26;     // of two lines
 constexpr float Darkest = 0.5F;      // ink counts no more than this
 constexpr double SureFall = 0.4;     // of its line is seen: it is taken out of the ink
 constexpr double PenHalfMm = 0.25;
@@ -39,6 +39,11 @@ std::vector<FallLine> FindFallLines(const FlatChart& flat, const PenInk& ink, co
       clear[x] = 1 - hidden[x];
     }
   }
+  // How dark each column is: a limb and its fall, as near as they stand, are two of these.
+  cv::Mat dark, clears;
+  cv::reduce(ink.Steep.rowRange(top, bottom + 1).mul(seen), dark, 0, cv::REDUCE_SUM);
+  cv::reduce(seen, clears, 0, cv::REDUCE_SUM);
+  dark /= clears + 1;
   std::vector<FallLine> lines(static_cast<std::size_t>(columns));
   std::array<std::vector<float>, Parts> sum, weight;
   for (int lean = -MostLean; lean <= MostLean; ++lean) {
@@ -76,8 +81,8 @@ std::vector<FallLine> FindFallLines(const FlatChart& flat, const PenInk& ink, co
     if (line.Seen < LeastSeen) continue;
     bool best = true;
     for (int near = std::max(0, x - apart); best && near <= std::min(columns - 1, x + apart); ++near) {
-      const double other = lines[static_cast<std::size_t>(near)].Seen;
-      best = other < line.Seen || (other == line.Seen && near >= x);
+      const float one = dark.at<float>(0, x), other = dark.at<float>(0, near);
+      best = other < one || (other == one && near >= x);
     }
     if (best) found.push_back(line);
   }

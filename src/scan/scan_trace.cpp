@@ -225,7 +225,7 @@ ScanTrace ScanTracer::Data::Told(const PenPath& path, bool whole) const {
   if (trace.InkExplained < SureExplained)
     chart("There is ink on the chart that the line does not explain: another line, or one that was missed.");
   for (TraceDoubt& doubt : DoubtsOfDepth(trace.RainMm, Wish)) trace.Doubts.push_back(std::move(doubt));
-  std::vector<TraceDoubt> stretches = DoubtsOfPath({path, Flat, Falls, Uprights, Reach, Wish});
+  std::vector<TraceDoubt> stretches = DoubtsOfPath({path, Flat, Ink, Falls, Uprights, Reach, Wish});
   if (IsMostlyDoubtful(stretches, Wish.Hours))
     trace.Doubts.push_back({TraceDoubt::Kind::OtherWay, 0, Wish.Hours, 0, -1,
                             "So much of this chart is doubtful that the rest is not to be trusted either."});
