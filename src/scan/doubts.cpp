@@ -18,15 +18,16 @@ constexpr float SureInk = 0.45F;
 constexpr double BlankMm = 2.5;  // without ink
 constexpr double ShortBlankRainMm = 0.1, LevelBlankHours = 0.5;
 constexpr double TopOffMm = 2.5;  // of an emptying, from the usual top
-constexpr double HiddenMm = 60;
+constexpr double HiddenMm = 60, HiddenJoinMm = 2;
 constexpr double LevelMm = 0.5;
-constexpr double SeenEndMm = 6;  // of the line, where it comes to a printed one or leaves it
+constexpr double SeenEndMm = 12;  // of the line, where it comes to a printed one or leaves it
 constexpr double EndMm = 2;
 constexpr double LeastDepthOffMm = 0.3;
 constexpr double DepthOff = 0.05;  // of another gauge's sum
 constexpr double EndsWithinMm = 4;
 constexpr int Together = 8;             // columns: doubts nearer than this are one
 constexpr double SureFall = 0.5;        // of a fall's line is seen
+constexpr double LeastUnseen = 0.05;    // of the height: what joins the dashes of a limb is less
 constexpr int BesideFall = 3;           // columns to each side
 constexpr double MostBesideFall = 0.5;  // of the height
 constexpr double SureReading = 30;      // what another reading of an upright line costs more
@@ -34,7 +35,7 @@ constexpr double FallNearMm = 0.4;
 constexpr double MoreNearMm = 1.5, MorePenMm = 0.3, MoreShare = 0.3;
 constexpr float MoreInk = 0.45F;
 constexpr double UprightNearMm = 1.4;
-constexpr double CloseHours = 0.12;  // emptyings nearer to each other hide each other's limbs
+constexpr double CloseHours = 0.05;  // emptyings nearer to each other hide each other's limbs
 
 std::string Clock(double hour) {
   const int minutes = static_cast<int>(std::lround(hour * 60));
@@ -126,8 +127,9 @@ class Finder {
         past = j + 1;
         rise += ColumnRain(j);
       }
-      Add(TraceDoubt::Kind::NoInk, std::max(0, i - 2), std::min(Count(), past + 2),
-          "A steep rise of " + Mm(rise) + " mm at " + At(i) + " has little ink of its own.");
+      if (rise >= LeastUnseen * UsualRain())
+        Add(TraceDoubt::Kind::NoInk, std::max(0, i - 2), std::min(Count(), past + 2),
+            "A steep rise of " + Mm(rise) + " mm at " + At(i) + " has little ink of its own.");
       i = past;
     }
   }
@@ -170,15 +172,17 @@ class Finder {
 
   // A line that lies on a printed one is known by its ends: it is seen to come to it, or to leave it.
   void HiddenStretches() {
-    const int least = static_cast<int>(HiddenMm * about_.Flat.PixelsPerMm);
+    const int least = static_cast<int>(HiddenMm * about_.Flat.PixelsPerMm),
+              join = static_cast<int>(HiddenJoinMm * about_.Flat.PixelsPerMm);
     for (int i = 0; i < Count(); ++i) {
-      int past = i;
+      if (!IsHidden(i)) continue;
+      int past = i + 1;
       const int row = columns_[static_cast<std::size_t>(i)].EnterRow;
-      while (past < Count() && columns_[static_cast<std::size_t>(past)].Hidden > 0.8F &&
-             columns_[static_cast<std::size_t>(past)].Ink < 0.2F &&
-             std::abs(columns_[static_cast<std::size_t>(past)].LeaveRow - row) <
-                 LevelMm * about_.Flat.PixelsPerMm)
-        ++past;
+      for (int j = past;
+           j < Count() && j - past < join &&
+           std::abs(columns_[static_cast<std::size_t>(j)].LeaveRow - row) < LevelMm * about_.Flat.PixelsPerMm;
+           ++j)
+        if (IsHidden(j)) past = j + 1;
       if (past - i < least) continue;
       if (!IsSeenBeside(i - 1, -1) && !IsSeenBeside(past, 1))
         Add(TraceDoubt::Kind::OtherWay, i, past,
@@ -187,6 +191,10 @@ class Finder {
       i = past;
     }
   }
+  bool IsHidden(int i) const {
+    const PathColumn& column = columns_[static_cast<std::size_t>(i)];
+    return column.Hidden > 0.7F && column.Ink < 0.25F;
+  }
   bool IsSeenBeside(int column, int step) const {
     const int length = static_cast<int>(SeenEndMm * about_.Flat.PixelsPerMm);
     int seen = 0;
@@ -194,7 +202,8 @@ class Finder {
       if (column < 0 || column >= Count()) return false;
       const PathColumn& at = columns_[static_cast<std::size_t>(column)];
       if (at.How != PathColumn::Come::Along) return false;
-      if (at.Ink > SureInk && at.Hidden < 0.5F && ++seen > length / 4) return true;
+      if (at.Ink > SureInk && at.Hidden < 0.5F) seen += std::max(1, at.EnterRow - at.LeaveRow);
+      if (seen > length / 8) return true;
     }
     return false;
   }
@@ -254,6 +263,15 @@ class Finder {
       return fall.Sure > SureReading && std::abs(fall.Column - about_.Path.FirstColumn - column) <= near;
     });
   }
+  bool IsUnsurelyRead(int column) const {
+    const double near = FallNearMm * about_.Flat.PixelsPerMm;
+    for (const std::span<const FallLine> lines : {about_.Falls, about_.Uprights})
+      for (const FallLine& line : lines)
+        if (line.Seen > SureFall && line.Sure < SureReading &&
+            std::abs(line.Column - about_.Path.FirstColumn - column) <= near)
+          return true;
+    return false;
+  }
   float MarginAround(int column) const {
     constexpr int Beside = 9;
     return std::min(columns_[static_cast<std::size_t>(std::max(0, column - Beside))].Margin,
@@ -284,7 +302,7 @@ class Finder {
       else if (Hour(i) - lastEmptied_ < CloseHours)
         Add(TraceDoubt::Kind::Emptying, from, past,
             "The emptying at " + At(i) + " follows close on another: confirm how many there are.");
-      else if (MarginAround(i) < SureEmptying)
+      else if (MarginAround(i) < SureEmptying || IsUnsurelyRead(i))
         Add(TraceDoubt::Kind::Emptying, from, past, "Confirm the emptying at " + At(i) + ".");
       lastEmptied_ = Hour(i);
     }

@@ -15,8 +15,9 @@ constexpr float LeastClear = 0.25F;  // of the height, that the form does not hi
 constexpr double LeastSeen = 0.38;   // of the height, with ink
 constexpr int MostLean = 1;          // columns from foot to top
 constexpr double ApartMm = 0.26;     // of two lines
-constexpr float Darkest = 0.5F;      // ink counts no more than this
-constexpr double SureFall = 0.4;     // of its line is seen: it is taken out of the ink
+constexpr double PrintShare = 0.95, MostPrint = 0.45;
+constexpr float Darkest = 0.5F;   // ink counts no more than this
+constexpr double SureFall = 0.4;  // of its line is seen: it is taken out of the ink
 constexpr double PenHalfMm = 0.25;
 constexpr double NearMm = 0.7;        // an emptying, or a limb, and its line
 constexpr double ClimbedShare = 0.6;  // of a line that a limb has left
@@ -69,11 +70,20 @@ std::vector<FallLine> FindFallLines(const FlatChart& flat, const PenInk& ink, co
         if (weight[part][x] > LeastClear * static_cast<float>(rows) / 2 / Parts)
           weakest = std::min(weakest, sum[part][x] / weight[part][x]);
       }
-      if (clear < LeastClear * static_cast<float>(rows) / 2 || weakest < LeastOfPart) continue;
-      const double share = all / clear - 0.01 * std::abs(lean);
+      if (clear < LeastClear * static_cast<float>(rows) / 2) continue;
+      // A line lacks no part of its height.
+      const double share = (weakest < LeastOfPart ? 0.5 : 1) * all / clear - 0.01 * std::abs(lean);
       if (share > lines[x].Seen) lines[x] = {static_cast<int>(x), static_cast<double>(lean), share};
     }
   }
+  // Where print is left over, as on 1-bit scans, every column has some.
+  std::vector<double> seenOf;
+  for (const FallLine& line : lines) seenOf.push_back(line.Seen);
+  const auto usual =
+      seenOf.begin() + static_cast<std::ptrdiff_t>(PrintShare * static_cast<double>(seenOf.size()));
+  std::nth_element(seenOf.begin(), usual, seenOf.end());
+  const double print = std::min(MostPrint, *usual);
+  for (FallLine& line : lines) line.Seen = (line.Seen - print) / (1 - print);
   std::vector<FallLine> found;
   const int apart = static_cast<int>(ApartMm * flat.PixelsPerMm);
   for (int x = 0; x < columns; ++x) {

@@ -167,6 +167,8 @@ Channel Explain(const FlatChart& flat, const cv::Mat& dense) {
   Channel channel;
   channel.Form = FormDarkness(flat, cv::max(dense, 0));
   channel.Left = cv::max(dense - channel.Form, 0);
+  // Where the paper is bare no pen is hidden.
+  channel.Form = cv::min(channel.Form, cv::max(dense, 0));
   std::vector<float> values;
   for (int y = 0; y < dense.rows; y += 2) {
     const auto* row = channel.Left.ptr<float>(y);

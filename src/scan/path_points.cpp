@@ -11,7 +11,8 @@ constexpr float MostlyHidden = 0.5F;
 constexpr double JoinMm = 0.8;     // a speck of ink does not end a blank
 constexpr double EndMostMm = 0.9;  // by which strokes were followed beyond their ends
 constexpr float EndInk = 0.3F;
-constexpr double LiftApartMm = 0.8;  // a printed line may hide so much of a fall
+constexpr double LiftApartMm = 2;  // a printed line may hide so much of a fall, or a dotted line lack it
+constexpr double DashMm = 1.5, DashShare = 0.5;  // has ink: more than print that crosses
 constexpr double LeastLiftMm = 0.4, SureLiftMm = 1.6;
 constexpr int FallNear = 6;  // columns between a limb's top and the line of its fall
 
@@ -80,7 +81,8 @@ std::vector<Blank> FindBlanks(const PenPath& path, const FlatChart& flat, double
 void LiftTops(PenPath& path, const FlatChart& flat, const PenInk& ink, std::span<const FallLine> falls,
               const PenReach& reach) {
   const int most = std::max(0, static_cast<int>(std::lround(flat.Row(reach.TopMm))));
-  const int apart = static_cast<int>(LiftApartMm * flat.PixelsPerMm);
+  const int apart = static_cast<int>(LiftApartMm * flat.PixelsPerMm),
+            dash = static_cast<int>(DashMm * flat.PixelsPerMm);
   for (std::size_t i = 1; i < path.Columns.size(); ++i) {
     if (path.Columns[i].How != PathColumn::Come::Emptied) continue;
     PathColumn& before = path.Columns[i - 1];
@@ -90,11 +92,16 @@ void LiftTops(PenPath& path, const FlatChart& flat, const PenInk& ink, std::span
       if (std::abs(fall.Column - column) > FallNear) continue;
       const int at =
           std::clamp(static_cast<int>(std::lround(fall.Column + fall.Lean / 2)), 1, ink.All.cols - 2);
-      for (int row = before.LeaveRow, seen = row; row >= most && seen - row <= apart; --row) {
+      const auto isInked = [&](int row) {
         const auto* raw = ink.All.ptr<float>(row) + at;
-        if (std::max({raw[-1], raw[0], raw[1]}) < EndInk) continue;
+        return std::max({raw[-1], raw[0], raw[1]}) >= EndInk;
+      };
+      for (int row = before.LeaveRow, seen = row; row >= most && seen - row <= apart; --row) {
+        if (!isInked(row)) continue;
         seen = row;
-        top = std::min(top, row);
+        int inked = 0, below = row;
+        for (; below < std::min(ink.All.rows, row + dash); ++below) inked += isInked(below) ? 1 : 0;
+        if (inked >= DashShare * (below - row)) top = std::min(top, row);
       }
     }
     const double lifted = (before.LeaveRow - top) / flat.PixelsPerMm;

@@ -11,6 +11,10 @@ namespace {
 
 constexpr float Never = 1e9F;
 constexpr float FaintInk = 0.25F;  // less is blank in part
+constexpr float NoInk = 0.15F;
+
+// What is fainter than the pen ever writes is none of it.
+float Written(float ink) { return std::max(0.0F, ink - NoInk) / (1 - NoInk); }
 
 // How a place was come to; the last two, within its column.
 enum Step : std::uint8_t { Forward = 1, SlantUp, SlantDown, Fall, Anew, Up, Down };
@@ -48,13 +52,8 @@ class Search {
             costs.FallSeen * static_cast<float>(fall.Seen);
   }
 
-  double Cost(const PathEnds& ends) {
-    FindRidges();
-    Forwards(ends);
-    return cost_.back()[static_cast<std::size_t>(LastRow(ends))];
-  }
-
-  PenPath Find(const PathEnds& ends) {
+  PenPath Find(const PathEnds& ends, bool margins) {
+    ends_ = ends;
     FindRidges();
     Forwards(ends);
     const auto& last = cost_.back();
@@ -62,13 +61,14 @@ class Search {
     PenPath path{first_, std::vector<PathColumn>(static_cast<std::size_t>(columns_)),
                  last[static_cast<std::size_t>(row)]};
     Follow(path, row);
-    Backwards(path, row, ends.LastRow.has_value());
+    if (margins) Backwards(path, row, ends.LastRow.has_value());
     return path;
   }
 
  private:
   static constexpr double BelowFootMm = 2.2;
   static constexpr double AtRestMm = 0.5;
+  static constexpr int StillColumns = 5;
   static constexpr int RidgeApart = 3;  // columns to each side
   using Costs = std::vector<float>;
 
@@ -91,8 +91,11 @@ class Search {
     cv::dilate(ridges_, ridges_, cv::Mat::ones(3, 1, CV_8U));
   }
 
-  // What the places of a column cost: entered, and passed upright.
+  // What the places of a column cost: entered, and passed upright. At the page's own ends, where lines are
+  // printed upright, no pen climbs.
   void Places(int column) {
+    const bool still =
+        (column < StillColumns && !ends_.FirstRow) || (column >= columns_ - StillColumns && !ends_.LastRow);
     enter_.resize(static_cast<std::size_t>(rows_));
     climb_.resize(static_cast<std::size_t>(rows_));
     for (int row = 0; row < rows_; ++row) {
@@ -100,14 +103,14 @@ class Search {
       const float hidden = ink_.Hidden.at<float>(top_ + row, first_ + column);
       const float blank = std::max(0.0F, 1 - ink / FaintInk) * (1 - hidden), covered = costs_.Hidden * hidden;
       const auto at = static_cast<std::size_t>(row);
-      enter_[at] = -ink + costs_.Blank * blank + covered;
+      enter_[at] = costs_.Blank * blank - Written(ink) + covered;
       if (rest_[at] != 0) enter_[at] -= costs_.AtRest * hidden;
       const bool ridge = ridges_.at<std::uint8_t>(row, column) != 0;
       const float steep = ink_.Steep.at<float>(top_ + row, first_ + column),
                   unseen = ink_.SteepHidden.at<float>(top_ + row, first_ + column);
-      climb_[at] = (ridge ? -costs_.ClimbInk * steep : 0) +
+      climb_[at] = (ridge ? -costs_.ClimbInk * std::max(0.0F, (steep - 0.1F) / (1 - 0.1F)) : 0) +
                    costs_.BlankClimb * std::max(0.0F, 1 - steep / FaintInk) * (1 - unseen) +
-                   costs_.Hidden * unseen;
+                   costs_.Hidden * unseen + (still ? Never : 0);
     }
   }
   float SinkAt(std::size_t row) const { return costs_.Sink + std::max(0.0F, climb_[row]); }
@@ -265,6 +268,7 @@ class Search {
   const FlatChart& flat_;
   const PenInk& ink_;
   const PenCosts& costs_;
+  PathEnds ends_;
   int first_, columns_, top_ = 0, rows_ = 0;
   std::vector<char> rest_;
   Costs begin_, land_, seen_, enter_, climb_;
@@ -284,13 +288,24 @@ PenCosts PenCosts::For(ChartMethod method) {
 
 PenPath FindPenPath(const FlatChart& flat, const PenInk& ink, std::span<const FallLine> falls,
                     const PenReach& reach, const PenCosts& costs, int first, int past, const PathEnds& ends) {
-  return Search(flat, ink, falls, reach, costs, first, past).Find(ends);
+  return Search(flat, ink, falls, reach, costs, first, past).Find(ends, true);
 }
 
-double CostOfPenPath(const FlatChart& flat, const PenInk& ink, std::span<const FallLine> falls,
-                     const PenReach& reach, const PenCosts& costs, int first, int past,
-                     const PathEnds& ends) {
-  return Search(flat, ink, falls, reach, costs, first, past).Cost(ends);
+PenPath SketchPenPath(const FlatChart& flat, const PenInk& ink, std::span<const FallLine> falls,
+                      const PenReach& reach, const PenCosts& costs, int first, int past,
+                      const PathEnds& ends) {
+  return Search(flat, ink, falls, reach, costs, first, past).Find(ends, false);
+}
+
+int RiseOf(const PenPath& path) {
+  int rows = 0;
+  for (std::size_t i = 0; i < path.Columns.size(); ++i) {
+    const PathColumn& column = path.Columns[i];
+    rows += std::max(0, column.EnterRow - column.LeaveRow);
+    if (i > 0 && column.How == PathColumn::Come::Along)
+      rows += std::max(0, path.Columns[i - 1].LeaveRow - column.EnterRow);
+  }
+  return rows;
 }
 
 }  // namespace hyetex

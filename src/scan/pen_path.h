@@ -17,13 +17,13 @@ namespace hyetex {
 struct PenCosts {
   float Forward = 0.05F;    ///< a column on, level
   float Slant = 0.08F;      ///< a column on and a row up (or down, where a pen may fall)
-  float Climb = 0.1F;       ///< a row up within a column
+  float Climb = 0.05F;      ///< a row up within a column
   float Sink = 1.6F;        ///< a row down within a column, or slanting
   float Blank = 0.35F;      ///< a column where there is no ink
   float BlankClimb = 0.5F;  ///< a row upright where there is no ink
   float Hidden = 0.1F;      ///< a place that the form hides
-  float AtRest = 0.25F;     ///< what that costs less at the foot, where a pen lies without rain
-  float ClimbInk = 1.0F;    ///< what ink counts upright, for 1 level
+  float AtRest = 0.2F;      ///< what that costs less at the foot, where a pen lies without rain
+  float ClimbInk = 1.2F;    ///< what ink counts upright, for 1 level
   float Emptying = 95;      ///< a fall from the top to the foot
   float FallSeen = 350;     ///< what that costs less where the fall itself has left its line
   float TopOff = 4;         ///< for each mm that the fall begins off the usual top
@@ -47,7 +47,8 @@ struct FallLine {
   int Column = 0;   ///< half way up
   double Lean = 0;  ///< columns to the right from the foot to the top
   double Seen = 0;  ///< 0 to 1: how much of it has ink
-  double Sure = 0;  ///< what the best path costs more that reads this line, or those beside it, otherwise
+  /// What the best path costs more that reads this line, or those beside it, otherwise, and rises otherwise.
+  double Sure = 0;
 };
 std::vector<FallLine> FindFallLines(const FlatChart& flat, const PenInk& ink, const PenReach& reach);
 /// The line that a fall has left is no ink to climb on, and hides what lies under it.
@@ -81,8 +82,11 @@ bool Climbs(const PenPath& path, const FallLine& fall, const FlatChart& flat, co
 PenPath FindPenPath(const FlatChart& flat, const PenInk& ink, std::span<const FallLine> falls,
                     const PenReach& reach, const PenCosts& costs, int first, int past,
                     const PathEnds& ends = {});
-/// What that path costs.
-double CostOfPenPath(const FlatChart& flat, const PenInk& ink, std::span<const FallLine> falls,
-                     const PenReach& reach, const PenCosts& costs, int first, int past, const PathEnds& ends);
+/// The same without the margins, which take as long again.
+PenPath SketchPenPath(const FlatChart& flat, const PenInk& ink, std::span<const FallLine> falls,
+                      const PenReach& reach, const PenCosts& costs, int first, int past,
+                      const PathEnds& ends = {});
+/// By how much a path rises in all, rows.
+int RiseOf(const PenPath& path);
 
 }  // namespace hyetex

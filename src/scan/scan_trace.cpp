@@ -26,6 +26,7 @@ constexpr double DoubtfulShare = 0.4;  // of the chart's hours
 constexpr int Rounds = 2;              // to tell falls from limbs
 constexpr double ClusterMm = 2, AroundMm = 25;
 constexpr std::size_t MostTogether = 5;
+constexpr double OtherRiseMm = 1.5, Never = 1e6;
 constexpr double FirstLeastTop = 0.7, LeastTop = 0.88;  // of the reach, of the usual top
 
 std::string Dpi(double pixelsPerMm) { return std::to_string(std::lround(pixelsPerMm * MmPerInch)); }
@@ -81,8 +82,18 @@ struct ScanTracer::Data {
   bool IsLinear() const { return Wish.Paper.ChartMethod == static_cast<std::int16_t>(ChartMethod::Linear); }
   PenPath Path(int first, int past, const PathEnds& ends) const {
     PenPath path = FindPenPath(Flat, Ink, Falls, Reach, Costs, first, past, ends);
-    LiftTops(path, Flat, Ink, Falls, Reach);
+    Lift(path);
     return path;
+  }
+  PenPath Sketch() const {
+    PenPath path = SketchPenPath(Flat, Ink, Falls, Reach, Costs, First, Past);
+    Lift(path);
+    return path;
+  }
+  void Lift(PenPath& path) const {
+    std::vector<FallLine> lines = Falls;
+    lines.insert(lines.end(), Uprights.begin(), Uprights.end());
+    LiftTops(path, Flat, Ink, lines, Reach);
   }
   // Upright lines are taken for falls at first, then each is read as the cheapest path would have it.
   void TellFalls() {
@@ -93,7 +104,7 @@ struct ScanTracer::Data {
       Read(lines, falls);
       Ink = whole.Clone();
       TakeOutFalls(Ink, Flat, Falls, Reach);
-      const PenPath path = Path(First, Past, {});
+      const PenPath path = Sketch();
       LearnReach(path);
       const int apart = static_cast<int>(ClusterMm * Flat.PixelsPerMm);
       for (std::size_t i = 0, past = 0; i < lines.size(); i = past) {
@@ -106,7 +117,7 @@ struct ScanTracer::Data {
     Read(lines, falls);
     Ink = whole.Clone();
     TakeOutFalls(Ink, Flat, Falls, Reach);
-    LearnReach(Path(First, Past, {}));
+    LearnReach(Sketch());
   }
   void Read(std::span<const FallLine> lines, std::span<const char> falls) {
     Falls.clear();
@@ -127,11 +138,14 @@ struct ScanTracer::Data {
     if (first > First) ends.FirstRow = row(first);
     if (past < Past) ends.LastRow = path.Columns[static_cast<std::size_t>(past - 1 - First)].LeaveRow;
     const cv::Rect window(first, 0, past - first, Ink.Raw.rows);
-    double least = 0, next = 0;
-    unsigned best = 0;
-    const unsigned readings = 1U << (to - from);
-    for (unsigned reading = 0; reading < readings; ++reading) {
-      for (std::size_t i = from; i < to; ++i) falls[i] = (reading >> (i - from) & 1U) != 0;
+    struct Reading {
+      double Cost;
+      int Rise;
+      std::vector<char> Falls;
+    };
+    std::vector<Reading> readings;
+    for (unsigned bits = 0; bits < 1U << (to - from); ++bits) {
+      for (std::size_t i = from; i < to; ++i) falls[i] = (bits >> (i - from) & 1U) != 0;
       Read(lines, falls);
       std::vector<FallLine> here;
       for (const FallLine& fall : Falls)
@@ -145,19 +159,18 @@ struct ScanTracer::Data {
         (*by)(window).copyTo(part);
       }
       TakeOutFalls(Ink, Flat, here, Reach);
-      const double cost = CostOfPenPath(Flat, Ink, Falls, Reach, Costs, first, past, ends);
-      if (reading == 0 || cost < least) {
-        next = reading == 0 ? cost + 1e6 : least;
-        least = cost;
-        best = reading;
-      } else {
-        next = std::min(next, cost);
-      }
+      PenPath way = SketchPenPath(Flat, Ink, Falls, Reach, Costs, first, past, ends);
+      LiftTops(way, Flat, Ink, lines, Reach);
+      readings.push_back({way.Cost, RiseOf(way), falls});
     }
-    for (std::size_t i = from; i < to; ++i) {
-      falls[i] = (best >> (i - from) & 1U) != 0;
-      lines[i].Sure = next - least;
-    }
+    const auto best = std::min_element(readings.begin(), readings.end(),
+                                       [](const Reading& a, const Reading& b) { return a.Cost < b.Cost; });
+    double next = best->Cost + Never;
+    for (const Reading& other : readings)
+      if (std::abs(other.Rise - best->Rise) > OtherRiseMm * Flat.PixelsPerMm)
+        next = std::min(next, other.Cost);
+    falls = best->Falls;
+    for (std::size_t i = from; i < to; ++i) lines[i].Sure = next - best->Cost;
   }
   // Where the instrument empties and the pen comes down is learned from the chart's own falls.
   void LearnReach(const PenPath& path) {
