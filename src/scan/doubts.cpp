@@ -29,22 +29,14 @@ constexpr double SureFall = 0.5;     // of a fall's line is seen
 constexpr double FallNearMm = 0.7;   // of its emptying
 constexpr double CloseHours = 0.12;  // emptyings nearer to each other hide each other's limbs
 
-std::string Clock(double hour) {
-  const int minutes = static_cast<int>(std::lround(hour * 60));
-  char text[16];
-  std::snprintf(text, sizeof text, "%02d:%02d", minutes / 60 % 24, minutes % 60);
-  return text;
-}
-
-std::string Mm(double value) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.1f", value);
-  return text;
-}
+std::string Mm(double value) { return MmText(value); }
 
 class Finder {
  public:
-  explicit Finder(const DoubtQuestion& about) : about_(about), columns_(about.Path.Columns) {}
+  explicit Finder(const DoubtQuestion& about)
+      : about_(about),
+        columns_(about.Path.Columns),
+        empties_(about.Wish.Paper.ChartMethod == static_cast<std::int16_t>(ChartMethod::Linear)) {}
 
   std::vector<TraceDoubt> Find() {
     Ends();
@@ -63,7 +55,7 @@ class Finder {
   double Hour(int column) const {
     return about_.Flat.AlongMm(about_.Path.FirstColumn + column) * about_.Wish.Paper.TimeScale;
   }
-  std::string At(int column) const { return Clock(about_.Wish.StartHour + Hour(column)); }
+  std::string At(int column) const { return MomentText(about_.Wish, Hour(column)); }
   double Rain(int rows) const { return rows / about_.Flat.PixelsPerMm * about_.Wish.Paper.DepthScale; }
   // What the path rises between two columns, an emptying or a new start left out.
   double RiseMm(int from, int past) const {
@@ -161,12 +153,17 @@ class Finder {
              std::abs(columns_[static_cast<std::size_t>(past)].LeaveRow - row) <
                  LevelMm * about_.Flat.PixelsPerMm)
         ++past;
-      if (past - i < least) continue;
+      if (past - i < least || (!empties_ && IsAtFoot(row))) continue;
       Add(TraceDoubt::Kind::OtherWay, i, past,
           "From " + At(i) + " to " + At(past) +
               " the line is taken to lie on a printed one, which hides it.");
       i = past;
     }
+  }
+
+  // Where a pen that is seldom set back lies from a chart's start on.
+  bool IsAtFoot(int row) const {
+    return std::abs(about_.Flat.HeightMm(row) - about_.Reach.FootMm) <= LevelMm;
   }
 
   // Upright lines over the whole height that no emptying of the path has left.
@@ -180,9 +177,14 @@ class Finder {
         used = used || columns_[static_cast<std::size_t>(i)].How == PathColumn::Come::Emptied;
       if (!used)
         Add(TraceDoubt::Kind::Emptying, std::max(0, at - 2 * near), std::min(Count(), at + 2 * near),
-            "The upright line at " + At(at) + " may be an emptying that was left out.");
+            "The upright line at " + At(at) + " may be " + (empties_ ? "an emptying" : "a setting back") +
+                " that was left out.");
     }
   }
+
+  // A siphon empties; other pens are set back to the foot.
+  std::string FallName() const { return empties_ ? "emptying" : "setting back"; }
+  std::string Fall() const { return "The " + FallName() + " at "; }
 
   float MarginAround(int column) const {
     constexpr int Beside = 9;
@@ -204,25 +206,41 @@ class Finder {
       const double top = about_.Flat.HeightMm(before.LeaveRow);
       if (about_.Reach.UsualTopMm && std::abs(top - *about_.Reach.UsualTopMm) > TopOffMm)
         Add(TraceDoubt::Kind::Emptying, from, past,
-            "The emptying at " + At(i) + " begins " + Mm(std::abs(top - *about_.Reach.UsualTopMm)) +
-                " mm of paper " + (top < *about_.Reach.UsualTopMm ? "below" : "above") + " the others.");
+            Fall() + At(i) + " begins " + Mm(std::abs(top - *about_.Reach.UsualTopMm)) + " mm of paper " +
+                (top < *about_.Reach.UsualTopMm ? "below" : "above") + " the others.");
       else if (Hour(i) - lastEmptied_ < CloseHours)
         Add(TraceDoubt::Kind::Emptying, from, past,
-            "The emptying at " + At(i) + " follows close on another: confirm how many there are.");
+            Fall() + At(i) + " follows close on another: confirm how many there are.");
       else if (MarginAround(i) < SureEmptying)
-        Add(TraceDoubt::Kind::Emptying, from, past, "Confirm the emptying at " + At(i) + ".");
+        Add(TraceDoubt::Kind::Emptying, from, past, "Confirm the " + FallName() + " at " + At(i) + ".");
       lastEmptied_ = Hour(i);
     }
   }
 
   const DoubtQuestion& about_;
   const std::vector<PathColumn>& columns_;
+  const bool empties_;
   std::vector<TraceDoubt> doubts_;
   int firstInk_ = 0, lastInk_ = 0;
   double lastEmptied_ = -24;  // hours
 };
 
 }  // namespace
+
+std::string MomentText(const TraceWish& wish, double hour) {
+  constexpr int HoursADay = 24, MinutesADay = 60 * HoursADay;
+  const int minutes = static_cast<int>(std::lround((wish.StartHour + hour) * 60));
+  char text[40];
+  std::snprintf(text, sizeof text, "%02d:%02d", minutes / 60 % HoursADay, minutes % 60);
+  if (wish.Hours <= HoursADay) return text;
+  return text + (" of day " + std::to_string(minutes / MinutesADay + 1));
+}
+
+std::string MmText(double value) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.1f", value);
+  return text;
+}
 
 std::vector<float> ConfidenceOfColumns(const PenPath& path) {
   std::vector<float> confidence;

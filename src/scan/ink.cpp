@@ -123,7 +123,7 @@ cv::Mat FormDarkness(const FlatChart& flat, const cv::Mat& dark) {
                      AlongDepthsMm * scale);
   const cv::Mat hours =
       LinesAlongRows(dark.t(),
-                     {flat.Column(0), flat.AcrossMm * scale, HourHalfMm * scale, HoursInHeavy, edge},
+                     {flat.Column(flat.LineAtMm), flat.AcrossMm * scale, HourHalfMm * scale, HoursInHeavy, edge},
                      AlongHoursMm * scale)
           .t();
   return cv::max(depths, hours);

@@ -11,6 +11,10 @@ namespace {
 
 constexpr float Never = 1e9F;
 constexpr float FaintInk = 0.25F;  // less is blank in part
+// As much as the way up gives, so that no ink beside the line is worth going up and down again.
+constexpr float SinkOnArc = 1.0F;
+// A pen that no siphon brings down lies level at any height for days, and on printed lines too.
+constexpr float SeldomAtRest = 0.1F;
 
 // How a place was come to; the last two, within its column.
 enum Step : std::uint8_t { Forward = 1, SlantUp, SlantDown, Fall, Anew, Up, Down };
@@ -266,7 +270,8 @@ class Search {
 
 PenCosts PenCosts::For(ChartMethod method) {
   PenCosts costs;
-  if (method != ChartMethod::Linear) costs.Sink = costs.Climb;
+  if (method == ChartMethod::NonLinear) costs.Sink = SinkOnArc;
+  if (method != ChartMethod::Linear) costs.AtRest = SeldomAtRest;
   return costs;
 }
 

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <numeric>
 
 #include "core/numbers.h"
+#include "scan/arc_pen.h"
 #include "scan/doubts.h"
 #include "scan/letters.h"
 #include "scan/path_points.h"
@@ -16,6 +18,7 @@ namespace {
 constexpr double MarginMm = 4;          // of paper around what is traced, for what looks around a place
 constexpr double WithinMm = 0.15;       // of the path: half a pen's width
 constexpr double GapHours = 0.75;       // without ink, from which on it is told as a gap
+constexpr double GapMm = 4;             // and on charts of a week, so long
 constexpr double LeastContrast = 0.05;  // of a pen against its paper
 constexpr double LeastExplained = 0.3, SureExplained = 0.75;
 constexpr double LeastOnLine = 0.15;  // ink on the line, where the form does not hide it
@@ -65,8 +68,13 @@ bool IsMostlyDoubtful(std::span<const TraceDoubt> stretches, double hours) {
   return stretches.size() >= ManyDoubts || doubtful > DoubtfulShare * hours;
 }
 
+void AddInTime(std::vector<TraceDoubt>& stretches, std::vector<TraceDoubt> more) {
+  std::move(more.begin(), more.end(), std::back_inserter(stretches));
+  std::stable_sort(stretches.begin(), stretches.end(),
+                   [](const TraceDoubt& a, const TraceDoubt& b) { return a.FromHour < b.FromHour; });
+}
+
 double RainOf(std::span<const ScanPoint> points, const ChartTypeRecord& paper) {
-  if (paper.ChartMethod == static_cast<std::int16_t>(ChartMethod::TippingBucket)) return 0;
   const bool falls = paper.ChartMethod == static_cast<std::int16_t>(ChartMethod::NonLinear);
   double mm = 0;
   for (std::size_t i = 1; i < points.size(); ++i) {
@@ -75,6 +83,21 @@ double RainOf(std::span<const ScanPoint> points, const ChartTypeRecord& paper) {
     mm += falls ? std::abs(rise) : std::max(0.0, rise);
   }
   return mm * paper.DepthScale;
+}
+
+// As a session takes it.
+double PageHeightMm(const ChartTypeRecord& paper) {
+  return paper.ChartHeightMm > 0 ? paper.ChartHeightMm : ChartTypeRecord{}.ChartHeightMm;
+}
+
+std::optional<std::string> CheckMethod(const ChartTypeRecord& paper) {
+  if (paper.ChartMethod < 0 || paper.ChartMethod > static_cast<std::int16_t>(ChartMethod::TippingBucket))
+    return "the chart type has no known chart method";
+  if (paper.ChartMethod != static_cast<std::int16_t>(ChartMethod::NonLinear)) return std::nullopt;
+  if (!(paper.MiddleToBottomMm > 0 && paper.MiddleToBottomMm <= PageHeightMm(paper) / 2))
+    return "the chart type's arc is none: it wants the distance from its middle to its bottom, no more than "
+           "half the chart's height";
+  return std::nullopt;
 }
 
 }  // namespace
@@ -96,10 +119,11 @@ struct ScanTracer::Data {
   int First = 0, Past = 0;  // columns of the page
   std::optional<double> FilePixelsPerMm;
 
-  bool IsLinear() const { return Wish.Paper.ChartMethod == static_cast<std::int16_t>(ChartMethod::Linear); }
+  bool Is(ChartMethod method) const { return Wish.Paper.ChartMethod == static_cast<std::int16_t>(method); }
   PenPath Path(int first, int past, const PathEnds& ends) const {
     PenPath path = FindPenPath(Flat, Ink, Falls, Reach, Costs, first, past, ends);
     LiftTops(path, Flat, Ink, Falls, Reach);
+    LevelPageEnds(path, Flat, Wish.Hours / Wish.Paper.TimeScale);
     return path;
   }
   // Where the instrument empties and the pen comes down is learned from the chart's own falls.
@@ -113,7 +137,8 @@ struct ScanTracer::Data {
     }
     Reach.UsualTopMm = Median(tops);
     if (Reach.UsualTopMm) Reach.LeastTopMm = std::max(Reach.LeastTopMm, LeastTop * *Reach.UsualTopMm);
-    if (const auto foot = Median(feet)) Reach.FootMm = *foot;
+    // Other pens are set back seldom, and to the bottom edge.
+    if (const auto foot = Median(feet); foot && Is(ChartMethod::Linear)) Reach.FootMm = *foot;
   }
   ScanTrace Told(const PenPath& path, bool whole = true) const;
 };
@@ -122,18 +147,21 @@ struct ScanTracer::Data {
 ScanTrace ScanTracer::Data::Told(const PenPath& path, bool whole) const {
   ScanTrace trace;
   trace.PixelsPerMm = Grid.PixelsPerMm();
-  const std::vector<Blank> gaps = FindBlanks(path, Flat, GapHours / Wish.Paper.TimeScale);
+  const std::vector<Blank> gaps = FindBlanks(path, Flat, std::max(GapMm, GapHours / Wish.Paper.TimeScale));
   const std::vector<float> sure = ConfidenceOfColumns(path);
   std::size_t column = 0;
-  for (const PathPoint& point : PointsOfPath(path, Flat, Ink, Falls, gaps, WithinMm)) {
+  std::vector<PathPoint> points = PointsOfPath(path, Flat, Ink, Falls, gaps, WithinMm);
+  for (const PathPoint& point : points)
+    if (point.How == PathPoint::Step::Drop)
+      trace.EmptyingHours.push_back(point.AlongMm * Wish.Paper.TimeScale);
+  if (Is(ChartMethod::NonLinear)) points = PointsOnArc(std::move(points), PageHeightMm(Wish.Paper));
+  for (const PathPoint& point : points) {
     ScanPoint told{static_cast<ScanPoint::Step>(point.How), point.AlongMm, point.HeightMm, 0, 0, 1};
     const cv::Point2d place = Grid.ToImage({point.AlongMm, point.HeightMm});
     told.X = place.x;
     told.Y = place.y;
     for (; column <= static_cast<std::size_t>(point.Column) && column < sure.size(); ++column)
       told.Confidence = std::min(told.Confidence, sure[column]);
-    if (point.How == PathPoint::Step::Drop)
-      trace.EmptyingHours.push_back(point.AlongMm * Wish.Paper.TimeScale);
     trace.Points.push_back(told);
   }
   trace.RainMm = RainOf(trace.Points, Wish.Paper);
@@ -169,6 +197,7 @@ ScanTrace ScanTracer::Data::Told(const PenPath& path, bool whole) const {
     chart("There is ink on the chart that the line does not explain: another line, or one that was missed.");
   for (TraceDoubt& doubt : DoubtsOfDepth(trace.RainMm, Wish)) trace.Doubts.push_back(std::move(doubt));
   std::vector<TraceDoubt> stretches = DoubtsOfPath({path, Flat, Falls, Reach, Wish});
+  if (Is(ChartMethod::NonLinear)) AddInTime(stretches, DoubtsOfFalls(points, Wish));
   if (IsMostlyDoubtful(stretches, Wish.Hours))
     trace.Doubts.push_back({TraceDoubt::Kind::OtherWay, 0, Wish.Hours, 0, -1,
                             "So much of this chart is doubtful that the rest is not to be trusted either."});
@@ -200,8 +229,7 @@ ScanTracer::~ScanTracer() = default;
 Result<ScanTracer> ScanTracer::Open(const ScanImage& image, const TraceWish& wish) {
   if (!(wish.Hours > 0) || !(wish.Paper.TimeScale > 0) || !(wish.Paper.DepthScale > 0))
     return Failure("the chart has no length, or its chart type no scales");
-  if (wish.Paper.ChartMethod != static_cast<std::int16_t>(ChartMethod::Linear))
-    return Failure("only charts of a straight pen are traced by themselves yet");
+  if (auto refusal = CheckMethod(wish.Paper)) return Failure(*refusal);
   auto lattice = Lattice::Find(image, {wish.Paper, wish.StartHour, wish.Hours});
   if (!lattice) return Failure(lattice.error());
   if (wish.Paper.ChartHeightMm > 0 && lattice->BandMm() > MostBand * wish.Paper.ChartHeightMm)
@@ -218,20 +246,18 @@ Result<ScanTracer> ScanTracer::Open(const ScanImage& image, const TraceWish& wis
   if (wish.Paper.ChartHeightMm > 0.5F * static_cast<float>(reach.TopMm))
     reach.TopMm = std::min(reach.TopMm, static_cast<double>(wish.Paper.ChartHeightMm) + 0.5);
   reach.LeastTopMm = FirstLeastTop * reach.TopMm;
-  reach.Empties = data->IsLinear();
   const double pageMm = wish.Hours / wish.Paper.TimeScale;
   data->Flat = LayFlat(image, *lattice, {-MarginMm, pageMm + MarginMm, -MarginMm, reach.TopMm + MarginMm});
   data->Ink = FindPenInk(data->Flat);
   TakeOutLetters(data->Ink, data->Flat.PixelsPerMm);
-  if (data->IsLinear()) {
-    data->Falls = FindFallLines(data->Flat, data->Ink, reach);
-    TakeOutFalls(data->Ink, data->Flat, data->Falls, reach);
-  }
+  TakeOutPageEnds(data->Ink, data->Flat, pageMm);
+  data->Falls = FindFallLines(data->Flat, data->Ink, reach);
+  TakeOutFalls(data->Ink, data->Flat, data->Falls, reach);
   data->First = static_cast<int>(std::lround(data->Flat.Column(0)));
   data->Past = static_cast<int>(std::lround(data->Flat.Column(pageMm))) + 1;
 
   data->Grid = *std::move(lattice);
-  if (data->IsLinear()) data->LearnReach();
+  data->LearnReach();
   return ScanTracer(std::move(data));
 }
 
