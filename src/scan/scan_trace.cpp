@@ -11,6 +11,7 @@
 #include "scan/letters.h"
 #include "scan/path_points.h"
 #include "scan/scan_scale.h"
+#include "scan/tipping_pen.h"
 
 namespace hyetex {
 namespace {
@@ -154,7 +155,12 @@ ScanTrace ScanTracer::Data::Told(const PenPath& path, bool whole) const {
   for (const PathPoint& point : points)
     if (point.How == PathPoint::Step::Drop)
       trace.EmptyingHours.push_back(point.AlongMm * Wish.Paper.TimeScale);
+  TippedLine tipped;
   if (Is(ChartMethod::NonLinear)) points = PointsOnArc(std::move(points), PageHeightMm(Wish.Paper));
+  if (Is(ChartMethod::TippingBucket)) {
+    tipped = PointsOfTips(path, Flat, points);
+    points = tipped.Points;
+  }
   for (const PathPoint& point : points) {
     ScanPoint told{static_cast<ScanPoint::Step>(point.How), point.AlongMm, point.HeightMm, 0, 0, 1};
     const cv::Point2d place = Grid.ToImage({point.AlongMm, point.HeightMm});
@@ -198,6 +204,7 @@ ScanTrace ScanTracer::Data::Told(const PenPath& path, bool whole) const {
   for (TraceDoubt& doubt : DoubtsOfDepth(trace.RainMm, Wish)) trace.Doubts.push_back(std::move(doubt));
   std::vector<TraceDoubt> stretches = DoubtsOfPath({path, Flat, Falls, Reach, Wish});
   if (Is(ChartMethod::NonLinear)) AddInTime(stretches, DoubtsOfFalls(points, Wish));
+  if (Is(ChartMethod::TippingBucket)) AddInTime(stretches, DoubtsOfTips(tipped, Wish));
   if (IsMostlyDoubtful(stretches, Wish.Hours))
     trace.Doubts.push_back({TraceDoubt::Kind::OtherWay, 0, Wish.Hours, 0, -1,
                             "So much of this chart is doubtful that the rest is not to be trusted either."});
