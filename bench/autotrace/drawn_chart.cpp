@@ -9,7 +9,6 @@
 namespace hyetex {
 namespace {
 
-constexpr double Hours = 24;
 constexpr double ZeroMm = 3.2, FullMm = 80, BeyondFullMm = 2;
 constexpr double NearHours = 0.25;   // of a true emptying: one farther off is another
 constexpr double TimeHours = 0.025;  // by which a moment may be off
@@ -29,12 +28,15 @@ double RainAt(const std::vector<RainPoint>& rain, double hour) {
 
 }  // namespace
 
-PenLine RandomDay(std::uint64_t seed) {
+namespace {
+
+// Rain of so many hours, minute by minute.
+std::vector<RainPoint> RandomStorms(std::uint64_t seed, double hours, int most) {
   Chance chance(seed, "storms");
-  std::vector<double> rate(static_cast<std::size_t>(Hours * 60), 0);  // mm an hour, each minute
-  const int storms = chance.Whole(1, 4);
+  std::vector<double> rate(static_cast<std::size_t>(hours * 60), 0);  // mm an hour, each minute
+  const int storms = chance.Whole(1, most);
   for (int i = 0; i < storms; ++i) {
-    const double begin = chance.Uniform(0.5, Hours - 2),
+    const double begin = chance.Uniform(0.5, hours - 2),
                  length = std::exp(chance.Uniform(std::log(0.15), std::log(5)));
     const double sum = std::exp(chance.Uniform(std::log(0.8), std::log(24)));
     const double peak = chance.Uniform(0.1, 0.7), sharp = chance.Uniform(1, 3);
@@ -57,20 +59,43 @@ PenLine RandomDay(std::uint64_t seed) {
     sum += rate[minute] / 60;
     rain.push_back({static_cast<double>(minute + 1) / 60, sum});
   }
+  return rain;
+}
+
+}  // namespace
+
+PenLine RandomChart(std::uint64_t seed, DrawnPaper paper) {
+  constexpr double Day = 24, Week = 168;
   RainChart chart;
   chart.Paper.Name = "Daily siphon";
   chart.Paper.TimeScale = 1 / 16.1F;
   chart.Paper.DepthScale = 0.125F;
   chart.Paper.ChartHeightMm = static_cast<float>(ZeroMm + FullMm + BeyondFullMm);
   chart.FullMm = FullMm;
-  auto line = DrawRain(rain, chart);
+  bool week = false;
+  if (paper == DrawnPaper::Arc) {
+    week = Chance(seed, "paper").Falls(0.5);
+    chart.Paper.ChartMethod = static_cast<std::int16_t>(ChartMethod::NonLinear);
+    chart.Paper.Name = week ? "Weekly arc" : "Daily arc";
+    chart.Paper.TimeScale = week ? 0.5F : 1 / 12.0F;
+    chart.Paper.DepthScale = 0.25F;
+    chart.Paper.MiddleToBottomMm = 12;
+    chart.Paper.ChartHeightMm = 100;
+    chart.FullMm = 100;
+  } else if (paper == DrawnPaper::Tipping) {
+    chart.Paper.ChartMethod = static_cast<std::int16_t>(ChartMethod::TippingBucket);
+    chart.Paper.Name = "Daily tipping bucket";
+    chart.TipMm = DrawnTipMm;
+  }
+  auto line = DrawRain(RandomStorms(seed, week ? Week : Day, week ? 9 : 4), chart);
   return line ? *std::move(line) : PenLine{};
 }
 
 ScanStyle PlainStyle(const PenLine& line) {
   ScanStyle style;
   style.FirstHour = 7;
-  style.ZeroMm = ZeroMm;
+  const bool arc = line.Paper.ChartMethod == static_cast<std::int16_t>(ChartMethod::NonLinear);
+  style.ZeroMm = arc ? 0 : ZeroMm;
   style.BandMm = line.Paper.ChartHeightMm;
   return style;
 }
@@ -87,17 +112,21 @@ double TraceErrors::DepthError() const { return std::abs(Mm - TrueMm) / std::max
 
 TraceErrors Compare(const ScanTrace& trace, const PenLine& line) {
   TraceErrors errors;
+  const bool arc = line.Paper.ChartMethod == static_cast<std::int16_t>(ChartMethod::NonLinear);
   std::vector<RainPoint> truth, traced;
   std::vector<double> falls;
   for (const PenPoint& point : line.Points) {
     truth.push_back({point.Hours, point.Rain});
-    if (point.Step == PenStep::Drop) falls.push_back(point.Hours);
+    const bool setBack = point.Step == PenStep::Segment && point.HeightMm == 0;
+    if (point.Step == PenStep::Drop || setBack) falls.push_back(point.Hours);
   }
   double sum = 0;
   for (std::size_t i = 0; i < trace.Points.size(); ++i) {
     const ScanPoint& point = trace.Points[i];
-    if (i > 0 && point.How == ScanPoint::Step::Along)
-      sum += std::max(0.0, point.HeightMm - trace.Points[i - 1].HeightMm) * line.Paper.DepthScale;
+    if (i > 0 && point.How == ScanPoint::Step::Along) {
+      const double rise = point.HeightMm - trace.Points[i - 1].HeightMm;
+      sum += (arc ? std::abs(rise) : std::max(0.0, rise)) * line.Paper.DepthScale;
+    }
     traced.push_back({point.AlongMm * line.Paper.TimeScale, sum});
   }
   errors.TrueMm = truth.empty() ? 0 : truth.back().Rain;

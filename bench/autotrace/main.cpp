@@ -132,8 +132,16 @@ struct Words {
   int Each = 2;
   int Seed = 1;
   bool HeldBack = false;
+  DrawnPaper Paper = DrawnPaper::Siphon;
   std::string Only, Keep;
 };
+
+std::optional<DrawnPaper> PaperOf(const std::string& name) {
+  if (name == "siphon") return DrawnPaper::Siphon;
+  if (name == "arc") return DrawnPaper::Arc;
+  if (name == "tipping") return DrawnPaper::Tipping;
+  return std::nullopt;
+}
 
 int Measure(const Words& words) {
   cv::setNumThreads(1);
@@ -153,7 +161,7 @@ int Measure(const Words& words) {
     Row row;
     for (int i = 0; i < words.Each; ++i) {
       const auto seed = static_cast<std::uint64_t>(words.Seed) * 10000 + day + static_cast<std::uint64_t>(i);
-      const PenLine line = RandomDay(seed);
+      const PenLine line = RandomChart(seed, words.Paper);
       ScanStyle style = PlainStyle(line);
       if (const auto damaged = Damage(style, kind.Damage, seed); !damaged) {
         std::fprintf(stderr, "%s\n", damaged.error().c_str());
@@ -212,13 +220,16 @@ int main(int count, char** given) {
       words.Seed = std::max(1, std::atoi(value().c_str()));
     else if (word == "--held-back")
       words.HeldBack = true;
+    else if (const auto paper = word == "--paper" ? hyetex::PaperOf(value()) : std::nullopt; paper)
+      words.Paper = *paper;
     else if (word == "--only")
       words.Only = value();
     else if (word == "--keep")
       words.Keep = value();
     else {
       std::fprintf(stderr,
-                   "hyetex-autotrace-bench [--each N] [--seed N] [--held-back] [--only KIND] [--keep DIR]\n");
+                   "hyetex-autotrace-bench [--paper siphon|arc|tipping] [--each N] [--seed N] [--held-back] "
+                   "[--only KIND] [--keep DIR]\n");
       return word == "--help" ? 0 : 2;
     }
   }

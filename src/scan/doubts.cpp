@@ -37,22 +37,14 @@ constexpr float MoreInk = 0.45F;
 constexpr double UprightNearMm = 1.4;
 constexpr double CloseHours = 0.05;  // emptyings nearer to each other hide each other's limbs
 
-std::string Clock(double hour) {
-  const int minutes = static_cast<int>(std::lround(hour * 60));
-  char text[16];
-  std::snprintf(text, sizeof text, "%02d:%02d", minutes / 60 % 24, minutes % 60);
-  return text;
-}
-
-std::string Mm(double value) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.1f", value);
-  return text;
-}
+std::string Mm(double value) { return MmText(value); }
 
 class Finder {
  public:
-  explicit Finder(const DoubtQuestion& about) : about_(about), columns_(about.Path.Columns) {}
+  explicit Finder(const DoubtQuestion& about)
+      : about_(about),
+        columns_(about.Path.Columns),
+        empties_(about.Wish.Paper.ChartMethod == static_cast<std::int16_t>(ChartMethod::Linear)) {}
 
   std::vector<TraceDoubt> Find() {
     Ends();
@@ -71,7 +63,7 @@ class Finder {
   double Hour(int column) const {
     return about_.Flat.AlongMm(about_.Path.FirstColumn + column) * about_.Wish.Paper.TimeScale;
   }
-  std::string At(int column) const { return Clock(about_.Wish.StartHour + Hour(column)); }
+  std::string At(int column) const { return MomentText(about_.Wish, Hour(column)); }
   double Rain(int rows) const { return rows / about_.Flat.PixelsPerMm * about_.Wish.Paper.DepthScale; }
   // What the path rises between two columns, an emptying or a new start left out.
   double RiseMm(int from, int past) const {
@@ -183,8 +175,8 @@ class Finder {
            std::abs(columns_[static_cast<std::size_t>(j)].LeaveRow - row) < LevelMm * about_.Flat.PixelsPerMm;
            ++j)
         if (IsHidden(j)) past = j + 1;
-      if (past - i < least) continue;
-      if (!IsSeenBeside(i - 1, -1) && !IsSeenBeside(past, 1))
+      if (past - i >= least && (empties_ || !IsAtFoot(row)) && !IsSeenBeside(i - 1, -1) &&
+          !IsSeenBeside(past, 1))
         Add(TraceDoubt::Kind::OtherWay, i, past,
             "From " + At(i) + " to " + At(past) +
                 " the line is taken to lie on a printed one, which hides it.");
@@ -208,6 +200,11 @@ class Finder {
     return false;
   }
 
+  // Where a pen that is seldom set back lies from a chart's start on.
+  bool IsAtFoot(int row) const {
+    return std::abs(about_.Flat.HeightMm(row) - about_.Reach.FootMm) <= LevelMm;
+  }
+
   // Upright lines over the whole height that no emptying of the path has left.
   void OtherFalls() {
     const int near = static_cast<int>(UprightNearMm * about_.Flat.PixelsPerMm);
@@ -218,7 +215,8 @@ class Finder {
             Empties(about_.Path, fall, about_.Flat) || Climbs(about_.Path, fall, about_.Flat, about_.Reach))
           continue;
         Add(TraceDoubt::Kind::Emptying, std::max(0, at - near), std::min(Count(), at + near),
-            "The upright line at " + At(at) + " may be an emptying that was left out.");
+            "The upright line at " + At(at) + " may be " + (empties_ ? "an emptying" : "a setting back") +
+                " that was left out.");
       }
   }
 
@@ -272,6 +270,11 @@ class Finder {
           return true;
     return false;
   }
+
+  // A siphon empties; other pens are set back to the foot.
+  std::string FallName() const { return empties_ ? "emptying" : "setting back"; }
+  std::string Fall() const { return "The " + FallName() + " at "; }
+
   float MarginAround(int column) const {
     constexpr int Beside = 9;
     return std::min(columns_[static_cast<std::size_t>(std::max(0, column - Beside))].Margin,
@@ -292,30 +295,47 @@ class Finder {
       const double top = about_.Flat.HeightMm(before.LeaveRow);
       if (about_.Reach.UsualTopMm && std::abs(top - *about_.Reach.UsualTopMm) > TopOffMm)
         Add(TraceDoubt::Kind::Emptying, from, past,
-            "The emptying at " + At(i) + " begins " + Mm(std::abs(top - *about_.Reach.UsualTopMm)) +
-                " mm of paper " + (top < *about_.Reach.UsualTopMm ? "below" : "above") + " the others.");
+            Fall() + At(i) + " begins " + Mm(std::abs(top - *about_.Reach.UsualTopMm)) + " mm of paper " +
+                (top < *about_.Reach.UsualTopMm ? "below" : "above") + " the others.");
       else if (HasMoreBeside(i))
         Add(TraceDoubt::Kind::Emptying, from, past,
-            "Beside the emptying at " + At(i) + " there is more ink: confirm that there is only one.");
+            "Beside the " + FallName() + " at " + At(i) +
+                " there is more ink: confirm that there is only one.");
       else if (IsSurelyRead(i))
         ;
       else if (Hour(i) - lastEmptied_ < CloseHours)
         Add(TraceDoubt::Kind::Emptying, from, past,
-            "The emptying at " + At(i) + " follows close on another: confirm how many there are.");
+            Fall() + At(i) + " follows close on another: confirm how many there are.");
       else if (MarginAround(i) < SureEmptying || IsUnsurelyRead(i))
-        Add(TraceDoubt::Kind::Emptying, from, past, "Confirm the emptying at " + At(i) + ".");
+        Add(TraceDoubt::Kind::Emptying, from, past, "Confirm the " + FallName() + " at " + At(i) + ".");
       lastEmptied_ = Hour(i);
     }
   }
 
   const DoubtQuestion& about_;
   const std::vector<PathColumn>& columns_;
+  const bool empties_;
   std::vector<TraceDoubt> doubts_;
   int firstInk_ = 0, lastInk_ = 0;
   double lastEmptied_ = -24;  // hours
 };
 
 }  // namespace
+
+std::string MomentText(const TraceWish& wish, double hour) {
+  constexpr int HoursADay = 24, MinutesADay = 60 * HoursADay;
+  const int minutes = static_cast<int>(std::lround((wish.StartHour + hour) * 60));
+  char text[40];
+  std::snprintf(text, sizeof text, "%02d:%02d", minutes / 60 % HoursADay, minutes % 60);
+  if (wish.Hours <= HoursADay) return text;
+  return text + (" of day " + std::to_string(minutes / MinutesADay + 1));
+}
+
+std::string MmText(double value) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.1f", value);
+  return text;
+}
 
 std::vector<float> ConfidenceOfColumns(const PenPath& path) {
   std::vector<float> confidence;

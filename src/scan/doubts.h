@@ -2,12 +2,18 @@
 #pragma once
 
 #include <span>
+#include <string>
 #include <vector>
 
 #include "scan/path_points.h"
 #include "scan/scan_trace.h"
 
 namespace hyetex {
+
+/// A moment of a chart, hours since its start, as "08:02"; on charts of more than a day "08:02 of day 3".
+std::string MomentText(const TraceWish& wish, double hour);
+/// "3.2"
+std::string MmText(double value);
 
 /// How sure each column of a path is, 0 to 1: by its ink, and by how much the best other way costs more.
 std::vector<float> ConfidenceOfColumns(const PenPath& path);

@@ -12,7 +12,8 @@ constexpr int Apart = 32;  // columns and rows between places that are looked up
 }  // namespace
 
 FlatChart LayFlat(const ScanImage& image, const Lattice& lattice, const PaperPart& part) {
-  FlatChart flat{{}, PixelsPerMm, part.FromMm, part.TopMm, lattice.AcrossMm(), lattice.UpMm()};
+  FlatChart flat{
+      {}, PixelsPerMm, part.FromMm, part.TopMm, lattice.AcrossMm(), lattice.UpMm(), lattice.LineAtMm()};
   const cv::Size size(static_cast<int>((part.ToMm - part.FromMm) * PixelsPerMm),
                       static_cast<int>((part.TopMm - part.BottomMm) * PixelsPerMm));
   // A finer image is read at about twice the flat one's resolution, so that no thin line falls between

@@ -13,7 +13,8 @@ struct FlatChart {
   double PixelsPerMm = 8;
   double LeftMm = 0;              ///< of paper, at the first column's left edge
   double TopMm = 0;               ///< above the bottom edge, at the first row's upper edge
-  double AcrossMm = 0, UpMm = 0;  ///< between printed lines; some stand at 0
+  double AcrossMm = 0, UpMm = 0;  ///< between printed lines; of those up the height one stands at 0
+  double LineAtMm = 0;            ///< along, where one of the others stands
 
   double AlongMm(double column) const { return LeftMm + (column + 0.5) / PixelsPerMm; }
   double HeightMm(double row) const { return TopMm - (row + 0.5) / PixelsPerMm; }

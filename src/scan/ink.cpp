@@ -132,11 +132,11 @@ cv::Mat FormDarkness(const FlatChart& flat, const cv::Mat& dark) {
   const cv::Mat depths =
       LinesAlongRows(dark, {flat.Row(0), flat.UpMm * scale, DepthHalfMm * scale, DepthsInHeavy, edge},
                      AlongDepthsMm * scale);
-  const cv::Mat hours =
-      LinesAlongRows(dark.t(),
-                     {flat.Column(0), flat.AcrossMm * scale, HourHalfMm * scale, HoursInHeavy, edge},
-                     AlongHoursMm * scale)
-          .t();
+  const cv::Mat hours = LinesAlongRows(dark.t(),
+                                       {flat.Column(flat.LineAtMm), flat.AcrossMm * scale, HourHalfMm * scale,
+                                        HoursInHeavy, edge},
+                                       AlongHoursMm * scale)
+                            .t();
   return cv::max(depths, hours);
 }
 

@@ -56,7 +56,9 @@ cv::Point2d Lattice::ToPicture(cv::Point2d paper) const {
 
 void Lattice::StartAt(cv::Point2d image) {
   const cv::Point2d paper = ToPaper(image);
-  hours_.Shift(-(paper.x - ArcLeadMm(page_.Paper, paper.y)) / acrossMm_);
+  const double lines = -(paper.x - ArcLeadMm(page_.Paper, paper.y)) / acrossMm_;
+  hours_.Shift(lines);
+  lineAt_ += lines;
   depths_.Shift(paper.y / upMm_);
   doubts_.clear();
 }

@@ -58,9 +58,10 @@ class Lattice {
   void StartAt(cv::Point2d image);
 
   double PixelsPerMm() const { return pixelsPerMm_; }
-  double AcrossMm() const { return acrossMm_; }  ///< from line to line of the hours
-  double UpMm() const { return upMm_; }          ///< from line to line of the depths
-  double BandMm() const { return bandMm_; }      ///< height of the printed band
+  double AcrossMm() const { return acrossMm_; }            ///< from line to line of the hours
+  double UpMm() const { return upMm_; }                    ///< from line to line of the depths
+  double BandMm() const { return bandMm_; }                ///< height of the printed band
+  double LineAtMm() const { return lineAt_ * acrossMm_; }  ///< along, where a line of the hours stands
   double ResidualMm() const { return residualMm_; }
   /// What the grid alone cannot tell, as that the hour is to be confirmed; each is a doubt about the chart.
   const std::vector<std::string>& Doubts() const { return doubts_; }
@@ -73,6 +74,7 @@ class Lattice {
   cv::Matx23d toPicture_, toImage_;  // between the image and the picture that stands upright
   LineField hours_, depths_;         // over that picture; line 0 is the page's start, and its bottom edge
   double acrossMm_ = 0, upMm_ = 0, bandMm_ = 0, pixelsPerMm_ = 0, residualMm_ = 0;
+  double lineAt_ = 0;  // the number of a printed line; no whole one where a page starts between two lines
   std::vector<std::string> doubts_;
 };
 

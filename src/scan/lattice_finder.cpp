@@ -23,6 +23,9 @@ constexpr int FewestTogether = 4;  // lines on either side of missing ones
 // The header with the printed hours has so much more print than the foot; below, a sheet stands on its head.
 constexpr double HeaderIsAbove = 0.75;
 constexpr double MajorsStandOut = 0.10;
+constexpr double InkOfLines = 0.85;    // of an arc chart's band is no darker than its fine lines
+constexpr double BetweenLines = 0.05;  // of a line's distance: the page starts on no line
+constexpr double LostBetween = 3;      // lines of the hours
 
 // How much more ink lies on a printed line than beside it.
 struct Lines {
@@ -146,7 +149,9 @@ class LatticeFinder {
     if (depths.Clear < LeastClear) return NoGrid("depths");
     lattice_.depths_ = depths.Field;
     FindBand();
-    const auto hours = fitter.FitLines(scale_.AcrossMm * scale_.AcrossPixelsPerMm / step_, true, Leads());
+    const cv::Mat leads = Leads(), band = leads.empty() ? ink_ : InkOfBand();
+    const auto hours =
+        LineFitter(band).FitLines(scale_.AcrossMm * scale_.AcrossPixelsPerMm / step_, true, leads);
     if (hours.Clear < LeastClear) return NoGrid("hours");
     lattice_.hours_ = hours.Field;
     lattice_.residualMm_ = std::max(hours.ResidualPx, depths.ResidualPx) * step_ / scale_.PixelsPerMm;
@@ -204,6 +209,28 @@ class LatticeFinder {
       }
     cv::resize(coarse, leads, {coarse.cols * Apart, coarse.rows * Apart}, 0, 0, cv::INTER_LINEAR);
     return leads(cv::Rect(0, 0, ink_.cols, ink_.rows)).clone();
+  }
+
+  // What is printed above and below the band leans as no arc does, and the upright limbs of a pen are darker
+  // than any line.
+  cv::Mat InkOfBand() const {
+    cv::Mat band = ink_.clone();
+    std::vector<float> some;
+    for (int y = 0; y < band.rows; ++y) {
+      auto* row = band.ptr<float>(y);
+      for (int x = 0; x < band.cols; ++x) {
+        const double up = -lattice_.depths_.At(x + 0.5, y + 0.5) * lattice_.upMm_;
+        if (up < 0 || up > lattice_.bandMm_)
+          row[x] = 0;
+        else if ((x + y) % 16 == 0)
+          some.push_back(row[x]);
+      }
+    }
+    if (some.empty()) return band;
+    const auto line =
+        some.begin() + static_cast<std::ptrdiff_t>(InkOfLines * static_cast<double>(some.size()));
+    std::nth_element(some.begin(), line, some.end());
+    return cv::min(band, static_cast<double>(*line));
   }
 
   double InkAround(double x, double y) const {
@@ -301,11 +328,15 @@ class LatticeFinder {
     const double middle = hours.At(ink_.cols / 2.0, ink_.rows / 2.0), half = ink_.cols / 2.0 / hours.Period();
     const Lines lines = Measure(middle, half, place);
     const double lineHours = lattice_.acrossMm_ * page_.Paper.TimeScale;
+    // A page that starts between two lines has one less, and its own ends are printed beside the outermost.
+    const double started = page_.StartHour / lineHours;
+    const double between = std::abs(started - std::round(started)) > BetweenLines ? LostBetween : 0;
+    const double inside = page_.Hours / lineHours - between;
     Run run = LongestRun(lines);
-    const bool worn = run.Last - run.First < page_.Hours / lineHours;
+    const bool worn = run.Last - run.First < inside;
     for (const auto& [share, missing] : WornLines)
-      if (run.Last - run.First < page_.Hours / lineHours) run = LongestRun(lines, share, missing);
-    if (run.Last - run.First < page_.Hours / lineHours) run = AllLines(lines);
+      if (run.Last - run.First < inside) run = LongestRun(lines, share, missing);
+    if (run.Last - run.First < inside) run = AllLines(lines);
     const int inAnHour = static_cast<int>(std::lround(1 / lineHours));
     // Heavy lines, an hour apart, go on beyond where fine ones are lost.
     const int most = static_cast<int>(page_.Hours / lineHours) + 2 * inAnHour;
@@ -334,13 +365,14 @@ class LatticeFinder {
       return std::abs(one - middleStart) < std::abs(other - middleStart);
     });
     if (starts.empty()) starts.push_back(run.First + std::max(0.0, spare / 2));
-    if (starts.size() != 1 || !sure || spare < -1.5)
+    if (starts.size() != 1 || !sure || spare < -1.5 - between)
       lattice_.doubts_.push_back(
           "The printed hours do not tell by themselves where the chart starts. It is taken to "
           "start " +
           ShortText(std::round((starts.front() - run.First) * lattice_.acrossMm_)) +
           " mm behind the grid's left edge: confirm the hour.");
     hours.Shift(-starts.front());
+    lattice_.lineAt_ = -starts.front();
     return {};
   }
 

@@ -12,6 +12,10 @@ namespace {
 constexpr float Never = 1e9F;
 constexpr float FaintInk = 0.25F;  // less is blank in part
 constexpr float NoInk = 0.15F;
+// As much as the way up gives, so that no ink beside the line is worth going up and down again.
+constexpr float SinkOnArc = 1.0F;
+// A pen that no siphon brings down lies level at any height for days, and on printed lines too.
+constexpr float SeldomAtRest = 0.1F;
 
 // What is fainter than the pen ever writes is none of it.
 float Written(float ink) { return std::max(0.0F, ink - NoInk) / (1 - NoInk); }
@@ -94,8 +98,8 @@ class Search {
   // What the places of a column cost: entered, and passed upright. At the page's own ends, where lines are
   // printed upright, no pen climbs.
   void Places(int column) {
-    const bool still =
-        (column < StillColumns && !ends_.FirstRow) || (column >= columns_ - StillColumns && !ends_.LastRow);
+    const bool still = (column < StillColumns && !ends_.FirstRow) ||
+                       (column >= columns_ - StillColumns && !ends_.LastRow);
     enter_.resize(static_cast<std::size_t>(rows_));
     climb_.resize(static_cast<std::size_t>(rows_));
     for (int row = 0; row < rows_; ++row) {
@@ -282,7 +286,8 @@ class Search {
 
 PenCosts PenCosts::For(ChartMethod method) {
   PenCosts costs;
-  if (method != ChartMethod::Linear) costs.Sink = costs.Climb;
+  if (method == ChartMethod::NonLinear) costs.Sink = SinkOnArc;
+  if (method != ChartMethod::Linear) costs.AtRest = SeldomAtRest;
   return costs;
 }
 

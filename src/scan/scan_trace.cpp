@@ -2,13 +2,17 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <numeric>
 
 #include "core/numbers.h"
+#include "scan/arc_pen.h"
 #include "scan/doubts.h"
 #include "scan/letters.h"
 #include "scan/path_points.h"
 #include "scan/scan_scale.h"
+#include "scan/sheet_reading.h"
+#include "scan/tipping_pen.h"
 
 namespace hyetex {
 namespace {
@@ -16,6 +20,7 @@ namespace {
 constexpr double MarginMm = 4;          // of paper around what is traced, for what looks around a place
 constexpr double WithinMm = 0.15;       // of the path: half a pen's width
 constexpr double GapHours = 0.75;       // without ink, from which on it is told as a gap
+constexpr double GapMm = 4;             // and on charts of a week, so long
 constexpr double LeastContrast = 0.05;  // of a pen against its paper
 constexpr double LeastExplained = 0.3, SureExplained = 0.75;
 constexpr double LeastOnLine = 0.15;  // ink on the line, where the form does not hide it
@@ -23,20 +28,8 @@ constexpr double ScaleOff = 0.06;     // of the file's own resolution: more than
 constexpr double MostBand = 1.5;      // of the chart type's height
 constexpr std::size_t ManyDoubts = 10;
 constexpr double DoubtfulShare = 0.4;  // of the chart's hours
-constexpr int Rounds = 2;              // to tell falls from limbs
-constexpr double ClusterMm = 2, AroundMm = 25;
-constexpr std::size_t MostTogether = 5;
-constexpr double OtherRiseMm = 1.5, Never = 1e6;
-constexpr double FirstLeastTop = 0.7, LeastTop = 0.88;  // of the reach, of the usual top
 
 std::string Dpi(double pixelsPerMm) { return std::to_string(std::lround(pixelsPerMm * MmPerInch)); }
-
-std::optional<double> Median(std::vector<double> values) {
-  if (values.empty()) return std::nullopt;
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
 
 // Stretches overlap; in order of time.
 bool IsMostlyDoubtful(std::span<const TraceDoubt> stretches, double hours) {
@@ -48,8 +41,13 @@ bool IsMostlyDoubtful(std::span<const TraceDoubt> stretches, double hours) {
   return stretches.size() >= ManyDoubts || doubtful > DoubtfulShare * hours;
 }
 
+void AddInTime(std::vector<TraceDoubt>& stretches, std::vector<TraceDoubt> more) {
+  std::move(more.begin(), more.end(), std::back_inserter(stretches));
+  std::stable_sort(stretches.begin(), stretches.end(),
+                   [](const TraceDoubt& a, const TraceDoubt& b) { return a.FromHour < b.FromHour; });
+}
+
 double RainOf(std::span<const ScanPoint> points, const ChartTypeRecord& paper) {
-  if (paper.ChartMethod == static_cast<std::int16_t>(ChartMethod::TippingBucket)) return 0;
   const bool falls = paper.ChartMethod == static_cast<std::int16_t>(ChartMethod::NonLinear);
   double mm = 0;
   for (std::size_t i = 1; i < points.size(); ++i) {
@@ -60,6 +58,21 @@ double RainOf(std::span<const ScanPoint> points, const ChartTypeRecord& paper) {
   return mm * paper.DepthScale;
 }
 
+// As a session takes it.
+double PageHeightMm(const ChartTypeRecord& paper) {
+  return paper.ChartHeightMm > 0 ? paper.ChartHeightMm : ChartTypeRecord{}.ChartHeightMm;
+}
+
+std::optional<std::string> CheckMethod(const ChartTypeRecord& paper) {
+  if (paper.ChartMethod < 0 || paper.ChartMethod > static_cast<std::int16_t>(ChartMethod::TippingBucket))
+    return "the chart type has no known chart method";
+  if (paper.ChartMethod != static_cast<std::int16_t>(ChartMethod::NonLinear)) return std::nullopt;
+  if (!(paper.MiddleToBottomMm > 0 && paper.MiddleToBottomMm <= PageHeightMm(paper) / 2))
+    return "the chart type's arc is none: it wants the distance from its middle to its bottom, no more than "
+           "half the chart's height";
+  return std::nullopt;
+}
+
 }  // namespace
 
 std::string VerdictText(TraceVerdict verdict) {
@@ -68,123 +81,12 @@ std::string VerdictText(TraceVerdict verdict) {
                                              : "not traced";
 }
 
-struct ScanTracer::Data {
+struct ScanTracer::Data : SheetReading {
   TraceWish Wish;
   Lattice Grid;
-  FlatChart Flat;
-  PenInk Ink;                             // without the falls' lines
-  std::vector<FallLine> Falls, Uprights;  // the latter, as high as falls, are none
-  PenReach Reach;
-  PenCosts Costs;
-  int First = 0, Past = 0;  // columns of the page
   std::optional<double> FilePixelsPerMm;
 
-  bool IsLinear() const { return Wish.Paper.ChartMethod == static_cast<std::int16_t>(ChartMethod::Linear); }
-  PenPath Path(int first, int past, const PathEnds& ends) const {
-    PenPath path = FindPenPath(Flat, Ink, Falls, Reach, Costs, first, past, ends);
-    Lift(path);
-    return path;
-  }
-  PenPath Sketch() const {
-    PenPath path = SketchPenPath(Flat, Ink, Falls, Reach, Costs, First, Past);
-    Lift(path);
-    return path;
-  }
-  void Lift(PenPath& path) const {
-    std::vector<FallLine> lines = Falls;
-    lines.insert(lines.end(), Uprights.begin(), Uprights.end());
-    LiftTops(path, Flat, Ink, lines, Reach);
-  }
-  // Upright lines are taken for falls at first, then each is read as the cheapest path would have it.
-  void TellFalls() {
-    const PenInk whole = Ink.Clone();
-    std::vector<FallLine> lines = FindFallLines(Flat, whole, Reach);
-    std::vector<char> falls(lines.size(), 1);
-    for (int round = 0; round < Rounds; ++round) {
-      Read(lines, falls);
-      Ink = whole.Clone();
-      TakeOutFalls(Ink, Flat, Falls, Reach);
-      const PenPath path = Sketch();
-      LearnReach(path);
-      const int apart = static_cast<int>(ClusterMm * Flat.PixelsPerMm);
-      for (std::size_t i = 0, past = 0; i < lines.size(); i = past) {
-        for (past = i + 1; past < lines.size() && past - i < MostTogether &&
-                           lines[past].Column - lines[past - 1].Column <= apart;)
-          ++past;
-        TellCluster(whole, path, lines, falls, i, past);
-      }
-    }
-    Read(lines, falls);
-    Ink = whole.Clone();
-    TakeOutFalls(Ink, Flat, Falls, Reach);
-    LearnReach(Sketch());
-  }
-  void Read(std::span<const FallLine> lines, std::span<const char> falls) {
-    Falls.clear();
-    Uprights.clear();
-    for (std::size_t i = 0; i < lines.size(); ++i) (falls[i] != 0 ? Falls : Uprights).push_back(lines[i]);
-  }
-  // All readings of lines that stand beside each other, from the path before them to the path behind them.
-  void TellCluster(const PenInk& whole, const PenPath& path, std::vector<FallLine>& lines,
-                   std::vector<char>& falls, std::size_t from, std::size_t to) {
-    const int around = static_cast<int>(AroundMm * Flat.PixelsPerMm);
-    const int first = std::max(First, lines[from].Column - around),
-              past = std::min(Past, lines[to - 1].Column + around + 1);
-    if (past - first < 2 || lines[from].Column >= Past || lines[to - 1].Column < First) return;
-    const auto row = [&](int column) {
-      return path.Columns[static_cast<std::size_t>(column - First)].EnterRow;
-    };
-    PathEnds ends;
-    if (first > First) ends.FirstRow = row(first);
-    if (past < Past) ends.LastRow = path.Columns[static_cast<std::size_t>(past - 1 - First)].LeaveRow;
-    const cv::Rect window(first, 0, past - first, Ink.Raw.rows);
-    struct Reading {
-      double Cost;
-      int Rise;
-      std::vector<char> Falls;
-    };
-    std::vector<Reading> readings;
-    for (unsigned bits = 0; bits < 1U << (to - from); ++bits) {
-      for (std::size_t i = from; i < to; ++i) falls[i] = (bits >> (i - from) & 1U) != 0;
-      Read(lines, falls);
-      std::vector<FallLine> here;
-      for (const FallLine& fall : Falls)
-        if (fall.Column >= first && fall.Column < past) here.push_back(fall);
-      for (const auto& [of, by] : {std::pair{&Ink.Raw, &whole.Raw},
-                                   {&Ink.Hidden, &whole.Hidden},
-                                   {&Ink.Ink, &whole.Ink},
-                                   {&Ink.Steep, &whole.Steep},
-                                   {&Ink.SteepHidden, &whole.SteepHidden}}) {
-        cv::Mat part = (*of)(window);
-        (*by)(window).copyTo(part);
-      }
-      TakeOutFalls(Ink, Flat, here, Reach);
-      PenPath way = SketchPenPath(Flat, Ink, Falls, Reach, Costs, first, past, ends);
-      LiftTops(way, Flat, Ink, lines, Reach);
-      readings.push_back({way.Cost, RiseOf(way), falls});
-    }
-    const auto best = std::min_element(readings.begin(), readings.end(),
-                                       [](const Reading& a, const Reading& b) { return a.Cost < b.Cost; });
-    double next = best->Cost + Never;
-    for (const Reading& other : readings)
-      if (std::abs(other.Rise - best->Rise) > OtherRiseMm * Flat.PixelsPerMm)
-        next = std::min(next, other.Cost);
-    falls = best->Falls;
-    for (std::size_t i = from; i < to; ++i) lines[i].Sure = next - best->Cost;
-  }
-  // Where the instrument empties and the pen comes down is learned from the chart's own falls.
-  void LearnReach(const PenPath& path) {
-    std::vector<double> tops, feet;
-    for (std::size_t i = 1; i < path.Columns.size(); ++i) {
-      if (path.Columns[i].How != PathColumn::Come::Emptied) continue;
-      tops.push_back(Flat.HeightMm(path.Columns[i - 1].LeaveRow));
-      feet.push_back(Flat.HeightMm(path.Columns[i].EnterRow));
-    }
-    Reach.UsualTopMm = Median(tops);
-    if (Reach.UsualTopMm)
-      Reach.LeastTopMm = std::max(FirstLeastTop * Reach.TopMm, LeastTop * *Reach.UsualTopMm);
-    if (const auto foot = Median(feet)) Reach.FootMm = *foot;
-  }
+  bool Is(ChartMethod method) const { return Method == method; }
   ScanTrace Told(const PenPath& path, bool whole = true) const;
 };
 
@@ -192,18 +94,26 @@ struct ScanTracer::Data {
 ScanTrace ScanTracer::Data::Told(const PenPath& path, bool whole) const {
   ScanTrace trace;
   trace.PixelsPerMm = Grid.PixelsPerMm();
-  const std::vector<Blank> gaps = FindBlanks(path, Flat, GapHours / Wish.Paper.TimeScale);
+  const std::vector<Blank> gaps = FindBlanks(path, Flat, std::max(GapMm, GapHours / Wish.Paper.TimeScale));
   const std::vector<float> sure = ConfidenceOfColumns(path);
   std::size_t column = 0;
-  for (const PathPoint& point : PointsOfPath(path, Flat, Ink, Falls, gaps, WithinMm)) {
+  std::vector<PathPoint> points = PointsOfPath(path, Flat, Ink, Falls, gaps, WithinMm);
+  for (const PathPoint& point : points)
+    if (point.How == PathPoint::Step::Drop)
+      trace.EmptyingHours.push_back(point.AlongMm * Wish.Paper.TimeScale);
+  TippedLine tipped;
+  if (Is(ChartMethod::NonLinear)) points = PointsOnArc(std::move(points), PageHeightMm(Wish.Paper));
+  if (Is(ChartMethod::TippingBucket)) {
+    tipped = PointsOfTips(path, Flat, points);
+    points = tipped.Points;
+  }
+  for (const PathPoint& point : points) {
     ScanPoint told{static_cast<ScanPoint::Step>(point.How), point.AlongMm, point.HeightMm, 0, 0, 1};
     const cv::Point2d place = Grid.ToImage({point.AlongMm, point.HeightMm});
     told.X = place.x;
     told.Y = place.y;
     for (; column <= static_cast<std::size_t>(point.Column) && column < sure.size(); ++column)
       told.Confidence = std::min(told.Confidence, sure[column]);
-    if (point.How == PathPoint::Step::Drop)
-      trace.EmptyingHours.push_back(point.AlongMm * Wish.Paper.TimeScale);
     trace.Points.push_back(told);
   }
   trace.RainMm = RainOf(trace.Points, Wish.Paper);
@@ -239,6 +149,8 @@ ScanTrace ScanTracer::Data::Told(const PenPath& path, bool whole) const {
     chart("There is ink on the chart that the line does not explain: another line, or one that was missed.");
   for (TraceDoubt& doubt : DoubtsOfDepth(trace.RainMm, Wish)) trace.Doubts.push_back(std::move(doubt));
   std::vector<TraceDoubt> stretches = DoubtsOfPath({path, Flat, Ink, Falls, Uprights, Reach, Wish});
+  if (Is(ChartMethod::NonLinear)) AddInTime(stretches, DoubtsOfFalls(points, Wish));
+  if (Is(ChartMethod::TippingBucket)) AddInTime(stretches, DoubtsOfTips(tipped, Wish));
   if (IsMostlyDoubtful(stretches, Wish.Hours))
     trace.Doubts.push_back({TraceDoubt::Kind::OtherWay, 0, Wish.Hours, 0, -1,
                             "So much of this chart is doubtful that the rest is not to be trusted either."});
@@ -270,8 +182,7 @@ ScanTracer::~ScanTracer() = default;
 Result<ScanTracer> ScanTracer::Open(const ScanImage& image, const TraceWish& wish) {
   if (!(wish.Hours > 0) || !(wish.Paper.TimeScale > 0) || !(wish.Paper.DepthScale > 0))
     return Failure("the chart has no length, or its chart type no scales");
-  if (wish.Paper.ChartMethod != static_cast<std::int16_t>(ChartMethod::Linear))
-    return Failure("only charts of a straight pen are traced by themselves yet");
+  if (auto refusal = CheckMethod(wish.Paper)) return Failure(*refusal);
   auto lattice = Lattice::Find(image, {wish.Paper, wish.StartHour, wish.Hours});
   if (!lattice) return Failure(lattice.error());
   if (wish.Paper.ChartHeightMm > 0 && lattice->BandMm() > MostBand * wish.Paper.ChartHeightMm)
@@ -281,27 +192,27 @@ Result<ScanTracer> ScanTracer::Open(const ScanImage& image, const TraceWish& wis
   auto data = std::make_unique<Data>();
   data->Wish = wish;
   data->FilePixelsPerMm = image.PixelsPerMm();
-  data->Costs = PenCosts::For(static_cast<ChartMethod>(wish.Paper.ChartMethod));
+  data->Method = static_cast<ChartMethod>(wish.Paper.ChartMethod);
+  data->Costs = PenCosts::For(data->Method);
   PenReach& reach = data->Reach;
   // The chart type's height is the page's, which may be printed higher or lower than the band.
   reach.TopMm = lattice->BandMm();
   if (wish.Paper.ChartHeightMm > 0.5F * static_cast<float>(reach.TopMm))
     reach.TopMm = std::min(reach.TopMm, static_cast<double>(wish.Paper.ChartHeightMm) + 0.5);
-  reach.LeastTopMm = FirstLeastTop * reach.TopMm;
-  reach.Empties = data->IsLinear();
   const double pageMm = wish.Hours / wish.Paper.TimeScale;
   data->Flat = LayFlat(image, *lattice, {-MarginMm, pageMm + MarginMm, -MarginMm, reach.TopMm + MarginMm});
   data->Ink = FindPenInk(data->Flat);
   TakeOutLetters(data->Ink, data->Flat.PixelsPerMm);
+  TakeOutPageEnds(data->Ink, data->Flat, pageMm);
   data->First = static_cast<int>(std::lround(data->Flat.Column(0)));
   data->Past = static_cast<int>(std::lround(data->Flat.Column(pageMm))) + 1;
 
   data->Grid = *std::move(lattice);
-  if (data->IsLinear()) data->TellFalls();
+  data->TellFalls();
   return ScanTracer(std::move(data));
 }
 
-ScanTrace ScanTracer::Trace() const { return data_->Told(data_->Path(data_->First, data_->Past, {})); }
+ScanTrace ScanTracer::Trace() const { return data_->Told(data_->Path()); }
 
 ScanTrace ScanTracer::Between(double fromHour, double fromHeightMm, double toHour, double toHeightMm) const {
   const FlatChart& flat = data_->Flat;

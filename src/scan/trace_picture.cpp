@@ -28,6 +28,7 @@ Result<std::string> PictureOfTrace(const ScanImage& image, const ScanTrace& trac
   };
   const int width = std::max(1, static_cast<int>(0.2 * trace.PixelsPerMm / step));
   for (std::size_t i = 1; i < trace.Points.size(); ++i) {
+    if (trace.Points[i].How == ScanPoint::Step::Segment) continue;
     const cv::Scalar colour = doubted[i] != 0                     ? cv::Scalar(30, 30, 230)
                               : trace.Points[i].Confidence < Weak ? cv::Scalar(0, 140, 255)
                                                                   : cv::Scalar(40, 160, 20);

@@ -197,7 +197,7 @@ TEST(ScanTrace, SaysInWordsWhatIsNoChartOfThisKind) {
   EXPECT_THAT(other.Doubts.front().Why, ::testing::AnyOf(HasSubstr("dpi"), HasSubstr("mm high")));
   TraceWish arc = sheets.Wish();
   arc.Paper.ChartMethod = 1;
-  EXPECT_THAT(trace(sheets.Drawn->Image, arc), HasSubstr("straight pen"));
+  EXPECT_THAT(trace(sheets.Drawn->Image, arc), HasSubstr("arc is none"));
 }
 
 TEST(ScanTrace, DoubtsADepthThatIsKnownOtherwiseAndInkThatIsMissing) {
