@@ -13,6 +13,7 @@
 #include "scan/scan_scale.h"
 #include "scan/sheet_reading.h"
 #include "scan/tipping_pen.h"
+#include "scan/two_lines.h"
 
 namespace hyetex {
 namespace {
@@ -145,6 +146,9 @@ ScanTrace ScanTracer::Data::Told(const PenPath& path, bool whole) const {
   // With another hour every stretch would lie elsewhere.
   for (const std::string& doubt : Grid.Doubts())
     trace.Doubts.push_back({TraceDoubt::Kind::Start, 0, Wish.Hours, 0, -1, doubt});
+  if (Wish.Line != 0)
+    chart("Of two lines this is taken for the " + std::string(Wish.Line == 1 ? "first" : "second") +
+          ": confirm which of the days it is.");
   if (trace.InkExplained < SureExplained)
     chart("There is ink on the chart that the line does not explain: another line, or one that was missed.");
   for (TraceDoubt& doubt : DoubtsOfDepth(trace.RainMm, Wish)) trace.Doubts.push_back(std::move(doubt));
@@ -208,7 +212,13 @@ Result<ScanTracer> ScanTracer::Open(const ScanImage& image, const TraceWish& wis
   data->Past = static_cast<int>(std::lround(data->Flat.Column(pageMm))) + 1;
 
   data->Grid = *std::move(lattice);
-  data->TellFalls();
+  if (wish.Line == 0) {
+    data->TellFalls();
+  } else {
+    auto one = ReadOneOfTwo(*data, wish.Line);
+    if (!one) return Failure(one.error());
+    static_cast<SheetReading&>(*data) = *std::move(one);
+  }
   return ScanTracer(std::move(data));
 }
 

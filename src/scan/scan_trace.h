@@ -23,6 +23,9 @@ struct TraceWish {
   struct Place {
     double X = 0, Y = 0;
   };
+  /// Of two lines on a chart that was left on its drum: 1 for the one that was written first, 2 for the
+  /// other.
+  int Line = 0;
   /// The left end of the page's bottom line in the image, pixels, where an operator has told it.
   std::optional<Place> Start;
 };

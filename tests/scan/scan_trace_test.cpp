@@ -130,6 +130,40 @@ TEST(ScanTrace, IsNotSilentlyWrongAboutACloudburst) {
   }
 }
 
+// A sheet that was left on the drum: the second turn goes on as high as the first one ended.
+TEST(ScanTrace, TellsTwoLinesOnOneSheetApartWhenAsked) {
+  const PenLine both = WithStepsWithin(
+      DayOf({{0, 0}, {2, 1}, {5, 4}, {6, 14}, {9, 15}, {12, 15}, {16, 15}, {18, 21}, {22, 22}, {24, 22}}), 1);
+  Sheets first, second;
+  first.Line.Points.clear();
+  second.Line.Points.clear();
+  for (PenPoint point : both.Points) {
+    Sheets& turn = point.Hours < 12 ? first : second;
+    if (point.Hours >= 12) point.Hours -= 12;
+    turn.Line.Points.push_back(point);
+  }
+  const double firstRain = first.Line.Points.back().Rain, secondRain = both.Points.back().Rain - firstRain;
+  first.Draw("");
+  second.Draw("");
+  cv::Mat sheet;
+  cv::min(first.Drawn->Image, second.Drawn->Image, sheet);
+  const std::string path = first.Folder / "both.png";
+  test::WriteFile(path, *EncodeScan(sheet, path, std::nullopt, 92));
+  const ScanImage image = *ScanImage::Open(path);
+  TraceWish wish = first.Wish();
+  EXPECT_NE(TraceScan(image, wish).Verdict, TraceVerdict::Clean);
+  wish.Line = 1;
+  EXPECT_NEAR(TraceScan(image, wish).RainMm, firstRain, 0.02 * firstRain);
+  wish.Line = 2;
+  const ScanTrace other = TraceScan(image, wish);
+  EXPECT_NEAR(other.RainMm, secondRain, 0.03 * secondRain);
+  EXPECT_EQ(other.Verdict, TraceVerdict::ToReview);
+
+  const ScanTrace alone = TraceScan(first.Draw(""), wish);
+  EXPECT_EQ(alone.Verdict, TraceVerdict::NotTraced);
+  EXPECT_THAT(alone.Doubts.front().Why, HasSubstr("one line"));
+}
+
 TEST(ScanTrace, GoesTheRoadOfEveryChart) {
   Sheets sheets;
   const ScanImage image = sheets.Draw("tilt=0.3");
