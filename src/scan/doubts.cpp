@@ -194,7 +194,7 @@ class Finder {
       if (column < 0 || column >= Count()) return false;
       const PathColumn& at = columns_[static_cast<std::size_t>(column)];
       if (at.How != PathColumn::Come::Along) return false;
-      if (at.Ink > SureInk && at.Hidden < 0.5F) seen += std::max(1, at.EnterRow - at.LeaveRow);
+      if (at.Ink > 0.35F && at.Hidden < 0.5F) seen += std::max(1, at.EnterRow - at.LeaveRow);
       if (seen > length / 8) return true;
     }
     return false;

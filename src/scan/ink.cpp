@@ -163,9 +163,10 @@ struct Channel {
   double Clear() const { return Pen / (Noise + 0.02); }
 };
 
-Channel Explain(const FlatChart& flat, const cv::Mat& dense) {
+Channel Explain(const FlatChart& flat, const cv::Mat& dense, const cv::Mat& print) {
   Channel channel;
   channel.Form = FormDarkness(flat, cv::max(dense, 0));
+  if (!print.empty()) channel.Form = cv::max(channel.Form, print);
   channel.Left = cv::max(dense - channel.Form, 0);
   // Where the paper is bare no pen is hidden.
   channel.Form = cv::min(channel.Form, cv::max(dense, 0));
@@ -226,7 +227,7 @@ cv::Mat SurePen(const Channel& channel, double pixelsPerMm) {
 
 // Of all sums of the three lights the one in which the pen stands out most from all else that is on the
 // sheet.
-cv::Mat PensColour(const std::array<cv::Mat, 3>& dense, const cv::Mat& pen) {
+cv::Vec3d PensColour(const std::array<cv::Mat, 3>& dense, const cv::Mat& pen) {
   cv::Mat around;
   cv::dilate(pen, around, cv::Mat::ones(7, 7, CV_8U));
   const cv::Mat other = around == 0;
@@ -244,7 +245,12 @@ cv::Mat PensColour(const std::array<cv::Mat, 3>& dense, const cv::Mat& pen) {
   const cv::Vec3d way = spread.inv() * mean;
   // In parts of the pen's own density, so that this stays what contrast is measured by.
   const double scale = cv::norm(mean, cv::NORM_INF) / std::max(1e-9, way.dot(mean));
-  return scale * (way[0] * dense[0] + way[1] * dense[1] + way[2] * dense[2]);
+  return scale * way;
+}
+
+cv::Mat Weighed(const std::array<cv::Mat, 3>& lights, const cv::Vec3d& by) {
+  if (lights[0].empty()) return {};
+  return cv::Mat(by[0] * lights[0] + by[1] * lights[1] + by[2] * lights[2]);
 }
 
 }  // namespace
@@ -285,9 +291,31 @@ PenInk PenInk::Clone() const {
   return {Raw.clone(), All, Hidden.clone(), Ink.clone(), Steep.clone(), SteepHidden.clone(), Contrast, Noise};
 }
 
-PenInk FindPenInk(const FlatChart& flat) {
+cv::Mat LightOfPaper(const FlatChart& flat) {
   std::array<cv::Mat, 3> colours;
   cv::split(flat.Colours, colours.data());
+  for (cv::Mat& colour : colours) {
+    cv::Mat light;
+    cv::exp(-cv::max(Density(colour, flat.PixelsPerMm), 0), light);
+    light.convertTo(colour, CV_8U, 255);
+  }
+  cv::Mat light;
+  cv::merge(colours.data(), colours.size(), light);
+  return light;
+}
+
+PenInk FindPenInk(const FlatChart& flat, const cv::Mat& print) {
+  std::array<cv::Mat, 3> colours, prints;
+  cv::split(flat.Colours, colours.data());
+  if (!print.empty()) {
+    cv::split(print, prints.data());
+    for (cv::Mat& one : prints) {
+      cv::Mat light;
+      one.convertTo(light, CV_32F, 1.0 / 255);
+      cv::log(cv::max(light, LeastLight), light);
+      one = -light;
+    }
+  }
   cv::Mat coloured;
   cv::absdiff(colours[0], colours[2], coloured);
   const bool grey = cv::countNonZero(coloured > 12) < coloured.rows * coloured.cols / 1000;
@@ -296,12 +324,15 @@ PenInk FindPenInk(const FlatChart& flat) {
   // The light in which the pen stands out most from the form.
   for (std::size_t i = 0; i < (grey ? 1 : colours.size()); ++i) {
     dense[i] = Density(colours[i], flat.PixelsPerMm);
-    if (const Channel channel = Explain(flat, dense[i]); i == 0 || channel.Clear() > best.Clear())
+    if (const Channel channel = Explain(flat, dense[i], prints[i]); i == 0 || channel.Clear() > best.Clear())
       best = channel;
   }
   if (const cv::Mat sure = SurePen(best, flat.PixelsPerMm);
       !sure.empty() && cv::countNonZero(sure) >= FewestPen) {
-    if (!grey) best = Explain(flat, PensColour(dense, sure));
+    if (!grey) {
+      const cv::Vec3d own = PensColour(dense, sure);
+      best = Explain(flat, Weighed(dense, own), Weighed(prints, own));
+    }
     std::vector<float> values;
     for (int y = 0; y < sure.rows; ++y)
       for (int x = 0; x < sure.cols; ++x)

@@ -22,7 +22,10 @@ struct PenInk {
   PenInk Clone() const;
 };
 
-PenInk FindPenInk(const FlatChart& flat);
+/// `print`: what is known to be printed besides the lines, as the light that it leaves of the paper's.
+PenInk FindPenInk(const FlatChart& flat, const cv::Mat& print = {});
+/// The light that ink leaves of the paper's around it: as colours, 255 where the paper is bare.
+cv::Mat LightOfPaper(const FlatChart& flat);
 
 /// Makes Ink, Steep and SteepHidden of Raw and Hidden, from column `first` to before `past`.
 void FollowStrokes(PenInk& ink, double pixelsPerMm, int first, int past);

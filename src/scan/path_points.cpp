@@ -12,6 +12,7 @@ constexpr double JoinMm = 0.8;     // a speck of ink does not end a blank
 constexpr double EndMostMm = 0.9;  // by which strokes were followed beyond their ends
 constexpr float EndInk = 0.3F;
 constexpr double LiftApartMm = 2;  // a printed line may hide so much of a fall, or a dotted line lack it
+constexpr int BesidePen = 6;       // columns: what has ink on both sides so far away is a line that crosses
 constexpr double DashMm = 1.5, DashShare = 0.5;  // has ink: more than print that crosses
 constexpr double LeastLiftMm = 0.4, SureLiftMm = 1.6;
 constexpr int FallNear = 6;  // columns between a limb's top and the line of its fall
@@ -93,8 +94,10 @@ void LiftTops(PenPath& path, const FlatChart& flat, const PenInk& ink, std::span
       const int at =
           std::clamp(static_cast<int>(std::lround(fall.Column + fall.Lean / 2)), 1, ink.All.cols - 2);
       const auto isInked = [&](int row) {
-        const auto* raw = ink.All.ptr<float>(row) + at;
-        return std::max({raw[-1], raw[0], raw[1]}) >= EndInk;
+        const auto* raw = ink.All.ptr<float>(row);
+        const bool crosses = raw[std::max(0, at - BesidePen)] >= EndInk &&
+                             raw[std::min(ink.All.cols - 1, at + BesidePen)] >= EndInk;
+        return !crosses && std::max({raw[at - 1], raw[at], raw[at + 1]}) >= EndInk;
       };
       for (int row = before.LeaveRow, seen = row; row >= most && seen - row <= apart; --row) {
         if (!isInked(row)) continue;

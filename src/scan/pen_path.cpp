@@ -98,8 +98,8 @@ class Search {
   // What the places of a column cost: entered, and passed upright. At the page's own ends, where lines are
   // printed upright, no pen climbs.
   void Places(int column) {
-    const bool still = (column < StillColumns && !ends_.FirstRow) ||
-                       (column >= columns_ - StillColumns && !ends_.LastRow);
+    const bool still =
+        (column < StillColumns && !ends_.FirstRow) || (column >= columns_ - StillColumns && !ends_.LastRow);
     enter_.resize(static_cast<std::size_t>(rows_));
     climb_.resize(static_cast<std::size_t>(rows_));
     for (int row = 0; row < rows_; ++row) {

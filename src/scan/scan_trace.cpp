@@ -7,6 +7,7 @@
 
 #include "core/numbers.h"
 #include "scan/arc_pen.h"
+#include "scan/blank_form.h"
 #include "scan/doubts.h"
 #include "scan/letters.h"
 #include "scan/path_points.h"
@@ -183,7 +184,16 @@ ScanTracer::ScanTracer(ScanTracer&&) noexcept = default;
 ScanTracer& ScanTracer::operator=(ScanTracer&&) noexcept = default;
 ScanTracer::~ScanTracer() = default;
 
-Result<ScanTracer> ScanTracer::Open(const ScanImage& image, const TraceWish& wish) {
+namespace {
+
+// A scan by its grid.
+struct LaidScan {
+  Lattice Grid;
+  PenReach Reach;
+  FlatChart Flat;
+};
+
+Result<LaidScan> Lay(const ScanImage& image, const TraceWish& wish) {
   if (!(wish.Hours > 0) || !(wish.Paper.TimeScale > 0) || !(wish.Paper.DepthScale > 0))
     return Failure("the chart has no length, or its chart type no scales");
   if (auto refusal = CheckMethod(wish.Paper)) return Failure(*refusal);
@@ -193,25 +203,40 @@ Result<ScanTracer> ScanTracer::Open(const ScanImage& image, const TraceWish& wis
     return Failure("the printed grid would be " + ShortText(std::round(lattice->BandMm())) +
                    " mm high, and that of the chart type is " + ShortText(wish.Paper.ChartHeightMm) + " mm");
   if (wish.Start) lattice->StartAt({wish.Start->X, wish.Start->Y});
-  auto data = std::make_unique<Data>();
-  data->Wish = wish;
-  data->FilePixelsPerMm = image.PixelsPerMm();
-  data->Method = static_cast<ChartMethod>(wish.Paper.ChartMethod);
-  data->Costs = PenCosts::For(data->Method);
-  PenReach& reach = data->Reach;
+  PenReach reach;
   // The chart type's height is the page's, which may be printed higher or lower than the band.
   reach.TopMm = lattice->BandMm();
   if (wish.Paper.ChartHeightMm > 0.5F * static_cast<float>(reach.TopMm))
     reach.TopMm = std::min(reach.TopMm, static_cast<double>(wish.Paper.ChartHeightMm) + 0.5);
   const double pageMm = wish.Hours / wish.Paper.TimeScale;
-  data->Flat = LayFlat(image, *lattice, {-MarginMm, pageMm + MarginMm, -MarginMm, reach.TopMm + MarginMm});
-  data->Ink = FindPenInk(data->Flat);
+  FlatChart flat =
+      LayFlat(image, *lattice, {-MarginMm, pageMm + MarginMm, -MarginMm, reach.TopMm + MarginMm});
+  return LaidScan{*std::move(lattice), reach, std::move(flat)};
+}
+
+FormSheet FormSheetOf(const FlatChart& flat, const TraceWish& wish) {
+  return {flat, wish.StartHour / wish.Paper.TimeScale};
+}
+
+}  // namespace
+
+Result<ScanTracer> ScanTracer::Open(const ScanImage& image, const TraceWish& wish) {
+  auto laid = Lay(image, wish);
+  if (!laid) return Failure(laid.error());
+  auto data = std::make_unique<Data>();
+  data->Wish = wish;
+  data->FilePixelsPerMm = image.PixelsPerMm();
+  data->Method = static_cast<ChartMethod>(wish.Paper.ChartMethod);
+  data->Costs = PenCosts::For(data->Method);
+  data->Reach = laid->Reach;
+  data->Flat = std::move(laid->Flat);
+  data->Grid = std::move(laid->Grid);
+  data->Ink = FindPenInk(data->Flat, wish.Form ? wish.Form->On(FormSheetOf(data->Flat, wish)) : cv::Mat());
+  const double pageMm = wish.Hours / wish.Paper.TimeScale;
   TakeOutLetters(data->Ink, data->Flat.PixelsPerMm);
   TakeOutPageEnds(data->Ink, data->Flat, pageMm);
   data->First = static_cast<int>(std::lround(data->Flat.Column(0)));
   data->Past = static_cast<int>(std::lround(data->Flat.Column(pageMm))) + 1;
-
-  data->Grid = *std::move(lattice);
   if (wish.Line == 0) {
     data->TellFalls();
   } else {
@@ -248,6 +273,13 @@ ScanPoint ScanTracer::OnPaper(double x, double y) const {
 
 double ScanTracer::PixelsPerMm() const { return data_->Grid.PixelsPerMm(); }
 double ScanTracer::BandMm() const { return data_->Grid.BandMm(); }
+
+Result<FormSheet> SheetForForm(const ScanImage& image, const TraceWish& wish) {
+  auto laid = Lay(image, wish);
+  if (!laid) return Failure(laid.error());
+  if (!laid->Grid.Doubts().empty()) return Failure(laid->Grid.Doubts().front());
+  return FormSheetOf(laid->Flat, wish);
+}
 
 ScanTrace TraceScan(const ScanImage& image, const TraceWish& wish) {
   const auto tracer = ScanTracer::Open(image, wish);

@@ -13,6 +13,9 @@
 
 namespace hyetex {
 
+class BlankForm;
+struct FormSheet;
+
 /// What is known of a chart before it is traced.
 struct TraceWish {
   ChartTypeRecord Paper;
@@ -26,6 +29,7 @@ struct TraceWish {
   /// Of two lines on a chart that was left on its drum: 1 for the one that was written first, 2 for the
   /// other.
   int Line = 0;
+  std::shared_ptr<const BlankForm> Form;  ///< of the chart type, where one is kept
   /// The left end of the page's bottom line in the image, pixels, where an operator has told it.
   std::optional<Place> Start;
 };
@@ -92,6 +96,10 @@ class ScanTracer {
   explicit ScanTracer(std::unique_ptr<Data> data);
   std::unique_ptr<Data> data_;
 };
+
+/// A chart laid flat, for the form of its chart type. Fails as ScanTracer::Open does, and where the hour of
+/// its start is not sure.
+Result<FormSheet> SheetForForm(const ScanImage& image, const TraceWish& wish);
 
 /// Opens and traces; what fails is a chart that is not traced, with its reason.
 ScanTrace TraceScan(const ScanImage& image, const TraceWish& wish);

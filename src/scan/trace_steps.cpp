@@ -24,12 +24,13 @@ constexpr const char* GapReason = "Pen did not record";
 
 TraceWish WishOf(const ChartTypeRecord& paper, const ChartRecord& chart) {
   constexpr double hoursADay = 24;
-  return {.Paper = paper,
-          .StartHour = (chart.StartTime - std::floor(chart.StartTime)) * hoursADay,
-          .Hours = (chart.EndTime - chart.StartTime) * hoursADay,
-          .EyedDepth = chart.EyedDepth,
-          .GageDepth = chart.ManualDepth,
-          .Start = std::nullopt};
+  TraceWish wish;
+  wish.Paper = paper;
+  wish.StartHour = (chart.StartTime - std::floor(chart.StartTime)) * hoursADay;
+  wish.Hours = (chart.EndTime - chart.StartTime) * hoursADay;
+  wish.EyedDepth = chart.EyedDepth;
+  wish.GageDepth = chart.ManualDepth;
+  return wish;
 }
 
 Result<TracedSteps> StepsOfTrace(const ScanTrace& trace, const ScanTracer& tracer, const ScanImage& image,
