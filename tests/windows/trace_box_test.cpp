@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 
+#include <QListWidget>
 #include <QPlainTextEdit>
 #include <QProcess>
 #include <filesystem>
@@ -278,6 +279,18 @@ TEST_F(TraceBox, IsOfferedWhereItsChartIsDigitizedByHand) {
   BoxKey(Qt::Key_Return);
   ASSERT_TRUE(IsOpen());
   EXPECT_EQ(Window().Review().Open().size(), doubts);
+  dialogs_.Answers = {BoxAnswer::Yes};
+  Window().parentWidget()->close();
+  ASSERT_TRUE(WaitFor([&] { return !IsOpen(); }));
+
+  // On another chart type the same line is other rain.
+  BoxKey(Qt::Key_Escape);
+  Find<QListWidget>(Tasks(), "lstChartType").setCurrentRow(2);
+  Click(Tasks(), "cmdTrace");
+  Grid().selectRow(Doubtful);
+  BoxKey(Qt::Key_Return);
+  ASSERT_TRUE(IsOpen());
+  EXPECT_THAT(dialogs_.Boxes.back().Text, HasSubstr("mm were traced, but on this chart type the line makes"));
 }
 
 }  // namespace

@@ -15,7 +15,7 @@ namespace {
 constexpr double ZoomStep = 1.25;  // for each notch of the wheel
 constexpr int OutlineMargin = 3;   // of shpToolBox around the board, pixels
 // Behind a doubt's own words; the panel has room for more.
-constexpr std::string_view DoubtPrompt = " (Return: it is right, drag: correct, R: anew, Escape: back)";
+constexpr std::string_view DoubtPrompt = " (Return: right, drag: correct, R: anew, Escape: back)";
 
 }  // namespace
 

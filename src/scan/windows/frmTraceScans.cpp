@@ -60,6 +60,7 @@ void frmTraceScans::MakeLayout() {
   fgdScans->setEditTriggers(QAbstractItemView::NoEditTriggers);
   fgdScans->setTabKeyNavigation(false);
   fgdScans->setTextElideMode(Qt::ElideMiddle);
+  fgdScans->setWordWrap(false);
   fgdScans->setMinimumHeight(fontMetrics().height() * 10);
   fgdScans->setMinimumWidth(fontMetrics().averageCharWidth() * 100);
 
