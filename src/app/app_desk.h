@@ -73,7 +73,7 @@ class AppDesk : public Desk {
   QWidget* MakeTasks();  // task_windows.cpp
   QWidget* MakeTaskDef();
   QWidget* MakeTraceScans();  // trace_windows.cpp
-  void OpenTraced(const TraceQueue::Row& row, int chartType);
+  bool OpenTraced(const TraceQueue::Row& row, int chartType);
   EarlierTrace TraceOf(const ActiveChart& chart);
   QWidget* MakeLists();  // list_windows.cpp
   QWidget* MakeProgramDefaults();

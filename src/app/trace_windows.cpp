@@ -30,25 +30,31 @@ QWidget* AppDesk::MakeTraceScans() {
        .User = program_.User().Name,
        .ChartType = static_cast<int>(type),
        .ChartTypeName = program_.Lists.ChartTypes[type].Name,
-       .Open = [this, type = static_cast<int>(type)](const TraceQueue::Row& row) { OpenTraced(row, type); }});
+       .Open = [this, type = static_cast<int>(type)](const TraceQueue::Row& row) {
+         return OpenTraced(row, type);
+       }});
 }
 
-void AppDesk::OpenTraced(const TraceQueue::Row& row, int chartType) {
-  if (Window(WindowId::Digitizing) != nullptr) return Open(WindowId::Digitizing);
+bool AppDesk::OpenTraced(const TraceQueue::Row& row, int chartType) {
+  if (Window(WindowId::Digitizing) != nullptr) return Open(WindowId::Digitizing), false;
   auto chart = PrepareChart(program_.Lists, row.Chart, chartType);
-  if (!chart) return Tell(chart.error());
+  if (!chart) return Tell(chart.error()), false;
   chart->Tablet = ScanTablet;
-  std::shared_ptr<const ScanImage> scan;
-  // What is to be reviewed names its scan itself.
-  if (row.Is != TraceQueue::State::ToReview && !row.Scan.Path.empty()) {
-    auto opened = RunBeside([&] { return ScanImage::Open(row.Scan.Path, row.Scan.Page); });
-    if (!opened) return Tell(opened.error());
-    scan = std::make_shared<const ScanImage>(*std::move(opened));
-  }
-  if (!BeginChart(*chart, "")) return;
-  program_.Active->Scan = std::move(scan);
+  if (!BeginChart(*chart, "")) return false;
   program_.Active->TraceIsWanted = row.Is == TraceQueue::State::ToReview;
+  if (program_.Active->TraceIsWanted && !TraceOf(*program_.Active).Find())
+    return Tell("What was traced of this chart cannot be read: " +
+                TraceJournalPath(TargetFolder(program_.Settings), row.Name) +
+                ".\n\nWithout that file the chart is traced anew."),
+           false;
+  // What is to be reviewed names its scan itself.
+  if (!program_.Active->TraceIsWanted && !row.Scan.Path.empty()) {
+    auto opened = RunBeside([&] { return ScanImage::Open(row.Scan.Path, row.Scan.Page); });
+    if (!opened) return Tell(opened.error()), false;
+    program_.Active->Scan = std::make_shared<const ScanImage>(*std::move(opened));
+  }
   Open(WindowId::Digitizing);
+  return true;
 }
 
 // The target folder is that of the moment: it may be chosen anew while the chart is on the desk.

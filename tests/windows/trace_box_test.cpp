@@ -74,7 +74,7 @@ class TraceBox : public ScanDesk {
   bool Runs() { return Find<QPushButton>(Box(), "cmdCancel").isEnabled(); }
   void Trace() {
     Click(Box(), "cmdStart");
-    ASSERT_TRUE(WaitFor([&] { return !Runs(); }, 60000)) << Progress();
+    ASSERT_TRUE(WaitFor([&] { return !Runs(); }, 180000)) << Progress();
   }
   void BoxKey(Qt::Key key) {
     Grid().setFocus();
@@ -220,7 +220,7 @@ TEST_F(TraceBox, TellsOfEachChartThatFailsAndGoesOn) {
   fs::remove(program_);
   fs::create_symlink(CommandLineProgram(), program_);
   Click(Box(), "cmdAgain");
-  ASSERT_TRUE(WaitFor([&] { return !Runs(); }, 60000));
+  ASSERT_TRUE(WaitFor([&] { return !Runs(); }, 180000));
   EXPECT_EQ(State(Clean) + ", " + State(Doubtful), "clean, failed");
 
   fs::remove(program_);
@@ -248,6 +248,28 @@ TEST_F(TraceBox, LeavesToThePersonWhatAPersonHasBegun) {
   EXPECT_EQ(State(Clean), "begun at the desk");
   EXPECT_FALSE(Stands(Clean, ".journal"));
   EXPECT_EQ(ReadFile(folder_ / "Journal.txt"), begun);
+}
+
+TEST_F(TraceBox, OpensWhatWaitsToBeTracedByHandAndTellsOfAJournalThatCannotBeRead) {
+  Draw(Clean, 4.2);
+  DrawDoubtful(Doubtful);
+  WriteFile(folder_ / (std::string(Stems[Doubtful]) + ".journal"), "cut of");
+  OpenBox();
+  EXPECT_EQ(State(Doubtful), "to review");
+  Grid().selectRow(Doubtful);
+  BoxKey(Qt::Key_Return);
+  EXPECT_FALSE(IsOpen());
+  EXPECT_THAT(dialogs_.Boxes.back().Text, HasSubstr("cannot be read: "));
+  // Before the first press no journal tells that it is a person's.
+  Grid().selectRow(Clean);
+  BoxKey(Qt::Key_Return);
+  ASSERT_TRUE(IsOpen());
+  EXPECT_EQ(State(Clean), "begun at the desk");
+  EXPECT_FALSE(Find<QPushButton>(Box(), "cmdStart").isEnabled());
+  dialogs_.Answers = {BoxAnswer::Yes};
+  Window().parentWidget()->close();
+  ASSERT_TRUE(WaitFor([&] { return !IsOpen(); }));
+  EXPECT_EQ(State(Clean), "waiting");
 }
 
 TEST_F(TraceBox, IsOfferedWhereItsChartIsDigitizedByHand) {

@@ -24,6 +24,7 @@ ScanControls::ScanControls(QWidget* parent) : QWidget(parent) {
   setObjectName(QStringLiteral("scanControls"));
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(labScanDoubt = Words("labScanDoubt"));
   layout->addWidget(labScanName = Words("labScanName"));
   layout->addWidget(labScanTrouble = Words("labScanTrouble"));
   layout->addWidget(labScanScale = Words("labScanScale"));
@@ -41,8 +42,6 @@ ScanControls::ScanControls(QWidget* parent) : QWidget(parent) {
     part->hide();
     layout->addWidget(part);
   }
-
-  layout->addWidget(labScanDoubt = Words("labScanDoubt"));
 
   cmdScanScale = Named(new QPushButton(tr("S&cale...")), "cmdScanScale");
   auto* scales = new QMenu(cmdScanScale);

@@ -144,6 +144,10 @@ void TraceQueue::GiveUp(std::size_t at) {
   LookAt(row, UnfinishedName());
 }
 
+void TraceQueue::TakeToTheDesk(std::size_t at) {
+  if (rows_[at].Is == State::Waiting) rows_[at].Is = State::AtTheDesk;
+}
+
 bool TraceQueue::WaitAgain(std::size_t at) {
   Row& row = rows_[at];
   if (row.Is != State::NotTraced && row.Is != State::Failed) return false;

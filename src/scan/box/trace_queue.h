@@ -56,6 +56,8 @@ class TraceQueue {
   void End(std::size_t row, const TracedChart& traced);
   /// It was ended in the middle: it waits again, unless its files stand.
   void GiveUp(std::size_t row);
+  /// A person opens it at the desk: it waits no more, until LookAgain().
+  void TakeToTheDesk(std::size_t row);
   /// A chart that could not be traced, or whose tracing failed, waits again; false for any other.
   bool WaitAgain(std::size_t row);
 

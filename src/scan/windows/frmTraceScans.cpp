@@ -260,10 +260,14 @@ void frmTraceScans::TraceAgain() {
 // ---- Looking at charts
 
 void frmTraceScans::Open() {
-  const int row = SelectedRow();
-  if (row < 0 || !TraceQueue::CanOpen(queue_.Rows()[static_cast<std::size_t>(row)])) return;
-  opened_ = row;
-  services_.Open(queue_.Rows()[static_cast<std::size_t>(row)]);
+  if (SelectedRow() < 0) return;
+  const auto row = static_cast<std::size_t>(SelectedRow());
+  const TraceQueue::Row& chart = queue_.Rows()[row];
+  if (!TraceQueue::CanOpen(chart) || !services_.Open(chart)) return;
+  opened_ = SelectedRow();
+  queue_.TakeToTheDesk(row);
+  FillRow(row);
+  ShowState();
 }
 
 void frmTraceScans::ComeBack() {

@@ -24,8 +24,9 @@ struct TraceServices {
   std::string User;     ///< who answers for what is written
   int ChartType = 0;
   std::string ChartTypeName;
-  /// Opens a chart at the desk, with what was traced of it; the operator has been told where it cannot.
-  std::function<void(const TraceQueue::Row& row)> Open;
+  /// Opens a chart at the desk, with what was traced of it; false if it cannot, which the operator has been
+  /// told.
+  std::function<bool(const TraceQueue::Row& row)> Open;
 };
 
 class frmTraceScans : public FormWindow {

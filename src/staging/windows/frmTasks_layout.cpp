@@ -36,10 +36,13 @@ void frmTasks::MakeLayout() {
   lower->addWidget(MakeTarget(), 2);
 
   cmdSave = MakeButton("cmdSave", "&Save Charts List on Hard Drive", &frmTasks::Save);
+  cmdTrace = MakeButton("cmdTrace", "&Trace Scans...", &frmTasks::TraceScans);
+  cmdTrace->setToolTip(tr("The program traces the scans of all staged charts by itself"));
   cmdExit = Named(new QPushButton(tr("&Return To Main  Menu")), "cmdExit");
   connect(cmdExit, &QPushButton::clicked, this, [this] { close(); });
   auto* buttons = new QHBoxLayout;
   buttons->addWidget(cmdSave);
+  buttons->addWidget(cmdTrace);
   buttons->addStretch();
   buttons->addWidget(cmdExit);
 
@@ -138,10 +141,7 @@ QWidget* frmTasks::MakeTablet() {
   cmdScans = MakeButton("cmdScans", "F&older of Scans...", &frmTasks::ChooseScanFolder);
   layout->addWidget(labDetect, options, 0, 1, 2);
   layout->addWidget(Together({cmdScan, cmdScans}), options + 1, 0, 1, 2);
-  cmdTrace = MakeButton("cmdTrace", "&Trace Scans...", &frmTasks::TraceScans);
-  cmdTrace->setToolTip(tr("The program traces the scans of all staged charts by itself"));
-  layout->addWidget(cmdTrace, options + 2, 0, 1, 2);
-  layout->setRowStretch(options + 3, 1);
+  layout->setRowStretch(options + 2, 1);
   auto* group = Group("Digitizer", layout);
   group->setToolTip(
       tr("The digitizer is looked for on COM1 and COM2 in turn. Definitions, Program Defaults names their "
@@ -178,7 +178,7 @@ QWidget* frmTasks::MakeTarget() {
 void frmTasks::SetTabOrder() {
   QList<QWidget*> order{tvwStations, fgdTasks, cmdAdd, cmdChange, cmdDelete, cmdActivate};
   for (QAbstractButton* option : optDig->buttons()) order << option;
-  order << cmdScan << cmdScans << cmdTrace << lstChartType << dirTarget << drvTarget << cmdSave << cmdExit;
+  order << cmdScan << cmdScans << lstChartType << dirTarget << drvTarget << cmdSave << cmdTrace << cmdExit;
   LinkTabs(order);
 }
 
