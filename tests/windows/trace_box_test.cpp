@@ -136,6 +136,7 @@ TEST_F(TraceBox, TracesAllThatWaitAndLeadsFromOneReviewToTheNext) {
   ASSERT_TRUE(HasBox());
   EXPECT_EQ(State(Doubtful), "digitized already");
   EXPECT_EQ(Grid().currentRow(), AlsoDoubtful);
+  EXPECT_TRUE(WaitFor([&] { return QApplication::focusWidget() == &Grid(); })) << "so that Return opens it";
   EXPECT_FALSE(fs::exists(folder_ / "Journal.txt"));
   EXPECT_THAT(TraceJournal(Doubtful), HasSubstr("\n# traced from a scan: reviewed, 6"));
   const std::string chart = ReadFile(folder_ / (std::string(Stems[Doubtful]) + ".dat"));
