@@ -48,7 +48,8 @@ const std::vector<Room> Rooms = {
      "core platform graph platform/odbc staging/lists chartfiles database/access database/store "
      "database/conversion"},
     {"scan", "core digitizing"},
-    {"scan/windows", "core platform digitizing staging/lists scan"},
+    {"scan/box", "core digitizing staging/lists staging/tasks chartfiles scan"},
+    {"scan/windows", "core platform scan scan/box"},
     {"digitizing/windows", "core platform digitizing scan"},
     {"staging/windows",
      "core platform platform/odbc digitizing staging/lists staging/tasks staging/manager staging scan"},
@@ -64,7 +65,8 @@ const std::vector<Room> Rooms = {
     {"cli",
      "core commandline platform graph platform/cairo platform/odbc digitizing staging/lists staging/tasks "
      "chartfiles "
-     "database/access database/store database/conversion database/stations editor alpha exchange rain scan"},
+     "database/access database/store database/conversion database/stations editor alpha exchange rain scan "
+     "scan/box"},
     {"app", "*"},
     {"tools/tracing", "core digitizing"},
     {"tools/scans", "core digitizing scan tools/tracing"},

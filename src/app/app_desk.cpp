@@ -35,6 +35,7 @@ const AppDesk::WindowKind AppDesk::Windows[] = {
     {WindowId::Comment, false, true, &AppDesk::MakeComment},
     {WindowId::TaskDef, false, true, &AppDesk::MakeTaskDef},
     {WindowId::Save, false, true, &AppDesk::MakeSave},
+    {WindowId::TraceScans, true, true, &AppDesk::MakeTraceScans},
     {WindowId::Digitizing, true, true, &AppDesk::MakeDigitizing},
     {WindowId::Tasks, true, true, &AppDesk::MakeTasks},
     {WindowId::Lists, true, true, &AppDesk::MakeLists},
@@ -147,7 +148,13 @@ void AppDesk::Closed(WindowId id) {
 
   const auto isMain = [](const auto& entry) { return entry.second && Find(entry.first)->IsMain; };
   const bool mainIsOpen = std::any_of(frames_.begin(), frames_.end(), isMain);
-  if (id == WindowId::Digitizing && std::exchange(backToTasks_, false))
+  auto* scans = qobject_cast<frmTraceScans*>(Window(WindowId::TraceScans));
+  if (id == WindowId::Digitizing && scans != nullptr) {
+    Open(WindowId::TraceScans);
+    scans->ComeBack();
+  } else if ((id == WindowId::Digitizing ||
+              (id == WindowId::TraceScans && Window(WindowId::Digitizing) == nullptr)) &&
+             std::exchange(backToTasks_, false))
     Open(WindowId::Tasks);
   else if (!mainIsOpen && (before == nullptr || Window(WindowId::MainMenu) == nullptr))
     Open(WindowId::MainMenu);
@@ -226,6 +233,7 @@ QWidget* AppDesk::MakeDigitizing() {
   auto* window = new frmHyetex(*this, *shell_, dialogs_, program_.Settings, chart->Session, chart->Tablet,
                                chart->Device);
   window->UseScan(chart->Scan);
+  window->UseTrace(TraceOf(*chart));
   shell_->ShowChart(ChartName(chart->Session.Chart));
   // The window is gone some time after it has closed, perhaps when the next chart is there already.
   QObject::connect(window, &QObject::destroyed, [chart] {});

@@ -17,6 +17,7 @@
 #include "editor/windows/frmEditor.h"
 #include "platform/dialogs.h"
 #include "rain/windows/frmRainfall.h"
+#include "scan/windows/frmTraceScans.h"
 #include "staging/tasks/activation.h"
 #include "staging/windows/frmLogin.h"
 #include "staging/windows/frmTaskDef.h"
@@ -30,6 +31,8 @@ class AppDesk : public Desk {
   AppDesk(StartWords words, Dialogs& dialogs);
   ~AppDesk() override;
 
+  /// The program that traces a box of scans; the command line's, beside this one.
+  std::string TraceProgram;
   /// Of the shell; empty: as large as the screen.
   QSize ShellSize;
 
@@ -69,6 +72,9 @@ class AppDesk : public Desk {
   QWidget* MakeLargeView();
   QWidget* MakeTasks();  // task_windows.cpp
   QWidget* MakeTaskDef();
+  QWidget* MakeTraceScans();  // trace_windows.cpp
+  bool OpenTraced(const TraceQueue::Row& row, int chartType);
+  EarlierTrace TraceOf(const ActiveChart& chart);
   QWidget* MakeLists();  // list_windows.cpp
   QWidget* MakeProgramDefaults();
   QWidget* MakeDefinitions();
@@ -123,10 +129,11 @@ class AppDesk : public Desk {
   std::unique_ptr<CommentTarget> commentTarget_;  // of the comment window that is about to open
   TaskJob taskJob_;                               // of the task definition that is about to open
   std::size_t editedTable_ = 0;                   // of the list of tables
+  std::string traceTarget_;                       // of the window of scans that is about to open
   std::string populateInstrument_;                // of the populate window that is about to open
   std::optional<RainTarget> rainTarget_;          // of the window of rain that is about to open
   std::optional<EditorStart> editorStart_;        // of the editor that is about to open
-  bool backToTasks_ = false;                      // once the digitizing window closes
+  bool backToTasks_ = false;                      // once the digitizing window, or that of the scans, closes
   bool ending_ = false;
 
   QPointer<frmLogin> login_;

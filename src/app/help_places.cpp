@@ -23,6 +23,8 @@ std::string_view HelpPlace(WindowId window) {
       return "scan";
     case WindowId::Digitizing:
       return "tracing";
+    case WindowId::TraceScans:
+      return "box";
     case WindowId::Comment:
       return "comments";
     case WindowId::Save:

@@ -35,6 +35,7 @@ struct ActiveChart {
   int Tablet = 0;
   std::string Device;
   std::shared_ptr<const ScanImage> Scan = {};  ///< under the trace; null: there is none
+  bool TraceIsWanted = false;                  ///< what the program has traced of it is to be reviewed
   std::string Comment = {};                    ///< what the digitizer says of it, once it was typed
 };
 

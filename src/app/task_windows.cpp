@@ -44,6 +44,12 @@ QWidget* AppDesk::MakeTasks() {
     std::string name = ChartFileName(task.InstrumentCode, task.StartTime);
     return FileExists(JoinPath(folder, name)) ? name : std::string();
   };
+  const auto traceScans = [this](const std::string& target) {
+    traceTarget_ = target;
+    Open(WindowId::TraceScans);
+    backToTasks_ = Window(WindowId::TraceScans) != nullptr;
+    return backToTasks_;
+  };
   // The first port may have been named on the command line.
   const auto device = [this](int port) {
     return port == FirstSerialPort && !words_.Port.empty() ? words_.Port
@@ -56,7 +62,8 @@ QWidget* AppDesk::MakeTasks() {
                        .Digitize = digitize,
                        .WriteEmptyForm = writeEmptyForm,
                        .Scans = &program_.Scans,
-                       .ChartFile = chartFile},
+                       .ChartFile = chartFile,
+                       .TraceScans = traceScans},
                       words_.Tablet);
 }
 

@@ -163,7 +163,11 @@ void CommandLine::AddAutotrace() {
   AddFolder(trace.Line, trace.Given);
   AddWhole(trace.Line, "--task", trace.Given.Task, 0, MaxTask, "N",
            "the staged chart, from 0 in the order of the task list (default: all that have a scan)");
-  CLI::Option* scan = trace.Name("--scan", &AutotraceWords::Scan, "FILE", "the scan of --task");
+  trace
+      .Name("--chart", &AutotraceWords::Chart, "NAME",
+            "the staged chart by the name of its chart file, in place of --task")
+      ->excludes("--task");
+  CLI::Option* scan = trace.Name("--scan", &AutotraceWords::Scan, "FILE", "the scan of that chart");
   CLI::Option* scans = trace.Name("--scans", &AutotraceWords::Scans, "DIR",
                                   "a folder in which the scans of staged charts are found by their names");
   scan->excludes(scans);

@@ -50,6 +50,7 @@ Result<std::string> FindUserName(const std::string& given, const Settings& setti
 
 struct AutotraceWords : FolderWords {
   std::optional<int> Task, ChartType;
+  std::string Chart;        ///< the chart by its file's name, in place of Task; empty for none
   std::string Scan, Scans;  ///< one image, or a folder of them; empty for none
   int Page = 0;
   int Jobs = 0;  ///< at once; 0 for as many as there are processors

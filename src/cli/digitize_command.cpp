@@ -107,7 +107,10 @@ Result<std::string> FindUserName(const std::string& given, const Settings& setti
   const auto last = settings.Read(setting::UserName);
   if (!last) return last;
   const std::string name = given.empty() ? *last : given;
-  const int user = FindUser(lists.Users, name);
+  int user = FindUser(lists.Users, name);
+  // The list may be older than the words' UTF-8.
+  for (std::size_t i = 0; user < 0 && i < lists.Users.size(); ++i)
+    if (ShownText(lists.Users[i].Name) == name) user = static_cast<int>(i);
   if (user < 0) return Failure("There is no such user: \"" + ShownText(name) + "\"");
   return lists.Users[static_cast<std::size_t>(user)].Name;
 }

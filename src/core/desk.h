@@ -36,6 +36,7 @@ enum class WindowId : int {
   ChartReview = 24,
   ScanChoice = 25,
   ScanLook = 26,
+  TraceScans = 27,
 };
 
 /// One flag for each window: -1 when it gets or loses the focus, 0 when it closes.
@@ -47,7 +48,7 @@ class OpenFlags {
   }
 
  private:
-  std::array<std::int16_t, 27> flags_{};
+  std::array<std::int16_t, 28> flags_{};
 };
 
 /// A window that acts on gaining and losing the focus among the windows of the shell. A box that is shown

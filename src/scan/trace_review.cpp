@@ -16,21 +16,26 @@ const TraceDoubt* TraceReview::Shown() const {
   return shown_ < 0 ? nullptr : &doubts_[static_cast<std::size_t>(shown_)];
 }
 
-void TraceReview::Step(bool forward) {
+bool TraceReview::Step(bool forward) {
   const int count = static_cast<int>(doubts_.size());
-  if (count == 0) return;
-  if (shown_ < 0)
-    shown_ = forward ? 0 : count - 1;
-  else
-    shown_ = (shown_ + (forward ? 1 : count - 1)) % count;
+  const int next = shown_ >= 0 ? shown_ + (forward ? 1 : -1) : forward ? left_ : -1;
+  const bool isOne = next >= 0 && next < count;
+  shown_ = isOne ? next : -1;
+  left_ = isOne ? next : 0;
+  return isOne;
 }
 
-bool TraceReview::Leave() { return std::exchange(shown_, -1) >= 0; }
+bool TraceReview::Leave() {
+  if (shown_ < 0) return false;
+  left_ = std::exchange(shown_, -1);
+  return true;
+}
 
 void TraceReview::Confirm() {
   if (shown_ < 0) return;
   doubts_.erase(doubts_.begin() + shown_);
   if (shown_ >= static_cast<int>(doubts_.size())) shown_ = doubts_.empty() ? -1 : 0;
+  left_ = std::max(shown_, 0);
 }
 
 std::string TraceReview::Words() const {

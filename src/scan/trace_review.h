@@ -21,8 +21,9 @@ class TraceReview {
   const std::vector<TraceDoubt>& Open() const { return doubts_; }
   /// The one that is looked at; null: none.
   const TraceDoubt* Shown() const;
-  /// Goes to the next one, or the one before; behind the last comes the first. Nothing without any.
-  void Step(bool forward);
+  /// Goes to the next one, or the one before; where none was looked at, forward to the one that was left.
+  /// False behind the last one and before the first, where none is looked at any more.
+  bool Step(bool forward);
   /// None is looked at any more; false if none was.
   bool Leave();
   /// A person has seen that the line is right there: it is a doubt no more, and the next one is looked at.
@@ -33,7 +34,7 @@ class TraceReview {
 
  private:
   std::vector<TraceDoubt> doubts_;
-  int shown_ = -1;
+  int shown_ = -1, left_ = 0;
 };
 
 /// The points of a line, as it is now, that a doubt is about, with the one before them and the one behind:

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <numbers>
 
 #include "core/comments.h"
 #include "core/numbers.h"
+#include "core/text.h"
 #include "digitizing/tablets.h"
 #include "digitizing/tools.h"
 #include "scan/lattice.h"
@@ -19,6 +19,16 @@ constexpr double LeftMm = 40, BottomMm = 120;  // where the page's bottom-left c
 constexpr double SureDrop = 0.65;
 constexpr std::string_view TracedNote = "traced from a scan: ", DoubtNote = "doubt ";
 constexpr const char* GapReason = "Pen did not record";
+
+std::string VerdictNote(std::string_view verdict, double rainMm) {
+  return std::string(TracedNote) + std::string(verdict) + ", " + RoundedText(rainMm, 2) + " mm";
+}
+
+bool TakeStart(std::string_view& line, std::string_view start) {
+  if (!line.starts_with(start)) return false;
+  line.remove_prefix(start.size());
+  return true;
+}
 
 }  // namespace
 
@@ -88,33 +98,48 @@ Result<TracedSteps> StepsOfTrace(const ScanTrace& trace, const ScanTracer& trace
 }
 
 std::vector<std::string> NotesOfTrace(const ScanTrace& trace) {
-  std::vector<std::string> notes{std::string(TracedNote) + VerdictText(trace.Verdict)};
-  for (const TraceDoubt& doubt : trace.Doubts) {
-    char numbers[96];
-    std::snprintf(numbers, sizeof numbers, "%d %d %.3f %.3f ", doubt.FirstPoint, doubt.LastPoint,
-                  doubt.FromHour, doubt.ToHour);
-    notes.push_back(std::string(DoubtNote) + numbers + doubt.Why);
-  }
+  std::vector<std::string> notes{VerdictNote(VerdictText(trace.Verdict), trace.RainMm)};
+  for (const TraceDoubt& doubt : trace.Doubts)
+    notes.push_back(std::string(DoubtNote) + ShortText(doubt.FirstPoint) + " " + ShortText(doubt.LastPoint) +
+                    " " + RoundedText(doubt.FromHour, 3) + " " + RoundedText(doubt.ToHour, 3) + " " +
+                    doubt.Why);
   return notes;
+}
+
+std::string NoteOfReview(double rainMm) { return VerdictNote(ReviewedVerdict, rainMm); }
+
+std::optional<TraceNote> NoteOfJournal(std::string_view journal) {
+  std::optional<TraceNote> note;
+  ForEachLine(journal, [&](std::string_view line) {
+    if (!TakeStart(line, "# ") || !TakeStart(line, TracedNote)) return;
+    const std::size_t comma = line.find(", ");
+    note = TraceNote{std::string(line.substr(0, comma))};
+    if (comma != std::string_view::npos) note->RainMm = LeadingNumber(line.substr(comma + 1));
+  });
+  return note;
 }
 
 std::vector<TraceDoubt> DoubtsOfJournal(std::string_view journal) {
   std::vector<TraceDoubt> doubts;
-  while (!journal.empty()) {
-    const std::string line(journal.substr(0, journal.find('\n')));
-    journal.remove_prefix(std::min(line.size() + 1, journal.size()));
-    if (line.starts_with("# " + std::string(TracedNote))) doubts.clear();
-    if (!line.starts_with("# " + std::string(DoubtNote))) continue;
-    TraceDoubt doubt;
-    int numbers = 0;
-    const char* words = line.c_str() + 2 + DoubtNote.size();
-    if (std::sscanf(words, "%d %d %lf %lf %n", &doubt.FirstPoint, &doubt.LastPoint, &doubt.FromHour,
-                    &doubt.ToHour, &numbers) != 4)
-      continue;
-    doubt.What = doubt.LastPoint < doubt.FirstPoint ? TraceDoubt::Kind::Chart : TraceDoubt::Kind::OtherWay;
-    doubt.Why = words + numbers;
+  ForEachLine(journal, [&](std::string_view line) {
+    if (!TakeStart(line, "# ")) return;
+    if (line.starts_with(TracedNote)) doubts.clear();
+    if (!TakeStart(line, DoubtNote)) return;
+    double numbers[4];
+    for (double& number : numbers) {
+      const std::size_t blank = line.find(' ');
+      if (blank == std::string_view::npos) return;
+      number = LeadingNumber(line.substr(0, blank));
+      line.remove_prefix(blank + 1);
+    }
+    TraceDoubt doubt{.FromHour = numbers[2],
+                     .ToHour = numbers[3],
+                     .FirstPoint = RoundToInt16(numbers[0]),
+                     .LastPoint = RoundToInt16(numbers[1]),
+                     .Why = std::string(line)};
+    if (doubt.LastPoint >= doubt.FirstPoint) doubt.What = TraceDoubt::Kind::OtherWay;
     doubts.push_back(std::move(doubt));
-  }
+  });
   return doubts;
 }
 

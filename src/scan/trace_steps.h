@@ -2,7 +2,9 @@
 // mouse, so that it goes the way of every chart: action machine, journal, chart file.
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "digitizing/journal.h"
@@ -29,9 +31,20 @@ struct TracedSteps {
 Result<TracedSteps> StepsOfTrace(const ScanTrace& trace, const ScanTracer& tracer, const ScanImage& image,
                                  const TraceWish& wish);
 
-/// What a journal says of a trace beside its steps, a comment line each: the verdict, and the doubts as
-/// "doubt 12 15 7.200 7.450 WHY", first and last point, hours since the page's start.
+/// What a journal says of a trace beside its steps, a comment line each: the verdict with the rain, "traced
+/// from a scan: to review, 53.12 mm", and the doubts as "doubt 12 15 7.200 7.450 WHY", first and last point,
+/// hours since the page's start.
 std::vector<std::string> NotesOfTrace(const ScanTrace& trace);
+/// The same line of a line that a person has looked over, and saved.
+std::string NoteOfReview(double rainMm);
+
+/// What the last such line of a journal says.
+struct TraceNote {
+  std::string Verdict;  ///< VerdictText, or ReviewedVerdict
+  std::optional<double> RainMm = {};
+};
+inline constexpr std::string_view ReviewedVerdict = "reviewed";
+std::optional<TraceNote> NoteOfJournal(std::string_view journal);
 /// The doubts of the last trace that a journal tells of.
 std::vector<TraceDoubt> DoubtsOfJournal(std::string_view journal);
 

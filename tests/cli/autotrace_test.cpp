@@ -3,8 +3,10 @@
 
 #include <chrono>
 #include <filesystem>
+#include <thread>
 
 #include "cli/run.h"
+#include "core/folder_lock.h"
 #include "paths.h"
 #include "scans/drawn_scan.h"
 #include "scans/scan_file.h"
@@ -81,6 +83,46 @@ TEST_F(Autotrace, WritesJournalAndChartFileOnceAndReportsEachChart) {
               Folder / "target", "--comment", "Traced from a scan by the program", Target(".journal")});
   EXPECT_EQ(digitized.Status, 0) << digitized.Error;
   EXPECT_EQ(ReadFile(Target(".dat")), chart);
+}
+
+TEST_F(Autotrace, EndsItsChartsWhenItIsEnded) {
+  DrawScan();
+  RunCli({"autotrace", "--folder", Folder / "program", "--target", Folder / "target", "--scans",
+          Folder / "scans"},
+         {.KillAfter = 300000});
+  std::this_thread::sleep_for(std::chrono::milliseconds(2500));  // longer than a chart takes
+  EXPECT_FALSE(fs::exists(Target(".journal")));
+}
+
+// As the desk has its charts traced: one by its name, into the folder that the desk itself holds.
+TEST_F(Autotrace, TracesOneChartForTheProgramThatHoldsTheFolder) {
+  DrawScan();
+  const auto lock = FolderLock::Take(Folder / "program");
+  ASSERT_TRUE(lock);
+  const std::string scan = Folder / ("scans/" + std::string(Stem) + ".png"),
+                    name = std::string(Stem) + ".dat";
+  std::vector<std::string> words{"autotrace", "--folder", Folder / "program", "--target", Folder / "program",
+                                 "--chart",   name,       "--scan",           scan};
+  // Somebody else's does not get in.
+  std::string line = CommandLineProgram();
+  for (const std::string& word : words) line += " '" + word + "'";
+  const Ran other = RunProgram("/bin/sh", {"-c", line + "; exit $?"});
+  EXPECT_EQ(other.Status, 1);
+  EXPECT_THAT(other.Error, HasSubstr("is already running"));
+  const Ran ran = RunCli(words);
+  EXPECT_TRUE(ran.Status == 0 || ran.Status == 3) << ran.Error;
+  EXPECT_TRUE(fs::exists(Folder / ("program/" + std::string(Stem) + ".journal")));
+
+  words[6] = "NM-Hill Farm-01-19990306-0700.dat";
+  EXPECT_THAT(RunCli(words).Error, HasSubstr("There is no staged chart NM-Hill Farm-01-19990306-0700.dat"));
+
+  // A chart that was begun at the desk is its own.
+  WriteFile(Folder / "program/Journal.txt",
+            "HYETEX88 JOURNAL 1\ntablet 1\n# task NM-Hill Farm-01 06/03/1998 07:00:00\npress 500 800\n");
+  const Ran begun = Run({"--scans", Folder / "scans"});
+  EXPECT_EQ(begun.Status, 0);
+  EXPECT_THAT(begun.Error, HasSubstr("passed over: it was begun at the desk"));
+  EXPECT_TRUE(fs::is_empty(Folder / "target"));
 }
 
 TEST_F(Autotrace, ReviewsWhatIsNoChartAndRefusesWordsThatDoNotFit) {

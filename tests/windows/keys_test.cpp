@@ -58,7 +58,8 @@ TEST_F(Keys, MeanOneThingInEachWindow) {
   desk_->LoggedIn();
   for (const auto& [id, name] :
        {std::pair{WindowId::MainMenu, "frmInit"}, std::pair{WindowId::Tasks, "frmTasks"},
-        std::pair{WindowId::Lists, "frmLists"}, std::pair{WindowId::ProgramDefaults, "frmProgramDefaults"},
+        std::pair{WindowId::TraceScans, "frmTraceScans"}, std::pair{WindowId::Lists, "frmLists"},
+        std::pair{WindowId::ProgramDefaults, "frmProgramDefaults"},
         std::pair{WindowId::Definitions, "frmSettingsText"}, std::pair{WindowId::Connection, "frmODBCLogon"},
         std::pair{WindowId::Logon, "frmODBCLogon1"}, std::pair{WindowId::CreateTable, "frmCreateTable"},
         std::pair{WindowId::Load, "frmLoad"}, std::pair{WindowId::PrePop, "frmPrePop"},

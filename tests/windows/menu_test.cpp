@@ -228,7 +228,7 @@ TEST_F(FolderTest, HelpOpensAtTheSectionOfTheWindowInFront) {
   const QString file = ToQt(test::Sources() + "/docs/help/hyetex_instructions_part1.htm");
   const QString page = ToQt(test::ReadFile(FromQt(file)));
   AppDesk desk({.Folder = folder_.Path()}, dialogs_);
-  for (int id = 1; id < 27; ++id) {
+  for (int id = 1; id < 28; ++id) {
     const QString place = ToQt(HelpPlace(static_cast<WindowId>(id)));
     if (!desk.Has(static_cast<WindowId>(id)) || place.isEmpty()) continue;
     EXPECT_EQ(page.count(" id=\"" + place + "\">"), 1) << id << " " << place.toStdString();

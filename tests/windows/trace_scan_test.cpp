@@ -56,16 +56,27 @@ TEST_F(TracedDesk, LeadsFromDoubtToDoubtAndAsksBeforeItSavesWithSome) {
   ASSERT_GT(doubts, 1U);
   Key(Qt::Key_Tab);
   EXPECT_THAT(Panel(panel::Instruction), StartsWith("Doubt 1 of " + std::to_string(doubts) + ": "));
-  Key(Qt::Key_Backtab, Qt::ShiftModifier);
+  for (std::size_t i = 1; i < doubts; ++i) Key(Qt::Key_Tab);
   EXPECT_THAT(Panel(panel::Instruction), StartsWith("Doubt " + std::to_string(doubts) + " of "));
   EXPECT_TRUE(Machine().Layout.Zoomed);
   const int points = LastPoint();
   Key(Qt::Key_Return);
   EXPECT_EQ(Doubts(), doubts - 1) << "confirmed";
   EXPECT_EQ(LastPoint(), points) << "and nothing pressed";
+  // No press there traces on at the line's end; after Escape it does.
+  ASSERT_NE(Window().Review().Shown(), nullptr);
+  EXPECT_THAT(Panel(panel::Instruction), HasSubstr("Escape: back"));
+  const DigitizedPoint last = Digitized().Line.Points().back();
+  MousePress(last.X + 30, last.Y + 30);
+  EXPECT_EQ(LastPoint(), points);
   Key(Qt::Key_Escape);
+  if (Window().Review().Shown() != nullptr) Key(Qt::Key_Escape);  // the first let go of a point
   EXPECT_EQ(Window().Review().Shown(), nullptr);
   EXPECT_EQ(Doubts(), doubts - 1);
+  Machine().ZoomOut();
+  MousePress(last.X + 30, last.Y + 30);
+  EXPECT_EQ(LastPoint(), points + 1);
+  Key(Qt::Key_Z, Qt::ControlModifier);
 
   dialogs_.Answers = {BoxAnswer::No};
   Key(Qt::Key_S, Qt::ControlModifier);
@@ -82,9 +93,52 @@ TEST_F(TracedDesk, LeadsFromDoubtToDoubtAndAsksBeforeItSavesWithSome) {
   EXPECT_NE(desk_->Window(WindowId::Save), nullptr);
 }
 
+TEST_F(TracedDesk, LetsTheTabKeyGoOnBehindTheLastDoubtAndBeforeTheFirst) {
+  Trace("gaps=1");
+  for (std::size_t i = 0; i < Doubts(); ++i) Key(Qt::Key_Tab);
+  EXPECT_NE(Window().Review().Shown(), nullptr);
+  EXPECT_EQ(QApplication::focusWidget(), &Window());
+  Key(Qt::Key_Tab);
+  EXPECT_EQ(Window().Review().Shown(), nullptr);
+  EXPECT_NE(QApplication::focusWidget(), &Window()) << "the panel's";
+  Key(Qt::Key_Backtab, Qt::ShiftModifier);
+  EXPECT_NE(QApplication::focusWidget(), &Window()) << "and the other way none is between";
+  // Where one was left, there it goes on.
+  Key(Qt::Key_Tab);
+  Key(Qt::Key_Tab);
+  Key(Qt::Key_C);
+  EXPECT_EQ(Window().Review().Shown(), nullptr);
+  Key(Qt::Key_Tab);
+  EXPECT_THAT(Panel(panel::Instruction), StartsWith("Doubt 2 of "));
+}
+
+TEST_F(TracedDesk, IsAsItWasWhenTheTracingIsCancelled) {
+  DrawDay("day.png");
+  OpenScan(folder_ / "day.png");
+  PressPixel(300, 300);
+  const std::string before = ReadFile(folder_ / "Journal.txt");
+  for (const bool byKey : {true, false}) {
+    QTimer::singleShot(60, [&] {
+      EXPECT_TRUE(Part("prbTraceScan").isVisible());
+      if (byKey)
+        QTest::keyClick(&Window(), Qt::Key_Escape);
+      else
+        Click(*desk_->ShellWindow(), "cmdTraceCancel");
+    });
+    Key(Qt::Key_T);
+    EXPECT_EQ(Panel(panel::Instruction), "The tracing was cancelled");
+    EXPECT_FALSE(Part("prbTraceScan").isVisible() || Part("cmdTraceCancel").isVisible());
+    EXPECT_EQ(LastPoint(), -1);
+    EXPECT_EQ(State().Action, action::PageRightCorner) << "nor has Escape taken the corner back";
+    EXPECT_EQ(ReadFile(folder_ / "Journal.txt"), before);
+  }
+  Key(Qt::Key_T);
+  EXPECT_GT(LastPoint(), 10);
+}
+
 TEST_F(TracedDesk, TracesAStretchAgainBetweenItsTwoEnds) {
   Trace("gaps=1");
-  Key(Qt::Key_Backtab, Qt::ShiftModifier);
+  Key(Qt::Key_Tab);
   while (Window().Review().Shown() != nullptr &&
          StretchOf(*Window().Review().Shown(), Digitized().Line).second < 0)
     Key(Qt::Key_Return);

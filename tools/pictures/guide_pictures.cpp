@@ -20,6 +20,7 @@ constexpr GuidePicture Pictures[] = {
     {"frmSave", "save.png"},        {"mdiHyetex-digitizing", "desk.png"},
     {"frmAlpha", "skew.png"},       {"mdiHyetex-scan-traced", "scan.jpg"},
     {"frmRainfall", "results.png"}, {"frmEditor-series", "review.png"},
+    {"frmTraceScans", "box.png"},
 };
 
 // The colours that most of a window's pixels have; the others are shades at the edges of letters.

@@ -17,12 +17,15 @@
 
 #include "app/app_desk.h"
 #include "core/files.h"
+#include "core/folder_lock.h"
 #include "core/settings.h"
+#include "digitizing/resume.h"
 #include "digitizing/view.h"
 #include "pictures/picture_database.h"
 #include "platform/outlined_style.h"
 #include "platform/qt_text.h"
 #include "scans/drawn_scan.h"
+#include "scans/scan_damage.h"
 #include "scans/scan_file.h"
 #include "staging/lists/lists.h"
 #include "staging/tasks/activation.h"
@@ -155,6 +158,62 @@ void TakeSession(AppDesk& desk, Camera& camera) {
     camera.Take(desk.Window(WindowId::LargeView), "frmLargeView");
     comment->close();
   }
+}
+
+// A box of scans for the staged charts of the sample folder: some as clean as they come, one with gaps in its
+// line, one that is no chart.
+Result<void> MakeBoxOfScans(const std::string& programFolder, const std::string& scans) {
+  const auto lists = ReadLists(programFolder);
+  if (!lists) return Failure(lists.error());
+  const struct {
+    const char *Stem, *Damage;
+    double Mm;
+  } charts[] = {{"NM-Hill Farm-01-19980305-0700", "gaps=1", 9.2},
+                {"NM-Hill Farm-01-19980306-0700", "", 4.2},
+                {"NM-Hill Farm-01-19980307-0700", "", 8.5}};
+  std::error_code error;
+  fs::create_directories(scans, error);
+  for (const auto& [stem, damage, mm] : charts) {
+    RainChart chart;
+    chart.Paper = lists->ChartTypes[0];
+    const std::vector<RainPoint> rain{{0, 0}, {6, 0}, {9, mm / 2}, {12, mm / 2}, {17, mm}, {24, mm}};
+    const auto line = DrawRain(rain, chart);
+    if (!line) return Failure(line.error());
+    ScanStyle style;
+    style.Dpi = 150;
+    if (*damage != 0)
+      if (const auto damaged = Damage(style, damage, 7); !damaged) return damaged;
+    const auto drawn = DrawScan(*line, style, 7);
+    if (!drawn) return Failure(drawn.error());
+    const std::string name = std::string(stem) + ".png";
+    const auto bytes = EncodeScan(drawn->Image, name, style.Dpi);
+    if (!bytes) return Failure(bytes.error());
+    if (const auto written = WriteWholeFile(JoinPath(scans, name), *bytes); !written) return written;
+  }
+  return WriteWholeFile(JoinPath(scans, "NM-Mill Pond-01-19251120-0700.png"), "no image");
+}
+
+// While it is traced, when all is done, and the desk with one of the doubts.
+void TakeBox(AppDesk& desk, Camera& camera) {
+  desk.Open(WindowId::Tasks);
+  if (auto* trace = camera.Find<QPushButton>(desk.Window(WindowId::Tasks), "cmdTrace")) trace->click();
+  QWidget* box = desk.Window(WindowId::TraceScans);
+  auto* cancel = camera.Find<QPushButton>(box, "cmdCancel");
+  auto* start = camera.Find<QPushButton>(box, "cmdStart");
+  if (cancel == nullptr || start == nullptr) return;
+  start->click();
+  camera.Take(box, "frmTraceScans-tracing");
+  while (cancel->isEnabled()) QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  camera.Take(box, "frmTraceScans");
+  if (auto* open = camera.Find<QPushButton>(box, "cmdOpen")) open->click();
+  for (int i = 0; i < 4; ++i) QApplication::processEvents();
+  auto* digitizing = qobject_cast<frmHyetex*>(desk.Window(WindowId::Digitizing));
+  for (int i = 0; digitizing != nullptr && i < 5; ++i) {
+    QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);
+    digitizing->setFocus();
+    QApplication::sendEvent(digitizing, &tab);
+  }
+  camera.Take(desk.ShellWindow(), "mdiHyetex-doubt");
 }
 
 // A scan of a day's chart, drawn for the folder of the scans, under the name of the first staged chart.
@@ -434,8 +493,20 @@ Result<void> TakePictures(const std::string& programFolder, const std::string& p
   const std::string scans = JoinPath(copy, "scans");
   const auto drawn = MakeScan(copy, scans);
   if (!drawn) return Failure(drawn.error());
-  (void)settings.Set(setting::ScanFolder, scans);
   (void)settings.Set(setting::TraceSource, static_cast<int>(TraceSource::Scan));
+  {
+    fs::remove(JoinPath(copy, JournalFileName), error);  // a chart that was begun is not the program's
+    const auto lock = FolderLock::Take(copy);
+    const std::string box = JoinPath(copy, "box");
+    if (const auto made = MakeBoxOfScans(copy, box); !made) return made;
+    (void)settings.Set(setting::ScanFolder, box);
+    AppDesk desk(words, dialogs);
+    desk.ShellSize = ShellSize;
+    desk.Start();
+    desk.LoggedIn();
+    TakeBox(desk, camera);
+  }
+  (void)settings.Set(setting::ScanFolder, scans);
   AppDesk desk(words, dialogs);
   desk.ShellSize = ShellSize;
   desk.Start();

@@ -34,6 +34,8 @@ class DeskScan : public QObject {
 
   ScanControls* Panel() { return look_; }
   const ScanImage& Image() const { return *image_; }
+  /// For work that may outlast the window.
+  std::shared_ptr<const ScanImage> SharedImage() const { return image_; }
   const ScanPlacement& Placement() const { return placement_; }
   bool HasScale() const { return scale_.has_value(); }
   /// How it is shown; for pictures.

@@ -85,11 +85,13 @@ void frmHyetex::StartSession() {
     CloseDesk();
     return;
   }
+  OpenEarlierTrace();
   BeginScan();
   journal_.Start(settings_.Folder(), tablet_, session_.Chart);
   TellOfJournalTrouble();
   OpenPort();
   FocusChanged(true);
+  TellOfDoubts();
 }
 
 // The board's place comes before the first size, so that the view it is brought into is the right one.
@@ -305,6 +307,7 @@ void frmHyetex::Closing() {
   StoreLayout();
   shell_.NotDigitizing();
   if (session_.Saved) {
+    KeepReview();
     journal_.Remove();
   } else if (!keepsJournal_) {
     if (const auto aside = journal_.SetAside(); !aside) ShowMessage(CloseTitle, aside.error());

@@ -8,8 +8,13 @@
 
 #include <QKeyEvent>
 #include <QMdiSubWindow>
+#include <functional>
+#include <memory>
+#include <optional>
 #include <span>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "digitizing/action_machine.h"
 #include "digitizing/correcting.h"
@@ -34,6 +39,15 @@
 
 namespace hyetex {
 
+/// What the program has traced of the chart's scan before this session.
+struct EarlierTrace {
+  /// Its journal, where a person is to look it over; else nothing.
+  std::function<std::optional<std::string>()> Find = {};
+  /// The chart is saved: the session's journal takes the place of that one, if there is one.
+  std::function<Result<void>(std::string sessionJournal, double rainMm)> Keep = {};
+  bool IsWanted = false;  ///< by the operator already
+};
+
 class frmHyetex : public FormWindow, public FocusListener, public DeskView, public SessionCommands {
   Q_OBJECT
 
@@ -45,6 +59,8 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
 
   /// A scan for under the trace, before the session begins.
   void UseScan(std::shared_ptr<const ScanImage> scan);
+  /// What comes of the scan's trace, before the session begins.
+  void UseTrace(EarlierTrace trace) { earlier_ = std::move(trace); }
   /// Begins the session, once the window is shown: takes its remembered size, offers an unfinished chart,
   /// opens the tablet's port. Where the operator would rather keep another chart's unfinished journal, the
   /// window closes.
@@ -159,8 +175,17 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
 
   // A scan that the program traces: frmHyetex_trace.cpp
   void TakeTrace(const ScanTrace& trace, const TracedSteps& steps);
+  void TellOfDoubts(bool alsoOfNone = false);
+  /// Nothing where the operator has cancelled it.
+  template <typename Work>
+  auto BesideScan(Work work) -> std::optional<decltype(work())>;
+  Result<ScanTracer> OpenTracer();
+  void OpenEarlierTrace();
+  void KeepReview();
   void ResumeDoubts(const std::string& journal);
   void ShowDoubt();
+  void LeaveDoubts();
+  void UpdateDoubts();
   void ConfirmDoubt();
   void RetraceDoubt();
   Result<void> PutBetween(int first, int last, const std::vector<std::pair<double, double>>& places);
@@ -195,11 +220,14 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   std::shared_ptr<const ScanImage> openedScan_;
   DeskScan* scan_ = nullptr;  // null: there is none under the trace
   Correcting correcting_;
-  bool corrects_ = false;  // the mouse corrects
-  bool overlay_ = false;   // the chart's own hours and depths are shown
+  bool corrects_ = false;       // the mouse corrects
+  bool correctsDoubt_ = false;  // and does so for as long as a doubt is looked at
+  bool overlay_ = false;        // the chart's own hours and depths are shown
   std::vector<OverlayLine> overlayLines_;
   std::optional<ScanTracer> tracer_;  // of the scan that the program has traced
   TraceReview review_;
+  std::vector<std::pair<int, int>> stretches_;  // of the open doubts, as the line is now
+  EarlierTrace earlier_;
 
   int boxes_ = 0;              // message boxes that are up
   bool watched_ = false;       // for being maximised

@@ -20,6 +20,9 @@ void frmHyetex::ToggleCorrecting() {
 
 void frmHyetex::LeaveCorrecting() {
   if (!std::exchange(corrects_, false)) return;
+  // While a doubt is looked at, no press traces.
+  correctsDoubt_ = false;
+  review_.Leave();
   correcting_.LetGo();
   hand_->SetTool(nullptr);
   ShowInstruction(machine_.Instruction());

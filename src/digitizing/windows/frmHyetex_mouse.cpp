@@ -101,9 +101,11 @@ void frmHyetex::ShowModes() {
 // What the mouse is at ends before anything that the machine waits for.
 bool frmHyetex::EscapeMouse() {
   if (scan_ != nullptr && scan_->Escape()) return true;
-  if (review_.Leave()) {
-    ShowInstruction(machine_.Instruction());
-    ShowView();
+  if (review_.Shown() != nullptr) {
+    if (correcting_.LetGo())
+      ShowView();
+    else
+      LeaveDoubts();
     return true;
   }
   if (!corrects_) return false;

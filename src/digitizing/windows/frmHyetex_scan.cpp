@@ -26,6 +26,7 @@ void frmHyetex::BeginScan() {
 void frmHyetex::LayScan(std::shared_ptr<const ScanImage> image) {
   scan_ = new DeskScan(std::move(image), machine_, *hand_, dialogs_, settings_.Folder(), this);
   panel_->Add(scan_->Panel());
+  if (!openedScan_) overlay_ = false;  // which was that of an empty page
   connect(scan_, &DeskScan::Changed, this, &frmHyetex::ShowView);
   connect(scan_, &DeskScan::TraceAsked, this, &frmHyetex::TraceScan);
   connect(scan_, &DeskScan::Instruction, this, [this](std::string_view text) { ShowInstruction(text); });

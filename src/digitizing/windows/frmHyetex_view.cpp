@@ -14,6 +14,8 @@ namespace {
 
 constexpr double ZoomStep = 1.25;  // for each notch of the wheel
 constexpr int OutlineMargin = 3;   // of shpToolBox around the board, pixels
+// Behind a doubt's own words; the panel has room for more.
+constexpr std::string_view DoubtPrompt = " (Return: right, drag: correct, R: anew, Escape: back)";
 
 }  // namespace
 
@@ -99,8 +101,10 @@ void frmHyetex::ResizeDesk(double factor) {
 
 void frmHyetex::ShowInstruction(std::string_view text) {
   idle_ = text.empty();
+  if (scan_ != nullptr) scan_->Panel()->ShowDoubt(review_.Words());
+  if (review_.Shown() != nullptr)
+    return shell_.ShowPanel(panel::Instruction, review_.Words() + std::string(DoubtPrompt));
   if (corrects_) return shell_.ShowPanel(panel::Instruction, CorrectingPrompt);
-  if (review_.Shown() != nullptr) return shell_.ShowPanel(panel::Instruction, review_.Words());
   shell_.ShowPanel(panel::Instruction, idle_ ? IdlePrompt() : text);
 }
 
@@ -118,6 +122,7 @@ void frmHyetex::SetTitle(std::string_view title) {
 
 void frmHyetex::DrawGraph() {
   UpdateOverlay();
+  UpdateDoubts();
   ShowView();
   if (scan_ != nullptr) scan_->SessionChanged();
   if (idle_ && HasMouse() && !corrects_) ShowInstruction({});
@@ -206,9 +211,8 @@ void frmHyetex::ShowToolText(int tool) {
 // ---- Keys and wheel
 
 void frmHyetex::keyPressEvent(QKeyEvent* event) {
-  if (hasFocus() && !corrects_ && review_.Shown() != nullptr && IsReturn(*event)) return ConfirmDoubt();
-  if (hasFocus() && !corrects_ && review_.Shown() != nullptr && event->key() == Qt::Key_R)
-    return RetraceDoubt();
+  if (hasFocus() && review_.Shown() != nullptr && IsReturn(*event)) return ConfirmDoubt();
+  if (hasFocus() && review_.Shown() != nullptr && event->key() == Qt::Key_R) return RetraceDoubt();
   if (hasFocus() && hand_->KeyPressed(*event)) return;
   if (HasMouse() && !hasFocus() && event->key() == Qt::Key_Escape) return setFocus();  // from the panel
   if (event->key() == Qt::Key_Escape && EscapeMouse()) return;

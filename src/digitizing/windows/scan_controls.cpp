@@ -24,6 +24,7 @@ ScanControls::ScanControls(QWidget* parent) : QWidget(parent) {
   setObjectName(QStringLiteral("scanControls"));
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(labScanDoubt = Words("labScanDoubt"));
   layout->addWidget(labScanName = Words("labScanName"));
   layout->addWidget(labScanTrouble = Words("labScanTrouble"));
   layout->addWidget(labScanScale = Words("labScanScale"));
@@ -32,6 +33,15 @@ ScanControls::ScanControls(QWidget* parent) : QWidget(parent) {
   cmdTraceScan->setToolTip(tr("The program traces the line by itself, and tells where to look (T)"));
   connect(cmdTraceScan, &QPushButton::clicked, this, &ScanControls::TraceChosen);
   layout->addWidget(cmdTraceScan);
+  prbTraceScan = Named(new QProgressBar, "prbTraceScan");
+  prbTraceScan->setTextVisible(false);
+  prbTraceScan->setAccessibleName(tr("The scan is being traced"));
+  cmdTraceCancel = Named(new QPushButton(tr("Cancel Tracing")), "cmdTraceCancel");
+  cmdTraceCancel->setFocusPolicy(Qt::NoFocus);  // Escape presses it
+  for (QWidget* part : std::initializer_list<QWidget*>{prbTraceScan, cmdTraceCancel}) {
+    part->hide();
+    layout->addWidget(part);
+  }
 
   cmdScanScale = Named(new QPushButton(tr("S&cale...")), "cmdScanScale");
   auto* scales = new QMenu(cmdScanScale);
@@ -82,6 +92,7 @@ ScanControls::ScanControls(QWidget* parent) : QWidget(parent) {
   });
   layout->addWidget(cmdLookReset);
   ShowTrouble("");
+  ShowDoubt("");
   ShowFixed("");
 }
 
@@ -116,6 +127,14 @@ void ScanControls::ShowAngle(double degrees) {
 void ScanControls::ShowTrouble(const std::string& why) {
   labScanTrouble->setText(ToQt(why));
   labScanTrouble->setVisible(!why.empty());
+}
+
+void ScanControls::ShowDoubt(const std::string& words) {
+  labScanDoubt->setText(
+      ToQt(words) + tr("\n\nReturn: the line is right there. A press takes a point, to be dragged where it "
+                       "belongs. R traces the stretch again between its two ends. Tab: the next. Escape: "
+                       "back to tracing."));
+  labScanDoubt->setVisible(!words.empty());
 }
 
 void ScanControls::ShowFixed(const std::string& why) {

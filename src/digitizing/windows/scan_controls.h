@@ -5,6 +5,7 @@
 
 #include <QDoubleSpinBox>
 #include <QLabel>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QSlider>
 #include <QWidget>
@@ -32,6 +33,12 @@ class ScanControls : public QWidget {
   /// Whether the file says a resolution that can be.
   void OfferResolution(bool offered) { actResolution->setEnabled(offered); }
 
+  /// The doubt that is looked at, above what can be done about it; empty: none.
+  void ShowDoubt(const std::string& words);
+  /// Shown while the scan is traced.
+  QProgressBar& TraceBar() { return *prbTraceScan; }
+  QPushButton& TraceCancel() { return *cmdTraceCancel; }
+
  signals:
   void LookChanged(const ScanLook& look);
   void AngleChosen(double degrees);
@@ -42,8 +49,9 @@ class ScanControls : public QWidget {
   QSlider* AddSlider(const char* name, const char* caption, int least);
   void TellLook();
 
-  QLabel *labScanName, *labScanScale, *labScanTrouble, *labScanFixed;
-  QPushButton *cmdTraceScan, *cmdScanScale, *cmdTurnLeft, *cmdTurnRight, *cmdLookReset;
+  QLabel *labScanName, *labScanScale, *labScanTrouble, *labScanFixed, *labScanDoubt;
+  QProgressBar* prbTraceScan;
+  QPushButton *cmdTraceScan, *cmdTraceCancel, *cmdScanScale, *cmdTurnLeft, *cmdTurnRight, *cmdLookReset;
   QAction* actResolution;
   QDoubleSpinBox* spnTurn;
   std::array<QSlider*, 3> sliders_{};

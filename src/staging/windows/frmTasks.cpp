@@ -161,7 +161,7 @@ void frmTasks::FillRow(int row) {
 void frmTasks::ShowDetection() {
   bool ready = source_ != TraceSource::Tablet || detection_ == Detection::Found;
   labDetect->setToolTip({});
-  for (QPushButton* button : {cmdScan, cmdScans}) button->setEnabled(source_ == TraceSource::Scan);
+  for (QPushButton* button : {cmdScan, cmdScans, cmdTrace}) button->setEnabled(source_ == TraceSource::Scan);
   if (source_ == TraceSource::EmptyPage) {
     labDetect->setText(tr("The mouse is the cursor"));
   } else if (source_ == TraceSource::Scan) {

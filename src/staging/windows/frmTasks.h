@@ -50,6 +50,8 @@ struct TaskServices {
   ChosenScans* Scans;
   /// The name of a chart's file, where the folder has it; else empty.
   std::function<std::string(const ChartRecord& task, const std::string& folder)> ChartFile = {};
+  /// Opens the window in which all scans are traced, their files for this folder; false if it cannot.
+  std::function<bool(const std::string& target)> TraceScans = {};
 };
 
 class frmTasks : public FormWindow {
@@ -138,6 +140,7 @@ class frmTasks : public FormWindow {
   void ChooseScan();
   std::optional<int> ChoosePage(int pages);
   void ChooseScanFolder();
+  void TraceScans();
   /// Null where it cannot be opened, which the operator has been told.
   std::shared_ptr<const ScanImage> OpenScan(const ChartRecord& task);
 
@@ -159,7 +162,7 @@ class frmTasks : public FormWindow {
   QGroupBox* frmTask;
   QTableWidget* fgdTasks;
   QPushButton *cmdAdd, *cmdChange, *cmdDelete, *cmdActivate, *cmdSave, *cmdExit, *drvTarget, *cmdScan,
-      *cmdScans;
+      *cmdScans, *cmdTrace;
   QButtonGroup *optCom, *optDig;
   QLabel* labDetect = nullptr;
   QListWidget* lstChartType;

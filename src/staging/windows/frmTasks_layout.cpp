@@ -36,10 +36,13 @@ void frmTasks::MakeLayout() {
   lower->addWidget(MakeTarget(), 2);
 
   cmdSave = MakeButton("cmdSave", "&Save Charts List on Hard Drive", &frmTasks::Save);
+  cmdTrace = MakeButton("cmdTrace", "&Trace Scans...", &frmTasks::TraceScans);
+  cmdTrace->setToolTip(tr("The program traces the scans of all staged charts by itself"));
   cmdExit = Named(new QPushButton(tr("&Return To Main  Menu")), "cmdExit");
   connect(cmdExit, &QPushButton::clicked, this, [this] { close(); });
   auto* buttons = new QHBoxLayout;
   buttons->addWidget(cmdSave);
+  buttons->addWidget(cmdTrace);
   buttons->addStretch();
   buttons->addWidget(cmdExit);
 
@@ -175,7 +178,7 @@ QWidget* frmTasks::MakeTarget() {
 void frmTasks::SetTabOrder() {
   QList<QWidget*> order{tvwStations, fgdTasks, cmdAdd, cmdChange, cmdDelete, cmdActivate};
   for (QAbstractButton* option : optDig->buttons()) order << option;
-  order << cmdScan << cmdScans << lstChartType << dirTarget << drvTarget << cmdSave << cmdExit;
+  order << cmdScan << cmdScans << lstChartType << dirTarget << drvTarget << cmdSave << cmdTrace << cmdExit;
   LinkTabs(order);
 }
 

@@ -107,6 +107,14 @@ void frmTasks::ChooseScanFolder() {
   ShowDetection();
 }
 
+// What traces them reads the task list, so all goes there first.
+void frmTasks::TraceScans() {
+  if (!HasTarget() || !SaveTasks()) return;
+  LookForScans();
+  leaving_ = services_.TraceScans(targetFolder_);
+  if (leaving_) close();
+}
+
 std::shared_ptr<const ScanImage> frmTasks::OpenScan(const ChartRecord& task) {
   const auto pick = services_.Scans->Of(task);
   if (!pick) return Tell("Digitizing a strip chart", pick.error()), nullptr;
