@@ -54,6 +54,19 @@ cv::Point2d Lattice::ToPicture(cv::Point2d paper) const {
   return place;
 }
 
+double Lattice::BowMm() const {
+  constexpr int Places = 7;
+  const double pageMm = page_.Hours / page_.Paper.TimeScale;
+  std::vector<double> bows;
+  for (int i = 0; i < Places; ++i) {
+    const double along = pageMm * (i + 0.5) / Places;
+    const cv::Point2d middle = (ToPicture({along, 0}) + ToPicture({along, bandMm_})) * 0.5;
+    bows.push_back(hours_.At(middle.x, middle.y) * acrossMm_ - along);
+  }
+  std::nth_element(bows.begin(), bows.begin() + Places / 2, bows.end());
+  return bows[Places / 2];
+}
+
 void Lattice::StartAt(cv::Point2d image) {
   const cv::Point2d paper = ToPaper(image);
   const double lines = -(paper.x - ArcLeadMm(page_.Paper, paper.y)) / acrossMm_;

@@ -63,6 +63,9 @@ class Lattice {
   double BandMm() const { return bandMm_; }                ///< height of the printed band
   double LineAtMm() const { return lineAt_ * acrossMm_; }  ///< along, where a line of the hours stands
   double ResidualMm() const { return residualMm_; }
+  /// How far the printed hours bow to the right between the band's bottom and top, beyond the chart type's
+  /// own arc: next to nothing on any paper that lies flat, and its whole arc where the chart type is another.
+  double BowMm() const;
   /// What the grid alone cannot tell, as that the hour is to be confirmed; each is a doubt about the chart.
   const std::vector<std::string>& Doubts() const { return doubts_; }
 

@@ -25,9 +25,11 @@ constexpr double GapHours = 0.75;       // without ink, from which on it is told
 constexpr double GapMm = 4;             // and on charts of a week, so long
 constexpr double LeastContrast = 0.05;  // of a pen against its paper
 constexpr double LeastExplained = 0.3, SureExplained = 0.75;
-constexpr double LeastOnLine = 0.15;  // ink on the line, where the form does not hide it
-constexpr double ScaleOff = 0.06;     // of the file's own resolution: more than paper shrinks
-constexpr double MostBand = 1.5;      // of the chart type's height
+constexpr double LeastOnLine = 0.15;      // ink on the line, where the form does not hide it
+constexpr double LeastOfContrast = 0.32;  // has a line's mean ink, where most of it is hidden
+constexpr double ScaleOff = 0.06;         // of the file's own resolution: more than paper shrinks
+constexpr double MostBand = 1.5;          // of the chart type's height
+constexpr double MostBowMm = 3.5;         // of a warped sheet's hours, beyond the chart type's arc
 constexpr std::size_t ManyDoubts = 10;
 constexpr double DoubtfulShare = 0.4;  // of the chart's hours
 
@@ -128,13 +130,18 @@ ScanTrace ScanTracer::Data::Told(const PenPath& path, bool whole) const {
   const auto chart = [&](std::string why) {
     trace.Doubts.push_back({TraceDoubt::Kind::Chart, 0, Wish.Hours, 0, -1, std::move(why)});
   };
-  double onLine = 0, seen = 1e-9;
+  double onLine = 0, seen = 1e-9, ink = 0;
   for (const PathColumn& at : path.Columns) {
     onLine += at.Ink * (1 - at.Hidden);
     seen += 1 - at.Hidden;
+    ink += at.Ink / static_cast<float>(path.Columns.size());
   }
+  // A pen that is seldom set back may lie on printed lines all the time: then little of it is seen anywhere.
+  const bool mostlyHidden =
+      !Is(ChartMethod::Linear) && trace.InkExplained == 0 && ink > LeastOfContrast * Ink.Contrast;
 
-  if (Ink.Contrast < LeastContrast || onLine / seen < LeastOnLine || trace.InkExplained < LeastExplained) {
+  if (Ink.Contrast < LeastContrast || onLine / seen < LeastOnLine ||
+      (trace.InkExplained < LeastExplained && !mostlyHidden)) {
     trace.Points.clear();
     trace.EmptyingHours.clear();
     trace.RainMm = 0;
@@ -150,12 +157,17 @@ ScanTrace ScanTracer::Data::Told(const PenPath& path, bool whole) const {
   if (Wish.Line != 0)
     chart("Of two lines this is taken for the " + std::string(Wish.Line == 1 ? "first" : "second") +
           ": confirm which of the days it is.");
-  if (trace.InkExplained < SureExplained)
+  if (mostlyHidden)
+    chart("Hardly any of the line stands out from the printed form: confirm that it is the pen's.");
+  else if (trace.InkExplained < SureExplained)
     chart("There is ink on the chart that the line does not explain: another line, or one that was missed.");
   for (TraceDoubt& doubt : DoubtsOfDepth(trace.RainMm, Wish)) trace.Doubts.push_back(std::move(doubt));
   std::vector<TraceDoubt> stretches = DoubtsOfPath({path, Flat, Ink, Falls, Uprights, Reach, Wish});
   if (Is(ChartMethod::NonLinear)) AddInTime(stretches, DoubtsOfFalls(points, Wish));
-  if (Is(ChartMethod::TippingBucket)) AddInTime(stretches, DoubtsOfTips(tipped, Wish));
+  if (Is(ChartMethod::TippingBucket)) {
+    ForgetHiddenSteps(stretches, tipped, Wish);
+    AddInTime(stretches, DoubtsOfTips(tipped, Wish));
+  }
   if (IsMostlyDoubtful(stretches, Wish.Hours))
     trace.Doubts.push_back({TraceDoubt::Kind::OtherWay, 0, Wish.Hours, 0, -1,
                             "So much of this chart is doubtful that the rest is not to be trusted either."});
@@ -202,6 +214,10 @@ Result<LaidScan> Lay(const ScanImage& image, const TraceWish& wish) {
   if (wish.Paper.ChartHeightMm > 0 && lattice->BandMm() > MostBand * wish.Paper.ChartHeightMm)
     return Failure("the printed grid would be " + ShortText(std::round(lattice->BandMm())) +
                    " mm high, and that of the chart type is " + ShortText(wish.Paper.ChartHeightMm) + " mm");
+  if (std::abs(lattice->BowMm()) > MostBowMm)
+    return Failure(wish.Paper.ChartMethod == static_cast<std::int16_t>(ChartMethod::NonLinear)
+                       ? "the printed hours stand on other arcs than those of the chart type, or on none"
+                       : "the printed hours stand on arcs, and the chart type has a straight pen");
   if (wish.Start) lattice->StartAt({wish.Start->X, wish.Start->Y});
   PenReach reach;
   // The chart type's height is the page's, which may be printed higher or lower than the band.

@@ -64,11 +64,13 @@ struct ScanTrace {
   TraceVerdict Verdict = TraceVerdict::NotTraced;
   std::vector<ScanPoint> Points;
   std::vector<TraceDoubt> Doubts;  ///< in order of time, those about the whole chart first
+  /// By the line. Where the pen's falls count as rain, as on an arc chart, they are in it. The chart file of
+  /// a tipping bucket takes its sum from the gage; this is what its steps add up to.
   double RainMm = 0;
-  std::vector<double> EmptyingHours;
-  double Confidence = 0;    ///< 0 to 1, of the weakest that the rain hangs on
-  double InkExplained = 0;  ///< 0 to 1: the share of the sheet's pen ink that lies on the line
-  double PixelsPerMm = 0;   ///< of the image, by its grid
+  std::vector<double> EmptyingHours;  ///< or at which the pen was set back to the foot
+  double Confidence = 0;              ///< 0 to 1, of the weakest that the rain hangs on
+  double InkExplained = 0;            ///< 0 to 1: the share of the sheet's pen ink that lies on the line
+  double PixelsPerMm = 0;             ///< of the image, by its grid
 };
 
 /// A scan whose grid has been found and whose ink has been told from its form.

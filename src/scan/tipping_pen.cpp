@@ -56,6 +56,8 @@ bool IsStep(const Level& from, const Level& to, const PenPath& path, double pixe
   return true;
 }
 
+bool IsWhole(double tips) { return std::abs(tips - std::round(tips)) <= OffWhole; }
+
 // What one tip is on the paper: most steps are of one.
 double UsualStep(std::span<const Level> levels, const PenPath& path, double pixelsPerMm) {
   std::vector<double> rises;
@@ -149,12 +151,27 @@ TippedLine PointsOfTips(const PenPath& path, const FlatChart& flat, const std::v
   return line;
 }
 
+void ForgetHiddenSteps(std::vector<TraceDoubt>& doubts, const TippedLine& line, const TraceWish& wish) {
+  const auto isSure = [&](const TraceDoubt& doubt) {
+    if (doubt.What != TraceDoubt::Kind::NoInk || doubt.ToHour - doubt.FromHour > 2 * DoubtHours) return false;
+    int sure = 0;
+    for (const TippedLine::Rise& rise : line.Rises) {
+      const double hour = rise.AlongMm * wish.Paper.TimeScale;
+      if (hour < doubt.FromHour || hour > doubt.ToHour) continue;
+      if (!IsWhole(rise.Mm / line.StepMm)) return false;
+      ++sure;
+    }
+    return sure == 1;
+  };
+  std::erase_if(doubts, isSure);
+}
+
 std::vector<TraceDoubt> DoubtsOfTips(const TippedLine& line, const TraceWish& wish) {
   std::vector<TraceDoubt> doubts;
   if (!(line.StepMm > 0)) return doubts;
   for (const TippedLine::Rise& rise : line.Rises) {
     const double tips = rise.Mm / line.StepMm;
-    if (std::abs(tips - std::round(tips)) <= OffWhole) continue;
+    if (IsWhole(tips)) continue;
     const double hour = rise.AlongMm * wish.Paper.TimeScale;
     doubts.push_back({TraceDoubt::Kind::OtherWay, std::max(0.0, hour - DoubtHours), hour + DoubtHours, 0, -1,
                       "The line goes " + std::string(tips > 0 ? "up" : "down") + " by " +

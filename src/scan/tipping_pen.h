@@ -26,4 +26,8 @@ TippedLine PointsOfTips(const PenPath& path, const FlatChart& flat, const std::v
 /// points are still none.
 std::vector<TraceDoubt> DoubtsOfTips(const TippedLine& line, const TraceWish& wish);
 
+/// A step that a printed line hides is sure all the same where a level lies on either side of it: takes out
+/// the doubts about missing ink there.
+void ForgetHiddenSteps(std::vector<TraceDoubt>& doubts, const TippedLine& line, const TraceWish& wish);
+
 }  // namespace hyetex

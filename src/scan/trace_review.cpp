@@ -72,8 +72,10 @@ Result<std::vector<std::pair<double, double>>> TraceBetween(const ScanTracer& tr
   const double right = (page.BottomRightX - page.BottomLeftX) / length,
                up = (page.BottomRightY - page.BottomLeftY) / length;
   for (const ScanPoint& point : traced.Points) {
-    if (point.How == ScanPoint::Step::Segment || point.How == ScanPoint::Step::GapEnd)
+    if (point.How == ScanPoint::Step::GapEnd)
       return Failure("the line has no ink from the one point to the other");
+    if (point.How == ScanPoint::Step::Segment)
+      return Failure("the pen is set down anew between the one point and the other");
     if (point.AlongMm < from + EndMm || point.AlongMm > to - EndMm) continue;
     const double x = point.AlongMm * units, y = point.HeightMm * units;
     places.emplace_back(std::round(page.BottomLeftX + x * right - y * up),
