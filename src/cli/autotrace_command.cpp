@@ -18,6 +18,7 @@
 #include "core/folder_lock.h"
 #include "core/temporary_file.h"
 #include "core/text.h"
+#include "scan/blank_form.h"
 #include "scan/box/chart_tracing.h"
 #include "scan/find_scans.h"
 #include "staging/lists/lists.h"
@@ -35,6 +36,7 @@ struct Box {
   ReferenceLists Lists;
   std::string User, Target;
   std::optional<FolderLock> Lock;  // the program folder's, where files go into it
+  std::shared_ptr<const BlankForm> Form = {};
 };
 
 std::string Rounded(double value, int digits) {
@@ -45,7 +47,11 @@ std::string Rounded(double value, int digits) {
 
 BoxWish WishFor(const Box& box, const BoxedChart& chart) {
   const AutotraceWords& words = box.Words;
-  BoxWish wish{.Target = box.Target, .Doubtful = words.Doubtful, .Picture = words.Picture};
+  BoxWish wish{.Target = box.Target,
+               .Line = words.Line,
+               .Form = box.Form,
+               .Doubtful = words.Doubtful,
+               .Picture = words.Picture};
   if (const auto& start = words.Start; !start.empty()) wish.Start = TraceWish::Place{start[0], start[1]};
   if (!words.Pictures.empty()) wish.Picture = JoinPath(words.Pictures, NameWithEnding(chart.Name(), ".jpg"));
   return wish;
@@ -267,10 +273,22 @@ Exit RunAutotrace(const AutotraceWords& words) {
   if (words.Scan.empty() == words.Scans.empty()) return Off("--scan or --scans is missing");
   if (!words.Scan.empty() && !words.Task && words.Chart.empty())
     return Off("--scan wants the --task that it is of");
-  const auto box = OpenBox(words);
+  auto box = OpenBox(words);
   if (!box) return Fail(box.error());
   const auto jobs = FindJobs(*box);
   if (!jobs) return Fail(jobs.error());
+  if (words.MakeForm) {
+    const auto leftOut = MakeKeptForm(*jobs, words.Folder);
+    if (!leftOut) return Fail("No form was made: " + leftOut.error());
+    for (const std::string& one : *leftOut) Say("Left out of the form: " + one);
+    Say("The form of the chart type is kept");
+    if (!words.Scan.empty()) return Done;
+  }
+  if (!jobs->empty()) {
+    auto form = KeptBlankForm(words.Folder, jobs->front().Chart.ChartType.Name);
+    if (!form) return Fail(form.error());
+    box->Form = *std::move(form);
+  }
   return Run(*box).All(*jobs);
 }
 

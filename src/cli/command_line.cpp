@@ -190,6 +190,13 @@ void CommandLine::AddAutotrace() {
       "the left end of the page's bottom line, pixels from the scan's left and top edges (default: found)")
       ->expected(2)
       ->needs(scan);
+  AddWhole(trace.Line, "--line", trace.Given.Line, 1, 2, "N",
+           "of the two lines on a sheet that was left on its drum, the one written first or the other")
+      ->needs(scan);
+  trace.Flag(
+      "--make-form", &AutotraceWords::MakeForm,
+      "first make the chart type's blank form of five scans or more, which makes print known from ink; "
+      "with --scan, of this empty chart, and trace nothing");
   trace.Flag("--again", &AutotraceWords::Again, "trace charts anew whose journal is to be reviewed");
   trace.Flag("--doubtful", &AutotraceWords::Doubtful, "write the chart files of charts to review, too");
 }

@@ -57,6 +57,8 @@ struct AutotraceWords : FolderWords {
   std::string User, Target, Report;
   std::string Picture, Pictures;  ///< of one scan, or a folder for those of all
   std::vector<double> Start;      ///< x and y of the page's bottom-left corner; empty where it is looked for
+  int Line = 0;                   ///< of two lines on a sheet
+  bool MakeForm = false;          ///< the chart type's blank form is made anew first
   bool Doubtful = false;          ///< charts to review get their chart file as well
   bool Again = false;             ///< charts whose journal is to be reviewed are traced anew
 };

@@ -18,6 +18,7 @@ constexpr std::string_view FileMark = "hyetex blank form 1 ";
 constexpr double Scale = 8;               // pixels for each mm, as charts are laid flat
 constexpr std::size_t FewestOfPlace = 3;  // sheets that have a place, for what they have in common
 constexpr int MostPixels = 60'000'000;
+constexpr std::size_t MostBytes = 256U << 20;
 const cv::Scalar Bare(255, 255, 255);
 
 int Pixels(double mm) { return static_cast<int>(std::lround(mm * Scale)); }
@@ -131,6 +132,17 @@ std::string BlankFormPath(const std::string& programFolder, const std::string& c
     name += plain ? std::string(1, c) : code;
   }
   return JoinPath(JoinPath(programFolder, "FORMS"), name + ".form");
+}
+
+Result<std::shared_ptr<const BlankForm>> KeptBlankForm(const std::string& programFolder,
+                                                       const std::string& chartType) {
+  const std::string path = BlankFormPath(programFolder, chartType);
+  if (!FileExists(path)) return std::shared_ptr<const BlankForm>();
+  const auto bytes = ReadWholeFile(path, MostBytes);
+  if (!bytes) return Failure(bytes.error());
+  auto form = BlankForm::Read(*bytes);
+  if (!form) return Failure("The chart type's form cannot be used, " + form.error() + ": " + path);
+  return std::make_shared<const BlankForm>(*std::move(form));
 }
 
 }  // namespace hyetex

@@ -3,6 +3,7 @@
 // for each chart type; it is made anew whenever more of a box has been scanned.
 #pragma once
 
+#include <memory>
 #include <opencv2/core.hpp>
 #include <span>
 #include <string>
@@ -42,5 +43,8 @@ class BlankForm {
 
 /// Where the form of a chart type is kept.
 std::string BlankFormPath(const std::string& programFolder, const std::string& chartType);
+/// The form that is kept; null where there is none. Fails, in words, on a damaged file.
+Result<std::shared_ptr<const BlankForm>> KeptBlankForm(const std::string& programFolder,
+                                                       const std::string& chartType);
 
 }  // namespace hyetex

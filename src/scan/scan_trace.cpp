@@ -297,6 +297,12 @@ Result<FormSheet> SheetForForm(const ScanImage& image, const TraceWish& wish) {
   return FormSheetOf(laid->Flat, wish);
 }
 
+bool IsOneOfTwoLines(const ScanTrace& trace, const ScanImage& image, TraceWish wish) {
+  if (wish.Line != 0 || trace.Points.empty() || trace.InkExplained >= SureExplained) return false;
+  wish.Line = 1;
+  return ScanTracer::Open(image, wish).has_value();
+}
+
 ScanTrace TraceScan(const ScanImage& image, const TraceWish& wish) {
   const auto tracer = ScanTracer::Open(image, wish);
   if (tracer) return tracer->Trace();

@@ -103,6 +103,10 @@ class ScanTracer {
 /// its start is not sure.
 Result<FormSheet> SheetForForm(const ScanImage& image, const TraceWish& wish);
 
+/// A trace left so much ink that a second line lies on the sheet: each is traced with TraceWish::Line. Takes
+/// a few seconds where there is much ink left, and no time else.
+bool IsOneOfTwoLines(const ScanTrace& trace, const ScanImage& image, TraceWish wish);
+
 /// Opens and traces; what fails is a chart that is not traced, with its reason.
 ScanTrace TraceScan(const ScanImage& image, const TraceWish& wish);
 

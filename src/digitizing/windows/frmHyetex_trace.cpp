@@ -12,6 +12,7 @@
 #include "digitizing/windows/frmHyetex.h"
 #include "platform/beside.h"
 #include "platform/shown_progress.h"
+#include "scan/blank_form.h"
 
 namespace hyetex {
 namespace {
@@ -23,7 +24,16 @@ struct Traced {
   ScanTracer Tracer;
   ScanTrace Trace;
   TracedSteps Steps;
+  bool IsOneOfTwo = false;
 };
+
+Result<TraceWish> WishAtDesk(const Session& session, const std::string& folder) {
+  TraceWish wish = WishOf(session.Line.Scales().ChartType, session.Chart);
+  auto form = KeptBlankForm(folder, wish.Paper.Name);
+  if (!form) return Failure(form.error());
+  wish.Form = *std::move(form);
+  return wish;
+}
 
 Result<Traced> TraceBeside(const ScanImage& image, const TraceWish& wish) {
   auto tracer = ScanTracer::Open(image, wish);
@@ -34,7 +44,8 @@ Result<Traced> TraceBeside(const ScanImage& image, const TraceWish& wish) {
                                         : trace.Doubts.front().Why);
   auto steps = StepsOfTrace(trace, *tracer, image, wish);
   if (!steps) return Failure("The scan cannot be traced: " + steps.error() + ".");
-  return Traced{*std::move(tracer), std::move(trace), *std::move(steps)};
+  const bool two = IsOneOfTwoLines(trace, image, wish);
+  return Traced{*std::move(tracer), std::move(trace), *std::move(steps), two};
 }
 
 }  // namespace
@@ -58,14 +69,29 @@ auto frmHyetex::BesideScan(Work work) -> std::optional<decltype(work())> {
 void frmHyetex::TraceScan() {
   if (!isEnabled() || boxes_ > 0 || replaying_ || machine_.CommentIsOpen()) return;
   if (scan_ == nullptr) return shell_.ShowPanel(panel::Instruction, "There is no scan under the points");
-  TraceWish wish = WishOf(session_.Line.Scales().ChartType, session_.Chart);
+  auto known = WishAtDesk(session_, settings_.Folder());
+  if (!known) return ShowMessage(Title, ShownText(known.error()));
+  TraceWish wish = *std::move(known);
   // Where the operator has set the page, there the chart begins.
   const ChartPaper& page = session_.Line.Paper(0);
   if (IsCalibrated(page)) {
     const auto [x, y] = ImagePosition(scan_->Placement(), page.BottomLeftX, page.BottomLeftY);
     wish.Start = TraceWish::Place{x, y};
   }
-  auto traced = BesideScan([scan = scan_->SharedImage(), wish] { return TraceBeside(*scan, wish); });
+  const auto trace = [&] {
+    return BesideScan([scan = scan_->SharedImage(), wish] { return TraceBeside(*scan, wish); });
+  };
+  auto traced = trace();
+  if (traced && *traced && (*traced)->IsOneOfTwo) {
+    const BoxAnswer which = Ask(
+        Title,
+        "There are two lines on this sheet, as when it was left on its drum for another turn. Do you want "
+        "to trace the one that was written first ?\n\nNo traces the other one.",
+        BoxButtons::YesNoCancel, BoxIcon::Question);
+    if (which == BoxAnswer::Cancel) return ShowInstruction(machine_.Instruction());
+    wish.Line = which == BoxAnswer::Yes ? 1 : 2;
+    traced = trace();
+  }
   if (!traced) return shell_.ShowPanel(panel::Instruction, "The tracing was cancelled");
   if (!*traced) return ShowMessage(Title, ShownText(traced->error()));
   // Only for a line that there is: what a hand has traced is not given up for none.
@@ -149,8 +175,10 @@ void frmHyetex::KeepReview() {
 }
 
 Result<ScanTracer> frmHyetex::OpenTracer() {
-  const TraceWish wish = WishOf(session_.Line.Scales().ChartType, session_.Chart);
-  auto opened = BesideScan([scan = scan_->SharedImage(), wish] { return ScanTracer::Open(*scan, wish); });
+  const auto wish = WishAtDesk(session_, settings_.Folder());
+  if (!wish) return Failure(wish.error());
+  auto opened =
+      BesideScan([scan = scan_->SharedImage(), wish = *wish] { return ScanTracer::Open(*scan, wish); });
   if (!opened) return Failure("the tracing was cancelled");
   return *std::move(opened);
 }

@@ -1,6 +1,7 @@
 #include "scan/box/chart_tracing.h"
 
 #include <chrono>
+#include <filesystem>
 #include <utility>
 
 #include "chartfiles/saving.h"
@@ -9,6 +10,7 @@
 #include "digitizing/journal.h"
 #include "digitizing/resume.h"
 #include "digitizing/scan_placement.h"
+#include "scan/blank_form.h"
 #include "scan/trace_picture.h"
 #include "scan/trace_steps.h"
 
@@ -16,6 +18,7 @@ namespace hyetex {
 namespace {
 
 constexpr std::size_t MostWords = 16000;  // of one chart: a process hands them over in one go
+constexpr std::size_t MostOfForm = 15;    // more make it no better
 constexpr std::string_view Comment = "Traced from a scan by the program";
 
 Result<void> WriteFiles(const BoxedChart& chart, const BoxWish& wish, const ScanTrace& trace,
@@ -70,6 +73,8 @@ TracedChart TraceChart(const BoxedChart& chart, const BoxWish& wish) {
   const auto begun = std::chrono::steady_clock::now();
   TraceWish known = WishOf(chart.Chart.ChartType, chart.Chart.Task);
   known.Start = wish.Start;
+  known.Line = wish.Line;
+  known.Form = wish.Form;
   ScanTrace trace;
   std::string trouble;
   const auto notTraced = [&](const std::string& why) {
@@ -82,6 +87,10 @@ TracedChart TraceChart(const BoxedChart& chart, const BoxWish& wish) {
     notTraced("Not traced: " + tracer.error() + ".");
   } else {
     trace = tracer->Trace();
+    if (IsOneOfTwoLines(trace, *image, known))
+      trace.Doubts.insert(trace.Doubts.begin(),
+                          {TraceDoubt::Kind::Chart, 0, known.Hours, 0, -1,
+                           "Two lines lie on this sheet: trace the one of this chart by itself (--line)."});
     if (trace.Verdict != TraceVerdict::NotTraced) {
       const auto steps = StepsOfTrace(trace, *tracer, *image, known);
       const auto written =
@@ -106,6 +115,34 @@ TracedChart TraceChart(const BoxedChart& chart, const BoxWish& wish) {
     traced.Words += (traced.Words.empty() ? "" : " ") + words;
   traced.Seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count();
   return traced;
+}
+
+Result<std::vector<std::string>> MakeKeptForm(std::span<const BoxedChart> charts,
+                                              const std::string& programFolder) {
+  if (charts.empty()) return Failure("there is no scan to make a form of");
+  std::vector<std::string> leftOut;
+  std::vector<FormSheet> sheets;
+  for (const BoxedChart& chart : charts) {
+    if (sheets.size() == MostOfForm) break;
+    const auto image = ScanImage::Open(chart.Scan.Path, chart.Scan.Page);
+    auto sheet = image ? SheetForForm(*image, WishOf(chart.Chart.ChartType, chart.Chart.Task))
+                       : Result<FormSheet>(Failure(image.error()));
+    if (sheet)
+      sheets.push_back(*std::move(sheet));
+    else
+      leftOut.push_back(chart.Name() + ": " + sheet.error());
+  }
+  if (charts.size() == 1 && sheets.empty()) return Failure(leftOut.front());
+  const auto form =
+      charts.size() == 1 ? Result<BlankForm>(BlankForm::OfBlank(sheets.front())) : BlankForm::Of(sheets);
+  if (!form) return Failure(form.error() + (leftOut.empty() ? "" : " (" + leftOut.front() + ")"));
+  const auto bytes = form->Bytes();
+  if (!bytes) return Failure(bytes.error());
+  const std::string path = BlankFormPath(programFolder, charts.front().Chart.ChartType.Name);
+  std::error_code error;
+  std::filesystem::create_directories(std::filesystem::path(path).parent_path(), error);
+  if (const auto written = WriteWholeFile(path, *bytes); !written) return Failure(written.error());
+  return leftOut;
 }
 
 // ---- What stands

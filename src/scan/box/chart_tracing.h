@@ -2,9 +2,12 @@
 // already. It is done by a process of its own, since a scan can be broken in ways that nobody has thought of.
 #pragma once
 
+#include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "chartfiles/chart_text.h"
 #include "core/settings.h"
@@ -30,12 +33,19 @@ Result<BoxedChart> MakeBoxedChart(const ReferenceLists& lists, ActivatedChart ch
 struct BoxWish {
   std::string Target;                          ///< the folder of journals and chart files
   std::optional<TraceWish::Place> Start = {};  ///< as in TraceWish
+  int Line = 0;                                ///< as in TraceWish
+  std::shared_ptr<const BlankForm> Form = {};  ///< of the chart type
   bool Doubtful = false;                       ///< charts to review get their chart file as well
   std::string Picture = {};                    ///< the scan with its line goes there; empty for none
 };
 /// Traces it. A clean chart gets its chart file and its journal, one with doubts its journal alone, and one
 /// that cannot be traced neither. Nothing is written of a chart that cannot be saved.
 TracedChart TraceChart(const BoxedChart& chart, const BoxWish& wish);
+
+/// Makes the blank form of the charts' type anew and keeps it in the program folder: of their scans, or of a
+/// single one that nothing was written on. Gives what of them was left out, in words for each.
+Result<std::vector<std::string>> MakeKeptForm(std::span<const BoxedChart> charts,
+                                              const std::string& programFolder);
 
 /// A chart file's name with another ending, such as ".journal".
 std::string NameWithEnding(std::string_view chartFile, std::string_view ending);
