@@ -14,6 +14,7 @@
 
 #include "core/files.h"
 #include "drawn_chart.h"
+#include "grid_rows.h"
 #include "scan/trace_picture.h"
 #include "scans/scan_damage.h"
 #include "scans/scan_file.h"
@@ -131,9 +132,29 @@ void PrintRow(const std::string& name, const Row& row) {
 struct Words {
   int Each = 2;
   int Seed = 1;
-  bool HeldBack = false;
-  std::string Only, Keep;
+  bool HeldBack = false, Grid = false;
+  std::string Only, Keep, Damage;
 };
+
+// The grids alone: these kinds, and hard mixes; or a mix that is given.
+int MeasureGridsOf(const Words& words) {
+  std::vector<GridKind> kinds;
+  if (!words.Damage.empty()) kinds.push_back({words.Damage, words.Damage});
+  if (words.Damage.empty()) {
+    for (const Kind& kind : Kinds())
+      if (kind.HeldBack == words.HeldBack) kinds.push_back({kind.Name, kind.Damage});
+    if (!words.HeldBack) kinds.insert(kinds.end(), HardGrids().begin(), HardGrids().end());
+  }
+  if (!words.Only.empty())
+    std::erase_if(kinds, [&](const GridKind& kind) { return kind.Name != words.Only; });
+  cv::setNumThreads(1);
+  const std::string folder =
+      (std::filesystem::temp_directory_path() / ("hyetex-grids-" + std::to_string(getpid()))).string();
+  std::filesystem::create_directory(folder);
+  const int done = MeasureGrids(kinds, words.Each, words.Seed, folder);
+  std::filesystem::remove_all(folder);
+  return done;
+}
 
 int Measure(const Words& words) {
   cv::setNumThreads(1);
@@ -212,15 +233,22 @@ int main(int count, char** given) {
       words.Seed = std::max(1, std::atoi(value().c_str()));
     else if (word == "--held-back")
       words.HeldBack = true;
+    else if (word == "--grid")
+      words.Grid = true;
+    else if (word == "--damage")
+      words.Damage = value();
     else if (word == "--only")
       words.Only = value();
     else if (word == "--keep")
       words.Keep = value();
     else {
-      std::fprintf(stderr,
-                   "hyetex-autotrace-bench [--each N] [--seed N] [--held-back] [--only KIND] [--keep DIR]\n");
+      std::fprintf(
+          stderr,
+          "hyetex-autotrace-bench [--each N] [--seed N] [--held-back] [--only KIND] [--keep DIR]\n"
+          "hyetex-autotrace-bench --grid [--each N] [--seed N] [--held-back] [--only KIND] [--damage "
+          "LIST]\n");
       return word == "--help" ? 0 : 2;
     }
   }
-  return hyetex::Measure(words);
+  return words.Grid ? hyetex::MeasureGridsOf(words) : hyetex::Measure(words);
 }
