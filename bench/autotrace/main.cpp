@@ -14,6 +14,7 @@
 
 #include "core/files.h"
 #include "drawn_chart.h"
+#include "grid_rows.h"
 #include "scan/trace_picture.h"
 #include "scans/scan_damage.h"
 #include "scans/scan_file.h"
@@ -131,9 +132,9 @@ void PrintRow(const std::string& name, const Row& row) {
 struct Words {
   int Each = 2;
   int Seed = 1;
-  bool HeldBack = false;
+  bool HeldBack = false, Grid = false;
   DrawnPaper Paper = DrawnPaper::Siphon;
-  std::string Only, Keep;
+  std::string Only, Keep, Damage;
 };
 
 std::optional<DrawnPaper> PaperOf(const std::string& name) {
@@ -141,6 +142,26 @@ std::optional<DrawnPaper> PaperOf(const std::string& name) {
   if (name == "arc") return DrawnPaper::Arc;
   if (name == "tipping") return DrawnPaper::Tipping;
   return std::nullopt;
+}
+
+// The grids alone: these kinds, and hard mixes; or a mix that is given.
+int MeasureGridsOf(const Words& words) {
+  std::vector<GridKind> kinds;
+  if (!words.Damage.empty()) kinds.push_back({words.Damage, words.Damage});
+  if (words.Damage.empty()) {
+    for (const Kind& kind : Kinds())
+      if (kind.HeldBack == words.HeldBack) kinds.push_back({kind.Name, kind.Damage});
+    if (!words.HeldBack) kinds.insert(kinds.end(), HardGrids().begin(), HardGrids().end());
+  }
+  if (!words.Only.empty())
+    std::erase_if(kinds, [&](const GridKind& kind) { return kind.Name != words.Only; });
+  cv::setNumThreads(1);
+  const std::string folder =
+      (std::filesystem::temp_directory_path() / ("hyetex-grids-" + std::to_string(getpid()))).string();
+  std::filesystem::create_directory(folder);
+  const int done = MeasureGrids(kinds, words.Each, words.Seed, folder);
+  std::filesystem::remove_all(folder);
+  return done;
 }
 
 int Measure(const Words& words) {
@@ -222,6 +243,10 @@ int main(int count, char** given) {
       words.HeldBack = true;
     else if (const auto paper = word == "--paper" ? hyetex::PaperOf(value()) : std::nullopt; paper)
       words.Paper = *paper;
+    else if (word == "--grid")
+      words.Grid = true;
+    else if (word == "--damage")
+      words.Damage = value();
     else if (word == "--only")
       words.Only = value();
     else if (word == "--keep")
@@ -229,9 +254,11 @@ int main(int count, char** given) {
     else {
       std::fprintf(stderr,
                    "hyetex-autotrace-bench [--paper siphon|arc|tipping] [--each N] [--seed N] [--held-back] "
-                   "[--only KIND] [--keep DIR]\n");
+                   "[--only KIND] [--keep DIR]\n"
+                   "hyetex-autotrace-bench --grid [--each N] [--seed N] [--held-back] [--only KIND] "
+                   "[--damage LIST]\n");
       return word == "--help" ? 0 : 2;
     }
   }
-  return hyetex::Measure(words);
+  return words.Grid ? hyetex::MeasureGridsOf(words) : hyetex::Measure(words);
 }

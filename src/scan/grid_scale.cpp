@@ -113,6 +113,15 @@ cv::Mat InkOf(const ScanImage& image, double step) {
 
 }  // namespace
 
+std::vector<double> PrintedSteps(const ChartTypeRecord& paper, bool hours) {
+  std::vector<double> steps;
+  if (hours)
+    for (const double minutes : MinuteSteps) steps.push_back(minutes / 60 / paper.TimeScale);
+  else
+    for (const double depth : DepthSteps) steps.push_back(depth / paper.DepthScale);
+  return steps;
+}
+
 std::optional<GridScale> ScaleByGrid(const ScanImage& image, const ChartTypeRecord& paper, double hours) {
   const int longest = std::max(image.Width(), image.Height());
   if (std::min(image.Width(), image.Height()) < 64 || !(paper.TimeScale > 0) || !(paper.DepthScale > 0) ||

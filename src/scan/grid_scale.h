@@ -4,6 +4,7 @@
 #pragma once
 
 #include <optional>
+#include <vector>
 
 #include "core/records.h"
 #include "scan/scan_image.h"
@@ -21,5 +22,9 @@ struct GridScale {
 /// The scale at which the lines of the grid lie as on this kind of paper, `hours` long. Fast: a part of a
 /// second whatever the image's size. Nothing where no grid stands out, or where two scales would do as well.
 std::optional<GridScale> ScaleByGrid(const ScanImage& image, const ChartTypeRecord& paper, double hours);
+
+/// How far apart printers set lines on such paper, the closest first, in mm of paper: those of the hours, or
+/// of the depths.
+std::vector<double> PrintedSteps(const ChartTypeRecord& paper, bool hours);
 
 }  // namespace hyetex

@@ -23,6 +23,12 @@ class LineField {
   double At(double x, double y) const;
   /// Adds `lines` to the numbers.
   void Shift(double lines) { bend_[0] += lines; }
+  /// Counts `times` lines for each.
+  void Divide(double times) {
+    period_ /= times;
+    for (double& term : bend_) term *= times;
+    waves_ = cv::Mat(waves_ * times);  // a field's copies share what it holds
+  }
   double Period() const { return period_; }  ///< pixels from line to line, on the whole
 
  private:

@@ -6,16 +6,24 @@
 
 #include "core/numbers.h"
 #include "scan/grid_scale.h"
+#include "scan/hour_labels.h"
 #include "scan/line_fitter.h"
 
 namespace hyetex {
 namespace {
 
-constexpr double MostPixelsPerMm = 10;  // lines are fitted no finer than this
-constexpr double LeastClear = 0.5;      // of the picture, that follows the fitted lines
-constexpr double PresentShare = 0.35;   // of what a line usually has over its surroundings
-constexpr int MostMissing = 2;          // lines one after the other, within the grid
-constexpr double LeastBand = 0.65;      // of the height that the chart type has
+constexpr double MostPixelsPerMm = 10;                  // lines are fitted no finer than this
+constexpr double LeastClear = 0.5;                      // of the picture, that follows the fitted lines
+constexpr double LeastPeriodPixels = 3.5;               // from line to line
+constexpr double FineShare = 0.08, FinePresent = 0.75;  // of a heavy line's ink, and of the lines between two
+constexpr double CoarseMm = 3;                          // between lines of the depths: fine ones are lost
+constexpr double FineLinesLost = 3;                     // times as much ink have heavy lines more
+constexpr double BandOff = 0.07;                        // of the chart type's height
+constexpr double ClosestHoursMm = 2, ClosestDepthsMm = 0.7;  // that printers set lines
+constexpr double LeastHourMm = 8;                            // to the next hour, for a number above each
+constexpr double PresentShare = 0.35;  // of what a line usually has over its surroundings
+constexpr int MostMissing = 2;         // lines one after the other, within the grid
+constexpr double LeastBand = 0.65;     // of the height that the chart type has
 constexpr std::pair<double, int> WornLines[] = {{0.25, 3}, {0.15, 5}, {0.1, 8}};  // share, missing
 constexpr double HeavyShare = 0.25;                                               // of the darkest lines' ink
 constexpr double MajorsMm = 10;    // from one heavy line of the depths to the next, at most
@@ -144,15 +152,20 @@ class LatticeFinder {
     overHead_ = overHead;
     lattice_.doubts_.clear();
     Picture();
-    const LineFitter fitter(ink_);
-    const auto depths = fitter.FitLines(scale_.UpMm * scale_.UpPixelsPerMm / step_, false, {});
+    const LineFitter fitter(ink_, scale_.PixelsPerMm / step_);
+    lattice_.upMm_ = scale_.UpMm;
+    lattice_.acrossMm_ = scale_.AcrossMm;
+    auto depths = fitter.FitLines(scale_.UpMm * scale_.UpPixelsPerMm / step_, false, {}, {});
     if (depths.Clear < LeastClear) return NoGrid("depths");
+    TakeFinerLines(fitter, {}, {}, depths, lattice_.upMm_);
     lattice_.depths_ = depths.Field;
     FindBand();
-    const cv::Mat leads = Leads(), band = leads.empty() ? ink_ : InkOfBand();
-    const auto hours =
-        LineFitter(band).FitLines(scale_.AcrossMm * scale_.AcrossPixelsPerMm / step_, true, leads);
+    const cv::Mat leads = Leads(), band = InBand();
+    const cv::Mat lined = leads.empty() ? ink_ : InkOfBand();
+    const LineFitter across(lined, scale_.PixelsPerMm / step_);
+    auto hours = across.FitLines(scale_.AcrossMm * scale_.AcrossPixelsPerMm / step_, true, leads, band);
     if (hours.Clear < LeastClear) return NoGrid("hours");
+    TakeFinerLines(across, leads, band, hours, lattice_.acrossMm_);
     lattice_.hours_ = hours.Field;
     lattice_.residualMm_ = std::max(hours.ResidualPx, depths.ResidualPx) * step_ / scale_.PixelsPerMm;
     if (const auto found = FindStart(); !found) return Failure(found.error());
@@ -233,6 +246,69 @@ class LatticeFinder {
     return cv::min(band, static_cast<double>(*line));
   }
 
+  // Fine lines that a threshold or a blur has all but taken away are found when the heavy ones are followed.
+  void TakeFinerLines(const LineFitter& fitter, const cv::Mat& leads, const cv::Mat& where,
+                      LineFitter::Fit& fit, double& mm) const {
+    const bool hours = &mm == &lattice_.acrossMm_;
+    for (const double step : PrintedSteps(page_.Paper, hours)) {
+      const int times = static_cast<int>(std::lround(mm / step));
+      if (times < 2 || step < (hours ? ClosestHoursMm : ClosestDepthsMm) ||
+          std::abs(times * step / mm - 1) > 1e-3 || step * scale_.PixelsPerMm / step_ < LeastPeriodPixels)
+        continue;
+      auto fine = fitter.FitFiner(fit.Field, times, leads, where);
+      if (fine.Clear < LeastClear || !StandOut(fine.Field, times, leads, where)) continue;
+      fit = std::move(fine);
+      mm = step;
+      return;
+    }
+  }
+
+  // Whether there is more ink on the lines of a field than between them, leaving out each one of `times`.
+  bool StandOut(const LineField& field, int times, const cv::Mat& leads, const cv::Mat& where) const {
+    constexpr int Bins = 8, Apart = 3;
+    std::vector<double> sums(static_cast<std::size_t>(times * Bins), 1e-9), counts(sums);
+    for (int y = 1; y < ink_.rows; y += Apart)
+      for (int x = 1; x < ink_.cols; x += Apart) {
+        if (!where.empty() && where.at<std::uint8_t>(y, x) == 0) continue;
+        const double number =
+            (field.At(x + 0.5, y + 0.5) + (leads.empty() ? 0.0 : leads.at<float>(y, x))) / times;
+        const double part = (number - std::floor(number)) * times * Bins + 0.5;
+        const auto bin = static_cast<std::size_t>(part) % sums.size();
+        sums[bin] += ink_.at<float>(y, x);
+        counts[bin] += 1;
+      }
+    const auto at = [&](int bin) {
+      double sum = 0, count = 0;
+      for (int i = bin - 1; i <= bin + 1; ++i) {
+        const auto n = (static_cast<std::size_t>(i) + sums.size()) % sums.size();
+        sum += sums[n];
+        count += counts[n];
+      }
+      return sum / count;
+    };
+    const auto over = [&](int line) {
+      const int bin = line * Bins;
+      return at(bin) - (at(bin - Bins / 2) + at(bin + Bins / 2)) / 2;
+    };
+    const double heavy = over(0);
+    int clear = 0;
+    for (int line = 1; line < times; ++line) clear += over(line) > FineShare * heavy ? 1 : 0;
+    return clear >= FinePresent * (times - 1);
+  }
+
+  // Only the band has lines of the hours: numbers and bars above it would bend them.
+  cv::Mat InBand() const {
+    constexpr int Apart = 16;
+    cv::Mat coarse(ink_.rows / Apart + 1, ink_.cols / Apart + 1, CV_8U), band;
+    for (int y = 0; y < coarse.rows; ++y)
+      for (int x = 0; x < coarse.cols; ++x) {
+        const double up = -lattice_.depths_.At((x + 0.5) * Apart, (y + 0.5) * Apart) * lattice_.upMm_;
+        coarse.at<std::uint8_t>(y, x) = up > 0 && up < lattice_.bandMm_ ? 255 : 0;
+      }
+    cv::resize(coarse, band, {coarse.cols * Apart, coarse.rows * Apart}, 0, 0, cv::INTER_NEAREST);
+    return band(cv::Rect(0, 0, ink_.cols, ink_.rows));
+  }
+
   double InkAround(double x, double y) const {
     const int column = static_cast<int>(x), row = static_cast<int>(y);
     if (column < 1 || row < 1 || column + 1 >= ink_.cols || row + 1 >= ink_.rows) return -1;
@@ -301,15 +377,59 @@ class LatticeFinder {
     // knows about.
     Run run = LongestRun(lines);
     const double most = page_.Paper.ChartHeightMm / lattice_.upMm_;
-    const bool worn = run.Last - run.First < LeastBand * most;
+    // Where hardly more than heavy lines are left, the band's own edges may stand by themselves, too.
+    const bool thin = FoldLines(lines, run, {5, 10}).StandOut > FineLinesLost;
+    const double least = (thin ? 1 - BandOff : LeastBand) * most;
+    const bool worn = run.Last - run.First < least;
     for (const auto& [share, missing] : WornLines)
-      if (run.Last - run.First < LeastBand * most) run = LongestRun(lines, share, missing);
-    if (run.Last - run.First < LeastBand * most) run = AllLines(lines);
-    if (worn)
+      if (run.Last - run.First < least) run = LongestRun(lines, share, missing);
+    if (run.Last - run.First < least) run = AllLines(lines);
+    if (worn || (thin && run.Last - run.First < most - 1))
       TakeHeavyLinesAround(lines, static_cast<int>(MajorsMm / lattice_.upMm_), static_cast<int>(most) + 1,
                            run);
+    const double off = (run.Last - run.First) / std::max(1.0, most) - 1;
+    if (lattice_.upMm_ > CoarseMm || (worn && std::abs(off) > BandOff))
+      lattice_.doubts_.emplace_back(
+          "Of the printed lines of the depths only some are left: confirm where the band's bottom edge "
+          "lies.");
     depths.Shift(-run.Last);
     lattice_.bandMm_ = (run.Last - run.First) * lattice_.upMm_;
+  }
+
+  std::vector<LabelWidth> LabelsAbove(const Run& run, const Majors& majors, int inAnHour) const {
+    std::vector<LabelWidth> labels;
+    if (majors.Every != inAnHour || inAnHour * lattice_.acrossMm_ < LeastHourMm) return labels;
+    for (int line = run.First; line <= run.Last; ++line) {
+      if ((line % inAnHour + inAnHour) % inAnHour != majors.Class) continue;
+      const double width = EdgesBeside(line * lattice_.acrossMm_);
+      if (width >= 0) labels.push_back({static_cast<double>(line) / inAnHour, width});
+    }
+    return labels;
+  }
+
+  // What is printed beside the middle of a number above the band; below 0 outside of the picture.
+  double EdgesBeside(double alongMm) const {
+    constexpr double FromMm = 1, ToMm = 2.1, LowMm = 0.8, HighMm = 7, RightMm = 0.15, UpMm = 0.25;
+    double sum = 0;
+    int rows = 0;
+    for (double up = LowMm; up < HighMm; up += UpMm) {
+      double edges = 0;
+      bool seen = true;
+      for (const double side : {-1.0, 1.0}) {
+        double before = -1;
+        for (double right = FromMm; right < ToMm; right += RightMm) {
+          const cv::Point2d at = lattice_.ToPicture({alongMm + side * right, lattice_.bandMm_ + up});
+          const double ink = InkAround(at.x, at.y);
+          seen = seen && ink >= 0;
+          if (before >= 0) edges += std::abs(ink - before);
+          before = ink;
+        }
+      }
+      if (!seen) continue;
+      sum += edges;
+      ++rows;
+    }
+    return rows < 4 ? -1 : sum;
   }
 
   Result<void> FindStart() {
@@ -353,19 +473,29 @@ class LatticeFinder {
     if (spare < -0.12 * length)
       return Failure("the printed grid is too short for the chart's " + ShortText(page_.Hours) + " hours");
     std::vector<double> starts;
-    for (int line = run.First - majors.Every; line <= run.Last; ++line) {
-      if ((line % majors.Every + majors.Every) % majors.Every != majors.Class) continue;
-      const double start = line + after;
-      const double allowed = 1.2 + std::max(0.0, -spare);
-      if (start >= run.First - allowed && start + length <= run.Last + allowed) starts.push_back(start);
-    }
+    // Where lines are lost, more may be lost at either end.
+    const double usual = 1.2 + std::max(0.0, -spare) + (worn ? 2 * majors.Every : 0);
+    double allowed = usual;
+    for (; starts.empty(); allowed += majors.Every)
+      for (int line = run.First - 3 * majors.Every; line <= run.Last; ++line) {
+        if ((line % majors.Every + majors.Every) % majors.Every != majors.Class) continue;
+        const double start = line + after;
+        if (start >= run.First - allowed && start + length <= run.Last + allowed) starts.push_back(start);
+      }
+    const bool fits = allowed < usual + 1.5 * majors.Every;
     // Of several, the one that leaves as much of the grid on the left as on the right.
     const double middleStart = (run.First + run.Last - length) / 2;
     std::sort(starts.begin(), starts.end(), [&](double one, double other) {
       return std::abs(one - middleStart) < std::abs(other - middleStart);
     });
-    if (starts.empty()) starts.push_back(run.First + std::max(0.0, spare / 2));
-    if (starts.size() != 1 || !sure || spare < -1.5 - between)
+    std::vector<double> inHours;
+    for (const double start : starts) inHours.push_back(start / inAnHour);
+    const LabelledStart labelled =
+        inAnHour > 0 ? StartByLabels(LabelsAbove(run, majors, inAnHour), inHours, page_.StartHour)
+                     : LabelledStart{};
+    if (sure && labelled.Start)
+      std::swap(starts.front(), starts[*labelled.Start]);
+    else if (starts.size() != 1 || !sure || !fits || worn || spare < -1.5 - between || labelled.Against)
       lattice_.doubts_.push_back(
           "The printed hours do not tell by themselves where the chart starts. It is taken to "
           "start " +
