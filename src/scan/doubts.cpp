@@ -20,6 +20,7 @@ constexpr double ShortBlankRainMm = 0.1, LevelBlankHours = 0.5;
 constexpr double TopOffMm = 2.5;  // of an emptying, from the usual top
 constexpr double HiddenMm = 60, HiddenJoinMm = 2;
 constexpr double LevelMm = 0.5;
+constexpr double EdgeMm = 2.5, MostAtEdge = 0.04;  // of the height
 constexpr double SeenEndMm = 12;  // of the line, where it comes to a printed one or leaves it
 constexpr double EndMm = 2;
 constexpr double LeastDepthOffMm = 0.3;
@@ -31,7 +32,7 @@ constexpr double LeastUnseen = 0.05;    // of the height: what joins the dashes 
 constexpr int BesideFall = 3;           // columns to each side
 constexpr double MostBesideFall = 0.5;  // of the height
 constexpr double SureReading = 30;      // what another reading of an upright line costs more
-constexpr double FallNearMm = 0.4;
+constexpr double FallNearMm = 0.4, LineNearMm = 0.8;
 constexpr double MoreNearMm = 1.5, MorePenMm = 0.3, MoreShare = 0.3;
 constexpr float MoreInk = 0.45F;
 constexpr double UprightNearMm = 1.4;
@@ -48,6 +49,7 @@ class Finder {
 
   std::vector<TraceDoubt> Find() {
     Ends();
+    EndRises();
     Blanks();
     OtherWays();
     HiddenStretches();
@@ -94,6 +96,18 @@ class Finder {
       lastInk_ = blank.back().From;
     } else {
       lastInk_ = Count();
+    }
+  }
+
+  // The paper's own edge, and what is printed there, stands upright too.
+  void EndRises() {
+    const int length = static_cast<int>(EdgeMm * about_.Flat.PixelsPerMm);
+    for (const int from : {0, std::max(0, Count() - length)}) {
+      const int past = std::min(Count(), from + length);
+      if (const double rise = RiseMm(from, past); rise > MostAtEdge * UsualRain())
+        Add(from == 0 ? TraceDoubt::Kind::Start : TraceDoubt::Kind::End, from, past,
+            "The line rises by " + Mm(rise) + " mm at the page's " + (from == 0 ? "beginning" : "end") +
+                ": confirm that it is not the paper's edge.");
     }
   }
 
@@ -261,6 +275,13 @@ class Finder {
       return fall.Sure > SureReading && std::abs(fall.Column - about_.Path.FirstColumn - column) <= near;
     });
   }
+  bool HasLine(int column) const {
+    const double near = LineNearMm * about_.Flat.PixelsPerMm;
+    for (const std::span<const FallLine> lines : {about_.Falls, about_.Uprights})
+      for (const FallLine& line : lines)
+        if (std::abs(line.Column - about_.Path.FirstColumn - column) <= near) return true;
+    return false;
+  }
   bool IsUnsurelyRead(int column) const {
     const double near = FallNearMm * about_.Flat.PixelsPerMm;
     for (const std::span<const FallLine> lines : {about_.Falls, about_.Uprights})
@@ -306,7 +327,7 @@ class Finder {
       else if (Hour(i) - lastEmptied_ < CloseHours)
         Add(TraceDoubt::Kind::Emptying, from, past,
             Fall() + At(i) + " follows close on another: confirm how many there are.");
-      else if (MarginAround(i) < SureEmptying || IsUnsurelyRead(i))
+      else if (MarginAround(i) < SureEmptying || IsUnsurelyRead(i) || !HasLine(i))
         Add(TraceDoubt::Kind::Emptying, from, past, "Confirm the " + FallName() + " at " + At(i) + ".");
       lastEmptied_ = Hour(i);
     }

@@ -72,7 +72,7 @@ class Search {
  private:
   static constexpr double BelowFootMm = 2.2;
   static constexpr double AtRestMm = 0.5;
-  static constexpr int StillColumns = 5;
+  static constexpr int StillColumns = 3;
   static constexpr int RidgeApart = 3;  // columns to each side
   using Costs = std::vector<float>;
 

@@ -24,7 +24,7 @@ constexpr double WithinMm = 0.15;       // of the path: half a pen's width
 constexpr double GapHours = 0.75;       // without ink, from which on it is told as a gap
 constexpr double GapMm = 4;             // and on charts of a week, so long
 constexpr double LeastContrast = 0.05;  // of a pen against its paper
-constexpr double LeastExplained = 0.3, SureExplained = 0.75;
+constexpr double LeastExplained = 0.3, SureExplained = 0.88;
 constexpr double LeastOnLine = 0.15;      // ink on the line, where the form does not hide it
 constexpr double LeastOfContrast = 0.32;  // has a line's mean ink, where most of it is hidden
 constexpr double ScaleOff = 0.06;         // of the file's own resolution: more than paper shrinks
