@@ -271,7 +271,7 @@ class LatticeFinder {
       for (int x = 1; x < ink_.cols; x += Apart) {
         if (!where.empty() && where.at<std::uint8_t>(y, x) == 0) continue;
         const double number =
-            (field.At(x + 0.5, y + 0.5) + (leads.empty() ? 0.0 : leads.at<float>(y, x))) / times;
+            field.At(x + 0.5, y + 0.5) / times + (leads.empty() ? 0.0 : leads.at<float>(y, x));
         const double part = (number - std::floor(number)) * times * Bins + 0.5;
         const auto bin = static_cast<std::size_t>(part) % sums.size();
         sums[bin] += ink_.at<float>(y, x);
@@ -473,8 +473,10 @@ class LatticeFinder {
     if (spare < -0.12 * length)
       return Failure("the printed grid is too short for the chart's " + ShortText(page_.Hours) + " hours");
     std::vector<double> starts;
-    // Where lines are lost, more may be lost at either end.
-    const double usual = 1.2 + std::max(0.0, -spare) + (worn ? 2 * majors.Every : 0);
+    // Where lines are lost, more may be lost at either end; but the paper of a week has no more than its
+    // page.
+    const bool lost = worn && (inAnHour > 0 || spare < -0.5);
+    const double usual = 1.2 + std::max(0.0, -spare) + (lost ? 2 * majors.Every : 0);
     double allowed = usual;
     for (; starts.empty(); allowed += majors.Every)
       for (int line = run.First - 3 * majors.Every; line <= run.Last; ++line) {
@@ -495,7 +497,7 @@ class LatticeFinder {
                      : LabelledStart{};
     if (sure && labelled.Start)
       std::swap(starts.front(), starts[*labelled.Start]);
-    else if (starts.size() != 1 || !sure || !fits || worn || spare < -1.5 - between || labelled.Against)
+    else if (starts.size() != 1 || !sure || !fits || lost || spare < -1.5 - between || labelled.Against)
       lattice_.doubts_.push_back(
           "The printed hours do not tell by themselves where the chart starts. It is taken to "
           "start " +

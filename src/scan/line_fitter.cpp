@@ -429,11 +429,13 @@ LineFitter::Fit LineFitter::FitFiner(const LineField& field, int times, const cv
                                      const cv::Mat& where) const {
   Fit fit;
   fit.Field = field;
+  cv::Mat leads = lead.clone();  // in lines, of which there are more now
   // In small steps: each is surer of whole periods than what it comes from.
   for (int left = times, factor = 2; left > 1; ++factor)
     for (; left % factor == 0; left /= factor) {
       fit.Field.Divide(factor);
-      const Waves waves = TurnBack(ink_, fit.Field.period_, field.across_, lead, where);
+      if (!leads.empty()) leads *= factor;
+      const Waves waves = TurnBack(ink_, fit.Field.period_, field.across_, leads, where);
       Parts parts = PartsOf(waves);
       for (int turn = 0; turn < 2; ++turn) {
         LookAgain(waves, fit.Field, parts);

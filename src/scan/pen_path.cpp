@@ -286,11 +286,7 @@ class Search {
 
 PenCosts PenCosts::For(ChartMethod method) {
   PenCosts costs;
-  if (method == ChartMethod::NonLinear) {
-    costs.Sink = SinkOnArc;
-    // On a week's paper a cloudburst is as upright as a fall: to fall is worth nothing in itself.
-    costs.FallSeen = costs.Emptying;
-  }
+  if (method == ChartMethod::NonLinear) costs.Sink = SinkOnArc;
   if (method != ChartMethod::Linear) costs.AtRest = SeldomAtRest;
   return costs;
 }
