@@ -475,7 +475,7 @@ class LatticeFinder {
     std::vector<double> starts;
     // Where lines are lost, more may be lost at either end; but the paper of a week has no more than its
     // page.
-    const bool lost = worn && (inAnHour > 0 || spare < -0.5);
+    const bool lost = worn && (inAnHour > 1 || spare < -0.5);
     const double usual = 1.2 + std::max(0.0, -spare) + (lost ? 2 * majors.Every : 0);
     double allowed = usual;
     for (; starts.empty(); allowed += majors.Every)
