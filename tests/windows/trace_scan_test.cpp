@@ -51,7 +51,7 @@ TEST_F(TracedDesk, GivesTheRainAndComesBackAfterABreakdown) {
 }
 
 TEST_F(TracedDesk, LeadsFromDoubtToDoubtAndAsksBeforeItSavesWithSome) {
-  Trace("gaps=1");
+  Trace("gaps=0.6");
   const std::size_t doubts = Doubts();
   ASSERT_GT(doubts, 1U);
   Key(Qt::Key_Tab);
@@ -94,7 +94,7 @@ TEST_F(TracedDesk, LeadsFromDoubtToDoubtAndAsksBeforeItSavesWithSome) {
 }
 
 TEST_F(TracedDesk, LetsTheTabKeyGoOnBehindTheLastDoubtAndBeforeTheFirst) {
-  Trace("gaps=1");
+  Trace("gaps=0.6");
   for (std::size_t i = 0; i < Doubts(); ++i) Key(Qt::Key_Tab);
   EXPECT_NE(Window().Review().Shown(), nullptr);
   EXPECT_EQ(QApplication::focusWidget(), &Window());
@@ -137,7 +137,7 @@ TEST_F(TracedDesk, IsAsItWasWhenTheTracingIsCancelled) {
 }
 
 TEST_F(TracedDesk, TracesAStretchAgainBetweenItsTwoEnds) {
-  Trace("gaps=1");
+  Trace("gaps=0.6");
   Key(Qt::Key_Tab);
   while (Window().Review().Shown() != nullptr &&
          StretchOf(*Window().Review().Shown(), Digitized().Line).second < 0)
