@@ -278,7 +278,7 @@ Exit RunAutotrace(const AutotraceWords& words) {
   const auto jobs = FindJobs(*box);
   if (!jobs) return Fail(jobs.error());
   if (words.MakeForm) {
-    const auto leftOut = MakeKeptForm(*jobs, words.Folder);
+    const auto leftOut = MakeKeptForm(*jobs, words.Folder, !words.Scan.empty());
     if (!leftOut) return Fail("No form was made: " + leftOut.error());
     for (const std::string& one : *leftOut) Say("Left out of the form: " + one);
     Say("The form of the chart type is kept");

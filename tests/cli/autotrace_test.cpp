@@ -27,8 +27,9 @@ class Autotrace : public ::testing::Test {
     fs::copy(Demo("program"), Folder / "program", fs::copy_options::recursive);
     for (const char* name : {"target", "scans", "pictures"}) fs::create_directory(Folder / name);
   }
-  void DrawScan() const {
-    const std::vector<RainPoint> rain{{0, 0}, {6, 0}, {7, 3}, {12, 3.2}, {15, 4.2}, {24, 4.2}};
+  void DrawScan(const std::string& stem = Stem, double more = 0) const {
+    const std::vector<RainPoint> rain{{0, 0},           {6, 0},           {7, 3 + more},
+                                      {12, 3.2 + more}, {15, 4.2 + more}, {24, 4.2 + more}};
     RainChart chart;
     chart.Paper.TimeScale = 1 / 16.1F;
     chart.Paper.DepthScale = 0.125F;
@@ -37,7 +38,7 @@ class Autotrace : public ::testing::Test {
     style.ZeroMm = 3.2;
     style.BandMm = 85.2;
     const auto drawn = hyetex::DrawScan(*DrawRain(rain, chart), style, 3);
-    WriteFile(Folder / ("scans/" + std::string(Stem) + ".png"), *EncodeScan(drawn->Image, "scan.png", 150));
+    WriteFile(Folder / ("scans/" + stem + ".png"), *EncodeScan(drawn->Image, "scan.png", 150));
   }
   Ran Run(std::vector<std::string> words) {
     const std::vector<std::string> first{"autotrace", "--folder", Folder / "program", "--user",
@@ -83,6 +84,43 @@ TEST_F(Autotrace, WritesJournalAndChartFileOnceAndReportsEachChart) {
               Folder / "target", "--comment", "Traced from a scan by the program", Target(".journal")});
   EXPECT_EQ(digitized.Status, 0) << digitized.Error;
   EXPECT_EQ(ReadFile(Target(".dat")), chart);
+}
+
+TEST_F(Autotrace, KeepsTheBlankFormOfAChartTypeAndTracesWithIt) {
+  DrawScan();
+  const std::string form = Folder / "program/FORMS/Daily siphon%2C 10 mm.form";
+  const Ran few = Run({"--scans", Folder / "scans", "--make-form"});
+  EXPECT_EQ(few.Status, 1);
+  EXPECT_THAT(few.Error, HasSubstr("No form was made"));
+
+  const std::string empty = Folder / ("scans/" + std::string(Stem) + ".png");
+  const Ran made = Run({"--task", "1", "--scan", empty, "--make-form"});
+  EXPECT_EQ(made.Status, 0) << made.Error;
+  ASSERT_TRUE(fs::exists(form)) << made.Error;
+  EXPECT_FALSE(fs::exists(Target(".journal"))) << "an empty chart is not traced";
+
+  // A chart that is all form has no line of its own.
+  const Ran same = Run({"--scans", Folder / "scans", "--doubtful"});
+  EXPECT_EQ(same.Status, 3);
+  EXPECT_FALSE(fs::exists(Target(".dat"))) << same.Out;
+
+  DrawScan(Stem, 3);
+  EXPECT_THAT(Run({"--scans", Folder / "scans", "--again", "--doubtful"}).Error, HasSubstr("0 not traced"));
+  EXPECT_TRUE(fs::exists(Target(".dat")));
+
+  WriteFile(form, "hyetex blank form 1 nothing");
+  const Ran damaged = Run({"--scans", Folder / "scans"});
+  EXPECT_EQ(damaged.Status, 1);
+  EXPECT_THAT(damaged.Error, HasSubstr("form cannot be used"));
+}
+
+TEST_F(Autotrace, SaysThatASheetHasOneLineOnly) {
+  DrawScan();
+  const Ran ran =
+      Run({"--task", "1", "--scan", Folder / ("scans/" + std::string(Stem) + ".png"), "--line", "2"});
+  EXPECT_EQ(ran.Status, 3);
+  EXPECT_THAT(ran.Out, HasSubstr("there is one line on the chart, not two"));
+  EXPECT_FALSE(fs::exists(Target(".journal")));
 }
 
 TEST_F(Autotrace, EndsItsChartsWhenItIsEnded) {

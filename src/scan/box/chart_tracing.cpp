@@ -118,7 +118,7 @@ TracedChart TraceChart(const BoxedChart& chart, const BoxWish& wish) {
 }
 
 Result<std::vector<std::string>> MakeKeptForm(std::span<const BoxedChart> charts,
-                                              const std::string& programFolder) {
+                                              const std::string& programFolder, bool empty) {
   if (charts.empty()) return Failure("there is no scan to make a form of");
   std::vector<std::string> leftOut;
   std::vector<FormSheet> sheets;
@@ -132,9 +132,8 @@ Result<std::vector<std::string>> MakeKeptForm(std::span<const BoxedChart> charts
     else
       leftOut.push_back(chart.Name() + ": " + sheet.error());
   }
-  if (charts.size() == 1 && sheets.empty()) return Failure(leftOut.front());
-  const auto form =
-      charts.size() == 1 ? Result<BlankForm>(BlankForm::OfBlank(sheets.front())) : BlankForm::Of(sheets);
+  if (empty && sheets.empty()) return Failure(leftOut.front());
+  const auto form = empty ? Result<BlankForm>(BlankForm::OfBlank(sheets.front())) : BlankForm::Of(sheets);
   if (!form) return Failure(form.error() + (leftOut.empty() ? "" : " (" + leftOut.front() + ")"));
   const auto bytes = form->Bytes();
   if (!bytes) return Failure(bytes.error());

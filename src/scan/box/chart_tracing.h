@@ -42,10 +42,11 @@ struct BoxWish {
 /// that cannot be traced neither. Nothing is written of a chart that cannot be saved.
 TracedChart TraceChart(const BoxedChart& chart, const BoxWish& wish);
 
-/// Makes the blank form of the charts' type anew and keeps it in the program folder: of their scans, or of a
-/// single one that nothing was written on. Gives what of them was left out, in words for each.
+/// Makes the blank form of the charts' type anew and keeps it in the program folder: of what their scans have
+/// in common, or, where there is one that is said to be `empty`, of that. Gives what was left out, in words
+/// for each.
 Result<std::vector<std::string>> MakeKeptForm(std::span<const BoxedChart> charts,
-                                              const std::string& programFolder);
+                                              const std::string& programFolder, bool empty);
 
 /// A chart file's name with another ending, such as ".journal".
 std::string NameWithEnding(std::string_view chartFile, std::string_view ending);
