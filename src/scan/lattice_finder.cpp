@@ -8,6 +8,7 @@
 #include "scan/grid_scale.h"
 #include "scan/hour_labels.h"
 #include "scan/line_fitter.h"
+#include "scan/printed_lines.h"
 
 namespace hyetex {
 namespace {
@@ -21,119 +22,15 @@ constexpr double FineLinesLost = 3;                     // times as much ink hav
 constexpr double BandOff = 0.07;                        // of the chart type's height
 constexpr double ClosestHoursMm = 2, ClosestDepthsMm = 0.7;  // that printers set lines
 constexpr double LeastHourMm = 8;                            // to the next hour, for a number above each
-constexpr double PresentShare = 0.35;  // of what a line usually has over its surroundings
-constexpr int MostMissing = 2;         // lines one after the other, within the grid
-constexpr double LeastBand = 0.65;     // of the height that the chart type has
+constexpr double LeastBand = 0.65;                           // of the height that the chart type has
 constexpr std::pair<double, int> WornLines[] = {{0.25, 3}, {0.15, 5}, {0.1, 8}};  // share, missing
-constexpr double HeavyShare = 0.25;                                               // of the darkest lines' ink
-constexpr double MajorsMm = 10;    // from one heavy line of the depths to the next, at most
-constexpr int FewestTogether = 4;  // lines on either side of missing ones
+constexpr double MajorsMm = 10;  // from one heavy line of the depths to the next, at most
 // The header with the printed hours has so much more print than the foot; below, a sheet stands on its head.
 constexpr double HeaderIsAbove = 0.75;
 constexpr double MajorsStandOut = 0.10;
 constexpr double InkOfLines = 0.85;    // of an arc chart's band is no darker than its fine lines
 constexpr double BetweenLines = 0.05;  // of a line's distance: the page starts on no line
 constexpr double LostBetween = 3;      // lines of the hours
-
-// How much more ink lies on a printed line than beside it.
-struct Lines {
-  int First = 0;
-  std::vector<double> Ink;
-
-  int Last() const { return First + static_cast<int>(Ink.size()) - 1; }
-  double At(int line) const {
-    return line < First || line > Last() ? 0 : Ink[static_cast<std::size_t>(line - First)];
-  }
-};
-
-struct Run {
-  int First = 0, Last = -1;
-};
-
-// The longest row of lines that are there. Some may be missing in its middle, not at its ends: a frame around
-// the band is no line of it.
-Run LongestRun(const Lines& lines, double share = PresentShare, int missing = MostMissing) {
-  std::vector<double> sorted = lines.Ink;
-  std::sort(sorted.begin(), sorted.end());
-  const double least = share * sorted[sorted.size() * 2 / 3];
-  std::vector<Run> runs;
-  for (int line = lines.First; line <= lines.Last(); ++line) {
-    if (!(lines.At(line) > least)) continue;
-    if (runs.empty() || runs.back().Last != line - 1) runs.push_back({line, line - 1});
-    runs.back().Last = line;
-  }
-  const auto isLong = [](const Run& run) { return run.Last - run.First + 1 >= FewestTogether; };
-  Run best, run;
-  for (const Run& next : runs) {
-    if (!isLong(next)) continue;
-    if (run.Last >= run.First && next.First - run.Last <= missing + 1)
-      run.Last = next.Last;
-    else
-      run = next;
-    if (run.Last - run.First > best.Last - best.First) best = run;
-  }
-  return best;
-}
-
-// From the first line that is surely there to the last: where only the heavy ones are left.
-Run AllLines(const Lines& lines) {
-  std::vector<double> sorted = lines.Ink;
-  std::sort(sorted.begin(), sorted.end());
-  const double least = 0.5 * sorted[sorted.size() * 19 / 20];
-  Run run{lines.Last(), lines.First};
-  for (int line = lines.First; line <= lines.Last(); ++line) {
-    if (!(lines.At(line) > least)) continue;
-    run.First = std::min(run.First, line);
-    run.Last = line;
-  }
-  return run;
-}
-
-// The heavy lines that stand by themselves beyond the ends of a worn grid, up to `apart` lines away, and
-// `most` lines in all.
-void TakeHeavyLinesAround(const Lines& lines, int apart, int most, Run& run) {
-  std::vector<double> sorted = lines.Ink;
-  std::sort(sorted.begin(), sorted.end());
-  const double heavy = HeavyShare * sorted[sorted.size() * 19 / 20];
-  for (const int step : {-1, 1}) {
-    int& end = step < 0 ? run.First : run.Last;
-    for (int line = end + step, left = apart; left > 0; line += step, --left)
-      if (lines.At(line) > heavy && run.Last - run.First + std::abs(line - end) <= most) {
-        end = line;
-        break;
-      }
-  }
-}
-
-struct Majors {
-  int Every = 1, Class = 0;
-  double StandOut = 0;
-};
-
-// Which lines, folded by how many stand from one heavy one to the next, are the heavy ones.
-Majors FoldLines(const Lines& lines, const Run& run, std::initializer_list<int> everies) {
-  Majors best;
-  for (const int every : everies) {
-    if (run.Last - run.First < 2 * every) continue;
-    std::vector<double> sums(static_cast<std::size_t>(every)), counts(sums);
-    for (int line = run.First; line <= run.Last; ++line) {
-      const auto fold = static_cast<std::size_t>((line % every + every) % every);
-      sums[fold] += lines.At(line);
-      counts[fold] += 1;
-    }
-    double all = 0;
-    std::size_t heavy = 0;
-    for (std::size_t i = 0; i < sums.size(); ++i) {
-      sums[i] /= counts[i];
-      all += sums[i];
-      if (sums[i] > sums[heavy]) heavy = i;
-    }
-    const double others = every == 1 ? 0 : (all - sums[heavy]) / (every - 1);
-    const double standOut = every == 1 ? 0 : sums[heavy] / std::max(1e-9, others) - 1;
-    if (standOut > best.StandOut) best = {every, static_cast<int>(heavy), standOut};
-  }
-  return best;
-}
 
 }  // namespace
 
@@ -320,9 +217,9 @@ class LatticeFinder {
 
   // `place` takes a share of the way along a line, and the line's number.
   template <typename Place>
-  Lines Measure(double middle, double half, const Place& place) const {
+  InkOnLines Measure(double middle, double half, const Place& place) const {
     constexpr int Samples = 300, Fewest = 24;
-    Lines lines{static_cast<int>(std::floor(middle - half)), {}};
+    InkOnLines lines{static_cast<int>(std::floor(middle - half)), {}};
     for (int line = lines.First; line <= std::ceil(middle + half); ++line) {
       double sum = 0;
       int count = 0;
@@ -372,10 +269,10 @@ class LatticeFinder {
     };
     const double middle = depths.At(ink_.cols / 2.0, ink_.rows / 2.0),
                  half = ink_.rows / 2.0 / depths.Period();
-    const Lines lines = Measure(middle, half, place);
+    const InkOnLines lines = Measure(middle, half, place);
     // Where a threshold has taken fine lines away, more may be missing; how high the band is, its chart type
     // knows about.
-    Run run = LongestRun(lines);
+    LineRun run = LongestRun(lines);
     const double most = page_.Paper.ChartHeightMm / lattice_.upMm_;
     // Where hardly more than heavy lines are left, the band's own edges may stand by themselves, too.
     const bool thin = FoldLines(lines, run, {5, 10}).StandOut > FineLinesLost;
@@ -396,7 +293,7 @@ class LatticeFinder {
     lattice_.bandMm_ = (run.Last - run.First) * lattice_.upMm_;
   }
 
-  std::vector<LabelWidth> LabelsAbove(const Run& run, const Majors& majors, int inAnHour) const {
+  std::vector<LabelWidth> LabelsAbove(const LineRun& run, const HeavyLines& majors, int inAnHour) const {
     std::vector<LabelWidth> labels;
     if (majors.Every != inAnHour || inAnHour * lattice_.acrossMm_ < LeastHourMm) return labels;
     for (int line = run.First; line <= run.Last; ++line) {
@@ -446,13 +343,13 @@ class LatticeFinder {
       return at;
     };
     const double middle = hours.At(ink_.cols / 2.0, ink_.rows / 2.0), half = ink_.cols / 2.0 / hours.Period();
-    const Lines lines = Measure(middle, half, place);
+    const InkOnLines lines = Measure(middle, half, place);
     const double lineHours = lattice_.acrossMm_ * page_.Paper.TimeScale;
     // A page that starts between two lines has one less, and its own ends are printed beside the outermost.
     const double started = page_.StartHour / lineHours;
     const double between = std::abs(started - std::round(started)) > BetweenLines ? LostBetween : 0;
     const double inside = page_.Hours / lineHours - between;
-    Run run = LongestRun(lines);
+    LineRun run = LongestRun(lines);
     const bool worn = run.Last - run.First < inside;
     for (const auto& [share, missing] : WornLines)
       if (run.Last - run.First < inside) run = LongestRun(lines, share, missing);
@@ -464,7 +361,7 @@ class LatticeFinder {
       before = run.Last - run.First;
       TakeHeavyLinesAround(lines, inAnHour, most, run);
     }
-    const Majors majors =
+    const HeavyLines majors =
         inAnHour > 1 ? FoldLines(lines, run, {inAnHour}) : FoldLines(lines, run, {2, 3, 4, 6, 12, 24});
     const bool sure = majors.StandOut > MajorsStandOut;
     const double after = std::fmod(page_.StartHour, majors.Every * lineHours) / lineHours;
