@@ -217,7 +217,8 @@ void LineFitter::LookAtParts(const Waves& waves, double period, bool across, Par
                    turnY = (bestK - triesY + between(at(bestK - 1, bestI), at(bestK + 1, bestI))) * fine;
       const auto value = spectrum.at<Complex>(bestK, bestI);
       const cv::Point2d slope(turnX / waves.StepX, turnY / waves.StepY);
-      const auto n = static_cast<std::size_t>(row * parts.Columns + column);
+      const auto n = static_cast<std::size_t>(row) * static_cast<std::size_t>(parts.Columns) +
+                     static_cast<std::size_t>(column);
       parts.Slope[n] = slope;
       parts.Phase[n] = std::atan2(value[1], value[0]) / Turn + (x - left) * turnX + (y - top) * turnY;
       const double all = bells * std::sqrt(std::max(1e-9F, power.at<float>(top, left)));
@@ -239,7 +240,7 @@ void LineFitter::CountOn(Parts& parts) {
   next.push({1, first, first});
   const auto columns = static_cast<std::size_t>(parts.Columns), rows = static_cast<std::size_t>(parts.Rows);
   while (!next.empty()) {
-    const auto [weight, from, n] = next.top();
+    const std::size_t from = next.top().From, n = next.top().To;
     next.pop();
     if (done[n] != 0) continue;
     done[n] = 1;
