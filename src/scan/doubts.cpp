@@ -45,7 +45,8 @@ class Finder {
   explicit Finder(const DoubtQuestion& about)
       : about_(about),
         columns_(about.Path.Columns),
-        empties_(about.Wish.Paper.ChartMethod == static_cast<std::int16_t>(ChartMethod::Linear)) {}
+        empties_(about.Wish.Paper.ChartMethod == static_cast<std::int16_t>(ChartMethod::Linear)),
+        swings_(about.Wish.Paper.ChartMethod == static_cast<std::int16_t>(ChartMethod::NonLinear)) {}
 
   std::vector<TraceDoubt> Find() {
     Ends();
@@ -322,12 +323,12 @@ class Finder {
         Add(TraceDoubt::Kind::Emptying, from, past,
             "Beside the " + FallName() + " at " + At(i) +
                 " there is more ink: confirm that there is only one.");
-      else if (IsSurelyRead(i))
+      else if (!swings_ && IsSurelyRead(i))
         ;
       else if (Hour(i) - lastEmptied_ < CloseHours)
         Add(TraceDoubt::Kind::Emptying, from, past,
             Fall() + At(i) + " follows close on another: confirm how many there are.");
-      else if (MarginAround(i) < SureEmptying || IsUnsurelyRead(i) || !HasLine(i))
+      else if (swings_ || MarginAround(i) < SureEmptying || IsUnsurelyRead(i) || !HasLine(i))
         Add(TraceDoubt::Kind::Emptying, from, past, "Confirm the " + FallName() + " at " + At(i) + ".");
       lastEmptied_ = Hour(i);
     }
@@ -336,6 +337,8 @@ class Finder {
   const DoubtQuestion& about_;
   const std::vector<PathColumn>& columns_;
   const bool empties_;
+  const bool
+      swings_;  // an arc pen: it is set back so seldom, and so much hangs on it, that each is confirmed
   std::vector<TraceDoubt> doubts_;
   int firstInk_ = 0, lastInk_ = 0;
   double lastEmptied_ = -24;  // hours

@@ -309,12 +309,14 @@ class LatticeFinder {
     constexpr double FromMm = 1, ToMm = 2.1, LowMm = 0.8, HighMm = 7, RightMm = 0.15, UpMm = 0.25;
     double sum = 0;
     int rows = 0;
-    for (double up = LowMm; up < HighMm; up += UpMm) {
+    for (int row = 0; LowMm + row * UpMm < HighMm; ++row) {
+      const double up = LowMm + row * UpMm;
       double edges = 0;
       bool seen = true;
       for (const double side : {-1.0, 1.0}) {
         double before = -1;
-        for (double right = FromMm; right < ToMm; right += RightMm) {
+        for (int column = 0; FromMm + column * RightMm < ToMm; ++column) {
+          const double right = FromMm + column * RightMm;
           const cv::Point2d at = lattice_.ToPicture({alongMm + side * right, lattice_.bandMm_ + up});
           const double ink = InkAround(at.x, at.y);
           seen = seen && ink >= 0;
