@@ -42,6 +42,9 @@ class ScanDesk : public MouseDesk {
     std::vector<RainPoint> rain{{0, 0}};
     for (int i = 1; i <= 40; ++i) rain.push_back({2 + i * 0.45, rain.back().Rain + 0.1 * (i % 9)});
     rain.push_back({24, rain.back().Rain});
+    return DrawDayOf(rain, name, damage);
+  }
+  DrawnScan DrawDayOf(const std::vector<RainPoint>& rain, const char* name, const char* damage = "") {
     RainChart chart;
     chart.Paper = ReadLists(folder_.Path())->ChartTypes[0];
     ScanStyle style;

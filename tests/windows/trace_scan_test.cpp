@@ -93,6 +93,21 @@ TEST_F(TracedDesk, LeadsFromDoubtToDoubtAndAsksBeforeItSavesWithSome) {
   EXPECT_NE(desk_->Window(WindowId::Save), nullptr);
 }
 
+TEST_F(TracedDesk, AsksWhichOfTwoLinesIsTheCharts) {
+  const std::vector<RainPoint> other{{0, 0}, {1, 0}, {3, 4}, {9, 4.5}, {14, 6}, {24, 6}};
+  const DrawnScan one = DrawDay("one.png"), two = DrawDayOf(other, "two.png");
+  cv::Mat both;
+  cv::min(one.Image, two.Image, both);
+  WriteFile(folder_ / "both.png", *EncodeScan(both, "both.png", 150));
+  OpenScan(folder_ / "both.png");
+  dialogs_.Answers = {BoxAnswer::Yes};
+  Key(Qt::Key_T);
+  ASSERT_FALSE(dialogs_.Boxes.empty());
+  EXPECT_THAT(dialogs_.Boxes.back().Text, HasSubstr("two lines"));
+  const double oneRain = one.Line.Points.back().Rain, twoRain = two.Line.Points.back().Rain;
+  EXPECT_LT(std::min(std::abs(Depth() - oneRain), std::abs(Depth() - twoRain)), 0.3) << Depth();
+}
+
 TEST_F(TracedDesk, LetsTheTabKeyGoOnBehindTheLastDoubtAndBeforeTheFirst) {
   Trace("gaps=0.6");
   for (std::size_t i = 0; i < Doubts(); ++i) Key(Qt::Key_Tab);
