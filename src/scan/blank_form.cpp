@@ -18,6 +18,7 @@ constexpr std::string_view FileMark = "hyetex blank form 1 ";
 constexpr double Scale = 8;               // pixels for each mm, as charts are laid flat
 constexpr std::size_t FewestOfPlace = 3;  // sheets that have a place, for what they have in common
 constexpr int MostPixels = 60'000'000;
+constexpr double MostMm = 1e5;  // of paper, from midnight
 constexpr std::size_t MostBytes = 256U << 20;
 const cv::Scalar Bare(255, 255, 255);
 
@@ -86,18 +87,19 @@ BlankForm BlankForm::OfBlank(const FormSheet& sheet) {
 Result<std::string> BlankForm::Bytes() const {
   std::vector<std::uint8_t> picture;
   if (!cv::imencode(".png", light_, picture)) return Failure("the blank form cannot be written as a picture");
-  char numbers[80];
-  std::snprintf(numbers, sizeof numbers, "%.4f %.4f\n", leftMm_, topMm_);
-  return std::string(FileMark) + numbers + std::string(picture.begin(), picture.end());
+  return std::string(FileMark) + RoundedText(leftMm_, 4) + " " + RoundedText(topMm_, 4) + "\n" +
+         std::string(picture.begin(), picture.end());
 }
 
 Result<BlankForm> BlankForm::Read(std::string_view bytes) {
   const std::size_t end = bytes.find('\n');
+  if (!bytes.starts_with(FileMark) || end == std::string_view::npos) return Failure("it is no blank form");
+  const std::string_view numbers = bytes.substr(FileMark.size(), end - FileMark.size());
+  const std::size_t blank = std::min(numbers.find(' '), numbers.size());
   BlankForm form;
-  if (!bytes.starts_with(FileMark) || end == std::string_view::npos || end > 120 ||
-      std::sscanf(std::string(bytes.substr(FileMark.size(), end - FileMark.size())).c_str(), "%lf %lf",
-                  &form.leftMm_, &form.topMm_) != 2 ||
-      !std::isfinite(form.leftMm_) || !std::isfinite(form.topMm_))
+  form.leftMm_ = LeadingNumber(numbers.substr(0, blank));
+  form.topMm_ = LeadingNumber(numbers.substr(blank));
+  if (std::abs(form.leftMm_) > MostMm || std::abs(form.topMm_) > MostMm)
     return Failure("it is no blank form");
   const std::vector<std::uint8_t> picture(bytes.begin() + static_cast<std::ptrdiff_t>(end) + 1, bytes.end());
   try {

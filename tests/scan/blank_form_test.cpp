@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include <clocale>
 #include <opencv2/core.hpp>
 
 #include "drawn_sheets.h"
@@ -52,9 +53,12 @@ TEST(BlankForm, IsKeptInAFileAndRefusesWhatIsNone) {
   ASSERT_TRUE(sheet) << sheet.error();
   EXPECT_FALSE(BlankForm::Of(std::vector<FormSheet>(4, *sheet)));
   const BlankForm form = BlankForm::OfBlank(*sheet);
+  const std::string locale = std::setlocale(LC_NUMERIC, nullptr);
+  std::setlocale(LC_NUMERIC, "de_DE.UTF-8");  // where the machine has it: the desk's numbers have commas
   const auto bytes = form.Bytes();
   ASSERT_TRUE(bytes);
   const auto again = BlankForm::Read(*bytes);
+  std::setlocale(LC_NUMERIC, locale.c_str());
   ASSERT_TRUE(again) << again.error();
   EXPECT_EQ(cv::norm(form.On(*sheet), again->On(*sheet), cv::NORM_INF), 0);
   for (const std::string& damaged :
@@ -62,7 +66,7 @@ TEST(BlankForm, IsKeptInAFileAndRefusesWhatIsNone) {
     const auto none = BlankForm::Read(damaged);
     EXPECT_TRUE(!none || !none->On(*sheet).empty());
   }
-  EXPECT_FALSE(BlankForm::Read("hyetex blank form 1 3 nan\nx"));
+  EXPECT_FALSE(BlankForm::Read("hyetex blank form 1 3 1e9\nx"));
   EXPECT_THAT(BlankFormPath("/p", "Täg \"end\"/a"), HasSubstr("FORMS/T%C3%A4g %22end%22%2Fa.form"));
 
   // A chart of another hour finds its own part, and bare paper beyond.
