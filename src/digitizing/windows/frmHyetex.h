@@ -179,6 +179,7 @@ class frmHyetex : public FormWindow, public FocusListener, public DeskView, publ
   /// Nothing where the operator has cancelled it.
   template <typename Work>
   auto BesideScan(Work work) -> std::optional<decltype(work())>;
+  Result<TraceWish> KnownOfChart() const;
   Result<ScanTracer> OpenTracer();
   void OpenEarlierTrace();
   void KeepReview();

@@ -27,14 +27,6 @@ struct Traced {
   bool IsOneOfTwo = false;
 };
 
-Result<TraceWish> WishAtDesk(const Session& session, const std::string& folder) {
-  TraceWish wish = WishOf(session.Line.Scales().ChartType, session.Chart);
-  auto form = KeptBlankForm(folder, wish.Paper.Name);
-  if (!form) return Failure(form.error());
-  wish.Form = *std::move(form);
-  return wish;
-}
-
 Result<Traced> TraceBeside(const ScanImage& image, const TraceWish& wish) {
   auto tracer = ScanTracer::Open(image, wish);
   if (!tracer) return Failure("The scan cannot be traced: " + tracer.error() + ".");
@@ -65,19 +57,31 @@ auto frmHyetex::BesideScan(Work work) -> std::optional<decltype(work())> {
   return outcome;
 }
 
+// Where the page has been set, there the chart begins; but not where only the program has set it, which may
+// be in doubt of the hour.
+Result<TraceWish> frmHyetex::KnownOfChart() const {
+  TraceWish wish = WishOf(session_.Line.Scales().ChartType, session_.Chart);
+  auto form = KeptBlankForm(settings_.Folder(), wish.Paper.Name);
+  if (!form) return Failure(form.error());
+  wish.Form = *std::move(form);
+  const ChartPaper& page = session_.Line.Paper(0);
+  if (!IsCalibrated(page)) return wish;
+  const auto [x, y] = ImagePosition(scan_->Placement(), page.BottomLeftX, page.BottomLeftY);
+  if (tracer_) {
+    const TraceWish::Place own = tracer_->InImage(0, 0);
+    if (std::hypot(x - own.X, y - own.Y) < 1) return wish;
+  }
+  wish.Start = TraceWish::Place{x, y};
+  return wish;
+}
+
 // The operator may think better of it: then nothing has changed.
 void frmHyetex::TraceScan() {
   if (!isEnabled() || boxes_ > 0 || replaying_ || machine_.CommentIsOpen()) return;
   if (scan_ == nullptr) return shell_.ShowPanel(panel::Instruction, "There is no scan under the points");
-  auto known = WishAtDesk(session_, settings_.Folder());
+  auto known = KnownOfChart();
   if (!known) return ShowMessage(Title, ShownText(known.error()));
   TraceWish wish = *std::move(known);
-  // Where the operator has set the page, there the chart begins.
-  const ChartPaper& page = session_.Line.Paper(0);
-  if (IsCalibrated(page)) {
-    const auto [x, y] = ImagePosition(scan_->Placement(), page.BottomLeftX, page.BottomLeftY);
-    wish.Start = TraceWish::Place{x, y};
-  }
   const auto trace = [&] {
     return BesideScan([scan = scan_->SharedImage(), wish] { return TraceBeside(*scan, wish); });
   };
@@ -175,7 +179,7 @@ void frmHyetex::KeepReview() {
 }
 
 Result<ScanTracer> frmHyetex::OpenTracer() {
-  const auto wish = WishAtDesk(session_, settings_.Folder());
+  const auto wish = KnownOfChart();
   if (!wish) return Failure(wish.error());
   auto opened =
       BesideScan([scan = scan_->SharedImage(), wish = *wish] { return ScanTracer::Open(*scan, wish); });
