@@ -269,28 +269,25 @@ class Finder {
         }
     return rows > MoreShare * (bottom - top + 1);
   }
+  // Of the falls, or of all upright lines, one near a column that is so.
+  template <typename Is>
+  bool HasLine(int column, double mm, bool fallsOnly, const Is& is) const {
+    const auto any = [&](std::span<const FallLine> lines) {
+      return std::any_of(lines.begin(), lines.end(), [&](const FallLine& line) {
+        return std::abs(line.Column - about_.Path.FirstColumn - column) <= mm * about_.Flat.PixelsPerMm &&
+               is(line);
+      });
+    };
+    return any(about_.Falls) || (!fallsOnly && any(about_.Uprights));
+  }
   // The line of its fall is seen, and can't well be read as anything else.
   bool IsSurelyRead(int column) const {
-    const double near = FallNearMm * about_.Flat.PixelsPerMm;
-    return std::any_of(about_.Falls.begin(), about_.Falls.end(), [&](const FallLine& fall) {
-      return fall.Sure > SureReading && std::abs(fall.Column - about_.Path.FirstColumn - column) <= near;
-    });
-  }
-  bool HasLine(int column) const {
-    const double near = LineNearMm * about_.Flat.PixelsPerMm;
-    for (const std::span<const FallLine> lines : {about_.Falls, about_.Uprights})
-      for (const FallLine& line : lines)
-        if (std::abs(line.Column - about_.Path.FirstColumn - column) <= near) return true;
-    return false;
+    return HasLine(column, FallNearMm, true, [](const FallLine& fall) { return fall.Sure > SureReading; });
   }
   bool IsUnsurelyRead(int column) const {
-    const double near = FallNearMm * about_.Flat.PixelsPerMm;
-    for (const std::span<const FallLine> lines : {about_.Falls, about_.Uprights})
-      for (const FallLine& line : lines)
-        if (line.Seen > SureFall && line.Sure < SureReading &&
-            std::abs(line.Column - about_.Path.FirstColumn - column) <= near)
-          return true;
-    return false;
+    return HasLine(column, FallNearMm, false,
+                   [](const FallLine& line) { return line.Seen > SureFall && line.Sure < SureReading; }) ||
+           !HasLine(column, LineNearMm, false, [](const FallLine&) { return true; });
   }
 
   // A siphon empties; other pens are set back to the foot.
@@ -301,6 +298,22 @@ class Finder {
     constexpr int Beside = 9;
     return std::min(columns_[static_cast<std::size_t>(std::max(0, column - Beside))].Margin,
                     columns_[static_cast<std::size_t>(std::min(Count() - 1, column + Beside))].Margin);
+  }
+
+  // Empty where an emptying is sure.
+  std::string WhyConfirm(int i, double topMm) const {
+    if (const auto& usual = about_.Reach.UsualTopMm; usual && std::abs(topMm - *usual) > TopOffMm)
+      return Fall() + At(i) + " begins " + Mm(std::abs(topMm - *usual)) + " mm of paper " +
+             (topMm < *usual ? "below" : "above") + " the others.";
+    if (HasMoreBeside(i))
+      return "Beside the " + FallName() + " at " + At(i) +
+             " there is more ink: confirm that there is only one.";
+    if (!swings_ && IsSurelyRead(i)) return {};
+    if (Hour(i) - lastEmptied_ < CloseHours)
+      return Fall() + At(i) + " follows close on another: confirm how many there are.";
+    if (swings_ || MarginAround(i) < SureEmptying || IsUnsurelyRead(i))
+      return "Confirm the " + FallName() + " at " + At(i) + ".";
+    return {};
   }
 
   void Events() {
@@ -314,22 +327,8 @@ class Finder {
             "At " + At(i) + " the line goes on at another height: confirm that the pen was set anew.");
         continue;
       }
-      const double top = about_.Flat.HeightMm(before.LeaveRow);
-      if (about_.Reach.UsualTopMm && std::abs(top - *about_.Reach.UsualTopMm) > TopOffMm)
-        Add(TraceDoubt::Kind::Emptying, from, past,
-            Fall() + At(i) + " begins " + Mm(std::abs(top - *about_.Reach.UsualTopMm)) + " mm of paper " +
-                (top < *about_.Reach.UsualTopMm ? "below" : "above") + " the others.");
-      else if (HasMoreBeside(i))
-        Add(TraceDoubt::Kind::Emptying, from, past,
-            "Beside the " + FallName() + " at " + At(i) +
-                " there is more ink: confirm that there is only one.");
-      else if (!swings_ && IsSurelyRead(i))
-        ;
-      else if (Hour(i) - lastEmptied_ < CloseHours)
-        Add(TraceDoubt::Kind::Emptying, from, past,
-            Fall() + At(i) + " follows close on another: confirm how many there are.");
-      else if (swings_ || MarginAround(i) < SureEmptying || IsUnsurelyRead(i) || !HasLine(i))
-        Add(TraceDoubt::Kind::Emptying, from, past, "Confirm the " + FallName() + " at " + At(i) + ".");
+      if (std::string why = WhyConfirm(i, about_.Flat.HeightMm(before.LeaveRow)); !why.empty())
+        Add(TraceDoubt::Kind::Emptying, from, past, std::move(why));
       lastEmptied_ = Hour(i);
     }
   }
@@ -356,9 +355,8 @@ std::string MomentText(const TraceWish& wish, double hour) {
 }
 
 std::string MmText(double value) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.1f", value);
-  return text;
+  const std::string text = RoundedText(value, 1);
+  return text.find('.') == std::string::npos ? text + ".0" : text;
 }
 
 std::vector<float> ConfidenceOfColumns(const PenPath& path) {

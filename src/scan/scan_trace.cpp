@@ -25,6 +25,7 @@ constexpr double GapHours = 0.75;       // without ink, from which on it is told
 constexpr double GapMm = 4;             // and on charts of a week, so long
 constexpr double LeastContrast = 0.05;  // of a pen against its paper
 constexpr double LeastExplained = 0.3, SureExplained = 0.88;
+constexpr double MostOfOneLine = 0.75;    // of the ink explains one of two lines
 constexpr double LeastOnLine = 0.15;      // ink on the line, where the form does not hide it
 constexpr double LeastOfContrast = 0.32;  // has a line's mean ink, where most of it is hidden
 constexpr double ScaleOff = 0.06;         // of the file's own resolution: more than paper shrinks
@@ -298,7 +299,7 @@ Result<FormSheet> SheetForForm(const ScanImage& image, const TraceWish& wish) {
 }
 
 bool IsOneOfTwoLines(const ScanTrace& trace, const ScanImage& image, TraceWish wish) {
-  if (wish.Line != 0 || trace.Points.empty() || trace.InkExplained >= SureExplained) return false;
+  if (wish.Line != 0 || trace.Points.empty() || trace.InkExplained >= MostOfOneLine) return false;
   wish.Line = 1;
   return ScanTracer::Open(image, wish).has_value();
 }

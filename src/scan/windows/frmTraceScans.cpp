@@ -123,9 +123,9 @@ void frmTraceScans::ShowRows() {
 
 // The scan's name takes what is over. A state has room for the longest, since it changes while one looks.
 void frmTraceScans::FitColumns() {
-  constexpr int state = 2, beside = 16;
+  constexpr int state = static_cast<int>(QueueStateColumn), beside = 16;
   fgdScans->resizeColumnsToContents();
-  const QString longest = QString::fromStdString(std::string(StateText(TraceQueue::State::Digitized)));
+  const QString longest = ToQt(StateText(State::Digitized));
   fgdScans->setColumnWidth(state, std::max(fgdScans->columnWidth(state),
                                            fgdScans->fontMetrics().horizontalAdvance(longest) + beside));
   fgdScans->setColumnWidth(fgdScans->columnCount() - 1, 0);

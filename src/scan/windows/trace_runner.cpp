@@ -15,8 +15,9 @@ constexpr int Niceness = 10;       // the operator's hands come first
 constexpr int MsForTheEnd = 3000;  // of a process that was killed
 
 // In the new process, before it becomes the program: it ends when the desk does, in whatever way.
-void BecomeSecondary() {
+void BecomeSecondary(pid_t desk) {
   ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+  if (::getppid() != desk) ::_exit(1);
   [[maybe_unused]] const int niceness = ::nice(Niceness);
 }
 
@@ -27,7 +28,7 @@ void TraceRunner::Begin(std::size_t chart, const QString& program, const QString
   auto* process = new QProcess(this);
   process->setObjectName("trace" + QString::number(chart));
   process->setStandardInputFile(QProcess::nullDevice());
-  process->setChildProcessModifier(BecomeSecondary);
+  process->setChildProcessModifier([desk = ::getpid()] { BecomeSecondary(desk); });
   running_[chart] = process;
   connect(process, &QProcess::finished, this, [=, this](int, QProcess::ExitStatus how) {
     const QByteArray out = process->readAllStandardOutput(), error = process->readAllStandardError();
