@@ -24,6 +24,7 @@
 #include "pictures/picture_database.h"
 #include "platform/outlined_style.h"
 #include "platform/qt_text.h"
+#include "scan/box/chart_tracing.h"
 #include "scans/drawn_scan.h"
 #include "scans/scan_damage.h"
 #include "scans/scan_file.h"
@@ -506,6 +507,10 @@ Result<void> TakePictures(const std::string& programFolder, const std::string& p
     desk.LoggedIn();
     TakeBox(desk, camera);
   }
+  // What the box has left would be gone on with on the next scan.
+  fs::remove(JoinPath(copy, JournalFileName), error);
+  if (const auto target = ReadTargetFolder(settings))
+    fs::remove(TraceJournalPath(*target, "NM-Hill Farm-01-19980305-0700.dat"), error);
   (void)settings.Set(setting::ScanFolder, scans);
   AppDesk desk(words, dialogs);
   desk.ShellSize = ShellSize;
